@@ -1,0 +1,111 @@
+// JsonWriter: compact JSON, written as it is said, without a tree in between.
+//
+// Strings are UTF-8 by contract and are not checked. The caller keeps the grammar: a key before
+// each member of an object, every begin with its end. Commas are the writer's business.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace trellant {
+
+/// Where the bytes go.
+class JsonSink {
+  public:
+    JsonSink() = default;
+    JsonSink(const JsonSink&) = delete;
+    JsonSink(JsonSink&&) = delete;
+    JsonSink& operator=(const JsonSink&) = delete;
+    JsonSink& operator=(JsonSink&&) = delete;
+    virtual ~JsonSink() = default;
+    /// Takes the next bytes; they are not kept alive after the call. What it throws leaves the
+    /// writer's call.
+    virtual void write(std::string_view bytes) = 0;
+};
+
+/// A sink that gathers everything in `text`.
+class StringSink final : public JsonSink {
+  public:
+    void write(std::string_view bytes) override { text.append(bytes); }
+    std::string text;
+};
+
+class JsonWriter {
+  public:
+    /// Bytes that are gathered before the sink is called; also the longest piece that it gets,
+    /// except for long strings without escapes, which are handed on as they are.
+    static constexpr std::size_t bufferSize = 65536;
+
+    /// `sink` must outlive the writer.
+    explicit JsonWriter(JsonSink& sink);
+
+    void beginObject() { open('{'); }
+    void endObject() { close('}'); }
+    void beginArray() { open('['); }
+    void endArray() { close(']'); }
+
+    /// A key that needs no escape, such as a name from a field table. Inlined always: with a
+    /// constant key the copy is a few moves.
+    [[gnu::always_inline]] void plainKey(std::string_view key) {
+        separate();
+        char* out = reserve(key.size() + 3);
+        *out = '"';
+        key.copy(out + 1, key.size());
+        out[key.size() + 1] = '"';
+        out[key.size() + 2] = ':';
+        used_ += key.size() + 3;
+        needsComma_ = false;
+    }
+    /// Any key.
+    void key(std::string_view key);
+
+    void string(std::string_view text);
+    void integer(std::int64_t value);
+    /// The shortest text that reads back the same; whole values below 2^53 as integers, minus zero
+    /// as "-0". Requires a finite value.
+    void number(double value);
+    void boolean(bool value);
+
+    /// Hands the rest to the sink. Nothing is flushed by the destructor: what is not flushed was
+    /// not meant to go out.
+    void flush();
+
+  private:
+    void separate() {
+        if (needsComma_) {
+            put(',');
+        }
+    }
+    void open(char bracket) {
+        separate();
+        put(bracket);
+        needsComma_ = false;
+    }
+    void close(char bracket) {
+        put(bracket);
+        needsComma_ = true;
+    }
+    void put(char byte) {
+        *reserve(1) = byte;
+        ++used_;
+    }
+    /// Room for `count` bytes (at most bufferSize) at the returned place; `used_` is the caller's.
+    char* reserve(std::size_t count) {
+        if (count > bufferSize - used_) {
+            flush();
+        }
+        return buffer_.get() + used_;
+    }
+    void append(std::string_view bytes);
+    void quoted(std::string_view text);
+
+    JsonSink& sink_;
+    std::unique_ptr<char[]> buffer_;
+    std::size_t used_ = 0;
+    bool needsComma_ = false;
+};
+
+}  // namespace trellant

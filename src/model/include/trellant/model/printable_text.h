@@ -1,0 +1,21 @@
+// Text that came from outside, made fit for one line of a message.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace trellant {
+
+/// Bytes of the well-formed UTF-8 sequence at the head of `text`; 0 when there is none (the empty
+/// text, a stray or cut sequence, an overlong form, a surrogate, a value beyond U+10FFFF).
+[[nodiscard]] std::size_t utf8SequenceLength(std::string_view text) noexcept;
+
+/// True when all of `text` is well-formed UTF-8.
+[[nodiscard]] bool isWellFormedText(std::string_view text) noexcept;
+
+/// `text` with control characters (below 0x20, and 0x7f) as \u00xx and every byte that is not
+/// UTF-8 as U+FFFD; cut with "..." when more than `maxBytes` of `text` would be shown.
+[[nodiscard]] std::string printableText(std::string_view text, std::size_t maxBytes = 120);
+
+}  // namespace trellant

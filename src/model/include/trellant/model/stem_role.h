@@ -1,0 +1,27 @@
+// What a person is shown of stem roles: which of them are outputs, and what they are called.
+#pragma once
+
+#include <trellant/model/timeline.h>
+
+#include <array>
+#include <string_view>
+
+namespace trellant {
+
+/// Every role, in declaration order.
+inline constexpr std::array<AAFStemRole, 5> allStemRoles{AAFStemRole::music, AAFStemRole::sounds,
+                                                         AAFStemRole::voice, AAFStemRole::other,
+                                                         AAFStemRole::unclassified};
+
+/// The roles that stems are written for. `unclassified` is none of them on purpose.
+inline constexpr std::array<AAFStemRole, 4> ausgaberollen{AAFStemRole::music, AAFStemRole::sounds,
+                                                          AAFStemRole::voice, AAFStemRole::other};
+
+/// The key under which a host keeps the role's display name. `unclassified` shares the key of
+/// `other` on purpose: it has no display name of its own.
+[[nodiscard]] std::string_view anzeigenameKey(AAFStemRole role) noexcept;
+
+/// The role's display name in English.
+[[nodiscard]] std::string_view anzeigename(AAFStemRole role) noexcept;
+
+}  // namespace trellant

@@ -1,0 +1,36 @@
+#include <trellant/model/precondition.h>
+#include <trellant/model/stem_role.h>
+
+namespace trellant {
+
+std::string_view anzeigenameKey(AAFStemRole role) noexcept {
+    switch (role) {
+        case AAFStemRole::music:
+            return "aaf.stem.music";
+        case AAFStemRole::sounds:
+            return "aaf.stem.sounds";
+        case AAFStemRole::voice:
+            return "aaf.stem.voice";
+        case AAFStemRole::other:
+        case AAFStemRole::unclassified:
+            return "aaf.stem.other";
+    }
+    preconditionFailure("enumeration value outside its cases");
+}
+
+std::string_view anzeigename(AAFStemRole role) noexcept {
+    switch (role) {
+        case AAFStemRole::music:
+            return "Music";
+        case AAFStemRole::sounds:
+            return "Sounds";
+        case AAFStemRole::voice:
+            return "Voice";
+        case AAFStemRole::other:
+        case AAFStemRole::unclassified:
+            return "Other";
+    }
+    preconditionFailure("enumeration value outside its cases");
+}
+
+}  // namespace trellant

@@ -1,0 +1,267 @@
+#include <trellant/model/json_encode.h>
+#include <trellant/model/validation.h>
+#include <trellant/protocol/messages.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace trellant {
+namespace {
+
+using Request = AAFWorkerProtocol::Request;
+using Progress = AAFWorkerProtocol::Progress;
+using Result = AAFWorkerProtocol::Result;
+
+constexpr const char* requestJson =
+    R"({"protocolVersion":1,"operation":"extractAndInspect","aafPath":"\/in\/film.omf",)"
+    R"("workDirectory":"\/out","mediaSearchDirectory":"\/media",)"
+    R"("recoverProToolsTrueFades":true,"removeProToolsSampleAccurateEditFragments":false})";
+
+Request sampleRequest() {
+    return {1,    Request::Operation::extractAndInspect, "/in/film.omf", "/out", "/media", true,
+            false};
+}
+
+template <class Decode>
+std::string errorOf(Decode decode, std::string_view json) {
+    try {
+        (void)decode(json);
+    } catch (const JsonDecodingError& error) {
+        return error.what();
+    }
+    return "decoded";
+}
+
+std::string requestError(std::string_view json) {
+    return errorOf(decodeRequest, json);
+}
+
+std::string replaced(std::string text, std::string_view from, std::string_view to) {
+    const std::size_t at = text.find(from);
+    EXPECT_NE(at, std::string::npos) << from;
+    return text.replace(at, from.size(), to);
+}
+
+TEST(WorkerProtocol, VersionIsOne) {
+    EXPECT_EQ(AAFWorkerProtocol::version, 1);
+}
+
+TEST(WorkerRequest, EncodesInDocumentedOrder) {
+    EXPECT_EQ(encodeRequest(sampleRequest()), requestJson);
+}
+
+TEST(WorkerRequest, Decodes) {
+    EXPECT_EQ(decodeRequest(requestJson), sampleRequest());
+}
+
+TEST(WorkerRequest, AbsentSearchDirectoryIsLeftOut) {
+    Request request = sampleRequest();
+    request.mediaSearchDirectory.reset();
+    EXPECT_EQ(encodeRequest(request),
+              replaced(requestJson, R"("mediaSearchDirectory":"\/media",)", ""));
+}
+
+TEST(WorkerRequest, NullOrMissingSearchDirectoryIsAbsent) {
+    EXPECT_EQ(decodeRequest(replaced(requestJson, R"("\/media")", "null")).mediaSearchDirectory,
+              std::nullopt);
+    EXPECT_EQ(decodeRequest(replaced(requestJson, R"("mediaSearchDirectory":"\/media",)", ""))
+                  .mediaSearchDirectory,
+              std::nullopt);
+}
+
+TEST(WorkerRequest, EmptySearchDirectoryIsPresent) {
+    EXPECT_EQ(decodeRequest(replaced(requestJson, R"("\/media")", R"("")")).mediaSearchDirectory,
+              "");
+}
+
+TEST(WorkerRequest, EveryOperationHasItsRawValue) {
+    using Operation = Request::Operation;
+    for (const auto& [name, operation] :
+         std::map<std::string, Operation>{{"inspect", Operation::inspect},
+                                          {"extractAndInspect", Operation::extractAndInspect},
+                                          {"verifyExport", Operation::verifyExport}}) {
+        EXPECT_EQ(rawValue(operation), name);
+        EXPECT_EQ(fromRawValue<Operation>(name), operation);
+        EXPECT_EQ(decodeRequest(replaced(requestJson, "extractAndInspect", name)).operation,
+                  operation);
+    }
+}
+
+TEST(WorkerRequest, OperationsAreComparedWithTheirCase) {
+    EXPECT_EQ(requestError(replaced(requestJson, "extractAndInspect", "Inspect")),
+              R"(operation: unknown value "Inspect")");
+}
+
+TEST(WorkerRequest, EveryRequiredKeyIsNamedWhenMissing) {
+    for (const auto& [key, member] : std::map<std::string, std::string>{
+             {"protocolVersion", R"("protocolVersion":1,)"},
+             {"operation", R"("operation":"extractAndInspect",)"},
+             {"aafPath", R"("aafPath":"\/in\/film.omf",)"},
+             {"workDirectory", R"("workDirectory":"\/out",)"},
+             {"recoverProToolsTrueFades", R"("recoverProToolsTrueFades":true,)"},
+             {"removeProToolsSampleAccurateEditFragments",
+              R"(,"removeProToolsSampleAccurateEditFragments":false)"}}) {
+        EXPECT_EQ(requestError(replaced(requestJson, member, "")), key + ": missing key");
+    }
+}
+
+TEST(WorkerRequest, TypesAreStrict) {
+    EXPECT_EQ(requestError(replaced(requestJson, ":1,", ":1.5,")),
+              "protocolVersion: the number is not whole");
+    EXPECT_EQ(requestError(replaced(requestJson, ":1,", R"(:"1",)")),
+              "protocolVersion: expected an integer, found a string");
+    EXPECT_EQ(requestError(replaced(requestJson, ":true", ":1")),
+              "recoverProToolsTrueFades: expected a boolean, found a number");
+    EXPECT_EQ(requestError(replaced(requestJson, R"("\/media")", "[]")),
+              "mediaSearchDirectory: expected a string, found an array");
+    EXPECT_EQ(requestError("[]"), "expected an object, found an array");
+}
+
+TEST(WorkerRequest, WholeNumbersInAnyFormAreVersions) {
+    EXPECT_EQ(decodeRequest(replaced(requestJson, ":1,", ":10e-1,")).protocolVersion, 1);
+    EXPECT_EQ(decodeRequest(replaced(requestJson, ":1,", ":-2.0,")).protocolVersion, -2);
+}
+
+TEST(WorkerRequest, UnknownKeysAreIgnored) {
+    EXPECT_EQ(decodeRequest(replaced(requestJson, "{", R"({"later":{"aafPath":[1]},)")),
+              sampleRequest());
+}
+
+TEST(WorkerRequest, BlankTextIsNoRequest) {
+    EXPECT_EQ(requestError(" \n"),
+              "syntax error at line 2, column 1: unexpected end of input; expected '[', '{', or a "
+              "literal");
+}
+
+TEST(WorkerProgress, EncodesInDocumentedOrder) {
+    EXPECT_EQ(encodeProgress({"opening", 0.05, std::nullopt}),
+              R"({"phase":"opening","fraction":0.05})");
+    EXPECT_EQ(encodeProgress({"done", 1.0, "all/that"}),
+              R"({"phase":"done","fraction":1,"detail":"all\/that"})");
+}
+
+TEST(WorkerProgress, DecodesWithoutDetailInAnyOrder) {
+    EXPECT_EQ(decodeProgress(R"({"fraction":1,"phase":"done"})"),
+              (Progress{"done", 1.0, std::nullopt}));
+    EXPECT_EQ(decodeProgress(R"({"detail":"d","fraction":1.5e-1,"phase":"x"})"),
+              (Progress{"x", 0.15, "d"}));
+}
+
+TEST(WorkerProgress, MissingKeysAreNamed) {
+    EXPECT_EQ(errorOf(decodeProgress, R"({"phase":"x"})"), "fraction: missing key");
+    EXPECT_EQ(errorOf(decodeProgress, R"({"fraction":0})"), "phase: missing key");
+}
+
+TEST(WorkerProgress, AFractionThatIsNotFiniteCannotBeEncoded) {
+    try {
+        (void)encodeProgress({"x", std::nan(""), std::nullopt});
+        FAIL();
+    } catch (const JsonEncodingError& error) {
+        EXPECT_STREQ(error.what(), "cannot encode fraction: the number is not finite");
+    }
+}
+
+Result sampleResult() {
+    Result result;
+    result.timeline.sourceAAF = AAFURL{"file:///film.omf"};
+    result.timeline.clock.timelineZero = AAFTimecodeAddress(1, 0, 0, 0, AAFTimecodeRate::fps25());
+    result.diagnostics = {"Bento 1", "two/lines\n"};
+    return result;
+}
+
+constexpr const char* timelineJson =
+    R"({"clock":{"editRate":{"denominator":1,"numerator":25},)"
+    R"("timecodeRate":{"dropFrame":false,"exactRate":{"denominator":1,"numerator":25},)"
+    R"("nominalFramesPerSecond":25},"timelineZero":{"frames":0,"hours":1,"minutes":0,)"
+    R"("rate":{"dropFrame":false,"exactRate":{"denominator":1,"numerator":25},)"
+    R"("nominalFramesPerSecond":25},"seconds":0}},"essences":[],"events":[],)"
+    R"("sourceAAF":"file:\/\/\/film.omf","tracks":[],"unsupportedFeatures":[]})";
+
+std::string resultJson(const std::string& digests) {
+    return std::string(R"({"diagnostics":["Bento 1","two\/lines\n"],)") + digests +
+           R"("protocolVersion":1,"timeline":)" + timelineJson + "}";
+}
+
+std::string encoded(const Result& result) {
+    StringSink sink;
+    encodeResult(result, sink);
+    return sink.text;
+}
+
+TEST(WorkerResult, EncodesWithSortedKeysAndNothingAfterIt) {
+    EXPECT_EQ(encoded(sampleResult()), resultJson(""));
+}
+
+TEST(WorkerResult, DigestsAreSortedAndEscaped) {
+    Result result = sampleResult();
+    result.embeddedMediaSHA256 = std::map<std::string, std::string>{{"b/c", "2"}, {"a\"", "1"}};
+    EXPECT_EQ(encoded(result), resultJson(R"("embeddedMediaSHA256":{"a\"":"1","b\/c":"2"},)"));
+    EXPECT_EQ(decodeResult(encoded(result)), result);
+}
+
+TEST(WorkerResult, WithoutDigestsTheyAreAbsent) {
+    EXPECT_EQ(decodeResult(resultJson("")), sampleResult());
+    EXPECT_EQ(decodeResult(resultJson(R"("embeddedMediaSHA256":null,)")), sampleResult());
+}
+
+TEST(WorkerResult, EmptyDigestsArePresent) {
+    EXPECT_EQ(decodeResult(resultJson(R"("embeddedMediaSHA256":{},)")).embeddedMediaSHA256,
+              (std::map<std::string, std::string>{}));
+}
+
+TEST(WorkerResult, MissingKeysAreNamed) {
+    const auto decode = [](std::string_view json) { return decodeResult(json); };
+    EXPECT_EQ(errorOf(decode, replaced(resultJson(""), R"("protocolVersion":1,)", "")),
+              "protocolVersion: missing key");
+    EXPECT_EQ(errorOf(decode, R"({"protocolVersion":1,"diagnostics":[]})"),
+              "timeline: missing key");
+    EXPECT_EQ(
+        errorOf(decode, std::string(R"({"protocolVersion":1,"timeline":)") + timelineJson + "}"),
+        "diagnostics: missing key");
+    EXPECT_EQ(errorOf(decode, replaced(resultJson(""), R"("events":[],)", "")),
+              "timeline.events: missing key");
+}
+
+TEST(WorkerResult, DecodingValidatesTheTimeline) {
+    const std::string json =
+        replaced(resultJson(""), R"("editRate":{"denominator":1,"numerator":25})",
+                 R"("editRate":{"denominator":1,"numerator":-25})");
+    try {
+        (void)decodeResult(json);
+        FAIL();
+    } catch (const AAFRawTimelineValidation::Failure& failure) {
+        EXPECT_STREQ(failure.what(), "AAF raw model: invalid-edit-rate (clock)");
+    }
+    EXPECT_EQ(decodeResult(json, TimelineChecks::none).timeline.clock.editRate, AAFRational(-25));
+}
+
+/// Fails the test when anything is written.
+class UntouchedSink final : public JsonSink {
+  public:
+    void write(std::string_view bytes) override { FAIL() << bytes; }
+};
+
+TEST(WorkerResult, WhatCannotBeEncodedWritesNothing) {
+    Result result = sampleResult();
+    for (int index = 0; index < 5000; ++index) {
+        result.timeline.events.push_back({.id = "event " + std::to_string(index)});
+    }
+    result.timeline.events[3].fixedClipGain = std::numeric_limits<double>::infinity();
+    UntouchedSink sink;
+    try {
+        encodeResult(result, sink);
+        FAIL();
+    } catch (const JsonEncodingError& error) {
+        EXPECT_STREQ(error.what(),
+                     "cannot encode timeline.events[3].fixedClipGain: the number is not finite");
+    }
+}
+
+}  // namespace
+}  // namespace trellant
