@@ -1,0 +1,138 @@
+// Opening a container, and looking things up in it.
+#include "bento_contents.h"
+#include "bento_footer.h"
+#include "bento_toc.h"
+
+#include <trellant/io/bento_container.h>
+#include <trellant/io/errors.h>
+
+#include <algorithm>
+
+namespace trellant {
+
+namespace {
+
+/// Properties whose values name the object that carries them.
+constexpr std::uint32_t typeNameProperty = 23;
+constexpr std::uint32_t propertyNameProperty = 24;
+/// Cap in bytes of all names of one kind together. Many objects may point at the same long text:
+/// without it a small file could fill the memory. Objects beyond it get no name.
+constexpr std::uint64_t allNamesLimit = 67'108'864;
+
+BentoFooter readFooter(const RandomAccessFile& file) {
+    const std::uint64_t count = std::min<std::uint64_t>(file.size(), bentoTailSize);
+    return decodeBentoFooter(file.read(file.size() - count, static_cast<std::int64_t>(count)),
+                             file.size());
+}
+
+std::vector<BentoPackedItem> readItems(const RandomAccessFile& file, const BentoFooter& footer) {
+    const Bytes toc = file.read(footer.tocOffset, static_cast<std::int64_t>(footer.tocSize));
+    switch (footer.majorVersion) {
+        case 2:
+            return decodeCompressedToc(toc, footer.byteOrder, footer.blockSize);
+        case 1:
+            return decodeTocV1(toc, footer.byteOrder);
+        default:
+            throw OMFIOError::unsupported("Bento footer major version " +
+                                          std::to_string(footer.majorVersion));
+    }
+}
+
+}  // namespace
+
+BentoContainer::Contents::Contents(const std::string& path)
+    : file(path),
+      footer(readFooter(file)),
+      items(readItems(file, footer)),
+      index(items),
+      cache(file),
+      propertyNames(readNames(propertyNameProperty)),
+      typeNames(readNames(typeNameProperty)) {}
+
+BentoNames BentoContainer::Contents::readNames(std::uint32_t property) const {
+    BentoNames names;
+    std::uint64_t total = 0;
+    for (const std::uint32_t object : index.objects()) {
+        const BentoItemIndex::Run run = index.find(object, property);
+        if (run.empty() || total > allNamesLimit) {
+            continue;
+        }
+        try {
+            const Bytes name = value(run, nameLimit);
+            total += name.size();
+            names.add(object, name);
+        } catch (const OMFIOError&) {
+            continue;
+        } catch (const FileSystemError&) {
+            continue;
+        }
+    }
+    return names;
+}
+
+BentoContainer::BentoContainer(const std::string& path)
+    : contents_(std::make_unique<Contents>(path)) {}
+
+BentoContainer::~BentoContainer() = default;
+
+const RandomAccessFile& BentoContainer::file() const noexcept {
+    return contents_->file;
+}
+
+const BentoFooter& BentoContainer::footer() const noexcept {
+    return contents_->footer;
+}
+
+std::size_t BentoContainer::itemCount() const noexcept {
+    return contents_->items.size();
+}
+
+BentoTOCItem BentoContainer::item(std::size_t index) const {
+    const BentoPackedItem& packed = contents_->items.at(index);
+    return {packed.object, packed.property, packed.type, packed.generation, packed.segment()};
+}
+
+std::vector<BentoTOCItem> BentoContainer::items(std::uint32_t object,
+                                                std::uint32_t property) const {
+    const BentoItemIndex::Run run = contents_->index.find(object, property);
+    std::vector<BentoTOCItem> result;
+    result.reserve(run.end - run.begin);
+    for (std::size_t place = run.begin; place < run.end; ++place) {
+        const BentoPackedItem& packed = contents_->index.item(place);
+        result.push_back(
+            {packed.object, packed.property, packed.type, packed.generation, packed.segment()});
+    }
+    return result;
+}
+
+std::vector<BentoTOCItem> BentoContainer::items(std::uint32_t object,
+                                                std::string_view propertyName) const {
+    const std::optional<std::uint32_t> property = propertyID(propertyName);
+    return property ? items(object, *property) : std::vector<BentoTOCItem>();
+}
+
+std::span<const std::uint32_t> BentoContainer::objectIDs() const noexcept {
+    return contents_->index.objects();
+}
+
+std::optional<std::size_t> BentoContainer::objectIndex(std::uint32_t object) const noexcept {
+    return contents_->index.rank(object);
+}
+
+std::optional<std::string_view> BentoContainer::propertyName(std::uint32_t property) const {
+    return contents_->propertyNames.name(property);
+}
+
+std::optional<std::string_view> BentoContainer::typeName(std::uint32_t type) const {
+    return contents_->typeNames.name(type);
+}
+
+std::optional<std::uint32_t> BentoContainer::propertyID(std::string_view name) const {
+    return contents_->propertyNames.object(name);
+}
+
+std::optional<std::uint32_t> BentoContainer::typeID(std::string_view name) const {
+    return contents_->typeNames.object(name);
+}
+
+}  // namespace trellant

@@ -1,0 +1,41 @@
+// What an open container holds, and the reading of values that opening and use share.
+#pragma once
+
+#include "bento_block_cache.h"
+#include "bento_item_index.h"
+#include "bento_names.h"
+#include "bento_packed_item.h"
+
+#include <trellant/io/bento_container.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace trellant {
+
+struct BentoContainer::Contents {
+    explicit Contents(const std::string& path);
+
+    /// The bytes of a run's items in table order. Throws OMFIOError unsupported beyond `maxBytes`
+    /// and the file's errors.
+    [[nodiscard]] Bytes value(BentoItemIndex::Run run, std::int64_t maxBytes) const;
+    /// Appends `length` bytes of the file, whose bounds it checks before growing `bytes`.
+    void appendRange(Bytes& bytes, std::uint64_t offset, std::uint64_t length) const;
+
+    /// Fills `into` from byte `offset`; false when the file's errors stand in the way.
+    [[nodiscard]] bool readSmall(std::uint64_t offset, std::span<std::byte> into) const noexcept;
+
+    RandomAccessFile file;
+    BentoFooter footer;
+    std::vector<BentoPackedItem> items;
+    BentoItemIndex index;
+    mutable BentoBlockCache cache;
+    BentoNames propertyNames;
+    BentoNames typeNames;
+
+  private:
+    [[nodiscard]] BentoNames readNames(std::uint32_t property) const;
+};
+
+}  // namespace trellant

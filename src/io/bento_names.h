@@ -1,0 +1,29 @@
+// The names that a container gives to properties, or to types.
+#pragma once
+
+#include <trellant/io/byte_readers.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+namespace trellant {
+
+class BentoNames {
+  public:
+    /// To be called with ascending `object`s, so that the smallest one keeps a name that several
+    /// carry. `value` is the stored name; an empty one is passed over.
+    void add(std::uint32_t object, ByteView value);
+
+    [[nodiscard]] std::optional<std::string_view> name(std::uint32_t object) const;
+    [[nodiscard]] std::optional<std::uint32_t> object(std::string_view name) const;
+
+  private:
+    std::unordered_map<std::uint32_t, std::string> names_;
+    /// Views into names_, whose texts never move.
+    std::unordered_map<std::string_view, std::uint32_t> objects_;
+};
+
+}  // namespace trellant

@@ -1,0 +1,172 @@
+// Copying stored pieces out into a new file. The kernel copies from file to file where it can;
+// where it cannot, or fails, bytes go through a buffer, and that path alone reports errors, so that
+// they are the same either way.
+#include <trellant/io/errors.h>
+#include <trellant/io/random_access_file.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace trellant {
+
+namespace {
+
+constexpr std::uint64_t chunkLimit = 4'194'304;
+constexpr std::size_t bufferSize = 262'144;
+
+int openNew(const std::string& path) {
+    int descriptor = -1;
+    do {
+        descriptor =
+            ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
+    } while (descriptor < 0 && errno == EINTR);
+    return descriptor;
+}
+
+/// Makes way for a new file: what stands at `path` goes when it is a file or a link, and the link's
+/// target is never touched.
+void removeExisting(const std::string& path) {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) != 0) {
+        throw FileSystemError("create", path, errno);
+    }
+    if (!S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)) {
+        throw FileSystemError("create", path, S_ISDIR(status.st_mode) ? EISDIR : EEXIST);
+    }
+    if (::unlink(path.c_str()) != 0) {
+        throw FileSystemError("create", path, errno);
+    }
+}
+
+class NewFile {
+  public:
+    explicit NewFile(const std::string& path) : path_(path) {
+        if (path.find('\0') != std::string::npos) {
+            throw FileSystemError("create", path, EINVAL);
+        }
+        descriptor_ = openNew(path);
+        if (descriptor_ < 0 && errno == EEXIST) {
+            removeExisting(path);
+            descriptor_ = openNew(path);
+        }
+        if (descriptor_ < 0) {
+            throw FileSystemError("create", path, errno);
+        }
+    }
+    ~NewFile() { ::close(descriptor_); }
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+    NewFile(NewFile&&) = delete;
+    NewFile& operator=(NewFile&&) = delete;
+
+    [[nodiscard]] int descriptor() const noexcept { return descriptor_; }
+
+    void write(ByteView bytes) const {
+        while (!bytes.empty()) {
+            const ssize_t put = ::write(descriptor_, bytes.data(), bytes.size());
+            if (put > 0) {
+                bytes = bytes.subspan(static_cast<std::size_t>(put));
+            } else if (put == 0 || errno != EINTR) {
+                throw FileSystemError("write", path_, put == 0 ? EIO : errno);
+            }
+        }
+    }
+
+  private:
+    const std::string& path_;
+    int descriptor_ = -1;
+};
+
+/// One copy in progress: moves whole chunks whose bounds were checked.
+class ChunkCopier {
+  public:
+    ChunkCopier(const RandomAccessFile& file, int source, const NewFile& destination,
+                std::atomic<std::uint64_t>& readCalls)
+        : file_(file), source_(source), destination_(destination), readCalls_(readCalls) {}
+
+    void copyChunk(std::uint64_t offset, std::uint64_t length) {
+        const std::uint64_t done = copyByKernel(offset, length);
+        if (done < length) {
+            copyByBuffer(offset, length, done);
+        }
+    }
+
+  private:
+    /// How many bytes of the chunk the kernel moved.
+    std::uint64_t copyByKernel(std::uint64_t offset, std::uint64_t length) {
+        std::uint64_t done = 0;
+        while (kernelCopies_ && done < length) {
+            auto position = static_cast<off_t>(offset + done);
+            readCalls_.fetch_add(1, std::memory_order_relaxed);
+            const ssize_t moved = ::copy_file_range(source_, &position, destination_.descriptor(),
+                                                    nullptr, length - done, 0);
+            if (moved > 0) {
+                done += static_cast<std::uint64_t>(moved);
+            } else if (moved == 0 || errno != EINTR) {
+                kernelCopies_ = false;
+            }
+        }
+        return done;
+    }
+
+    /// Moves the rest of a chunk of which `done` bytes are out already.
+    void copyByBuffer(std::uint64_t offset, std::uint64_t length, std::uint64_t done) {
+        buffer_.resize(bufferSize);
+        while (done < length) {
+            const auto wanted = std::min<std::uint64_t>(bufferSize, length - done);
+            readCalls_.fetch_add(1, std::memory_order_relaxed);
+            const ssize_t got =
+                ::pread(source_, buffer_.data(), wanted, static_cast<off_t>(offset + done));
+            if (got == 0) {
+                throw OMFIOError(OMFIOError::ShortRead{static_cast<std::int64_t>(length),
+                                                       static_cast<std::int64_t>(done)});
+            }
+            if (got < 0) {
+                if (errno == EINTR) {
+                    continue;
+                }
+                throw FileSystemError("read", file_.path(), errno);
+            }
+            destination_.write(ByteView(buffer_).first(static_cast<std::size_t>(got)));
+            done += static_cast<std::uint64_t>(got);
+        }
+    }
+
+    const RandomAccessFile& file_;
+    int source_;
+    const NewFile& destination_;
+    std::atomic<std::uint64_t>& readCalls_;
+    bool kernelCopies_ = true;
+    Bytes buffer_;
+};
+
+}  // namespace
+
+void RandomAccessFile::copy(std::span<const BentoValueSegment> segments,
+                            const std::string& destination) const {
+    const NewFile output(destination);
+    ChunkCopier copier(*this, descriptor_, output, readCalls_);
+    for (const BentoValueSegment& segment : segments) {
+        if (const auto* immediate = std::get_if<BentoImmediate>(&segment.storage)) {
+            const auto count = std::min<std::size_t>(immediate->count, immediate->bytes.size());
+            output.write(std::as_bytes(std::span(immediate->bytes)).first(count));
+        } else if (const auto* range = std::get_if<BentoRange>(&segment.storage)) {
+            std::uint64_t offset = range->offset;
+            std::uint64_t remaining = range->length;
+            while (remaining > 0) {
+                const std::uint64_t length = std::min(remaining, chunkLimit);
+                if (offset > size_ || length > size_ - offset) {
+                    throw OMFIOError(OMFIOError::OutOfBounds{offset, length, size_});
+                }
+                copier.copyChunk(offset, length);
+                offset += length;
+                remaining -= length;
+            }
+        }
+    }
+}
+
+}  // namespace trellant

@@ -1,0 +1,86 @@
+// A Bento container: objects that hold properties, each with one value that lies in one or more
+// pieces in the file. Opened whole or not at all, read only ever after; safe to share.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <trellant/io/bento_types.h>
+#include <trellant/io/random_access_file.h>
+#include <vector>
+
+namespace trellant {
+
+class BentoContainer {
+  public:
+    /// Cap in bytes of a value read whole into memory when the caller names none.
+    static constexpr std::int64_t defaultValueLimit = 8'388'608;
+    /// Cap in bytes of a property or type name.
+    static constexpr std::int64_t nameLimit = 131'072;
+
+    /// Reads footer, table of contents and name tables. Throws OMFIOError for each structural
+    /// fault, FileSystemError when the system refuses.
+    explicit BentoContainer(const std::string& path);
+    ~BentoContainer();
+    BentoContainer(const BentoContainer&) = delete;
+    BentoContainer& operator=(const BentoContainer&) = delete;
+    BentoContainer(BentoContainer&&) = delete;
+    BentoContainer& operator=(BentoContainer&&) = delete;
+
+    [[nodiscard]] const RandomAccessFile& file() const noexcept;
+    [[nodiscard]] const BentoFooter& footer() const noexcept;
+
+    /// The items in table order, by position.
+    [[nodiscard]] std::size_t itemCount() const noexcept;
+    [[nodiscard]] BentoTOCItem item(std::size_t index) const;
+    /// The items of one value in table order; empty when there are none.
+    [[nodiscard]] std::vector<BentoTOCItem> items(std::uint32_t object,
+                                                  std::uint32_t property) const;
+    [[nodiscard]] std::vector<BentoTOCItem> items(std::uint32_t object,
+                                                  std::string_view propertyName) const;
+
+    /// Every distinct object ID, ascending. Lives as long as the container.
+    [[nodiscard]] std::span<const std::uint32_t> objectIDs() const noexcept;
+    /// The position of `object` in objectIDs(); absent when it has no item.
+    [[nodiscard]] std::optional<std::size_t> objectIndex(std::uint32_t object) const noexcept;
+
+    /// The name that a property-name or type-name object carries.
+    [[nodiscard]] std::optional<std::string_view> propertyName(std::uint32_t property) const;
+    [[nodiscard]] std::optional<std::string_view> typeName(std::uint32_t type) const;
+    /// The ID of a name; the smallest when several objects carry it.
+    [[nodiscard]] std::optional<std::uint32_t> propertyID(std::string_view name) const;
+    [[nodiscard]] std::optional<std::uint32_t> typeID(std::string_view name) const;
+
+    /// The whole value: all pieces in table order. Absent when the object has no such property;
+    /// throws OMFIOError unsupported beyond `maxBytes` and the file's errors.
+    [[nodiscard]] std::optional<Bytes> valueData(std::uint32_t object,
+                                                 std::string_view propertyName,
+                                                 std::int64_t maxBytes = defaultValueLimit) const;
+    [[nodiscard]] std::optional<Bytes> valueData(std::uint32_t object, std::uint32_t property,
+                                                 std::int64_t maxBytes = defaultValueLimit) const;
+    /// At most the first `maxBytes` bytes of a value of any size, reading no more than those.
+    [[nodiscard]] std::optional<Bytes> valuePrefix(std::uint32_t object,
+                                                   std::string_view propertyName,
+                                                   std::int64_t maxBytes) const;
+    /// The value's pieces without reference lists.
+    [[nodiscard]] std::vector<BentoValueSegment> valueSegments(std::uint32_t object,
+                                                               std::string_view propertyName) const;
+    /// Writes the value into a new file (RandomAccessFile::copy); false, touching nothing, when
+    /// there are no pieces to copy.
+    [[nodiscard]] bool copyValue(std::uint32_t object, std::string_view propertyName,
+                                 const std::string& destination) const;
+
+    /// The fast path for small values: the whole value into `into`, served from cached blocks.
+    /// Gives the value's bytes, or nothing when it is absent, longer than `into` or unreadable.
+    [[nodiscard]] std::optional<std::span<const std::byte>> smallValue(
+        std::uint32_t object, std::uint32_t property, std::span<std::byte> into) const noexcept;
+
+  private:
+    struct Contents;
+    std::unique_ptr<Contents> contents_;
+};
+
+}  // namespace trellant

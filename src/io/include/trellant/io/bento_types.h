@@ -1,0 +1,61 @@
+// What a table of contents holds: items, each one piece of one property value of one object.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <trellant/io/byte_order.h>
+#include <variant>
+
+namespace trellant {
+
+struct BentoFooter {
+    /// Of the footer and of all numbers in the table of contents.
+    OMFByteOrder byteOrder = OMFByteOrder::little;
+    std::uint16_t majorVersion = 0;
+    std::uint16_t minorVersion = 0;
+    /// Bytes in a block of the compressed table of contents; 0 for the 1.0d4 form.
+    std::uint32_t blockSize = 0;
+    std::uint64_t tocOffset = 0;
+    std::uint64_t tocSize = 0;
+    /// The table's place came from the extended, 64-bit footer.
+    bool hasExtendedFooter = false;
+    bool operator==(const BentoFooter&) const = default;
+};
+
+/// Value bytes that stand in the table of contents itself.
+struct BentoImmediate {
+    std::array<std::uint8_t, 4> bytes{};
+    /// 0 to 4.
+    std::uint8_t count = 0;
+    bool operator==(const BentoImmediate&) const = default;
+};
+/// Value bytes in the file, both in bytes; unchecked, as the table gives them.
+struct BentoRange {
+    std::uint64_t offset = 0;
+    std::uint64_t length = 0;
+    bool operator==(const BentoRange&) const = default;
+};
+/// A reference-list identifier; carries no value bytes.
+struct BentoReferenceList {
+    std::uint32_t id = 0;
+    bool operator==(const BentoReferenceList&) const = default;
+};
+using BentoStorage = std::variant<BentoImmediate, BentoRange, BentoReferenceList>;
+
+struct BentoValueSegment {
+    BentoStorage storage;
+    /// The table marks this piece as continued by a following one.
+    bool continued = false;
+    bool operator==(const BentoValueSegment&) const = default;
+};
+
+struct BentoTOCItem {
+    std::uint32_t object = 0;
+    std::uint32_t property = 0;
+    std::uint32_t type = 0;
+    std::uint16_t generation = 0;
+    BentoValueSegment segment;
+    bool operator==(const BentoTOCItem&) const = default;
+};
+
+}  // namespace trellant

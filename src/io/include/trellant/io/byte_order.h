@@ -1,0 +1,9 @@
+// The byte order of numbers in a file. The container's footer fixes that of the table of contents,
+// the object model's header that of property values.
+#pragma once
+
+namespace trellant {
+
+enum class OMFByteOrder { little, big };
+
+}  // namespace trellant

@@ -1,0 +1,65 @@
+// The errors of the file-access stack. Two kinds, told apart by what a person does about them: the
+// file is damaged or unusual (OMFIOError), or the system refused something (FileSystemError).
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <string>
+#include <variant>
+
+namespace trellant {
+
+/// A fault of the file itself. what() is errorDescription().
+class OMFIOError final : public std::exception {
+  public:
+    struct OutOfBounds {
+        std::uint64_t offset;
+        std::uint64_t length;
+        std::uint64_t fileSize;
+        bool operator==(const OutOfBounds&) const = default;
+    };
+    struct ShortRead {
+        std::int64_t expected;
+        std::int64_t got;
+        bool operator==(const ShortRead&) const = default;
+    };
+    struct Malformed {
+        std::string text;
+        bool operator==(const Malformed&) const = default;
+    };
+    struct Unsupported {
+        std::string text;
+        bool operator==(const Unsupported&) const = default;
+    };
+    using Fault = std::variant<OutOfBounds, ShortRead, Malformed, Unsupported>;
+
+    explicit OMFIOError(Fault fault);
+    [[nodiscard]] static OMFIOError malformed(std::string text);
+    [[nodiscard]] static OMFIOError unsupported(std::string text);
+
+    [[nodiscard]] const Fault& fault() const noexcept { return fault_; }
+    /// "Malformed OMF/Bento file: ..." and its siblings, for a person.
+    [[nodiscard]] const std::string& errorDescription() const noexcept { return description_; }
+    [[nodiscard]] const char* what() const noexcept override { return description_.c_str(); }
+
+  private:
+    Fault fault_;
+    std::string description_;
+};
+
+/// A refusal of the operating system. what() reads: cannot open "PATH": No such file or directory
+class FileSystemError final : public std::exception {
+  public:
+    /// `action` completes "cannot ..." ("open", "create directory"); `path` is shown with what is
+    /// not UTF-8 replaced; `errorNumber` is an errno value.
+    FileSystemError(const std::string& action, const std::string& path, int errorNumber);
+
+    [[nodiscard]] int errorNumber() const noexcept { return errorNumber_; }
+    [[nodiscard]] const char* what() const noexcept override { return description_.c_str(); }
+
+  private:
+    int errorNumber_;
+    std::string description_;
+};
+
+}  // namespace trellant

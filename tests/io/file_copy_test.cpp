@@ -1,0 +1,165 @@
+#include "expect_throw.h"
+
+#include <trellant/io/random_access_file.h>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <sys/stat.h>
+#include <trellant_testing/byte_writer.h>
+#include <trellant_testing/temporary_directory.h>
+#include <vector>
+
+namespace trellant {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::bytesOf;
+using testing::faultOf;
+using testing::joined;
+using testing::patternBytes;
+using testing::readFile;
+using testing::refusalOf;
+using testing::TemporaryDirectory;
+using testing::textOf;
+using testing::writeFile;
+
+using Segments = std::vector<BentoValueSegment>;
+
+constexpr std::uint64_t chunk = 4'194'304;
+
+BentoValueSegment range(std::uint64_t offset, std::uint64_t length) {
+    return {BentoRange{offset, length}, false};
+}
+
+class FileCopy : public ::testing::Test {
+  protected:
+    TemporaryDirectory folder_;
+    std::string input_ = writeFile(folder_.file("input"), bytesOf("0123456789"));
+    std::string output_ = folder_.file("output");
+};
+
+TEST_F(FileCopy, WritesPiecesInOrder) {
+    const BentoValueSegment immediate{BentoImmediate{{'A', 'B', 'x', 'x'}, 2}, true};
+    RandomAccessFile(input_).copy(Segments{range(7, 3), immediate, range(0, 2)}, output_);
+    EXPECT_EQ(textOf(readFile(output_)), "789AB01");
+}
+
+TEST_F(FileCopy, ReferenceListsAreWrittenAsNothing) {
+    RandomAccessFile(input_).copy(Segments{{BentoReferenceList{65'536}, false}}, output_);
+    EXPECT_TRUE(readFile(output_).empty());
+}
+
+TEST_F(FileCopy, EmptyRangesWriteNothingWhereverTheyPoint) {
+    RandomAccessFile(input_).copy(Segments{range(99, 0), range(1, 1)}, output_);
+    EXPECT_EQ(textOf(readFile(output_)), "1");
+}
+
+TEST_F(FileCopy, LongRangesAtOddOffsetsComeOutByteForByte) {
+    const Bytes content = patternBytes(3 * chunk + 12'345);
+    const std::string source = writeFile(folder_.file("long"), content);
+    const RandomAccessFile file(source);
+    const std::uint64_t length = 2 * chunk + 777;
+    file.copy(Segments{range(4'097, length), range(1, 3)}, output_);
+    const ByteView all(content);
+    EXPECT_TRUE(readFile(output_) == joined({all.subspan(4'097, length), all.subspan(1, 3)}));
+}
+
+TEST_F(FileCopy, ReachesAnotherFileSystem) {
+    if (!fs::is_directory("/dev/shm")) {
+        GTEST_SKIP() << "no second file system here";
+    }
+    const TemporaryDirectory elsewhere{fs::path("/dev/shm")};
+    const Bytes content = patternBytes(chunk + 99);
+    const RandomAccessFile file(writeFile(folder_.file("long"), content));
+    file.copy(Segments{range(1, chunk + 98)}, elsewhere.file("copy"));
+    EXPECT_TRUE(readFile(elsewhere.file("copy")) == joined({ByteView(content).subspan(1)}));
+}
+
+TEST_F(FileCopy, BoundsAreJudgedChunkByChunk) {
+    const RandomAccessFile file(writeFile(folder_.file("long"), patternBytes(chunk + 10)));
+    EXPECT_EQ(faultOf([&] { return file.copy(Segments{range(5, chunk + 6)}, output_), 0; }),
+              "Read out of bounds (offset=4194309, length=6, fileSize=4194314).");
+    EXPECT_EQ(fs::file_size(output_), chunk);
+}
+
+TEST_F(FileCopy, RangesBeyondTheFileFailAndLeaveWhatWasWritten) {
+    const RandomAccessFile file(input_);
+    EXPECT_EQ(faultOf([&] {
+                  return file.copy(Segments{range(0, 4), range(8, 3)}, output_), 0;
+              }),
+              "Read out of bounds (offset=8, length=3, fileSize=10).");
+    EXPECT_EQ(textOf(readFile(output_)), "0123");
+}
+
+TEST_F(FileCopy, HugeRangesFailWithTheirFirstChunk) {
+    const RandomAccessFile file(input_);
+    const std::uint64_t huge = ~std::uint64_t{0};
+    EXPECT_EQ(faultOf([&] { return file.copy(Segments{range(huge, huge)}, output_), 0; }),
+              "Read out of bounds (offset=18446744073709551615, length=4194304, fileSize=10).");
+}
+
+TEST_F(FileCopy, AFileTruncatedAfterOpeningGivesShortReadOfTheChunk) {
+    const RandomAccessFile file(input_);
+    fs::resize_file(input_, 6);
+    EXPECT_EQ(faultOf([&] { return file.copy(Segments{range(2, 8)}, output_), 0; }),
+              "Short read (expected 8 bytes, got 4).");
+}
+
+TEST_F(FileCopy, AnExistingFileIsReplacedNotOverwritten) {
+    writeFile(output_, bytesOf("a longer text than the copy"));
+    fs::create_hard_link(output_, folder_.file("other name"));
+    RandomAccessFile(input_).copy(Segments{range(0, 3)}, output_);
+    EXPECT_EQ(textOf(readFile(output_)), "012");
+    EXPECT_EQ(textOf(readFile(folder_.file("other name"))), "a longer text than the copy");
+}
+
+TEST_F(FileCopy, ALinkAtTheDestinationIsNotFollowed) {
+    const std::string target = writeFile(folder_.file("target"), bytesOf("precious"));
+    fs::create_symlink(target, output_);
+    RandomAccessFile(input_).copy(Segments{range(0, 3)}, output_);
+    EXPECT_EQ(textOf(readFile(target)), "precious");
+    EXPECT_FALSE(fs::is_symlink(output_));
+    EXPECT_EQ(textOf(readFile(output_)), "012");
+}
+
+TEST_F(FileCopy, ADanglingLinkAtTheDestinationIsNotFollowed) {
+    fs::create_symlink(folder_.file("nowhere"), output_);
+    RandomAccessFile(input_).copy(Segments{range(0, 3)}, output_);
+    EXPECT_FALSE(fs::exists(folder_.file("nowhere")));
+    EXPECT_FALSE(fs::is_symlink(output_));
+    EXPECT_EQ(textOf(readFile(output_)), "012");
+}
+
+TEST_F(FileCopy, ADestinationThatIsTheInputLeavesTheOpenInputReadable) {
+    RandomAccessFile(input_).copy(Segments{range(4, 3)}, input_);
+    EXPECT_EQ(textOf(readFile(input_)), "456");
+}
+
+TEST_F(FileCopy, AFolderAtTheDestinationIsRefused) {
+    fs::create_directory(output_);
+    EXPECT_EQ(refusalOf([&] { return RandomAccessFile(input_).copy(Segments{}, output_), 0; }),
+              "cannot create \"" + output_ + "\": Is a directory");
+}
+
+TEST_F(FileCopy, ANamedPipeAtTheDestinationIsRefusedWithoutWaiting) {
+    ASSERT_EQ(::mkfifo(output_.c_str(), 0600), 0);
+    EXPECT_EQ(refusalOf([&] { return RandomAccessFile(input_).copy(Segments{}, output_), 0; }),
+              "cannot create \"" + output_ + "\": File exists");
+}
+
+TEST_F(FileCopy, AMissingFolderIsRefused) {
+    const std::string path = folder_.file("missing/output");
+    EXPECT_EQ(refusalOf([&] { return RandomAccessFile(input_).copy(Segments{}, path), 0; }),
+              "cannot create \"" + path + "\": No such file or directory");
+}
+
+TEST_F(FileCopy, ADestinationWithANulIsRefused) {
+    const std::string path("a\0b", 3);
+    EXPECT_EQ(refusalOf([&] { return RandomAccessFile(input_).copy(Segments{}, path), 0; }),
+              "cannot create \"a\xEF\xBF\xBD"
+              "b\": Invalid argument");
+}
+
+}  // namespace
+}  // namespace trellant

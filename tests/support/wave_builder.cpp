@@ -1,0 +1,46 @@
+#include <trellant_testing/byte_writer.h>
+#include <trellant_testing/wave_builder.h>
+
+namespace trellant::testing {
+
+namespace {
+
+constexpr std::uint16_t extensibleTag = 0xFFFE;
+
+ByteWriter writer() {
+    return ByteWriter(OMFByteOrder::little);
+}
+
+void writeChunk(ByteWriter& file, const RiffChunk& chunk) {
+    file.text(chunk.id).u32(static_cast<std::uint32_t>(chunk.data.size())).bytes(chunk.data);
+    file.zeros(chunk.data.size() % 2);
+}
+
+Bytes formatChunk(const WaveSpec& spec) {
+    const auto blockAlign = static_cast<std::uint16_t>(spec.channels * (spec.bitsPerSample / 8));
+    ByteWriter format = writer();
+    format.u16(spec.formatTag).u16(spec.channels).u32(spec.sampleRate);
+    format.u32(spec.sampleRate * blockAlign).u16(blockAlign).u16(spec.bitsPerSample);
+    if (spec.formatTag == extensibleTag) {
+        // Whole numbers, all bits valid, no speaker positions.
+        format.u16(22).u16(spec.bitsPerSample).u32(0);
+        format.bytes(hex("01 00 00 00 00 00 10 00 80 00 00 AA 00 38 9B 71"));
+    }
+    return format.written();
+}
+
+}  // namespace
+
+Bytes waveImage(const WaveSpec& spec) {
+    ByteWriter chunks = writer();
+    for (const RiffChunk& chunk : spec.leadingChunks) {
+        writeChunk(chunks, chunk);
+    }
+    writeChunk(chunks, {"fmt ", formatChunk(spec)});
+    writeChunk(chunks, {"data", spec.samples});
+    ByteWriter file = writer();
+    file.text(spec.form).u32(static_cast<std::uint32_t>(4 + chunks.size())).text(spec.formType);
+    return file.bytes(chunks.written()).written();
+}
+
+}  // namespace trellant::testing
