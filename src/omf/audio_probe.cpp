@@ -1,0 +1,182 @@
+// Both kinds of file are chunks after a head of 12 bytes: form (4), size (4), form type (4). A
+// chunk has an identifier (4), a size (4) and that many bytes, padded to an even number. WAVE is
+// little-endian, AIFF big-endian.
+//
+//   WAVE "fmt ", at least 16 bytes      AIFF "COMM", at least 18 bytes
+//   offset  size  meaning               offset  size  meaning
+//   0       2     format tag            0       2     channels
+//   2       2     channels              2       4     frame count, not read
+//   4       4     sample rate           6       2     bits per sample
+//   14      2     bits per sample       8       10    sample rate, 80-bit floating point
+//                                       18      4     compression type, AIFC only
+#include <trellant/io/errors.h>
+#include <trellant/io/random_access_file.h>
+#include <trellant/omf/audio_probe.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <string_view>
+
+namespace trellant {
+
+namespace {
+
+constexpr std::size_t headSize = 12;
+constexpr std::size_t chunkHeadSize = 8;
+constexpr std::size_t waveFormatSize = 16;
+constexpr std::size_t aiffCommonSize = 18;
+constexpr std::size_t aifcCommonSize = 22;
+constexpr std::uint64_t probedBytes = 1'048'576;
+
+struct Chunk {
+    /// As its head says; the file may be shorter.
+    std::uint32_t size = 0;
+    /// What follows the head, up to the end of the buffer.
+    ByteView rest;
+};
+
+bool hasText(ByteView data, std::size_t offset, std::string_view text) {
+    const ByteView expected = std::as_bytes(std::span(text));
+    return data.size() >= offset + text.size() &&
+           std::equal(expected.begin(), expected.end(),
+                      data.begin() + static_cast<std::ptrdiff_t>(offset));
+}
+
+/// The first chunk called `id` that is usable.
+template <typename Usable>
+std::optional<Chunk> findChunk(ByteView data, OMFByteOrder order, std::string_view id,
+                               Usable usable) {
+    std::uint64_t offset = headSize;
+    while (offset + chunkHeadSize <= data.size()) {
+        const auto size = u32(data, static_cast<std::int64_t>(offset) + 4, order);
+        const Chunk chunk{size, data.subspan(offset + chunkHeadSize)};
+        if (hasText(data, offset, id) && usable(chunk)) {
+            return chunk;
+        }
+        offset += chunkHeadSize + std::uint64_t{size} + size % 2;
+    }
+    return std::nullopt;
+}
+
+std::string waveCodec(std::uint16_t tag) {
+    if (tag == 1) {
+        return "PCM";
+    }
+    if (tag == 3) {
+        return "IEEE Float";
+    }
+    std::array<char, 24> text{};
+    std::snprintf(text.data(), text.size(), "WAVE format 0x%04X", static_cast<unsigned>(tag));
+    return text.data();
+}
+
+std::optional<AudioFormatInfo> probeWave(ByteView data) {
+    if (!hasText(data, 8, "WAVE")) {
+        return std::nullopt;
+    }
+    constexpr auto order = OMFByteOrder::little;
+    const auto format = findChunk(data, order, "fmt ", [](const Chunk& chunk) {
+        return chunk.size >= waveFormatSize && chunk.rest.size() >= waveFormatSize;
+    });
+    if (!format) {
+        return std::nullopt;
+    }
+    return AudioFormatInfo{.sampleRate = AAFRational(u32(format->rest, 4, order)),
+                           .channels = u16(format->rest, 2, order),
+                           .bitDepth = u16(format->rest, 14, order),
+                           .codec = waveCodec(u16(format->rest, 0, order))};
+}
+
+/// Sign and exponent in 16 bits, then 64 bits of mantissa with its leading one. Infinities and not
+/// a number come out as the arithmetic has it.
+double extended80(ByteView bytes) {
+    const std::uint16_t head = u16(bytes, 0, OMFByteOrder::big);
+    const int exponent = head & 0x7FFF;
+    if (exponent == 0) {
+        return 0;
+    }
+    const auto mantissa = static_cast<double>(u64(bytes, 2, OMFByteOrder::big));
+    const double magnitude = std::ldexp(mantissa, exponent - 16'383 - 63);
+    return (head & 0x8000) != 0 ? -magnitude : magnitude;
+}
+
+/// The nearest whole number, halves away from zero, saturating; 0 for what is no number.
+std::int64_t wholeNumber(double value) {
+    constexpr double limit = 9'223'372'036'854'775'808.0;
+    if (std::isnan(value)) {
+        return 0;
+    }
+    if (value >= limit) {
+        return std::numeric_limits<std::int64_t>::max();
+    }
+    if (value < -limit) {
+        return std::numeric_limits<std::int64_t>::min();
+    }
+    return static_cast<std::int64_t>(std::round(value));
+}
+
+std::string aiffCodec(ByteView data, const Chunk& common) {
+    const ByteView formType = data.subspan(8, 4);
+    const bool isCompressedForm = hasText(data, 8, "AIFC");
+    ByteView codec = formType;
+    if (isCompressedForm && common.size >= aifcCommonSize && common.rest.size() >= aifcCommonSize) {
+        const ByteView compression = common.rest.subspan(18, 4);
+        const bool isASCII = std::all_of(compression.begin(), compression.end(), [](std::byte b) {
+            return (b & std::byte{0x80}) == std::byte{0};
+        });
+        codec = isASCII ? compression : formType;
+    }
+    std::string text(codec.size(), '\0');
+    std::transform(codec.begin(), codec.end(), text.begin(),
+                   [](std::byte byte) { return static_cast<char>(byte); });
+    return text;
+}
+
+std::optional<AudioFormatInfo> probeAiff(ByteView data) {
+    if (!hasText(data, 8, "AIFF") && !hasText(data, 8, "AIFC")) {
+        return std::nullopt;
+    }
+    constexpr auto order = OMFByteOrder::big;
+    const auto common = findChunk(data, order, "COMM", [](const Chunk& chunk) {
+        return chunk.rest.size() >= aiffCommonSize;
+    });
+    if (!common) {
+        return std::nullopt;
+    }
+    return AudioFormatInfo{
+        .sampleRate = AAFRational(wholeNumber(extended80(common->rest.subspan(8, 10)))),
+        .channels = u16(common->rest, 0, order),
+        .bitDepth = u16(common->rest, 6, order),
+        .codec = aiffCodec(data, *common)};
+}
+
+}  // namespace
+
+std::optional<AudioFormatInfo> AudioProbe::probe(ByteView data) {
+    if (data.size() < headSize) {
+        return std::nullopt;
+    }
+    if (hasText(data, 0, "RIFF") || hasText(data, 0, "RF64")) {
+        return probeWave(data);
+    }
+    if (hasText(data, 0, "FORM")) {
+        return probeAiff(data);
+    }
+    return std::nullopt;
+}
+
+std::optional<AudioFormatInfo> AudioProbe::probeFile(const std::string& path) {
+    try {
+        const RandomAccessFile file(path);
+        Bytes data(std::min(file.size(), probedBytes));
+        data.resize(file.readAvailable(0, data));
+        return probe(data);
+    } catch (const FileSystemError&) {
+        return std::nullopt;
+    }
+}
+
+}  // namespace trellant

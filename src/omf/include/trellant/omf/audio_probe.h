@@ -1,0 +1,31 @@
+// What the header of a WAVE or AIFF/AIFC file says about its audio.
+#pragma once
+
+#include <trellant/io/byte_readers.h>
+#include <trellant/model/rational.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace trellant {
+
+struct AudioFormatInfo {
+    /// Whole hertz over 1.
+    std::optional<AAFRational> sampleRate;
+    std::optional<std::int64_t> channels;
+    /// Bits of one sample.
+    std::optional<std::int64_t> bitDepth;
+    std::optional<std::string> codec;
+    bool operator==(const AudioFormatInfo&) const = default;
+};
+
+/// Nothing here throws for what a file holds: a header that is not recognised is absent.
+struct AudioProbe {
+    /// `data` begins with the file's first byte.
+    [[nodiscard]] static std::optional<AudioFormatInfo> probe(ByteView data);
+    /// Looks at the first 1 MiB of a regular file; absent when it cannot be read.
+    [[nodiscard]] static std::optional<AudioFormatInfo> probeFile(const std::string& path);
+};
+
+}  // namespace trellant

@@ -1,0 +1,52 @@
+// Values of the object model that are no plain numbers.
+#pragma once
+
+#include <trellant/model/rational.h>
+
+#include <compare>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace trellant {
+
+/// An object's number in its container. 0 refers to no object.
+enum class OMFObject : std::uint32_t { none = 0 };
+
+[[nodiscard]] constexpr std::uint32_t number(OMFObject object) noexcept {
+    return static_cast<std::uint32_t>(object);
+}
+
+/// Identifies a mob.
+struct OMFUID {
+    std::uint32_t a = 0;
+    std::uint32_t b = 0;
+    std::uint32_t c = 0;
+
+    [[nodiscard]] static constexpr OMFUID zero() noexcept { return {}; }
+    /// "0000002A-00000001-FFFFFFFF".
+    [[nodiscard]] std::string description() const;
+    bool operator==(const OMFUID&) const = default;
+};
+
+/// A stored fraction, not reduced; the denominator is never 0.
+struct OMFRationalValue {
+    std::int32_t numerator = 0;
+    std::int32_t denominator = 1;
+
+    [[nodiscard]] AAFRational aaf() const { return AAFRational(numerator, denominator); }
+    bool operator==(const OMFRationalValue&) const = default;
+};
+
+}  // namespace trellant
+
+template <>
+struct std::hash<trellant::OMFUID> {
+    [[nodiscard]] std::size_t operator()(const trellant::OMFUID& uid) const noexcept {
+        // Writers count in the words: the multipliers (odd, random bits) spread neighbours apart.
+        const std::uint64_t mixed = (uid.a * 0x9E3779B97F4A7C15U) ^ (uid.b * 0xC2B2AE3D27D4EB4FU) ^
+                                    (uid.c * 0x165667B19E3779F9U);
+        return static_cast<std::size_t>(mixed ^ (mixed >> 32U));
+    }
+};
