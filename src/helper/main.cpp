@@ -1,0 +1,69 @@
+// trellant-omf: one process, one request. The request comes on standard input, the result goes to
+// standard output, progress and at most one log line to standard error; the exit status says which
+// of three outcomes happened. This is the one place where errors become texts.
+#include "omf_reader.h"
+#include "standard_streams.h"
+
+#include <trellant/io/errors.h>
+#include <trellant/protocol/messages.h>
+
+#include <exception>
+#include <new>
+
+namespace trellant {
+
+namespace {
+
+/// Below this fraction the composition is being read, from it on its sources are resolved.
+constexpr double resolvingFrom = 0.3;
+
+AAFWorkerProtocol::Request acceptedRequest(const std::string& input) {
+    if (input.empty()) {
+        fail("empty request on stdin", ExitStatus::requestRejected);
+    }
+    AAFWorkerProtocol::Request request;
+    try {
+        request = decodeRequest(input);
+    } catch (const std::exception& error) {
+        fail(std::string("invalid request JSON: ") + error.what(), ExitStatus::requestRejected);
+    }
+    if (request.protocolVersion != AAFWorkerProtocol::version) {
+        fail("unsupported protocol version " + std::to_string(request.protocolVersion),
+             ExitStatus::requestRejected);
+    }
+    return request;
+}
+
+void serve(const AAFWorkerProtocol::Request& request) {
+    emitProgress("opening", 0.05);
+    const auto result = OMFReader().process(request, [](double fraction) {
+        emitProgress(fraction < resolvingFrom ? "reconstructing" : "resolving", fraction);
+    });
+    emitProgress("finishing", 0.95);
+    StandardOutput output;
+    encodeResult(result, output);
+    emitProgress("done", 1.0);
+}
+
+ExitStatus run() {
+    prepareStandardStreams();
+    try {
+        serve(acceptedRequest(readStandardInput()));
+    } catch (const OMFIOError& error) {
+        fail(error.errorDescription(), ExitStatus::processingFailed);
+    } catch (const std::bad_alloc&) {
+        fail("unexpected failure: out of memory", ExitStatus::processingFailed);
+    } catch (const std::exception& error) {
+        fail(std::string("unexpected failure: ") + error.what(), ExitStatus::processingFailed);
+    }
+    return ExitStatus::success;
+}
+
+}  // namespace
+
+}  // namespace trellant
+
+int main() {
+    // Ends without unwinding what the system reclaims anyway.
+    trellant::end(trellant::run());
+}

@@ -1,0 +1,58 @@
+#include "omf_reader.h"
+
+#include "directories.h"
+
+#include <trellant/io/errors.h>
+#include <trellant/mapper/mapper.h>
+#include <trellant/model/url.h>
+#include <trellant/omf/document.h>
+
+#include <cerrno>
+
+namespace trellant {
+
+namespace {
+
+/// Progress once the document is open.
+constexpr double progressAfterOpening = 0.15;
+
+/// `path` as the system takes it: absolute. A NUL would silently cut it short.
+std::string location(const std::string& path) {
+    if (path.find('\0') != std::string::npos) {
+        throw FileSystemError("use path", path, EINVAL);
+    }
+    if (path.starts_with('/')) {
+        return path;
+    }
+    return absolutePath(path, currentDirectory());
+}
+
+}  // namespace
+
+AAFWorkerProtocol::Result OMFReader::process(const AAFWorkerProtocol::Request& request,
+                                             const Progress& progress) const {
+    // main has checked this already; callers beside it are protected too.
+    if (request.protocolVersion != AAFWorkerProtocol::version) {
+        throw OMFIOError::unsupported("worker protocol version " +
+                                      std::to_string(request.protocolVersion));
+    }
+    MappingPlaces places{.sourcePath = location(request.aafPath),
+                         .workDirectory = location(request.workDirectory)};
+    if (request.mediaSearchDirectory) {
+        places.mediaSearchDirectory = location(*request.mediaSearchDirectory);
+    }
+    places.extract = request.operation == AAFWorkerProtocol::Request::Operation::extractAndInspect;
+    if (places.extract) {
+        createDirectories(places.workDirectory);
+    }
+    const OMFDocument document(places.sourcePath);
+    progress(progressAfterOpening);
+    Mapper mapper(document, std::move(places));
+    auto timeline = mapper.makeTimeline(progress);
+    return {.protocolVersion = AAFWorkerProtocol::version,
+            .timeline = std::move(timeline),
+            .diagnostics = mapper.diagnostics(),
+            .embeddedMediaSHA256 = std::nullopt};
+}
+
+}  // namespace trellant

@@ -1,0 +1,60 @@
+// Varying values as automation envelopes.
+#include "walk_parts.h"
+
+namespace trellant {
+
+namespace {
+
+constexpr std::int32_t defaultInterpolation = 2;
+
+AAFAutomationInterpolation curveOfInterpolation(std::int32_t code) {
+    switch (code) {
+        case 1:
+            return AAFAutomationInterpolation::constant();
+        case 2:
+            return AAFAutomationInterpolation::linear();
+        default:
+            return AAFAutomationInterpolation::unsupported("OMF interpolation " +
+                                                           std::to_string(code));
+    }
+}
+
+}  // namespace
+
+SegmentWalk::SharedEnvelope SegmentWalk::automationEnvelope(OMFObject value) {
+    if (document_.classOf(value) != OMFClass::varyingValue) {
+        return nullptr;
+    }
+    auto curve = curveOfInterpolation(
+        document_.int32(value, {OMFProperty::varyingInterpolation}).value_or(defaultInterpolation));
+    if (const auto* unknown = std::get_if<AAFAutomationInterpolation::Unsupported>(&curve.curve)) {
+        // The value's number alone on purpose: several effects may share one value.
+        notes_.addUnsupported(unknown->identifier, ObjectPath("VVAL", value).text());
+    }
+    const auto [known, isNew] = envelopes_.try_emplace(value);
+    if (isNew) {
+        known->second = readEnvelope(value, std::move(curve));
+    }
+    return known->second;
+}
+
+SegmentWalk::SharedEnvelope SegmentWalk::readEnvelope(OMFObject value,
+                                                      AAFAutomationInterpolation curve) const {
+    auto envelope = std::make_shared<AAFAutomationEnvelope>();
+    envelope->interpolation = std::move(curve);
+    for (const auto point : document_.objectRefs(value, {OMFProperty::varyingPoints})) {
+        const auto time = document_.rational(point, {OMFProperty::pointTime});
+        const auto level = document_.rational(point, {OMFProperty::pointValue});
+        if (!time || !level) {
+            return nullptr;
+        }
+        envelope->points.push_back(
+            {.timelineOffset = time->aaf(), .value = level->aaf().doubleValue()});
+    }
+    if (envelope->points.empty()) {
+        return nullptr;
+    }
+    return envelope;
+}
+
+}  // namespace trellant

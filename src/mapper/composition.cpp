@@ -1,0 +1,105 @@
+#include "composition.h"
+
+#include <trellant/io/errors.h>
+
+#include <algorithm>
+
+namespace trellant {
+
+namespace {
+
+std::optional<OMFObject> firstComposition(const OMFDocument& document,
+                                          const std::vector<OMFObject>& mobs) {
+    const auto found = std::find_if(mobs.begin(), mobs.end(), [&](OMFObject mob) {
+        return document.classOf(mob) == OMFClass::compositionMob;
+    });
+    if (found == mobs.end()) {
+        return std::nullopt;
+    }
+    return *found;
+}
+
+/// The nominal frame count (labels counted without gaps) of real frame `start` at a drop-frame
+/// rate. Each minute that is no multiple of ten skips `dropped` labels: 9 times in ten minutes.
+std::int64_t nominalFrame(std::int64_t start, std::int64_t framesPerSecond, std::int64_t dropped) {
+    const auto framesPerTenMinutes = framesPerSecond * 600 - 9 * dropped;
+    const auto framesPerDay = (framesPerSecond * 3600 - 54 * dropped) * 24;
+    const auto frameOfDay = start % framesPerDay;
+    const auto tens = frameOfDay / framesPerTenMinutes;
+    const auto rest = frameOfDay % framesPerTenMinutes;
+    auto nominal = frameOfDay + 9 * dropped * tens;
+    if (rest >= dropped) {
+        nominal += dropped * ((rest - dropped) / (framesPerSecond * 60 - dropped));
+    }
+    return nominal;
+}
+
+AAFTimecodeAddress addressOf(std::int64_t frame, std::int64_t framesPerSecond,
+                             const AAFTimecodeRate& rate) {
+    const auto totalSeconds = frame / framesPerSecond;
+    return {(totalSeconds / 3600) % 24, (totalSeconds / 60) % 60, totalSeconds % 60,
+            frame - totalSeconds * framesPerSecond, rate};
+}
+
+std::optional<CompositionClock> clockOfTimecode(const OMFDocument& document, OMFObject slot,
+                                                OMFObject timecode) {
+    const auto storedFPS = document.int16(timecode, {OMFProperty::timecodeFPS}).value_or(25);
+    const std::int64_t fps = storedFPS < 2 ? 1 : storedFPS;
+    const bool drop = document.int16(timecode, {OMFProperty::timecodeDrop}).value_or(0) != 0;
+    if (drop && fps != 30 && fps != 60) {
+        return std::nullopt;
+    }
+    const AAFRational exactRate = drop ? AAFRational(fps * 1000, 1001) : AAFRational(fps);
+    AAFRational editRate = exactRate;
+    AAFRational timecodeRate = exactRate;
+    if (const auto stored = document.rational(slot, {OMFProperty::slotEditRate})) {
+        editRate = stored->aaf();
+        if (editRate > AAFRational::zero() &&
+            editRate.numerator() / editRate.denominator() == fps) {
+            timecodeRate = editRate;
+        }
+    }
+    const AAFTimecodeRate rate(timecodeRate, fps, drop);
+    auto start = std::max<std::int64_t>(
+        document.int64(timecode, {OMFProperty::timecodeStart}).value_or(0), 0);
+    if (drop) {
+        start = nominalFrame(start, fps, rate.droppedFramesPerMinute());
+    }
+    const auto address = addressOf(start, fps, rate);
+    return CompositionClock{
+        .clock = {.editRate = editRate, .timecodeRate = rate, .timelineZero = address},
+        .explicitProgramStart = address};
+}
+
+}  // namespace
+
+OMFObject chooseComposition(const OMFDocument& document) {
+    const auto header = document.headerObject();
+    for (const auto list : {OMFProperty::headPrimaryMobs, OMFProperty::headMobs}) {
+        if (const auto mob = firstComposition(document, document.objectRefs(header, {list}))) {
+            return *mob;
+        }
+    }
+    const auto compositions = document.objects("CMOB");
+    if (compositions.empty()) {
+        throw OMFIOError::malformed("no Composition Mob (CMOB) found");
+    }
+    return compositions.front();
+}
+
+CompositionClock clockOf(const OMFDocument& document, const std::vector<OMFObject>& slots) {
+    CompositionClock standard{
+        .clock = {.editRate = AAFRational(25),
+                  .timecodeRate = AAFTimecodeRate::fps25(),
+                  .timelineZero = AAFTimecodeAddress(0, 0, 0, 0, AAFTimecodeRate::fps25())},
+        .explicitProgramStart = std::nullopt};
+    for (const auto slot : slots) {
+        const auto segment = document.objectRef(slot, {OMFProperty::slotSegment});
+        if (segment && document.classOf(*segment) == OMFClass::timecode) {
+            return clockOfTimecode(document, slot, *segment).value_or(standard);
+        }
+    }
+    return standard;
+}
+
+}  // namespace trellant

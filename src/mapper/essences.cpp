@@ -1,0 +1,207 @@
+#include "essences.h"
+
+#include <trellant/io/errors.h>
+#include <trellant/io/text.h>
+#include <trellant/model/url.h>
+
+#include <algorithm>
+
+namespace trellant {
+
+namespace {
+
+/// Bytes of an embedded value that are read for its header when nothing is extracted.
+constexpr std::int64_t headerPrefix = 262'144;
+/// When neither the audio nor its descriptor tells; the rate of nearly all audio post.
+constexpr std::int64_t fallbackSampleRate = 48'000;
+
+/// The file that a locator's path names when it can be tried as it stands.
+std::optional<std::string> directPath(const std::string& locator) {
+    constexpr std::string_view scheme = "file:";
+    if (lowerCased(locator.substr(0, scheme.size())) == scheme) {
+        return pathOfFileURL(locator);
+    }
+    if (locator.starts_with('/')) {
+        return locator;
+    }
+    return std::nullopt;
+}
+
+/// The lower-cased file name within a path as any system writes it.
+std::string wantedName(std::string path) {
+    std::replace(path.begin(), path.end(), '\\', '/');
+    return lowerCased(lastPathComponent(path));
+}
+
+}  // namespace
+
+struct Essences::EmbeddedMedia {
+    OMFObject object = OMFObject::none;
+    OMFProperty data;
+    std::string_view extension;
+};
+
+Essences::Essences(const OMFDocument& document, const OMFDocument::MobMap& mediaMap,
+                   const MappingPlaces& places, MappingNotes& notes)
+    : document_(document),
+      mediaMap_(mediaMap),
+      notes_(notes),
+      extract_(places.extract),
+      names_(places.workDirectory),
+      search_(places.mediaSearchDirectory, places.workDirectory) {}
+
+const AAFSourceEssence* Essences::makeEssence(const ResolvedSource& source) {
+    if (const auto known = essenceCache_.find(source.mob); known != essenceCache_.end()) {
+        return &known->second;
+    }
+    const auto descriptor = document_.objectRef(source.mob, {OMFProperty::sourceMobDescription});
+    if (!descriptor) {
+        notes_.verlustGrund = "the Source Mob carries no media descriptor";
+        return nullptr;
+    }
+    auto name = document_.string(source.mob, {OMFProperty::mobName});
+    const auto embedded = embeddedMedia(source.mobID);
+    auto media =
+        embedded ? takeEmbedded(*embedded, source.mobID, name) : findExternal(*descriptor, name);
+    const auto format = media.format.value_or(AudioFormatInfo{});
+    const auto describedRate = document_.rational(*descriptor, {OMFProperty::fileSampleRate});
+    const auto uid = source.mobID.description();
+    AAFSourceEssence essence{
+        .id = "omf-essence-" + uid,
+        .mobID = uid,
+        .sourceName = std::move(name),
+        .embedded = embedded.has_value(),
+        .sampleRate = format.sampleRate.value_or(describedRate ? describedRate->aaf()
+                                                               : AAFRational(fallbackSampleRate)),
+        .channelCount = format.channels.value_or(1),
+        .bitDepth = format.bitDepth,
+        .codec = format.codec,
+        .originalPath = std::move(media.originalPath)};
+    if (media.path) {
+        essence.fileURL = fileURL(*media.path);
+    }
+    if (!essence.codec) {
+        essence.codec = document_.classID(*descriptor).value_or("MDES");
+    }
+    const auto& kept = essenceCache_.emplace(source.mob, std::move(essence)).first->second;
+    reportMissing(source.mob, kept);
+    return &kept;
+}
+
+void Essences::reportMissing(OMFObject mob, const AAFSourceEssence& essence) {
+    if (essence.fileURL) {
+        return;
+    }
+    if (!essence.embedded) {
+        notes_.diagnose("external essence not located: " +
+                        essence.originalPath.value_or(essence.sourceName.value_or(essence.id)));
+    } else if (extract_) {
+        notes_.addUnsupported("embedded audio essence could not be extracted",
+                              "SMOB[" + std::to_string(number(mob)) + "]");
+    }
+}
+
+std::optional<Essences::EmbeddedMedia> Essences::embeddedMedia(const OMFUID& mobID) const {
+    const auto media = mediaMap_.find(mobID);
+    if (media == mediaMap_.end()) {
+        return std::nullopt;
+    }
+    const auto kind = document_.classOf(media->second);
+    if (kind == OMFClass::waveMedia) {
+        return EmbeddedMedia{media->second, OMFProperty::waveAudioData, "wav"};
+    }
+    if (kind == OMFClass::aifcMedia) {
+        return EmbeddedMedia{media->second, OMFProperty::aifcAudioData, "aifc"};
+    }
+    return std::nullopt;
+}
+
+Essences::FoundMedia Essences::takeEmbedded(const EmbeddedMedia& media, const OMFUID& mobID,
+                                            const std::optional<std::string>& name) {
+    if (extract_) {
+        return extract(media, name ? *name : "OMF_" + mobID.description());
+    }
+    FoundMedia found;
+    try {
+        const auto header =
+            document_.bento().valuePrefix(number(media.object), nameOf(media.data), headerPrefix);
+        if (header) {
+            found.format = AudioProbe::probe(*header);
+        }
+    } catch (const OMFIOError&) {
+        found.format.reset();
+    } catch (const FileSystemError&) {
+        found.format.reset();
+    }
+    return found;
+}
+
+Essences::FoundMedia Essences::extract(const EmbeddedMedia& media, std::string_view name) {
+    const auto base = safeName(withoutExtension(lastPathComponent(name)));
+    auto path = names_.uniqueURL(base, media.extension);
+    if (!document_.bento().copyValue(number(media.object), nameOf(media.data), path)) {
+        return {};
+    }
+    search_.fileAppeared(path);
+    FoundMedia found{.format = AudioProbe::probeFile(path)};
+    found.path = std::move(path);
+    return found;
+}
+
+Essences::FoundMedia Essences::findExternal(OMFObject descriptor,
+                                            const std::optional<std::string>& name) {
+    auto found = resolveExternal(descriptor, name);
+    if (found.path) {
+        found.format = AudioProbe::probeFile(*found.path);
+    }
+    return found;
+}
+
+Essences::FoundMedia Essences::resolveExternal(OMFObject descriptor,
+                                               const std::optional<std::string>& sourceName) {
+    FoundMedia found;
+    const auto locators = document_.objectRefs(
+        descriptor,
+        {OMFProperty::descriptorLocator, OMFProperty::fileLocator, OMFProperty::fileLocators});
+    for (const auto locator : locators) {
+        const auto path =
+            document_.string(locator, {OMFProperty::networkLocatorURL, OMFProperty::unixLocatorPath,
+                                       OMFProperty::dosLocatorPath, OMFProperty::windowsLocatorPath,
+                                       OMFProperty::textLocatorName});
+        if (path) {
+            if (!found.originalPath) {
+                found.originalPath = path;
+            }
+            if (auto direct = directPath(*path); direct && regularFileExists(*direct)) {
+                found.path = std::move(direct);
+                return found;
+            }
+        }
+        if (!found.originalPath && document_.classOf(locator) == OMFClass::macLocator) {
+            found.originalPath = document_.string(locator, {OMFProperty::macLocatorFileName});
+        }
+    }
+    if (!found.originalPath) {
+        found.originalPath = sourceName;
+    }
+    if (found.originalPath && search_.hasDirectory()) {
+        found.path = search_.locate(wantedName(*found.originalPath));
+    }
+    return found;
+}
+
+std::vector<AAFSourceEssence> Essences::takeSorted() {
+    std::vector<AAFSourceEssence> sorted;
+    sorted.reserve(essenceCache_.size());
+    for (auto& [mob, essence] : essenceCache_) {
+        sorted.push_back(std::move(essence));
+    }
+    essenceCache_.clear();
+    std::sort(sorted.begin(), sorted.end(),
+              [](const AAFSourceEssence& left, const AAFSourceEssence& right) {
+                  return left.id < right.id;
+              });
+    return sorted;
+}
+
+}  // namespace trellant

@@ -1,0 +1,52 @@
+// From an opened document to a timeline. The one public door of this folder.
+#pragma once
+
+#include <trellant/model/timeline.h>
+#include <trellant/omf/document.h>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace trellant {
+
+/// Where a mapping finds and leaves media. All paths are absolute, bytes as the system knows them.
+struct MappingPlaces {
+    /// The interchange file; becomes the timeline's `sourceAAF`.
+    std::string sourcePath{};
+    /// Where embedded audio is written when `extract` is set.
+    std::string workDirectory{};
+    /// Where external media are looked for, folders within too; absent: only where locators say.
+    std::optional<std::string> mediaSearchDirectory{};
+    bool extract = false;
+};
+
+class Mapper {
+  public:
+    /// Called before each slot of the composition with a fraction from 0.15 to below 0.95.
+    using Progress = std::function<void(double)>;
+
+    /// `document` must outlive the mapper.
+    Mapper(const OMFDocument& document, MappingPlaces places);
+    ~Mapper();
+    Mapper(const Mapper&) = delete;
+    Mapper& operator=(const Mapper&) = delete;
+    Mapper(Mapper&&) = delete;
+    Mapper& operator=(Mapper&&) = delete;
+
+    /// Maps the composition; call once. Throws OMFIOError malformed when there is no composition
+    /// or no resolvable audio, unsupported when the composition expands beyond all bounds, and
+    /// what extraction throws. Every other loss is a record of the timeline.
+    [[nodiscard]] AAFTimeline makeTimeline(const Progress& progress);
+
+    /// Remarks for a person, in the order made. Empty before makeTimeline.
+    [[nodiscard]] const std::vector<std::string>& diagnostics() const noexcept;
+
+  private:
+    class Assembly;
+    std::unique_ptr<Assembly> assembly_;
+};
+
+}  // namespace trellant

@@ -1,0 +1,29 @@
+#include "mapping_notes.h"
+
+namespace trellant {
+
+void MappingNotes::add(std::string_view kind, AAFUnsupportedFeature::Severity severity,
+                       std::string message, std::string at) {
+    unsupported_.push_back({.id = std::string(kind) + std::to_string(unsupported_.size()),
+                            .severity = severity,
+                            .description = std::move(message),
+                            .objectPath = std::move(at)});
+}
+
+void MappingNotes::addLoss(std::string message, std::string at) {
+    add("omf-loss-", AAFUnsupportedFeature::Severity::informational, std::move(message),
+        std::move(at));
+}
+
+void MappingNotes::addUnsupported(std::string message, std::string at) {
+    add("omf-unsupported-", AAFUnsupportedFeature::Severity::renderAffecting, std::move(message),
+        std::move(at));
+}
+
+void MappingNotes::addUnsupportedOncePerPath(std::string message, std::string at) {
+    if (pathsRecordedOnce_.insert(at).second) {
+        addUnsupported(std::move(message), std::move(at));
+    }
+}
+
+}  // namespace trellant

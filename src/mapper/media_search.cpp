@@ -1,0 +1,181 @@
+#include "media_search.h"
+
+#include "file_names.h"
+
+#include <trellant/io/text.h>
+
+#include <algorithm>
+#include <array>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace trellant {
+
+namespace {
+
+constexpr std::array<std::string_view, 5> audioExtensions{"wav", "wave", "aif", "aiff", "aifc"};
+
+bool isHidden(std::string_view name) {
+    return name.starts_with('.');
+}
+
+bool isAudioFileName(std::string_view name) {
+    const auto extension = lowerCased(extensionOf(name));
+    return std::find(audioExtensions.begin(), audioExtensions.end(), extension) !=
+           audioExtensions.end();
+}
+
+std::string joined(const std::string& folder, std::string_view name) {
+    std::string path = folder;
+    if (!path.empty() && path.back() != '/') {
+        path += '/';
+    }
+    path += name;
+    return path;
+}
+
+enum class EntryKind { folder, file, link, other };
+
+EntryKind kindOf(const dirent& entry, int folder) {
+    switch (entry.d_type) {
+        case DT_DIR:
+            return EntryKind::folder;
+        case DT_REG:
+            return EntryKind::file;
+        case DT_LNK:
+            return EntryKind::link;
+        case DT_UNKNOWN:
+            break;
+        default:
+            return EntryKind::other;
+    }
+    struct stat status {};
+    if (::fstatat(folder, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
+        return EntryKind::other;
+    }
+    if (S_ISDIR(status.st_mode)) {
+        return EntryKind::folder;
+    }
+    if (S_ISLNK(status.st_mode)) {
+        return EntryKind::link;
+    }
+    return S_ISREG(status.st_mode) ? EntryKind::file : EntryKind::other;
+}
+
+bool leadsToFile(int folder, const char* name) {
+    struct stat status {};
+    return ::fstatat(folder, name, &status, 0) == 0 && S_ISREG(status.st_mode);
+}
+
+struct DirectoryCloser {
+    void operator()(DIR* directory) const noexcept { ::closedir(directory); }
+};
+using Directory = std::unique_ptr<DIR, DirectoryCloser>;
+
+Directory opened(int descriptor) {
+    if (descriptor < 0) {
+        return nullptr;
+    }
+    Directory directory(::fdopendir(descriptor));
+    if (directory == nullptr) {
+        ::close(descriptor);
+    }
+    return directory;
+}
+
+bool isSameDirectory(int descriptor, const std::string& path) {
+    struct stat one {};
+    struct stat other {};
+    return ::fstat(descriptor, &one) == 0 && ::stat(path.c_str(), &other) == 0 &&
+           one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+}  // namespace
+
+bool regularFileExists(const std::string& path) {
+    // A path with a NUL names nothing; its head must not be taken for it.
+    struct stat status {};
+    return path.find('\0') == std::string::npos && ::stat(path.c_str(), &status) == 0 &&
+           S_ISREG(status.st_mode);
+}
+
+std::optional<std::string> MediaSearch::locate(const std::string& lowerCasedName) {
+    if (!directory_) {
+        return std::nullopt;
+    }
+    if (!wasRead_) {
+        wasRead_ = true;
+        readDirectory();
+    }
+    const auto match = matchByName_.find(lowerCasedName);
+    if (match == matchByName_.end() || match->second.ambiguous) {
+        return std::nullopt;
+    }
+    return match->second.path;
+}
+
+void MediaSearch::fileAppeared(const std::string& path) {
+    // Before the first search the file is simply found by it.
+    if (!wasRead_ || !workDirectoryInSearch_) {
+        return;
+    }
+    const auto name = lastPathComponent(path);
+    if (!isHidden(name) && isAudioFileName(name)) {
+        add(name, joined(*workDirectoryInSearch_, name));
+    }
+}
+
+void MediaSearch::add(std::string_view fileName, std::string path) {
+    const auto [match, isNew] = matchByName_.try_emplace(lowerCased(fileName));
+    if (isNew) {
+        match->second.path = std::move(path);
+    } else if (match->second.path != path) {
+        match->second.ambiguous = true;
+    }
+}
+
+void MediaSearch::readDirectory() {
+    const int root = ::open(directory_->c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (root < 0) {
+        return;
+    }
+    std::vector<std::string> pending{std::string()};
+    while (!pending.empty()) {
+        const auto folder = std::move(pending.back());
+        pending.pop_back();
+        readFolder(root, folder, pending);
+    }
+    ::close(root);
+}
+
+void MediaSearch::readFolder(int root, const std::string& relative,
+                             std::vector<std::string>& pending) {
+    const auto directory = opened(::openat(root, relative.empty() ? "." : relative.c_str(),
+                                           O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
+    if (directory == nullptr) {
+        return;
+    }
+    const int descriptor = ::dirfd(directory.get());
+    const auto folder = relative.empty() ? *directory_ : joined(*directory_, relative);
+    if (!workDirectoryInSearch_ && isSameDirectory(descriptor, workDirectory_)) {
+        workDirectoryInSearch_ = folder;
+    }
+    while (const auto* entry = ::readdir(directory.get())) {
+        const std::string_view name(entry->d_name);
+        if (isHidden(name)) {
+            continue;
+        }
+        const auto kind = kindOf(*entry, descriptor);
+        if (kind == EntryKind::folder) {
+            pending.push_back(relative.empty() ? std::string(name) : joined(relative, name));
+        } else if (kind != EntryKind::other && isAudioFileName(name) &&
+                   (kind == EntryKind::file || leadsToFile(descriptor, entry->d_name))) {
+            add(name, joined(folder, name));
+        }
+    }
+}
+
+}  // namespace trellant

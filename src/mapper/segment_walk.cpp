@@ -1,0 +1,177 @@
+#include "segment_walk.h"
+
+#include <trellant/io/errors.h>
+
+#include <algorithm>
+
+namespace trellant {
+
+namespace {
+
+/// Lists up to this length are cheaper to read again than to keep.
+constexpr std::size_t shortList = 64;
+/// References kept in all; beyond it long lists are read again too.
+constexpr std::size_t keptReferencesLimit = 8'388'608;
+
+}  // namespace
+
+void SegmentWalk::countVisit() {
+    if (++visits_ > maximumVisits) {
+        throw OMFIOError::unsupported("composition expands to more than " +
+                                      std::to_string(maximumVisits) + " segments");
+    }
+}
+
+std::int64_t SegmentWalk::lengthEditUnits(OMFObject component) const {
+    return std::max<std::int64_t>(
+        document_.int64(component, {OMFProperty::componentLength}).value_or(0), 0);
+}
+
+AAFRational SegmentWalk::lengthSeconds(OMFObject component, const AAFRational& rate) const {
+    return AAFRational(lengthEditUnits(component)) / rate;
+}
+
+std::string_view SegmentWalk::className(OMFObject object) const {
+    return document_.classID(object).value_or("????");
+}
+
+std::shared_ptr<const std::vector<OMFObject>> SegmentWalk::sharedList(OMFObject object,
+                                                                      OMFProperty list) {
+    if (const auto known = longLists_.find(object); known != longLists_.end()) {
+        return known->second;
+    }
+    auto references =
+        std::make_shared<const std::vector<OMFObject>>(document_.objectRefs(object, {list}));
+    if (references->size() > shortList &&
+        references->size() <= keptReferencesLimit - keptReferences_) {
+        keptReferences_ += references->size();
+        longLists_.emplace(object, references);
+    }
+    return references;
+}
+
+AAFRational SegmentWalk::flatten(OMFObject segment, const WalkPlace& place, EventDrafts& drafts) {
+    countVisit();
+    if (place.depth > maximumDepth) {
+        notes_.addUnsupported("composition nesting exceeds depth limit", place.path.text());
+        return lengthSeconds(segment, place.rate);
+    }
+    const auto kind = document_.classOf(segment);
+    switch (kind) {
+        case OMFClass::sourceClip: {
+            const auto duration = lengthSeconds(segment, place.rate);
+            auto fadeIn = fade(segment, AAFFade::Direction::fadeIn, place.rate);
+            auto fadeOut = fade(segment, AAFFade::Direction::fadeOut, place.rate);
+            drafts.push_back({.object = segment,
+                              .timelineStart = place.timelineBase,
+                              .duration = duration,
+                              .fadeIn = std::move(fadeIn),
+                              .fadeOut = std::move(fadeOut)});
+            return duration;
+        }
+        case OMFClass::sequence:
+            return flattenSequence(segment, place, drafts);
+        case OMFClass::selector:
+            return flattenSelector(segment, place, drafts);
+        case OMFClass::effect: {
+            const ObjectPath path(place.path, "EFFE", segment);
+            return flattenEffect(
+                segment, {place.rate, place.timelineBase, path, place.scopes, place.depth + 1},
+                drafts);
+        }
+        case OMFClass::nestedScope:
+            return flattenNestedScope(segment, place, drafts);
+        case OMFClass::scopeReference:
+            return flattenScopeReference(segment, place, drafts);
+        case OMFClass::filler:
+        case OMFClass::timecode:
+        case OMFClass::constantValue:
+        case OMFClass::varyingValue:
+        case OMFClass::edgecode:
+            break;
+        case OMFClass::editRateConverter:
+        case OMFClass::mediaGroup:
+            notes_.addUnsupported(std::string(className(segment)) +
+                                      " composition operation is not rendered by TrellantOMFReader",
+                                  ObjectPath(place.path, className(segment), segment).text());
+            break;
+        case OMFClass::header:
+        case OMFClass::compositionMob:
+        case OMFClass::masterMob:
+        case OMFClass::sourceMob:
+        case OMFClass::trackMob:
+        case OMFClass::descriptorMob:
+        case OMFClass::waveMedia:
+        case OMFClass::aifcMedia:
+        case OMFClass::tiffMedia:
+        case OMFClass::imageMedia:
+        case OMFClass::mediaData:
+        case OMFClass::waveDescriptor:
+        case OMFClass::aifcDescriptor:
+        case OMFClass::macLocator:
+        case OMFClass::transition:
+        case OMFClass::other:
+        case OMFClass::absent:
+            notes_.addUnsupported("unknown OMF component class " + std::string(className(segment)),
+                                  ObjectPath(place.path, "", segment).text());
+            break;
+    }
+    return lengthSeconds(segment, place.rate);
+}
+
+AAFRational SegmentWalk::flattenSelector(OMFObject selector, const WalkPlace& place,
+                                         EventDrafts& drafts) {
+    const ObjectPath path(place.path, "SLCT", selector);
+    if (const auto selected = document_.objectRef(selector, {OMFProperty::selectorSelected})) {
+        return flatten(*selected,
+                       {place.rate, place.timelineBase, path, place.scopes, place.depth + 1},
+                       drafts);
+    }
+    notes_.addUnsupported("selector has no readable selected segment", path.text());
+    return lengthSeconds(selector, place.rate);
+}
+
+AAFRational SegmentWalk::flattenNestedScope(OMFObject scope, const WalkPlace& place,
+                                            EventDrafts& drafts) {
+    const ObjectPath path(place.path, "NEST", scope);
+    const auto slots = sharedList(scope, OMFProperty::nestedScopeSlots);
+    if (slots->empty()) {
+        notes_.addUnsupported("NestedScope has no slots", path.text());
+        return lengthSeconds(scope, place.rate);
+    }
+    const ScopeFrame frame{.segments = slots.get(),
+                           .currentIndex = static_cast<std::int64_t>(slots->size()) - 1,
+                           .outer = place.scopes};
+    return flatten(slots->back(), {place.rate, place.timelineBase, path, &frame, place.depth + 1},
+                   drafts);
+}
+
+AAFRational SegmentWalk::flattenScopeReference(OMFObject reference, const WalkPlace& place,
+                                               EventDrafts& drafts) {
+    const ObjectPath path(place.path, "SREF", reference);
+    const auto outward = document_.int32(reference, {OMFProperty::scopeReferenceScope}).value_or(0);
+    const ScopeFrame* frame = outward < 0 ? nullptr : place.scopes;
+    for (std::int32_t step = 0; step < outward && frame != nullptr; ++step) {
+        frame = frame->outer;
+    }
+    if (frame == nullptr) {
+        notes_.addUnsupported("ScopeReference points above the outermost scope", path.text());
+        return lengthSeconds(reference, place.rate);
+    }
+    const std::int64_t target =
+        frame->currentIndex -
+        document_.int32(reference, {OMFProperty::scopeReferenceSlot}).value_or(0);
+    const auto& segments = *frame->segments;
+    if (target < 0 || target >= static_cast<std::int64_t>(segments.size()) ||
+        segments[static_cast<std::size_t>(target)] == OMFObject::none) {
+        notes_.addUnsupported(
+            "ScopeReference target slot " + std::to_string(target) + " does not exist",
+            path.text());
+        return lengthSeconds(reference, place.rate);
+    }
+    const ScopeFrame moved{.segments = &segments, .currentIndex = target, .outer = frame->outer};
+    return flatten(segments[static_cast<std::size_t>(target)],
+                   {place.rate, place.timelineBase, path, &moved, place.depth + 1}, drafts);
+}
+
+}  // namespace trellant

@@ -1,0 +1,122 @@
+// The walk over one slot's segment tree, from segments to drafts. What it cannot express is
+// recorded and walked past, its length still counted, so that later material keeps its time.
+//
+// Split by question: segment_walk.cpp tells segments apart and follows scopes, sequence_walk.cpp
+// walks a sequence with its transitions, effects.cpp folds effects into drafts, fades.cpp reads
+// fades and dissolves, automation.cpp reads varying values.
+#pragma once
+
+#include "event_draft.h"
+#include "mapping_notes.h"
+#include "object_path.h"
+
+#include <trellant/omf/document.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <unordered_map>
+
+namespace trellant {
+
+/// The circumstances of one step of the walk.
+struct WalkPlace {
+    /// Edit units per second, greater than zero.
+    AAFRational rate;
+    /// Seconds from the timeline's zero.
+    AAFRational timelineBase;
+    const ObjectPath& path;
+    const ScopeFrame* scopes;
+    int depth;
+};
+
+class SegmentWalk {
+  public:
+    /// Levels walked below a slot; what lies deeper is reported.
+    static constexpr int maximumDepth = 47;
+    /// Segments visited in one request. Shared subtrees let a small file describe an expansion
+    /// without end within the depth limit.
+    static constexpr std::uint64_t maximumVisits = 10'000'000;
+
+    /// Both must outlive the walk.
+    SegmentWalk(const OMFDocument& document, MappingNotes& notes)
+        : document_(document), notes_(notes) {}
+
+    /// Appends the drafts of `segment` to `drafts` and returns its duration in seconds. Throws
+    /// only OMFIOError unsupported, past `maximumVisits`.
+    AAFRational flatten(OMFObject segment, const WalkPlace& place, EventDrafts& drafts);
+
+  private:
+    struct Transition;
+    struct Component;
+    struct Effect;
+    using SharedEnvelope = std::shared_ptr<const AAFAutomationEnvelope>;
+
+    AAFRational flattenSequence(OMFObject sequence, const WalkPlace& place, EventDrafts& drafts);
+    AAFRational flattenSelector(OMFObject selector, const WalkPlace& place, EventDrafts& drafts);
+    AAFRational flattenNestedScope(OMFObject scope, const WalkPlace& place, EventDrafts& drafts);
+    AAFRational flattenScopeReference(OMFObject reference, const WalkPlace& place,
+                                      EventDrafts& drafts);
+
+    /// `place` is that of the effect itself: its path and depth.
+    AAFRational flattenEffect(OMFObject effect, const WalkPlace& place, EventDrafts& drafts);
+    /// The folds work on the drafts from `first` on, those of the effect's inputs.
+    void foldArguments(const Effect& effect, EventDrafts& drafts, std::size_t first);
+    void foldGainAutomation(const Effect& effect, OMFObject varying, EventDrafts& drafts,
+                            std::size_t first);
+    void foldConstant(const Effect& effect, OMFObject control, EventDrafts& drafts,
+                      std::size_t first);
+    void foldVarying(const Effect& effect, OMFObject control, EventDrafts& drafts,
+                     std::size_t first);
+    void giveGainAutomation(const Effect& effect, const SharedEnvelope& envelope,
+                            EventDrafts& drafts, std::size_t first);
+    /// The first slot with that argument id whose value is readable.
+    [[nodiscard]] std::optional<OMFObject> effectArgument(const std::vector<OMFObject>& slots,
+                                                          std::int32_t argID) const;
+    /// Empty when it cannot be read.
+    [[nodiscard]] std::string effectID(OMFObject effect) const;
+
+    /// The varying value as an envelope; none when it is no VVAL, has no points or one that cannot
+    /// be read. Points keep their stored times, fractions of the owner.
+    [[nodiscard]] SharedEnvelope automationEnvelope(OMFObject value);
+    [[nodiscard]] SharedEnvelope readEnvelope(OMFObject value,
+                                              AAFAutomationInterpolation curve) const;
+
+    Component readComponent(OMFObject component, std::size_t index, const Transition* incoming,
+                            const Transition* outgoing, const WalkPlace& place);
+    void placeClip(const Component& component, const WalkPlace& place, EventDrafts& drafts);
+    AAFRational placeNested(const Component& component, const WalkPlace& place,
+                            EventDrafts& drafts);
+    [[nodiscard]] Transition readTransition(OMFObject transition, const AAFRational& rate);
+    void reportCut(const Transition* transition, const WalkPlace& place);
+
+    [[nodiscard]] Boxed<AAFFade> fade(OMFObject clip, AAFFade::Direction direction,
+                                      const AAFRational& rate);
+    /// Seconds; absent unless the transition is a plain linear audio dissolve.
+    [[nodiscard]] std::optional<AAFRational> simpleLinearDissolveDuration(OMFObject transition,
+                                                                          const AAFRational& rate);
+    [[nodiscard]] bool isSimpleLinearDissolve(OMFObject transition) const;
+    [[nodiscard]] bool isLinearLevel(OMFObject level) const;
+
+    /// Edit units; missing or negative lengths count as 0.
+    [[nodiscard]] std::int64_t lengthEditUnits(OMFObject component) const;
+    [[nodiscard]] AAFRational lengthSeconds(OMFObject component, const AAFRational& rate) const;
+    [[nodiscard]] std::string_view className(OMFObject object) const;
+    /// The references of a scope or effect, which many walks may pass; long lists are read once.
+    [[nodiscard]] std::shared_ptr<const std::vector<OMFObject>> sharedList(OMFObject object,
+                                                                           OMFProperty list);
+    void countVisit();
+
+    const OMFDocument& document_;
+    MappingNotes& notes_;
+    std::uint64_t visits_ = 0;
+    std::size_t keptReferences_ = 0;
+    std::unordered_map<OMFObject, bool> dissolves_;
+    std::unordered_map<OMFObject, SharedEnvelope> envelopes_;
+    std::unordered_map<OMFObject, std::shared_ptr<const std::vector<OMFObject>>> longLists_;
+};
+
+/// One side of a plain linear dissolve, `duration` in seconds.
+[[nodiscard]] AAFFade dissolveFade(AAFFade::Direction direction, const AAFRational& duration);
+
+}  // namespace trellant

@@ -1,0 +1,188 @@
+// A sequence: components one after the other, with transitions between them. A plain linear
+// dissolve overlaps its neighbours and becomes their fades; any other transition is played as the
+// cut that it names, its neighbours trimmed to the cut point.
+#include "walk_parts.h"
+
+#include <algorithm>
+
+namespace trellant {
+
+namespace {
+
+AAFRational seconds(std::int64_t editUnits, const AAFRational& rate) {
+    return AAFRational(editUnits) / rate;
+}
+
+std::int64_t atLeastZero(std::optional<std::int64_t> value) {
+    return std::max<std::int64_t>(value.value_or(0), 0);
+}
+
+std::int64_t shortened(std::int64_t length, std::int64_t trim) {
+    return length > trim ? length - trim : 0;
+}
+
+}  // namespace
+
+AAFFade dissolveFade(AAFFade::Direction direction, const AAFRational& duration) {
+    return {.direction = direction,
+            .duration = duration,
+            .curve = AAFAutomationInterpolation::linear()};
+}
+
+SegmentWalk::Transition SegmentWalk::readTransition(OMFObject transition, const AAFRational& rate) {
+    Transition result{.object = transition,
+                      .dissolve = simpleLinearDissolveDuration(transition, rate)};
+    if (!result.dissolve) {
+        result.headTrim =
+            atLeastZero(document_.int64(transition, {OMFProperty::transitionCutPoint}));
+        result.tailTrim = shortened(lengthEditUnits(transition), result.headTrim);
+    }
+    return result;
+}
+
+void SegmentWalk::reportCut(const Transition* transition, const WalkPlace& place) {
+    if (transition == nullptr || transition->dissolve) {
+        return;
+    }
+    notes_.addUnsupportedOncePerPath(
+        "OMF Transition treated as the spec-defined cut; transition effect itself is not "
+        "reproduced",
+        ObjectPath(place.path, "TRAN", transition->object).text());
+}
+
+SegmentWalk::Component SegmentWalk::readComponent(OMFObject component, std::size_t index,
+                                                  const Transition* incoming,
+                                                  const Transition* outgoing,
+                                                  const WalkPlace& place) {
+    Component result{.object = component, .index = index, .position = place.timelineBase};
+    if (incoming != nullptr) {
+        result.headTrim = incoming->headTrim;
+        result.dissolveIn = incoming->dissolve;
+    }
+    if (outgoing != nullptr) {
+        result.tailTrim = outgoing->tailTrim;
+        result.dissolveOut = outgoing->dissolve;
+    }
+    if (result.dissolveIn) {
+        result.position = result.position - *result.dissolveIn;
+    }
+    result.effectiveLength =
+        shortened(shortened(lengthEditUnits(component), result.headTrim), result.tailTrim);
+    reportCut(incoming, place);
+    reportCut(outgoing, place);
+    return result;
+}
+
+void SegmentWalk::placeClip(const Component& component, const WalkPlace& place,
+                            EventDrafts& drafts) {
+    auto fadeIn = fade(component.object, AAFFade::Direction::fadeIn, place.rate);
+    auto fadeOut = fade(component.object, AAFFade::Direction::fadeOut, place.rate);
+    const auto combine = [&](Boxed<AAFFade>& own, const std::optional<AAFRational>& dissolve,
+                             AAFFade::Direction direction, const char* conflict) {
+        if (!dissolve) {
+            return;
+        }
+        if (own) {
+            notes_.addUnsupported(conflict,
+                                  ObjectPath(place.path, "component", component.index).text());
+        } else {
+            own = dissolveFade(direction, *dissolve);
+        }
+    };
+    combine(fadeIn, component.dissolveIn, AAFFade::Direction::fadeIn,
+            "SourceClip fade-in combined with an OMF dissolve cannot be losslessly collapsed to "
+            "one fade");
+    combine(fadeOut, component.dissolveOut, AAFFade::Direction::fadeOut,
+            "SourceClip fade-out combined with an OMF dissolve cannot be losslessly collapsed to "
+            "one fade");
+    drafts.push_back({.object = component.object,
+                      .timelineStart = component.position,
+                      .duration = seconds(component.effectiveLength, place.rate),
+                      .sourceTrimStart = seconds(component.headTrim, place.rate),
+                      .fadeIn = std::move(fadeIn),
+                      .fadeOut = std::move(fadeOut)});
+}
+
+AAFRational SegmentWalk::placeNested(const Component& component, const WalkPlace& place,
+                                     EventDrafts& drafts) {
+    const ObjectPath path(place.path, "component", component.index);
+    if (component.headTrim != 0 || component.tailTrim != 0) {
+        notes_.addUnsupported(
+            "cut-point trim around nested segment requires effect-aware rendering", path.text());
+    }
+    const auto first = static_cast<std::ptrdiff_t>(drafts.size());
+    // Two levels per step on purpose: readers of this format agree on the depth at which a
+    // composition is cut off, and count the sequence and its step.
+    const auto duration =
+        flatten(component.object,
+                {place.rate, component.position, path, place.scopes, place.depth + 2}, drafts);
+    const auto nested = drafts.begin() + first;
+    if (component.dissolveIn) {
+        const auto earliest = std::min_element(nested, drafts.end(),
+                                               [](const EventDraft& left, const EventDraft& right) {
+                                                   return left.timelineStart < right.timelineStart;
+                                               });
+        if (earliest != drafts.end() && !earliest->fadeIn) {
+            earliest->fadeIn = dissolveFade(AAFFade::Direction::fadeIn, *component.dissolveIn);
+        } else {
+            notes_.addUnsupported("dissolve into nested segment cannot be losslessly collapsed",
+                                  path.text());
+        }
+    }
+    if (component.dissolveOut) {
+        const auto latest = std::max_element(
+            nested, drafts.end(), [](const EventDraft& left, const EventDraft& right) {
+                return left.timelineStart + left.duration < right.timelineStart + right.duration;
+            });
+        if (latest != drafts.end() && !latest->fadeOut) {
+            latest->fadeOut = dissolveFade(AAFFade::Direction::fadeOut, *component.dissolveOut);
+        } else {
+            notes_.addUnsupported("dissolve out of nested segment cannot be losslessly collapsed",
+                                  path.text());
+        }
+    }
+    return duration;
+}
+
+AAFRational SegmentWalk::flattenSequence(OMFObject sequence, const WalkPlace& place,
+                                         EventDrafts& drafts) {
+    const ObjectPath path(place.path, "SEQU", sequence);
+    const auto components = document_.objectRefs(sequence, {OMFProperty::sequenceComponents});
+    const auto isTransition = [&](std::size_t index) {
+        return index < components.size() &&
+               document_.classOf(components[index]) == OMFClass::transition;
+    };
+    auto position = place.timelineBase;
+    std::optional<Transition> incoming;
+    for (std::size_t i = 0; i < components.size(); ++i) {
+        if (isTransition(i)) {
+            countVisit();
+            if (!isTransition(i + 1) && (i == 0 || isTransition(i - 1))) {
+                // Not read yet as the outgoing transition of a component before it.
+                incoming = readTransition(components[i], place.rate);
+            }
+            continue;
+        }
+        std::optional<Transition> outgoing;
+        if (isTransition(i + 1)) {
+            outgoing = readTransition(components[i + 1], place.rate);
+        }
+        const WalkPlace here{place.rate, position, path, place.scopes, place.depth};
+        const auto component = readComponent(components[i], i, incoming ? &*incoming : nullptr,
+                                             outgoing ? &*outgoing : nullptr, here);
+        const auto kind = document_.classOf(component.object);
+        if (kind == OMFClass::sourceClip || kind == OMFClass::filler) {
+            countVisit();
+            if (kind == OMFClass::sourceClip) {
+                placeClip(component, here, drafts);
+            }
+            position = component.position + seconds(component.effectiveLength, place.rate);
+        } else {
+            position = component.position + placeNested(component, here, drafts);
+        }
+        incoming = std::move(outgoing);
+    }
+    return position - place.timelineBase;
+}
+
+}  // namespace trellant

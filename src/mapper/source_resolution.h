@@ -1,0 +1,78 @@
+// Where a Source Clip's audio lies: the chain of mobs from the clip to the Source Mob that
+// describes a media file, the track of that mob, and the offset into the media.
+#pragma once
+
+#include "mapping_notes.h"
+
+#include <trellant/omf/document.h>
+
+#include <cstdint>
+#include <optional>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+namespace trellant {
+
+struct ResolvedSource {
+    /// The Source Mob at which the chain ends.
+    OMFObject mob = OMFObject::none;
+    OMFUID mobID;
+    /// Seconds into that mob's media where the clip's first sample lies.
+    AAFRational start{};
+    /// Channel of the media, from 0.
+    std::int64_t channel = 0;
+    /// The track gives no usable physical track number, so `channel` is a default.
+    bool channelDefaulted = false;
+};
+
+class SourceResolution {
+  public:
+    /// Source Clips followed in one chain.
+    static constexpr std::size_t maximumDepth = 32;
+
+    /// All must outlive this. Walks all Source Mobs once.
+    SourceResolution(const OMFDocument& document, const OMFDocument::MobMap& mobMap,
+                     MappingNotes& notes);
+
+    /// `rate`: edit units per second in which the clip's start counts; `initialTrim`: seconds cut
+    /// from the head already. Nothing when the chain leads to no audio source; the reason is then
+    /// in the notes (`verlustGrund`, a diagnostic or an unsupported feature). Never throws.
+    [[nodiscard]] std::optional<ResolvedSource> resolveSourceClip(OMFObject clip, AAFRational rate,
+                                                                  const AAFRational& initialTrim);
+
+  private:
+    /// A mob's track as the walk needs it, read once per (mob, track).
+    struct Track {
+        /// Absent when the mob has no such track or its slot no usable edit rate.
+        std::optional<AAFRational> editRate;
+        /// Seconds.
+        AAFRational origin;
+        bool isAudioSource = false;
+        std::int64_t channel = 0;
+        bool channelDefaulted = true;
+        std::optional<OMFObject> segment;
+    };
+
+    [[nodiscard]] const Track& track(OMFObject mob, std::uint32_t trackID);
+    [[nodiscard]] Track readTrack(OMFObject mob, std::uint32_t trackID);
+    [[nodiscard]] std::optional<OMFObject> findSlot(OMFObject mob, std::uint32_t trackID);
+    void indexSlots(OMFObject mob);
+    [[nodiscard]] bool isAudioSource(OMFObject mob);
+    /// Whether the Source Mob that owns the descriptor has a sound track.
+    [[nodiscard]] bool descriptorHasAudioHint(OMFObject descriptor);
+    [[nodiscard]] bool hasSoundSlot(OMFObject mob) const;
+
+    const OMFDocument& document_;
+    const OMFDocument::MobMap& mobMap_;
+    MappingNotes& notes_;
+    /// Keys: mob in the high, track number in the low half.
+    std::unordered_map<std::uint64_t, Track> tracks_;
+    std::unordered_map<std::uint64_t, OMFObject> slots_;
+    std::unordered_set<OMFObject> slotsIndexed_;
+    /// From a descriptor to the first Source Mob that has it, and from there to the answer.
+    std::unordered_map<OMFObject, OMFObject> ownerOfDescriptor_;
+    std::unordered_map<OMFObject, bool> audioHints_;
+};
+
+}  // namespace trellant
