@@ -6,26 +6,23 @@
 
 namespace trellant {
 
-bool BentoBlockCache::allocate() noexcept {
-    if (!storage_) {
-        // Left uninitialised: pages of slots that are never used are never touched.
-        storage_.reset(new (std::nothrow) std::byte[slotCount * blockSize]);
-        blocks_.fill(noBlock);
-    }
-    return storage_ != nullptr;
-}
-
 std::span<const std::byte> BentoBlockCache::block(std::uint64_t block) noexcept {
-    const std::size_t slot = block % slotCount;
-    const std::uint64_t start = block * blockSize;
-    const std::size_t length = std::min(blockSize, file_.size() - start);
-    const std::span<std::byte> bytes(storage_.get() + slot * blockSize, length);
-    if (blocks_[slot] != block) {
-        blocks_[slot] = noBlock;
-        if (file_.readAvailable(start, bytes) != length) {
+    Slot& slot = slots_[block % slotCount];
+    if (!slot.bytes) {
+        slot.bytes.reset(new (std::nothrow) Storage);
+        if (!slot.bytes) {
             return {};
         }
-        blocks_[slot] = block;
+    }
+    const std::uint64_t start = block * blockSize;
+    const std::span<std::byte> bytes =
+        std::span(*slot.bytes).first(std::min(blockSize, file_.size() - start));
+    if (slot.block != block) {
+        slot.block = noBlock;
+        if (file_.readAvailable(start, bytes) != bytes.size()) {
+            return {};
+        }
+        slot.block = block;
     }
     return bytes;
 }
@@ -35,9 +32,6 @@ bool BentoBlockCache::read(std::uint64_t offset, std::span<std::byte> into) noex
         return false;
     }
     const std::lock_guard lock(mutex_);
-    if (!allocate()) {
-        return false;
-    }
     while (!into.empty()) {
         const std::uint64_t within = offset % blockSize;
         const std::span<const std::byte> bytes = block(offset / blockSize);

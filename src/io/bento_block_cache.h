@@ -30,15 +30,19 @@ class BentoBlockCache {
     static constexpr std::size_t slotCount = 128;
     static constexpr std::uint64_t noBlock = ~std::uint64_t{0};
 
+    using Storage = std::array<std::byte, blockSize>;
+    struct Slot {
+        std::uint64_t block = noBlock;
+        /// Made on first use.
+        std::unique_ptr<Storage> bytes;
+    };
+
     /// The bytes of block number `block` that the file has; empty when they cannot be had.
     std::span<const std::byte> block(std::uint64_t block) noexcept;
-    bool allocate() noexcept;
 
     const RandomAccessFile& file_;
     std::mutex mutex_;
-    std::unique_ptr<std::byte[]> storage_;
-    /// Which block each slot holds.
-    std::array<std::uint64_t, slotCount> blocks_{};
+    std::array<Slot, slotCount> slots_;
 };
 
 }  // namespace trellant

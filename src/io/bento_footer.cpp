@@ -46,7 +46,8 @@ OMFByteOrder byteOrderOfMarker(std::uint16_t littleEndianMarker) {
         return OMFByteOrder::big;
     }
     std::array<char, 8> digits{};
-    std::snprintf(digits.data(), digits.size(), "%X", static_cast<unsigned>(littleEndianMarker));
+    static_cast<void>(std::snprintf(digits.data(), digits.size(), "%X",
+                                    static_cast<unsigned>(littleEndianMarker)));
     throw OMFIOError::malformed(std::string("invalid Bento major marker 0x") + digits.data());
 }
 

@@ -69,7 +69,8 @@ std::string waveCodec(std::uint16_t tag) {
         return "IEEE Float";
     }
     std::array<char, 24> text{};
-    std::snprintf(text.data(), text.size(), "WAVE format 0x%04X", static_cast<unsigned>(tag));
+    static_cast<void>(
+        std::snprintf(text.data(), text.size(), "WAVE format 0x%04X", static_cast<unsigned>(tag)));
     return text.data();
 }
 

@@ -9,7 +9,9 @@
 //             omf.clip({.length = 500, .source = kick})})})}});
 //     writeFile(path, omf.build());
 //
-// Objects are numbered from 1 (the header) in the order of their making. Every maker gives the
+// Objects are numbered from 1 (the header) in the order of their making. Within braces that is the
+// written order, but the arguments of one call, gain(clip, constant), are made in an order of the
+// compiler's choice: where the numbers matter, make one of them before. Every maker gives the
 // object, so that a test may set, replace or remove single properties.
 #pragma once
 

@@ -2,14 +2,15 @@
 // pieces in the file. Opened whole or not at all, read only ever after; safe to share.
 #pragma once
 
+#include <trellant/io/bento_types.h>
+#include <trellant/io/random_access_file.h>
+
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
-#include <trellant/io/bento_types.h>
-#include <trellant/io/random_access_file.h>
 #include <vector>
 
 namespace trellant {

@@ -1,9 +1,10 @@
 // What a table of contents holds: items, each one piece of one property value of one object.
 #pragma once
 
+#include <trellant/io/byte_order.h>
+
 #include <array>
 #include <cstdint>
-#include <trellant/io/byte_order.h>
 #include <variant>
 
 namespace trellant {

@@ -1,11 +1,12 @@
 // Integers and text in a buffer of bytes. Every read is checked against the buffer.
 #pragma once
 
+#include <trellant/io/byte_order.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
-#include <trellant/io/byte_order.h>
 #include <vector>
 
 namespace trellant {

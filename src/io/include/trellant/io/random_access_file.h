@@ -1,12 +1,13 @@
 // One input file, read at given places. Only this file and the copy beside it do input.
 #pragma once
 
+#include <trellant/io/bento_types.h>
+#include <trellant/io/byte_readers.h>
+
 #include <atomic>
 #include <cstdint>
 #include <span>
 #include <string>
-#include <trellant/io/bento_types.h>
-#include <trellant/io/byte_readers.h>
 
 namespace trellant {
 

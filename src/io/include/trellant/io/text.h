@@ -1,11 +1,12 @@
 // Unicode as the reader needs it. Every text inside the program is UTF-8.
 #pragma once
 
+#include <trellant/io/byte_readers.h>
+
 #include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <trellant/io/byte_readers.h>
 
 namespace trellant {
 
