@@ -93,15 +93,19 @@ def show_tracks(timeline):
                 clip_extras(event, rate)))
 
 
+def channels_text(count):
+    return {1: "mono", 2: "stereo"}.get(count, "%d channels" % count)
+
+
 def show_sources(timeline):
     print("  Sources")
     for essence in timeline["essences"]:
         kind = "embedded" if essence["embedded"] else "external"
         place = os.path.relpath(path_of(essence["fileURL"])) if "fileURL" in essence else "NOT FOUND"
         bits = "%d bits" % essence["bitDepth"] if "bitDepth" in essence else "bits unknown"
-        print("    %-16s %s, %s Hz, %s, %d channel(s), %s" % (
+        print("    %-16s %s, %s Hz, %s, %s, %s" % (
             essence.get("sourceName", essence["id"]), kind,
-            fraction(essence["sampleRate"]), bits, essence["channelCount"], place))
+            fraction(essence["sampleRate"]), bits, channels_text(essence["channelCount"]), place))
 
 
 def show_losses(timeline):

@@ -28,8 +28,8 @@ namespace jsonDecoding {
 
 namespace {
 
-// The known types nest ten deep (result, timeline, events, event, fade, points, point, rational).
-constexpr std::size_t maxDepth = 24;
+// The known types nest eight deep (result, timeline, events, event, fade, points, point, rational).
+constexpr std::size_t maxDepth = 16;
 
 /// "line 2, column 7" of a byte of the text, both from 1, columns in bytes.
 [[nodiscard]] std::string placeInText(std::string_view text, std::size_t offset) {
@@ -276,7 +276,7 @@ class Events {
         decoder_.string(text);
         return true;
     }
-    [[noreturn]] bool binary(JsonLibrary::binary_t& /*bytes*/) {
+    [[noreturn]] static bool binary(JsonLibrary::binary_t& /*bytes*/) {
         preconditionFailure("JSON text holds no binary values");
     }
     bool start_object(std::size_t /*count*/) {

@@ -60,13 +60,13 @@ constexpr std::array<char, 256> escapeLetters = [] {
 }  // namespace
 
 JsonWriter::JsonWriter(JsonSink& sink)
-    : sink_(sink), buffer_(std::make_unique_for_overwrite<char[]>(bufferSize)) {}
+    : sink_(sink), buffer_(std::make_unique_for_overwrite<std::array<char, bufferSize>>()) {}
 
 void JsonWriter::flush() {
     const std::size_t count = used_;
     used_ = 0;
     if (count > 0) {
-        sink_.write({buffer_.get(), count});
+        sink_.write({buffer_->data(), count});
     }
 }
 
@@ -93,11 +93,11 @@ void JsonWriter::quoted(std::string_view text) {
         runStart = at + 1;
         if (letter == 'u') {
             const auto bits = static_cast<unsigned char>(text[at]);
-            const char escape[] = {'\\', 'u', '0', '0', digits[bits >> 4U], digits[bits & 15U]};
-            append({escape, sizeof escape});
+            const std::array escape{'\\', 'u', '0', '0', digits[bits >> 4U], digits[bits & 15U]};
+            append({escape.data(), escape.size()});
         } else {
-            const char escape[] = {'\\', letter};
-            append({escape, sizeof escape});
+            const std::array escape{'\\', letter};
+            append({escape.data(), escape.size()});
         }
     }
     append(text.substr(runStart));
@@ -125,17 +125,19 @@ void JsonWriter::integer(std::int64_t value) {
 }
 
 void JsonWriter::number(double value) {
-    constexpr double exactIntegerLimit = 9007199254740992.0;
+    // Plain digits where people write them, an exponent beyond: 0.0001 and 100000, 1e-05 and 1e+16.
+    // Left to choose, std::to_chars would give 0.0001 as 1e-04 and 100000 as 1e+05.
+    constexpr double leastPlain = 1e-4;
+    constexpr double leastExponential = 1e16;
     precondition(std::isfinite(value), "JSON has no form for numbers that are not finite");
-    // std::to_chars alone would give 100000 as 1e+05.
-    if (std::abs(value) <= exactIntegerLimit && std::trunc(value) == value &&
-        !(value == 0 && std::signbit(value))) {
-        integer(static_cast<std::int64_t>(value));
-        return;
-    }
+    const double size = std::abs(value);
+    const bool plain = size == 0 || (size >= leastPlain && size < leastExponential);
     separate();
     char* const out = reserve(longestNumber);
-    used_ += static_cast<std::size_t>(std::to_chars(out, out + longestNumber, value).ptr - out);
+    const auto written =
+        std::to_chars(out, out + longestNumber, value,
+                      plain ? std::chars_format::fixed : std::chars_format::scientific);
+    used_ += static_cast<std::size_t>(written.ptr - out);
     needsComma_ = true;
 }
 

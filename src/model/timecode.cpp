@@ -4,6 +4,7 @@
 #include <trellant/model/precondition.h>
 #include <trellant/model/timecode.h>
 
+#include <array>
 #include <cstdio>
 #include <limits>
 
@@ -122,12 +123,12 @@ AAFTimecodeAddress AAFTimecodeAddress::fromAbsoluteFrameNumber(std::int64_t fram
 std::string AAFTimecodeAddress::description() const {
     // Four 64-bit numbers of up to 20 characters and three separators.
     constexpr std::size_t longest = 84;
-    char text[longest];
-    const int length =
-        std::snprintf(text, longest, "%02lld:%02lld:%02lld%c%02lld", static_cast<long long>(hours),
-                      static_cast<long long>(minutes), static_cast<long long>(seconds),
-                      rate.dropFrame ? ';' : ':', static_cast<long long>(frames));
-    return {text, static_cast<std::size_t>(length)};
+    std::array<char, longest> text{};
+    const int length = std::snprintf(text.data(), text.size(), "%02lld:%02lld:%02lld%c%02lld",
+                                     static_cast<long long>(hours), static_cast<long long>(minutes),
+                                     static_cast<long long>(seconds), rate.dropFrame ? ';' : ':',
+                                     static_cast<long long>(frames));
+    return {text.data(), static_cast<std::size_t>(length)};
 }
 
 std::int64_t AAFTimecodeAddress::absoluteFrameNumber() const {

@@ -125,6 +125,15 @@ TEST(JsonWriter, DoublesAreTheShortestTextThatReadsBack) {
     EXPECT_EQ(numberJson(-2.2250738585072014e-308), "-2.2250738585072014e-308");
 }
 
+TEST(JsonWriter, PlainDigitsFromOneTenThousandthToBelowTenToTheSixteenth) {
+    EXPECT_EQ(numberJson(0.0001), "0.0001");
+    EXPECT_EQ(numberJson(-0.00025), "-0.00025");
+    EXPECT_EQ(numberJson(0.00001), "1e-05");
+    EXPECT_EQ(numberJson(2500000.5), "2500000.5");
+    EXPECT_EQ(numberJson(1e15), "1000000000000000");
+    EXPECT_EQ(numberJson(1e16), "1e+16");
+}
+
 TEST(JsonWriter, EveryDoubleReadsBackTheSame) {
     std::mt19937_64 engine(7);
     for (int round = 0; round < 20000; ++round) {

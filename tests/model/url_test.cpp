@@ -12,25 +12,25 @@ namespace {
 using namespace std::string_view_literals;
 
 TEST(AbsolutePath, AbsoluteStaysAsWritten) {
-    EXPECT_EQ(absolutePath("/a/./b/../c//d/", "/work"), "/a/./b/../c//d/");
+    EXPECT_EQ(absolutePath("/a/./b/../c//d/", "/srv"), "/a/./b/../c//d/");
 }
 
 TEST(AbsolutePath, RelativeIsTakenAgainstTheCurrentDirectory) {
-    EXPECT_EQ(absolutePath("film.omf", "/work/jobs"), "/work/jobs/film.omf");
+    EXPECT_EQ(absolutePath("film.omf", "/srv/jobs"), "/srv/jobs/film.omf");
     EXPECT_EQ(absolutePath("film.omf", "/"), "/film.omf");
 }
 
 TEST(AbsolutePath, EmptyIsTheCurrentDirectory) {
-    EXPECT_EQ(absolutePath("", "/work/jobs"), "/work/jobs");
+    EXPECT_EQ(absolutePath("", "/srv/jobs"), "/srv/jobs");
     EXPECT_EQ(absolutePath("", "/"), "/");
 }
 
 TEST(AbsolutePath, DotsAreRemovedFromRelativePaths) {
-    EXPECT_EQ(absolutePath("./a/../b/.", "/work"), "/work/b");
-    EXPECT_EQ(absolutePath("../../../x", "/work/jobs"), "/x");
-    EXPECT_EQ(absolutePath("..", "/work"), "/");
-    EXPECT_EQ(absolutePath("a//b/", "/work"), "/work/a/b");
-    EXPECT_EQ(absolutePath(".hidden/...", "/work"), "/work/.hidden/...");
+    EXPECT_EQ(absolutePath("./a/../b/.", "/srv"), "/srv/b");
+    EXPECT_EQ(absolutePath("../../../x", "/srv/jobs"), "/x");
+    EXPECT_EQ(absolutePath("..", "/srv"), "/");
+    EXPECT_EQ(absolutePath("a//b/", "/srv"), "/srv/a/b");
+    EXPECT_EQ(absolutePath(".hidden/...", "/srv"), "/srv/.hidden/...");
 }
 
 TEST(FileURL, KeepsUnreservedCharacters) {

@@ -4,6 +4,7 @@
 // each member of an object, every begin with its end. Commas are the writer's business.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -97,13 +98,13 @@ class JsonWriter {
         if (count > bufferSize - used_) {
             flush();
         }
-        return buffer_.get() + used_;
+        return buffer_->data() + used_;
     }
     void append(std::string_view bytes);
     void quoted(std::string_view text);
 
     JsonSink& sink_;
-    std::unique_ptr<char[]> buffer_;
+    std::unique_ptr<std::array<char, bufferSize>> buffer_;
     std::size_t used_ = 0;
     bool needsComma_ = false;
 };
