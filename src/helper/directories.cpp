@@ -42,7 +42,8 @@ void createDirectories(const std::string& path) {
             // A folder that is there may refuse its creation in other words (read-only, no
             // permission above): what counts is that it is there.
             if (!isDirectory(folder)) {
-                throw FileSystemError("create directory", path, reason);
+                const bool fileInTheWay = reason == EEXIST && end != std::string::npos;
+                throw FileSystemError("create directory", path, fileInTheWay ? ENOTDIR : reason);
             }
         }
         if (end == std::string::npos) {
