@@ -36,7 +36,7 @@ AAFWorkerProtocol::Request acceptedRequest(const std::string& input) {
 
 void serve(const AAFWorkerProtocol::Request& request) {
     emitProgress("opening", 0.05);
-    const auto result = OMFReader().process(request, [](double fraction) {
+    const auto result = OMFReader::process(request, [](double fraction) {
         emitProgress(fraction < resolvingFrom ? "reconstructing" : "resolving", fraction);
     });
     emitProgress("finishing", 0.95);

@@ -30,7 +30,7 @@ std::string location(const std::string& path) {
 }  // namespace
 
 AAFWorkerProtocol::Result OMFReader::process(const AAFWorkerProtocol::Request& request,
-                                             const Progress& progress) const {
+                                             const Progress& progress) {
     // main has checked this already; callers beside it are protected too.
     if (request.protocolVersion != AAFWorkerProtocol::version) {
         throw OMFIOError::unsupported("worker protocol version " +

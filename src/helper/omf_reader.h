@@ -15,8 +15,8 @@ struct OMFReader {
     /// Opens and maps the file that the request names. Only `extractAndInspect` writes anything:
     /// it creates the work directory and takes embedded audio out into it. Throws OMFIOError for
     /// what is wrong with the file and FileSystemError for what the system refuses.
-    [[nodiscard]] AAFWorkerProtocol::Result process(
-        const AAFWorkerProtocol::Request& request, const Progress& progress = [](double) {}) const;
+    [[nodiscard]] static AAFWorkerProtocol::Result process(
+        const AAFWorkerProtocol::Request& request, const Progress& progress = [](double) {});
 };
 
 }  // namespace trellant

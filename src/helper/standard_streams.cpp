@@ -40,7 +40,7 @@ void writeLine(std::string_view line) noexcept {
 }  // namespace
 
 void prepareStandardStreams() noexcept {
-    std::signal(SIGPIPE, SIG_IGN);
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     // A closed stream's number would be given to the next file opened, and lines meant for the
     // host would be written into that file.
     for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO}) {

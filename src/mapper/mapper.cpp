@@ -27,7 +27,7 @@ constexpr double progressOfAllSlots = 0.8;
 std::string fixedPoint(double value, int decimals) {
     // Room for the largest time: 20 digits, point, decimals.
     std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%.*f", decimals, value);
+    static_cast<void>(std::snprintf(text.data(), text.size(), "%.*f", decimals, value));
     return text.data();
 }
 
@@ -109,11 +109,11 @@ AAFTimeline Mapper::Assembly::makeTimeline(const Progress& progress) {
     const auto composition = chooseComposition(doc_);
     describeFile(composition);
     const auto slots = doc_.objectRefs(composition, {OMFProperty::mobSlots});
-    auto clock = clockOf(doc_, slots);
+    const auto clock = clockOf(doc_, slots);
     timeline_.sourceAAF = fileURL(places_.sourcePath);
     timeline_.clock = clock.clock;
     timeline_.hasNativeTimecode = clock.explicitProgramStart.has_value();
-    timeline_.explicitProgramStart = std::move(clock.explicitProgramStart);
+    timeline_.explicitProgramStart = clock.explicitProgramStart;
     timeline_.compositionName = doc_.string(composition, {OMFProperty::mobName});
 
     mapSlots(composition, slots, progress);

@@ -163,6 +163,8 @@ void MediaSearch::readFolder(int root, const std::string& relative,
     if (!workDirectoryInSearch_ && isSameDirectory(descriptor, workDirectory_)) {
         workDirectoryInSearch_ = folder;
     }
+    // Safe on a stream of our own, whatever other threads read.
+    // NOLINTNEXTLINE(concurrency-mt-unsafe)
     while (const auto* entry = ::readdir(directory.get())) {
         const std::string_view name(entry->d_name);
         if (isHidden(name)) {

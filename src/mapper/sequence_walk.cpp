@@ -180,7 +180,7 @@ AAFRational SegmentWalk::flattenSequence(OMFObject sequence, const WalkPlace& pl
         } else {
             position = component.position + placeNested(component, here, drafts);
         }
-        incoming = std::move(outgoing);
+        incoming = outgoing;
     }
     return position - place.timelineBase;
 }

@@ -34,58 +34,75 @@ std::optional<ResolvedSource> SourceResolution::resolveSourceClip(OMFObject clip
     auto offset = initialTrim;
     std::vector<OMFObject> visited;
     for (;;) {
-        const ObjectPath path("SCLP", clip);
         if (visited.size() >= maximumDepth ||
             std::find(visited.begin(), visited.end(), clip) != visited.end()) {
-            notes_.addUnsupported("source reference cycle/depth limit", path.text());
+            notes_.addUnsupported("source reference cycle/depth limit",
+                                  ObjectPath("SCLP", clip).text());
             return std::nullopt;
         }
-        const auto sourceID = document_.uid(clip, {OMFProperty::clipSourceID});
-        if (!sourceID || *sourceID == OMFUID::zero()) {
-            notes_.verlustGrund = "the Source Clip carries no Source ID";
+        const auto reference = referenceOf(clip);
+        if (!reference) {
             return std::nullopt;
         }
-        const auto mob = mobMap_.find(*sourceID);
-        if (mob == mobMap_.end()) {
-            const auto uid = sourceID->description();
-            notes_.diagnose("Unresolved Source Mob " + uid + " for SCLP " +
-                            std::to_string(number(clip)));
-            notes_.verlustGrund =
-                "the referenced Source Mob " + uid + " is not contained in the file";
-            return std::nullopt;
-        }
-        const auto trackID = document_.uint32(clip, {OMFProperty::clipSourceTrackID}).value_or(0);
-        const auto& found = track(mob->second, trackID);
+        const auto& found = track(reference->mob, reference->trackID);
         if (!found.editRate) {
-            const auto uid = sourceID->description();
-            const auto id = std::to_string(trackID);
-            notes_.diagnose("Source Mob " + uid + " has no TrackID " + id);
-            notes_.verlustGrund = "Source Mob " + uid + " has no track " + id;
+            reportMissingTrack(*reference);
             return std::nullopt;
         }
         const auto start = document_.int64(clip, {OMFProperty::clipStartTime}).value_or(0);
         offset = offset + AAFRational(start) / rate + found.origin;
         if (found.isAudioSource) {
-            return ResolvedSource{.mob = mob->second,
-                                  .mobID = *sourceID,
+            return ResolvedSource{.mob = reference->mob,
+                                  .mobID = reference->mobID,
                                   .start = offset,
                                   .channel = found.channel,
                                   .channelDefaulted = found.channelDefaulted};
         }
         if (!found.segment || document_.classOf(*found.segment) != OMFClass::sourceClip) {
-            const auto segmentClass =
-                found.segment ? document_.classID(*found.segment) : std::nullopt;
-            notes_.addUnsupported("Source Mob " + sourceID->description() + " TrackID " +
-                                      std::to_string(trackID) + " resolves through " +
-                                      std::string(segmentClass.value_or("no segment")) +
-                                      ", not a direct Source Clip",
-                                  path.text());
+            reportDeadEnd(clip, *reference, found);
             return std::nullopt;
         }
         visited.push_back(clip);
         clip = *found.segment;
         rate = *found.editRate;
     }
+}
+
+std::optional<SourceResolution::Reference> SourceResolution::referenceOf(OMFObject clip) {
+    const auto sourceID = document_.uid(clip, {OMFProperty::clipSourceID});
+    if (!sourceID || *sourceID == OMFUID::zero()) {
+        notes_.verlustGrund = "the Source Clip carries no Source ID";
+        return std::nullopt;
+    }
+    const auto mob = mobMap_.find(*sourceID);
+    if (mob == mobMap_.end()) {
+        const auto uid = sourceID->description();
+        notes_.diagnose("Unresolved Source Mob " + uid + " for SCLP " +
+                        std::to_string(number(clip)));
+        notes_.verlustGrund = "the referenced Source Mob " + uid + " is not contained in the file";
+        return std::nullopt;
+    }
+    return Reference{
+        .mob = mob->second,
+        .mobID = *sourceID,
+        .trackID = document_.uint32(clip, {OMFProperty::clipSourceTrackID}).value_or(0)};
+}
+
+void SourceResolution::reportMissingTrack(const Reference& reference) {
+    const auto mob = "Source Mob " + reference.mobID.description();
+    const auto trackID = std::to_string(reference.trackID);
+    notes_.diagnose(mob + " has no TrackID " + trackID);
+    notes_.verlustGrund = mob + " has no track " + trackID;
+}
+
+void SourceResolution::reportDeadEnd(OMFObject clip, const Reference& reference,
+                                     const Track& found) {
+    const auto segmentClass = found.segment ? document_.classID(*found.segment) : std::nullopt;
+    notes_.addUnsupported("Source Mob " + reference.mobID.description() + " TrackID " +
+                              std::to_string(reference.trackID) + " resolves through " +
+                              std::string(segmentClass.value_or("no segment")) +
+                              ", not a direct Source Clip",
+                          ObjectPath("SCLP", clip).text());
 }
 
 const SourceResolution::Track& SourceResolution::track(OMFObject mob, std::uint32_t trackID) {

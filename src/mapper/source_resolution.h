@@ -54,6 +54,18 @@ class SourceResolution {
         std::optional<OMFObject> segment;
     };
 
+    /// The track that a clip plays.
+    struct Reference {
+        OMFObject mob = OMFObject::none;
+        OMFUID mobID;
+        std::uint32_t trackID = 0;
+    };
+
+    /// Nothing, with the reason in the notes, when the clip names no mob of the file.
+    [[nodiscard]] std::optional<Reference> referenceOf(OMFObject clip);
+    void reportMissingTrack(const Reference& reference);
+    void reportDeadEnd(OMFObject clip, const Reference& reference, const Track& found);
+
     [[nodiscard]] const Track& track(OMFObject mob, std::uint32_t trackID);
     [[nodiscard]] Track readTrack(OMFObject mob, std::uint32_t trackID);
     [[nodiscard]] std::optional<OMFObject> findSlot(OMFObject mob, std::uint32_t trackID);

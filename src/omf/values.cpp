@@ -7,7 +7,7 @@ namespace trellant {
 
 std::string OMFUID::description() const {
     std::array<char, 3 * 8 + 2 + 1> text{};
-    std::snprintf(text.data(), text.size(), "%08X-%08X-%08X", a, b, c);
+    static_cast<void>(std::snprintf(text.data(), text.size(), "%08X-%08X-%08X", a, b, c));
     return text.data();
 }
 
