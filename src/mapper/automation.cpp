@@ -29,7 +29,7 @@ SegmentWalk::SharedEnvelope SegmentWalk::automationEnvelope(OMFObject value) {
         document_.int32(value, {OMFProperty::varyingInterpolation}).value_or(defaultInterpolation));
     if (const auto* unknown = std::get_if<AAFAutomationInterpolation::Unsupported>(&curve.curve)) {
         // The value's number alone on purpose: several effects may share one value.
-        notes_.addUnsupported(unknown->identifier, ObjectPath("VVAL", value).text());
+        report(unknown->identifier, ObjectPath("VVAL", value));
     }
     const auto [known, isNew] = envelopes_.try_emplace(value);
     if (isNew) {

@@ -14,6 +14,10 @@ namespace {
 constexpr std::int32_t inputArgument = -1;
 constexpr std::int32_t controlArgument = 1;
 constexpr std::int32_t gainAutomationArgument = 2;
+/// Effects with more slots than this are remembered: a shared one may be visited over and over.
+constexpr std::size_t fewSlots = 16;
+/// Effect definitions whose identifiers are remembered.
+constexpr std::size_t keptDefinitions = 64;
 /// Values closer than this are one value.
 constexpr double gainTolerance = 1e-9;
 constexpr double panTolerance = 1e-6;
@@ -99,12 +103,22 @@ void setPan(EventDrafts& drafts, std::size_t first, double pan) {
 
 }  // namespace
 
-std::string SegmentWalk::effectID(OMFObject effect) const {
-    const auto kind = document_.objectRef(effect, {OMFProperty::effectKind});
-    if (!kind) {
+std::string SegmentWalk::effectID(OMFObject effect) {
+    const auto definition = document_.objectRef(effect, {OMFProperty::effectKind});
+    if (!definition) {
         return {};
     }
-    return document_.string(*kind, {OMFProperty::effectDefinitionID}).value_or(std::string());
+    if (const auto known = effectIDs_.find(*definition); known != effectIDs_.end()) {
+        return known->second;
+    }
+    auto id = document_.string(*definition, {OMFProperty::effectDefinitionID});
+    if (!id) {
+        return {};
+    }
+    if (effectIDs_.size() < keptDefinitions) {
+        effectIDs_.emplace(*definition, *id);
+    }
+    return std::move(*id);
 }
 
 std::optional<OMFObject> SegmentWalk::effectArgument(const std::vector<OMFObject>& slots,
@@ -119,6 +133,31 @@ std::optional<OMFObject> SegmentWalk::effectArgument(const std::vector<OMFObject
     return std::nullopt;
 }
 
+SegmentWalk::EffectArguments SegmentWalk::readArguments(const std::vector<OMFObject>& slots) const {
+    EffectArguments arguments{.control = effectArgument(slots, controlArgument),
+                              .gainAutomation = effectArgument(slots, gainAutomationArgument)};
+    for (const auto slot : slots) {
+        if (document_.int32(slot, {OMFProperty::effectSlotArgID}) == inputArgument) {
+            if (const auto input = document_.objectRef(slot, {OMFProperty::effectSlotArgValue})) {
+                arguments.inputs.push_back(*input);
+            }
+        }
+    }
+    return arguments;
+}
+
+SegmentWalk::SharedArguments SegmentWalk::effectArguments(OMFObject effect) {
+    if (const auto known = longArguments_.find(effect); known != longArguments_.end()) {
+        return known->second;
+    }
+    const auto slots = document_.objectRefs(effect, {OMFProperty::effectSlots});
+    auto arguments = std::make_shared<const EffectArguments>(readArguments(slots));
+    if (slots.size() > fewSlots) {
+        longArguments_.emplace(effect, arguments);
+    }
+    return arguments;
+}
+
 AAFRational SegmentWalk::flattenEffect(OMFObject effect, const WalkPlace& place,
                                        EventDrafts& drafts) {
     const auto ownDuration = lengthSeconds(effect, place.rate);
@@ -131,63 +170,57 @@ AAFRational SegmentWalk::flattenEffect(OMFObject effect, const WalkPlace& place,
     }
     auto id = effectID(effect);
     if (id.empty()) {
-        notes_.addUnsupported("effect invocation has no readable EffectID", place.path.text());
+        report("effect invocation has no readable EffectID", place.path);
         return ownDuration;
     }
     const auto kind = lowerCased(id);
     const bool isGain = kind == "omfi:effect:monoaudiogain";
     if (!isGain && kind != "omfi:effect:monoaudiopan") {
-        notes_.addUnsupported("OMF effect " + id + " is not rendered by TrellantOMFReader",
-                              place.path.text());
+        report("OMF effect " + id + " is not rendered by TrellantOMFReader", place.path);
         return ownDuration;
     }
-    const auto slots = sharedList(effect, OMFProperty::effectSlots);
+    const auto arguments = effectArguments(effect);
+    if (arguments->inputs.empty()) {
+        report(id + " has no input slot (-1)", place.path);
+        return ownDuration;
+    }
     AAFRational duration;
     const auto first = drafts.size();
-    std::size_t inputs = 0;
-    for (const auto slot : *slots) {
-        if (document_.int32(slot, {OMFProperty::effectSlotArgID}) != inputArgument) {
-            continue;
-        }
-        if (const auto input = document_.objectRef(slot, {OMFProperty::effectSlotArgValue})) {
-            const ObjectPath path(place.path, "input", inputs++);
-            duration = std::max(duration, flatten(*input,
-                                                  {place.rate, place.timelineBase, path,
-                                                   place.scopes, place.depth + 1},
-                                                  drafts));
-        }
+    for (std::size_t i = 0; i < arguments->inputs.size(); ++i) {
+        const ObjectPath path(place.path, "input", i);
+        duration = std::max(
+            duration,
+            flatten(arguments->inputs[i],
+                    {place.rate, place.timelineBase, path, place.scopes, place.depth + 1}, drafts));
     }
-    if (inputs == 0) {
-        notes_.addUnsupported(id + " has no input slot (-1)", place.path.text());
-        return ownDuration;
+    if (!onlyCounts()) {
+        mergeEqualPlacements(drafts, first);
+        foldArguments({std::move(id), isGain, *arguments, place.path}, drafts, first);
     }
-    mergeEqualPlacements(drafts, first);
-    foldArguments({std::move(id), isGain, *slots, place.path}, drafts, first);
     return duration == AAFRational::zero() ? ownDuration : duration;
 }
 
 void SegmentWalk::foldArguments(const Effect& effect, EventDrafts& drafts, std::size_t first) {
     if (effect.isGain) {
-        const auto varying = effectArgument(effect.slots, gainAutomationArgument);
+        const auto varying = effect.arguments.gainAutomation;
         if (varying && document_.classOf(*varying) == OMFClass::varyingValue) {
             foldGainAutomation(effect, *varying, drafts, first);
             return;
         }
     }
-    const auto control = effectArgument(effect.slots, controlArgument);
+    const auto control = effect.arguments.control;
     if (!control) {
         return;
     }
     if (!document_.classID(*control)) {
-        notes_.addUnsupported(effect.id + " control slot has no object class", effect.path.text());
+        report(effect.id + " control slot has no object class", effect.path);
     } else if (document_.classOf(*control) == OMFClass::constantValue) {
         foldConstant(effect, *control, drafts, first);
     } else if (document_.classOf(*control) == OMFClass::varyingValue) {
         foldVarying(effect, *control, drafts, first);
     } else {
-        notes_.addUnsupported(
-            effect.id + " control uses unsupported " + std::string(className(*control)),
-            effect.path.text());
+        report(effect.id + " control uses unsupported " + std::string(className(*control)),
+               effect.path);
     }
 }
 
@@ -195,8 +228,7 @@ void SegmentWalk::foldGainAutomation(const Effect& effect, OMFObject varying, Ev
                                      std::size_t first) {
     const auto envelope = automationEnvelope(varying);
     if (!envelope) {
-        notes_.addUnsupported("MonoAudioGain automation slot (2) is not readable",
-                              effect.path.text());
+        report("MonoAudioGain automation slot (2) is not readable", effect.path);
     } else if (const auto constant = constantValueOf(*envelope, gainTolerance)) {
         multiplyGain(drafts, first, *constant);
     } else {
@@ -208,8 +240,7 @@ void SegmentWalk::foldConstant(const Effect& effect, OMFObject control, EventDra
                                std::size_t first) {
     const auto value = document_.rational(control, {OMFProperty::constantValue});
     if (!value) {
-        notes_.addUnsupported(effect.id + " constant is not a readable rational",
-                              effect.path.text());
+        report(effect.id + " constant is not a readable rational", effect.path);
     } else if (effect.isGain) {
         multiplyGain(drafts, first, value->aaf().doubleValue());
     } else {
@@ -224,8 +255,7 @@ void SegmentWalk::foldVarying(const Effect& effect, OMFObject control, EventDraf
         if (envelope) {
             giveGainAutomation(effect, envelope, drafts, first);
         } else {
-            notes_.addUnsupported("MonoAudioGain varying value is not readable",
-                                  effect.path.text());
+            report("MonoAudioGain varying value is not readable", effect.path);
         }
         return;
     }
@@ -234,8 +264,7 @@ void SegmentWalk::foldVarying(const Effect& effect, OMFObject control, EventDraf
     if (constant) {
         setPan(drafts, first, *constant);
     } else {
-        notes_.addUnsupported("variable MonoAudioPan automation is not reproducible",
-                              effect.path.text());
+        report("variable MonoAudioPan automation is not reproducible", effect.path);
     }
 }
 
@@ -243,8 +272,7 @@ void SegmentWalk::giveGainAutomation(const Effect& effect, const SharedEnvelope&
                                      EventDrafts& drafts, std::size_t first) {
     for (std::size_t i = first; i < drafts.size(); ++i) {
         if (drafts[i].clipGainAutomation) {
-            notes_.addUnsupported("nested gain automation cannot be losslessly collapsed",
-                                  effect.path.text());
+            report("nested gain automation cannot be losslessly collapsed", effect.path);
         } else {
             drafts[i].clipGainAutomation = envelope;
         }

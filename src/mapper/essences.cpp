@@ -15,6 +15,10 @@ constexpr std::int64_t headerPrefix = 262'144;
 /// When neither the audio nor its descriptor tells; the rate of nearly all audio post.
 constexpr std::int64_t fallbackSampleRate = 48'000;
 
+/// Descriptors have one or two locators. Mobs may share a descriptor, and then following more than
+/// these again for each would cost mobs times locators.
+constexpr std::size_t fewLocators = 16;
+
 /// The file that a locator's path names when it can be tried as it stands.
 std::optional<std::string> directPath(const std::string& locator) {
     constexpr std::string_view scheme = "file:";
@@ -97,7 +101,7 @@ void Essences::reportMissing(OMFObject mob, const AAFSourceEssence& essence) {
                         essence.originalPath.value_or(essence.sourceName.value_or(essence.id)));
     } else if (extract_) {
         notes_.addUnsupported("embedded audio essence could not be extracted",
-                              "SMOB[" + std::to_string(number(mob)) + "]");
+                              ObjectPath("SMOB", mob));
     }
 }
 
@@ -159,6 +163,23 @@ Essences::FoundMedia Essences::findExternal(OMFObject descriptor,
 
 Essences::FoundMedia Essences::resolveExternal(OMFObject descriptor,
                                                const std::optional<std::string>& sourceName) {
+    auto found = followLocators(descriptor);
+    if (found.path) {
+        return found;
+    }
+    if (!found.originalPath) {
+        found.originalPath = sourceName;
+    }
+    if (found.originalPath && search_.hasDirectory()) {
+        found.path = search_.locate(wantedName(*found.originalPath));
+    }
+    return found;
+}
+
+Essences::FoundMedia Essences::followLocators(OMFObject descriptor) {
+    if (const auto known = manyLocators_.find(descriptor); known != manyLocators_.end()) {
+        return known->second;
+    }
     FoundMedia found;
     const auto locators = document_.objectRefs(
         descriptor,
@@ -174,18 +195,15 @@ Essences::FoundMedia Essences::resolveExternal(OMFObject descriptor,
             }
             if (auto direct = directPath(*path); direct && regularFileExists(*direct)) {
                 found.path = std::move(direct);
-                return found;
+                break;
             }
         }
         if (!found.originalPath && document_.classOf(locator) == OMFClass::macLocator) {
             found.originalPath = document_.string(locator, {OMFProperty::macLocatorFileName});
         }
     }
-    if (!found.originalPath) {
-        found.originalPath = sourceName;
-    }
-    if (found.originalPath && search_.hasDirectory()) {
-        found.path = search_.locate(wantedName(*found.originalPath));
+    if (locators.size() > fewLocators) {
+        manyLocators_.emplace(descriptor, found);
     }
     return found;
 }

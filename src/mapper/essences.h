@@ -51,6 +51,8 @@ class Essences {
     /// Path and original path; the format is left open.
     [[nodiscard]] FoundMedia resolveExternal(OMFObject descriptor,
                                              const std::optional<std::string>& sourceName);
+    /// The first locator's file that exists, and the first path recorded.
+    [[nodiscard]] FoundMedia followLocators(OMFObject descriptor);
     void reportMissing(OMFObject mob, const AAFSourceEssence& essence);
 
     const OMFDocument& document_;
@@ -60,6 +62,7 @@ class Essences {
     UniqueNames names_;
     MediaSearch search_;
     std::unordered_map<OMFObject, AAFSourceEssence> essenceCache_;
+    std::unordered_map<OMFObject, FoundMedia> manyLocators_;
 };
 
 }  // namespace trellant

@@ -41,8 +41,7 @@ Boxed<AAFFade> SegmentWalk::fade(OMFObject clip, AAFFade::Direction direction,
     if (const auto* unknown = std::get_if<AAFAutomationInterpolation::Unsupported>(&curve.curve)) {
         // The clip's number alone on purpose: a fade belongs to the clip, wherever it is placed.
         const ObjectPath clipPath("SCLP", clip);
-        notes_.addUnsupported(unknown->identifier,
-                              ObjectPath(clipPath, isIn ? "FadeIn" : "FadeOut").text());
+        report(unknown->identifier, ObjectPath(clipPath, isIn ? "FadeIn" : "FadeOut"));
     }
     return AAFFade{
         .direction = direction, .duration = AAFRational(*length) / rate, .curve = std::move(curve)};
@@ -50,25 +49,33 @@ Boxed<AAFFade> SegmentWalk::fade(OMFObject clip, AAFFade::Direction direction,
 
 std::optional<AAFRational> SegmentWalk::simpleLinearDissolveDuration(OMFObject transition,
                                                                      const AAFRational& rate) {
-    const auto [known, isNew] = dissolves_.try_emplace(transition, false);
-    if (isNew) {
-        known->second = isSimpleLinearDissolve(transition);
-    }
-    if (!known->second) {
+    if (!isSimpleLinearDissolve(transition)) {
         return std::nullopt;
     }
     return lengthSeconds(transition, rate);
 }
 
-bool SegmentWalk::isSimpleLinearDissolve(OMFObject transition) const {
+bool SegmentWalk::isSimpleLinearDissolve(OMFObject transition) {
     const auto effect = document_.objectRef(transition, {OMFProperty::transitionEffect});
-    if (!effect || document_.classOf(*effect) != OMFClass::effect ||
-        lowerCased(effectID(*effect)) != "omfi:effect:simplemonoaudiodissolve") {
-        return false;
+    return effect && document_.classOf(*effect) == OMFClass::effect &&
+           lowerCased(effectID(*effect)) == "omfi:effect:simplemonoaudiodissolve" &&
+           hasLinearLevel(*effect);
+}
+
+bool SegmentWalk::hasLinearLevel(OMFObject dissolveEffect) {
+    const auto [known, isNew] = linearEffects_.try_emplace(dissolveEffect, true);
+    if (isNew) {
+        const auto level = effectArgument(
+            document_.objectRefs(dissolveEffect, {OMFProperty::effectSlots}), levelArgument);
+        if (level) {
+            const auto [linear, isNewLevel] = linearLevels_.try_emplace(*level, false);
+            if (isNewLevel) {
+                linear->second = isLinearLevel(*level);
+            }
+            known->second = linear->second;
+        }
     }
-    const auto level =
-        effectArgument(document_.objectRefs(*effect, {OMFProperty::effectSlots}), levelArgument);
-    return !level || isLinearLevel(*level);
+    return known->second;
 }
 
 bool SegmentWalk::isLinearLevel(OMFObject level) const {

@@ -1,6 +1,7 @@
 // The assembly of the timeline: slot by slot, draft by draft.
 #include "clip_names.h"
 #include "composition.h"
+#include "data_kinds.h"
 #include "essences.h"
 #include "mapping_notes.h"
 #include "segment_walk.h"
@@ -44,8 +45,9 @@ class Mapper::Assembly {
           places_(std::move(places)),
           mobMap_(document.mobMap()),
           mediaMap_(document.mediaDataMap()),
-          walk_(document, notes_),
-          sources_(document, mobMap_, notes_),
+          walk_(document, notes_, [this] { checkExpansion(); }),
+          dataKinds_(document),
+          sources_(document, mobMap_, dataKinds_, notes_),
           essences_(document, mediaMap_, places_, notes_),
           clipNames_(document) {}
 
@@ -59,7 +61,6 @@ class Mapper::Assembly {
     struct Slot {
         std::size_t index;
         OMFObject object;
-        OMFObject segment;
         const ObjectPath& path;
         /// Edit units per second, greater than zero.
         AAFRational editRate;
@@ -68,27 +69,35 @@ class Mapper::Assembly {
         std::string label;
     };
 
-    void describeFile(OMFObject composition);
-    void mapSlots(OMFObject composition, const std::vector<OMFObject>& slots,
-                  const Progress& progress);
-    void mapSlot(std::size_t index, OMFObject slot, const ObjectPath& path,
-                 const std::vector<OMFObject>& segments);
-    void mapAudioSlot(const Slot& slot, const std::vector<OMFObject>& segments);
+    void describeFile();
+    void readSlots();
+    void mapSlots(const Progress& progress);
+    void mapSlot(std::size_t index);
+    void mapAudioSlot(const Slot& slot);
+    /// Throws OMFIOError unsupported when all audio slots together expand beyond bounds.
+    void checkExpansion();
+    AAFRational walkSlot(SegmentWalk& walk, std::size_t index, const AAFRational& editRate,
+                         const ObjectPath& path, EventDrafts& drafts);
+    [[nodiscard]] bool isAudioSlot(std::size_t index);
+    /// Absent when the slot has none that can measure: missing, zero or negative.
+    [[nodiscard]] std::optional<AAFRational> usableEditRate(std::size_t index) const;
     void buildTrack(const Slot& slot, EventDrafts& drafts, const AAFRational& duration);
     /// Appends the draft's event; false, with a loss recorded, when its audio cannot be resolved.
     bool buildEvent(const Slot& slot, AAFChannelRole role, EventDraft& draft);
-    [[nodiscard]] bool isAudio(OMFObject segment);
-    [[nodiscard]] bool isAudioKind(OMFObject dataKind) const;
-
     const OMFDocument& doc_;
     MappingPlaces places_;
     OMFDocument::MobMap mobMap_;
     OMFDocument::MobMap mediaMap_;
     MappingNotes notes_;
     SegmentWalk walk_;
+    DataKinds dataKinds_;
     SourceResolution sources_;
     Essences essences_;
     ClipNames clipNames_;
+    OMFObject composition_ = OMFObject::none;
+    std::vector<OMFObject> slots_;
+    /// By slot; none where a slot has no segment.
+    std::vector<OMFObject> segments_;
     AAFTimeline timeline_;
     AAFRational compositionLength_;
 };
@@ -106,17 +115,17 @@ const std::vector<std::string>& Mapper::diagnostics() const noexcept {
 }
 
 AAFTimeline Mapper::Assembly::makeTimeline(const Progress& progress) {
-    const auto composition = chooseComposition(doc_);
-    describeFile(composition);
-    const auto slots = doc_.objectRefs(composition, {OMFProperty::mobSlots});
-    const auto clock = clockOf(doc_, slots);
+    composition_ = chooseComposition(doc_);
+    describeFile();
+    readSlots();
+    const auto clock = clockOf(doc_, slots_);
     timeline_.sourceAAF = fileURL(places_.sourcePath);
     timeline_.clock = clock.clock;
     timeline_.hasNativeTimecode = clock.explicitProgramStart.has_value();
     timeline_.explicitProgramStart = clock.explicitProgramStart;
-    timeline_.compositionName = doc_.string(composition, {OMFProperty::mobName});
+    timeline_.compositionName = doc_.string(composition_, {OMFProperty::mobName});
 
-    mapSlots(composition, slots, progress);
+    mapSlots(progress);
     if (timeline_.events.empty()) {
         throw OMFIOError::malformed("composition contains no resolvable audio Source Clips");
     }
@@ -131,58 +140,74 @@ AAFTimeline Mapper::Assembly::makeTimeline(const Progress& progress) {
     return std::move(timeline_);
 }
 
-void Mapper::Assembly::describeFile(OMFObject composition) {
+void Mapper::Assembly::describeFile() {
     const auto& footer = doc_.bento().footer();
     const auto* order = doc_.byteOrder() == OMFByteOrder::little ? "little" : "big";
     notes_.diagnose("OMF2/Bento " + std::to_string(footer.majorVersion) + "." +
                     std::to_string(footer.minorVersion) + ", " + order + "-endian");
-    notes_.diagnose("Composition Mob object " + std::to_string(number(composition)) + " selected");
+    notes_.diagnose("Composition Mob object " + std::to_string(number(composition_)) + " selected");
 }
 
-void Mapper::Assembly::mapSlots(OMFObject composition, const std::vector<OMFObject>& slots,
-                                const Progress& progress) {
-    std::vector<OMFObject> segments;
-    segments.reserve(slots.size());
-    for (const auto slot : slots) {
-        segments.push_back(
+void Mapper::Assembly::readSlots() {
+    slots_ = doc_.objectRefs(composition_, {OMFProperty::mobSlots});
+    segments_.reserve(slots_.size());
+    for (const auto slot : slots_) {
+        segments_.push_back(
             doc_.objectRef(slot, {OMFProperty::slotSegment}).value_or(OMFObject::none));
     }
-    const ObjectPath compositionPath("CMOB", composition);
-    for (std::size_t i = 0; i < slots.size(); ++i) {
+}
+
+void Mapper::Assembly::mapSlots(const Progress& progress) {
+    for (std::size_t i = 0; i < slots_.size(); ++i) {
         progress(progressAtFirstSlot +
-                 progressOfAllSlots * static_cast<double>(i) / static_cast<double>(slots.size()));
-        mapSlot(i, slots[i], ObjectPath(compositionPath, "slot", slots[i]), segments);
+                 progressOfAllSlots * static_cast<double>(i) / static_cast<double>(slots_.size()));
+        mapSlot(i);
     }
 }
 
-void Mapper::Assembly::mapSlot(std::size_t index, OMFObject slot, const ObjectPath& path,
-                               const std::vector<OMFObject>& segments) {
-    const auto segment = segments[index];
-    if (segment == OMFObject::none || !isAudio(segment)) {
+void Mapper::Assembly::mapSlot(std::size_t index) {
+    if (!isAudioSlot(index)) {
         return;
     }
+    const auto slot = slots_[index];
+    const ObjectPath compositionPath("CMOB", composition_);
+    const ObjectPath path(compositionPath, "slot", slot);
     const auto description = doc_.objectRef(slot, {OMFProperty::slotTrackDesc});
     auto name = description ? doc_.string(*description, {OMFProperty::trackName}) : std::nullopt;
     auto label = name ? "\u201C" + *name + "\u201D" : std::to_string(index + 1);
-    const auto editRate = doc_.rational(slot, {OMFProperty::slotEditRate});
-    if (!editRate || editRate->aaf().numerator() < 1) {
+    const auto editRate = usableEditRate(index);
+    if (!editRate) {
         notes_.addLoss(
-            "whole audio track " + label + " dropped: the slot carries no usable edit rate",
-            path.text());
+            "whole audio track " + label + " dropped: the slot carries no usable edit rate", path);
         return;
     }
-    mapAudioSlot({index, slot, segment, path, editRate->aaf(), std::move(name), std::move(label)},
-                 segments);
+    mapAudioSlot({index, slot, path, *editRate, std::move(name), std::move(label)});
 }
 
-void Mapper::Assembly::mapAudioSlot(const Slot& slot, const std::vector<OMFObject>& segments) {
-    const ScopeFrame scope{.segments = &segments,
-                           .currentIndex = static_cast<std::int64_t>(slot.index)};
+void Mapper::Assembly::mapAudioSlot(const Slot& slot) {
     EventDrafts drafts;
-    const auto duration = walk_.flatten(
-        slot.segment, {slot.editRate, AAFRational::zero(), slot.path, &scope, 0}, drafts);
+    const auto duration = walkSlot(walk_, slot.index, slot.editRate, slot.path, drafts);
     compositionLength_ = std::max(compositionLength_, duration);
     buildTrack(slot, drafts, duration);
+}
+
+AAFRational Mapper::Assembly::walkSlot(SegmentWalk& walk, std::size_t index,
+                                       const AAFRational& editRate, const ObjectPath& path,
+                                       EventDrafts& drafts) {
+    const ScopeFrame scope{.segments = &segments_,
+                           .currentIndex = static_cast<std::int64_t>(index)};
+    return walk.flatten(segments_[index], {editRate, AAFRational::zero(), path, &scope, 0}, drafts);
+}
+
+void Mapper::Assembly::checkExpansion() {
+    SegmentWalk counter(doc_);
+    const ObjectPath path("CMOB", composition_);
+    EventDrafts none;
+    for (std::size_t i = 0; i < slots_.size(); ++i) {
+        if (const auto editRate = usableEditRate(i); editRate && isAudioSlot(i)) {
+            walkSlot(counter, i, *editRate, path, none);
+        }
+    }
 }
 
 void Mapper::Assembly::buildTrack(const Slot& slot, EventDrafts& drafts,
@@ -191,7 +216,7 @@ void Mapper::Assembly::buildTrack(const Slot& slot, EventDrafts& drafts,
     if (pan.differs) {
         notes_.addUnsupported(
             "per-clip pan values differ on one track and cannot be expressed as a track pan",
-            slot.path.text());
+            slot.path);
     }
     std::size_t built = 0;
     for (auto& draft : drafts) {
@@ -202,7 +227,7 @@ void Mapper::Assembly::buildTrack(const Slot& slot, EventDrafts& drafts,
     if (built == 0 && !drafts.empty()) {
         notes_.addLoss("whole audio track " + slot.label + " dropped: none of its " +
                            std::to_string(drafts.size()) + " clip(s) could be resolved",
-                       slot.path.text());
+                       slot.path);
         return;
     }
     timeline_.tracks.push_back({.id = "omf-track-" + std::to_string(number(slot.object)),
@@ -222,7 +247,7 @@ bool Mapper::Assembly::buildEvent(const Slot& slot, AAFChannelRole role, EventDr
     if (essence == nullptr) {
         notes_.addLoss("audio clip dropped: " +
                            notes_.verlustGrund.value_or("the source could not be resolved"),
-                       ObjectPath(slot.path, "SCLP", draft.object).text());
+                       ObjectPath(slot.path, "SCLP", draft.object));
         return false;
     }
     if (role == AAFChannelRole::mono && essence->channelCount != 1) {
@@ -249,19 +274,16 @@ bool Mapper::Assembly::buildEvent(const Slot& slot, AAFChannelRole role, EventDr
     return true;
 }
 
-bool Mapper::Assembly::isAudio(OMFObject segment) {
-    const auto dataKind = doc_.objectRef(segment, {OMFProperty::componentDataKind});
-    return !dataKind || isAudioKind(*dataKind);
+std::optional<AAFRational> Mapper::Assembly::usableEditRate(std::size_t index) const {
+    const auto stored = doc_.rational(slots_[index], {OMFProperty::slotEditRate});
+    if (!stored || stored->aaf().numerator() < 1) {
+        return std::nullopt;
+    }
+    return stored->aaf();
 }
 
-bool Mapper::Assembly::isAudioKind(OMFObject dataKind) const {
-    const auto id = doc_.string(dataKind, {OMFProperty::dataKindID});
-    if (!id) {
-        // Writers leave the kind out of sound-only compositions: better to keep too much.
-        return true;
-    }
-    const auto lower = lowerCased(*id);
-    return lower.find("sound") != std::string::npos || lower.find("audio") != std::string::npos;
+bool Mapper::Assembly::isAudioSlot(std::size_t index) {
+    return segments_[index] != OMFObject::none && dataKinds_.mayBeAudio(segments_[index]);
 }
 
 }  // namespace trellant

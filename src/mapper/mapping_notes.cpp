@@ -10,19 +10,18 @@ void MappingNotes::add(std::string_view kind, AAFUnsupportedFeature::Severity se
                             .objectPath = std::move(at)});
 }
 
-void MappingNotes::addLoss(std::string message, std::string at) {
-    add("omf-loss-", AAFUnsupportedFeature::Severity::informational, std::move(message),
-        std::move(at));
+void MappingNotes::addLoss(std::string message, const ObjectPath& at) {
+    add("omf-loss-", AAFUnsupportedFeature::Severity::informational, std::move(message), at.text());
 }
 
-void MappingNotes::addUnsupported(std::string message, std::string at) {
+void MappingNotes::addUnsupported(std::string message, const ObjectPath& at) {
     add("omf-unsupported-", AAFUnsupportedFeature::Severity::renderAffecting, std::move(message),
-        std::move(at));
+        at.text());
 }
 
-void MappingNotes::addUnsupportedOncePerPath(std::string message, std::string at) {
-    if (pathsRecordedOnce_.insert(at).second) {
-        addUnsupported(std::move(message), std::move(at));
+void MappingNotes::addUnsupportedOncePerPath(std::string message, const ObjectPath& at) {
+    if (pathsRecordedOnce_.insert(at.text()).second) {
+        addUnsupported(std::move(message), at);
     }
 }
 

@@ -2,6 +2,8 @@
 // and the reason of the loss in hand. The one door for losses.
 #pragma once
 
+#include "object_path.h"
+
 #include <trellant/model/timeline.h>
 
 #include <optional>
@@ -14,13 +16,13 @@ namespace trellant {
 class MappingNotes {
   public:
     /// Records that material was dropped: "omf-loss-N", informational.
-    void addLoss(std::string message, std::string at);
+    void addLoss(std::string message, const ObjectPath& at);
     /// Records that material is not rendered as meant: "omf-unsupported-N", render-affecting.
     /// N counts the records of both kinds. Neither removes duplicates.
-    void addUnsupported(std::string message, std::string at);
+    void addUnsupported(std::string message, const ObjectPath& at);
     /// The same, unless an earlier call of this function recorded that path. Only this function
     /// writes such paths, so no other record can hold one.
-    void addUnsupportedOncePerPath(std::string message, std::string at);
+    void addUnsupportedOncePerPath(std::string message, const ObjectPath& at);
 
     void diagnose(std::string line) { diagnostics_.push_back(std::move(line)); }
 

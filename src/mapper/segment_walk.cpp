@@ -16,9 +16,19 @@ constexpr std::size_t keptReferencesLimit = 8'388'608;
 }  // namespace
 
 void SegmentWalk::countVisit() {
-    if (++visits_ > maximumVisits) {
+    ++visits_;
+    if (visits_ > maximumVisits) {
         throw OMFIOError::unsupported("composition expands to more than " +
                                       std::to_string(maximumVisits) + " segments");
+    }
+    if (visits_ == visitsBeforeCheck && checkExpansion_) {
+        checkExpansion_();
+    }
+}
+
+void SegmentWalk::report(std::string_view message, const ObjectPath& at) {
+    if (!onlyCounts()) {
+        notes_->addUnsupported(std::string(message), at);
     }
 }
 
@@ -35,31 +45,32 @@ std::string_view SegmentWalk::className(OMFObject object) const {
     return document_.classID(object).value_or("????");
 }
 
-std::shared_ptr<const std::vector<OMFObject>> SegmentWalk::sharedList(OMFObject object,
-                                                                      OMFProperty list) {
-    if (const auto known = longLists_.find(object); known != longLists_.end()) {
+SegmentWalk::SharedList SegmentWalk::scopeSlots(OMFObject scope) {
+    if (const auto known = longLists_.find(scope); known != longLists_.end()) {
         return known->second;
     }
-    auto references =
-        std::make_shared<const std::vector<OMFObject>>(document_.objectRefs(object, {list}));
-    if (references->size() > shortList &&
-        references->size() <= keptReferencesLimit - keptReferences_) {
-        keptReferences_ += references->size();
-        longLists_.emplace(object, references);
+    auto slots = std::make_shared<const std::vector<OMFObject>>(
+        document_.objectRefs(scope, {OMFProperty::nestedScopeSlots}));
+    if (slots->size() > shortList && slots->size() <= keptReferencesLimit - keptReferences_) {
+        keptReferences_ += slots->size();
+        longLists_.emplace(scope, slots);
     }
-    return references;
+    return slots;
 }
 
 AAFRational SegmentWalk::flatten(OMFObject segment, const WalkPlace& place, EventDrafts& drafts) {
     countVisit();
     if (place.depth > maximumDepth) {
-        notes_.addUnsupported("composition nesting exceeds depth limit", place.path.text());
+        report("composition nesting exceeds depth limit", place.path);
         return lengthSeconds(segment, place.rate);
     }
     const auto kind = document_.classOf(segment);
     switch (kind) {
         case OMFClass::sourceClip: {
             const auto duration = lengthSeconds(segment, place.rate);
+            if (onlyCounts()) {
+                return duration;
+            }
             auto fadeIn = fade(segment, AAFFade::Direction::fadeIn, place.rate);
             auto fadeOut = fade(segment, AAFFade::Direction::fadeOut, place.rate);
             drafts.push_back({.object = segment,
@@ -91,9 +102,9 @@ AAFRational SegmentWalk::flatten(OMFObject segment, const WalkPlace& place, Even
             break;
         case OMFClass::editRateConverter:
         case OMFClass::mediaGroup:
-            notes_.addUnsupported(std::string(className(segment)) +
-                                      " composition operation is not rendered by TrellantOMFReader",
-                                  ObjectPath(place.path, className(segment), segment).text());
+            report(std::string(className(segment)) +
+                       " composition operation is not rendered by TrellantOMFReader",
+                   ObjectPath(place.path, className(segment), segment));
             break;
         case OMFClass::header:
         case OMFClass::compositionMob:
@@ -112,8 +123,8 @@ AAFRational SegmentWalk::flatten(OMFObject segment, const WalkPlace& place, Even
         case OMFClass::transition:
         case OMFClass::other:
         case OMFClass::absent:
-            notes_.addUnsupported("unknown OMF component class " + std::string(className(segment)),
-                                  ObjectPath(place.path, "", segment).text());
+            report("unknown OMF component class " + std::string(className(segment)),
+                   ObjectPath(place.path, "", segment));
             break;
     }
     return lengthSeconds(segment, place.rate);
@@ -127,16 +138,16 @@ AAFRational SegmentWalk::flattenSelector(OMFObject selector, const WalkPlace& pl
                        {place.rate, place.timelineBase, path, place.scopes, place.depth + 1},
                        drafts);
     }
-    notes_.addUnsupported("selector has no readable selected segment", path.text());
+    report("selector has no readable selected segment", path);
     return lengthSeconds(selector, place.rate);
 }
 
 AAFRational SegmentWalk::flattenNestedScope(OMFObject scope, const WalkPlace& place,
                                             EventDrafts& drafts) {
     const ObjectPath path(place.path, "NEST", scope);
-    const auto slots = sharedList(scope, OMFProperty::nestedScopeSlots);
+    const auto slots = scopeSlots(scope);
     if (slots->empty()) {
-        notes_.addUnsupported("NestedScope has no slots", path.text());
+        report("NestedScope has no slots", path);
         return lengthSeconds(scope, place.rate);
     }
     const ScopeFrame frame{.segments = slots.get(),
@@ -155,7 +166,7 @@ AAFRational SegmentWalk::flattenScopeReference(OMFObject reference, const WalkPl
         frame = frame->outer;
     }
     if (frame == nullptr) {
-        notes_.addUnsupported("ScopeReference points above the outermost scope", path.text());
+        report("ScopeReference points above the outermost scope", path);
         return lengthSeconds(reference, place.rate);
     }
     const std::int64_t target =
@@ -164,9 +175,7 @@ AAFRational SegmentWalk::flattenScopeReference(OMFObject reference, const WalkPl
     const auto& segments = *frame->segments;
     if (target < 0 || target >= static_cast<std::int64_t>(segments.size()) ||
         segments[static_cast<std::size_t>(target)] == OMFObject::none) {
-        notes_.addUnsupported(
-            "ScopeReference target slot " + std::to_string(target) + " does not exist",
-            path.text());
+        report("ScopeReference target slot " + std::to_string(target) + " does not exist", path);
         return lengthSeconds(reference, place.rate);
     }
     const ScopeFrame moved{.segments = &segments, .currentIndex = target, .outer = frame->outer};

@@ -13,8 +13,11 @@
 #include <trellant/omf/document.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <unordered_map>
 
 namespace trellant {
@@ -38,9 +41,19 @@ class SegmentWalk {
     /// without end within the depth limit.
     static constexpr std::uint64_t maximumVisits = 10'000'000;
 
-    /// Both must outlive the walk.
-    SegmentWalk(const OMFDocument& document, MappingNotes& notes)
-        : document_(document), notes_(notes) {}
+    /// Visits after which `checkExpansion` is called, once. Few compositions are as large, and a
+    /// walk up to here needs little memory.
+    static constexpr std::uint64_t visitsBeforeCheck = 262'144;
+
+    /// A walk that makes drafts. `checkExpansion` is to throw when the composition expands beyond
+    /// `maximumVisits`, before drafts and records of all that fill the memory. All must outlive
+    /// the walk.
+    SegmentWalk(const OMFDocument& document, MappingNotes& notes,
+                std::function<void()> checkExpansion)
+        : document_(document), notes_(&notes), checkExpansion_(std::move(checkExpansion)) {}
+
+    /// A walk that only counts its visits: no drafts, no records.
+    explicit SegmentWalk(const OMFDocument& document) : document_(document) {}
 
     /// Appends the drafts of `segment` to `drafts` and returns its duration in seconds. Throws
     /// only OMFIOError unsupported, past `maximumVisits`.
@@ -50,6 +63,14 @@ class SegmentWalk {
     struct Transition;
     struct Component;
     struct Effect;
+    struct EffectArguments {
+        /// In slot order.
+        std::vector<OMFObject> inputs{};
+        std::optional<OMFObject> control{};
+        std::optional<OMFObject> gainAutomation{};
+    };
+    using SharedArguments = std::shared_ptr<const EffectArguments>;
+    using SharedList = std::shared_ptr<const std::vector<OMFObject>>;
     using SharedEnvelope = std::shared_ptr<const AAFAutomationEnvelope>;
 
     AAFRational flattenSequence(OMFObject sequence, const WalkPlace& place, EventDrafts& drafts);
@@ -70,11 +91,14 @@ class SegmentWalk {
                      std::size_t first);
     void giveGainAutomation(const Effect& effect, const SharedEnvelope& envelope,
                             EventDrafts& drafts, std::size_t first);
+    /// The arguments of gain and pan; those of effects with many slots are read once.
+    [[nodiscard]] SharedArguments effectArguments(OMFObject effect);
+    [[nodiscard]] EffectArguments readArguments(const std::vector<OMFObject>& slots) const;
     /// The first slot with that argument id whose value is readable.
     [[nodiscard]] std::optional<OMFObject> effectArgument(const std::vector<OMFObject>& slots,
                                                           std::int32_t argID) const;
     /// Empty when it cannot be read.
-    [[nodiscard]] std::string effectID(OMFObject effect) const;
+    [[nodiscard]] std::string effectID(OMFObject effect);
 
     /// The varying value as an envelope; none when it is no VVAL, has no points or one that cannot
     /// be read. Points keep their stored times, fractions of the owner.
@@ -95,25 +119,34 @@ class SegmentWalk {
     /// Seconds; absent unless the transition is a plain linear audio dissolve.
     [[nodiscard]] std::optional<AAFRational> simpleLinearDissolveDuration(OMFObject transition,
                                                                           const AAFRational& rate);
-    [[nodiscard]] bool isSimpleLinearDissolve(OMFObject transition) const;
+    [[nodiscard]] bool isSimpleLinearDissolve(OMFObject transition);
+    [[nodiscard]] bool hasLinearLevel(OMFObject dissolveEffect);
     [[nodiscard]] bool isLinearLevel(OMFObject level) const;
 
     /// Edit units; missing or negative lengths count as 0.
     [[nodiscard]] std::int64_t lengthEditUnits(OMFObject component) const;
     [[nodiscard]] AAFRational lengthSeconds(OMFObject component, const AAFRational& rate) const;
     [[nodiscard]] std::string_view className(OMFObject object) const;
-    /// The references of a scope or effect, which many walks may pass; long lists are read once.
-    [[nodiscard]] std::shared_ptr<const std::vector<OMFObject>> sharedList(OMFObject object,
-                                                                           OMFProperty list);
+    /// A scope's slots, which many walks may pass; long lists are read once.
+    [[nodiscard]] SharedList scopeSlots(OMFObject scope);
     void countVisit();
+    [[nodiscard]] bool onlyCounts() const noexcept { return notes_ == nullptr; }
+    /// Records an unsupported feature.
+    void report(std::string_view message, const ObjectPath& at);
 
     const OMFDocument& document_;
-    MappingNotes& notes_;
+    MappingNotes* notes_ = nullptr;
+    std::function<void()> checkExpansion_;
     std::uint64_t visits_ = 0;
     std::size_t keptReferences_ = 0;
-    std::unordered_map<OMFObject, bool> dissolves_;
+    /// Answers by dissolve effect: transitions may share one, or its level.
+    std::unordered_map<OMFObject, bool> linearLevels_;
+    std::unordered_map<OMFObject, bool> linearEffects_;
     std::unordered_map<OMFObject, SharedEnvelope> envelopes_;
-    std::unordered_map<OMFObject, std::shared_ptr<const std::vector<OMFObject>>> longLists_;
+    std::unordered_map<OMFObject, SharedList> longLists_;
+    std::unordered_map<OMFObject, SharedArguments> longArguments_;
+    /// By effect definition; few are kept, and files have few.
+    std::unordered_map<OMFObject, std::string> effectIDs_;
 };
 
 /// One side of a plain linear dissolve, `duration` in seconds.

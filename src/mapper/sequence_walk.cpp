@@ -41,13 +41,13 @@ SegmentWalk::Transition SegmentWalk::readTransition(OMFObject transition, const 
 }
 
 void SegmentWalk::reportCut(const Transition* transition, const WalkPlace& place) {
-    if (transition == nullptr || transition->dissolve) {
+    if (transition == nullptr || transition->dissolve || onlyCounts()) {
         return;
     }
-    notes_.addUnsupportedOncePerPath(
+    notes_->addUnsupportedOncePerPath(
         "OMF Transition treated as the spec-defined cut; transition effect itself is not "
         "reproduced",
-        ObjectPath(place.path, "TRAN", transition->object).text());
+        ObjectPath(place.path, "TRAN", transition->object));
 }
 
 SegmentWalk::Component SegmentWalk::readComponent(OMFObject component, std::size_t index,
@@ -83,8 +83,7 @@ void SegmentWalk::placeClip(const Component& component, const WalkPlace& place,
             return;
         }
         if (own) {
-            notes_.addUnsupported(conflict,
-                                  ObjectPath(place.path, "component", component.index).text());
+            report(conflict, ObjectPath(place.path, "component", component.index));
         } else {
             own = dissolveFade(direction, *dissolve);
         }
@@ -107,8 +106,7 @@ AAFRational SegmentWalk::placeNested(const Component& component, const WalkPlace
                                      EventDrafts& drafts) {
     const ObjectPath path(place.path, "component", component.index);
     if (component.headTrim != 0 || component.tailTrim != 0) {
-        notes_.addUnsupported(
-            "cut-point trim around nested segment requires effect-aware rendering", path.text());
+        report("cut-point trim around nested segment requires effect-aware rendering", path);
     }
     const auto first = static_cast<std::ptrdiff_t>(drafts.size());
     // Two levels per step on purpose: readers of this format agree on the depth at which a
@@ -125,8 +123,7 @@ AAFRational SegmentWalk::placeNested(const Component& component, const WalkPlace
         if (earliest != drafts.end() && !earliest->fadeIn) {
             earliest->fadeIn = dissolveFade(AAFFade::Direction::fadeIn, *component.dissolveIn);
         } else {
-            notes_.addUnsupported("dissolve into nested segment cannot be losslessly collapsed",
-                                  path.text());
+            report("dissolve into nested segment cannot be losslessly collapsed", path);
         }
     }
     if (component.dissolveOut) {
@@ -137,8 +134,7 @@ AAFRational SegmentWalk::placeNested(const Component& component, const WalkPlace
         if (latest != drafts.end() && !latest->fadeOut) {
             latest->fadeOut = dissolveFade(AAFFade::Direction::fadeOut, *component.dissolveOut);
         } else {
-            notes_.addUnsupported("dissolve out of nested segment cannot be losslessly collapsed",
-                                  path.text());
+            report("dissolve out of nested segment cannot be losslessly collapsed", path);
         }
     }
     return duration;
@@ -173,7 +169,7 @@ AAFRational SegmentWalk::flattenSequence(OMFObject sequence, const WalkPlace& pl
         const auto kind = document_.classOf(component.object);
         if (kind == OMFClass::sourceClip || kind == OMFClass::filler) {
             countVisit();
-            if (kind == OMFClass::sourceClip) {
+            if (kind == OMFClass::sourceClip && !onlyCounts()) {
                 placeClip(component, here, drafts);
             }
             position = component.position + seconds(component.effectiveLength, place.rate);

@@ -2,8 +2,6 @@
 
 #include "object_path.h"
 
-#include <trellant/io/text.h>
-
 #include <algorithm>
 
 namespace trellant {
@@ -20,8 +18,8 @@ std::uint64_t keyOf(OMFObject mob, std::uint32_t trackID) {
 }  // namespace
 
 SourceResolution::SourceResolution(const OMFDocument& document, const OMFDocument::MobMap& mobMap,
-                                   MappingNotes& notes)
-    : document_(document), mobMap_(mobMap), notes_(notes) {
+                                   DataKinds& dataKinds, MappingNotes& notes)
+    : document_(document), mobMap_(mobMap), dataKinds_(dataKinds), notes_(notes) {
     for (const auto mob : document_.objects("SMOB")) {
         if (const auto descriptor = document_.objectRef(mob, {OMFProperty::sourceMobDescription})) {
             ownerOfDescriptor_.try_emplace(*descriptor, mob);
@@ -36,8 +34,7 @@ std::optional<ResolvedSource> SourceResolution::resolveSourceClip(OMFObject clip
     for (;;) {
         if (visited.size() >= maximumDepth ||
             std::find(visited.begin(), visited.end(), clip) != visited.end()) {
-            notes_.addUnsupported("source reference cycle/depth limit",
-                                  ObjectPath("SCLP", clip).text());
+            notes_.addUnsupported("source reference cycle/depth limit", ObjectPath("SCLP", clip));
             return std::nullopt;
         }
         const auto reference = referenceOf(clip);
@@ -102,7 +99,7 @@ void SourceResolution::reportDeadEnd(OMFObject clip, const Reference& reference,
                               std::to_string(reference.trackID) + " resolves through " +
                               std::string(segmentClass.value_or("no segment")) +
                               ", not a direct Source Clip",
-                          ObjectPath("SCLP", clip).text());
+                          ObjectPath("SCLP", clip));
 }
 
 const SourceResolution::Track& SourceResolution::track(OMFObject mob, std::uint32_t trackID) {
@@ -188,14 +185,11 @@ bool SourceResolution::descriptorHasAudioHint(OMFObject descriptor) {
     return hint->second;
 }
 
-bool SourceResolution::hasSoundSlot(OMFObject mob) const {
+bool SourceResolution::hasSoundSlot(OMFObject mob) {
     const auto slots = document_.objectRefs(mob, {OMFProperty::mobSlots});
     return std::any_of(slots.begin(), slots.end(), [&](OMFObject slot) {
         const auto segment = document_.objectRef(slot, {OMFProperty::slotSegment});
-        const auto kind = segment ? document_.objectRef(*segment, {OMFProperty::componentDataKind})
-                                  : std::nullopt;
-        const auto id = kind ? document_.string(*kind, {OMFProperty::dataKindID}) : std::nullopt;
-        return id && lowerCased(*id).find("sound") != std::string::npos;
+        return segment && dataKinds_.isSound(*segment);
     });
 }
 

@@ -2,6 +2,7 @@
 // describes a media file, the track of that mob, and the offset into the media.
 #pragma once
 
+#include "data_kinds.h"
 #include "mapping_notes.h"
 
 #include <trellant/omf/document.h>
@@ -33,7 +34,7 @@ class SourceResolution {
 
     /// All must outlive this. Walks all Source Mobs once.
     SourceResolution(const OMFDocument& document, const OMFDocument::MobMap& mobMap,
-                     MappingNotes& notes);
+                     DataKinds& dataKinds, MappingNotes& notes);
 
     /// `rate`: edit units per second in which the clip's start counts; `initialTrim`: seconds cut
     /// from the head already. Nothing when the chain leads to no audio source; the reason is then
@@ -73,10 +74,11 @@ class SourceResolution {
     [[nodiscard]] bool isAudioSource(OMFObject mob);
     /// Whether the Source Mob that owns the descriptor has a sound track.
     [[nodiscard]] bool descriptorHasAudioHint(OMFObject descriptor);
-    [[nodiscard]] bool hasSoundSlot(OMFObject mob) const;
+    [[nodiscard]] bool hasSoundSlot(OMFObject mob);
 
     const OMFDocument& document_;
     const OMFDocument::MobMap& mobMap_;
+    DataKinds& dataKinds_;
     MappingNotes& notes_;
     /// Keys: mob in the high, track number in the low half.
     std::unordered_map<std::uint64_t, Track> tracks_;

@@ -33,7 +33,7 @@ struct SegmentWalk::Component {
 struct SegmentWalk::Effect {
     std::string id{};
     bool isGain = false;
-    const std::vector<OMFObject>& slots;
+    const EffectArguments& arguments;
     const ObjectPath& path;
 };
 

@@ -1,0 +1,34 @@
+// What kind of media a component carries. Each kind is read once, however many slots refer to it.
+#pragma once
+
+#include <trellant/omf/document.h>
+
+#include <optional>
+#include <string>
+#include <unordered_map>
+
+namespace trellant {
+
+class DataKinds {
+  public:
+    /// `document` must outlive this.
+    explicit DataKinds(const OMFDocument& document) : document_(document) {}
+
+    /// Whether a composition's segment is sound. One without a kind that can be read counts as
+    /// sound: writers leave it out of sound-only compositions, and too much is better than too
+    /// little.
+    [[nodiscard]] bool mayBeAudio(OMFObject segment);
+
+    /// Whether a source's segment says that it is sound.
+    [[nodiscard]] bool isSound(OMFObject segment);
+
+  private:
+    /// Lower-cased; absent when it cannot be read.
+    [[nodiscard]] const std::optional<std::string>& kindOf(OMFObject segment);
+
+    const OMFDocument& document_;
+    const std::optional<std::string> unreadable_;
+    std::unordered_map<OMFObject, std::optional<std::string>> kinds_;
+};
+
+}  // namespace trellant
