@@ -24,7 +24,7 @@ AAFWorkerProtocol::Request acceptedRequest(const std::string& input) {
     AAFWorkerProtocol::Request request;
     try {
         request = decodeRequest(input);
-    } catch (const std::exception& error) {
+    } catch (const JsonDecodingError& error) {
         fail(std::string("invalid request JSON: ") + error.what(), ExitStatus::requestRejected);
     }
     if (request.protocolVersion != AAFWorkerProtocol::version) {

@@ -41,6 +41,8 @@ void writeLine(std::string_view line) noexcept {
 
 void prepareStandardStreams() noexcept {
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+    // So does a file that reaches the size limit.
+    static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
     // A closed stream's number would be given to the next file opened, and lines meant for the
     // host would be written into that file.
     for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO}) {

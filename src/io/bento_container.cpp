@@ -58,9 +58,7 @@ BentoNames BentoContainer::Contents::readNames(std::uint32_t property) const {
             continue;
         }
         try {
-            const Bytes name = value(run, nameLimit);
-            total += name.size();
-            names.add(object, name);
+            total += names.add(object, value(run, nameLimit));
         } catch (const OMFIOError&) {
             continue;
         } catch (const FileSystemError&) {

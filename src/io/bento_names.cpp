@@ -4,15 +4,16 @@
 
 namespace trellant {
 
-void BentoNames::add(std::uint32_t object, ByteView value) {
+std::size_t BentoNames::add(std::uint32_t object, ByteView value) {
     std::string text = asciiCString(value);
     if (text.empty()) {
-        return;
+        return 0;
     }
     const auto [entry, isNew] = names_.try_emplace(object, std::move(text));
     if (isNew) {
         objects_.try_emplace(entry->second, object);
     }
+    return entry->second.size();
 }
 
 std::optional<std::string_view> BentoNames::name(std::uint32_t object) const {

@@ -3,6 +3,7 @@
 
 #include <trellant/io/byte_readers.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -15,7 +16,8 @@ class BentoNames {
   public:
     /// To be called with ascending `object`s, so that the smallest one keeps a name that several
     /// carry. `value` is the stored name; an empty one is passed over.
-    void add(std::uint32_t object, ByteView value);
+    /// Gives the bytes of the text kept.
+    std::size_t add(std::uint32_t object, ByteView value);
 
     [[nodiscard]] std::optional<std::string_view> name(std::uint32_t object) const;
     [[nodiscard]] std::optional<std::uint32_t> object(std::string_view name) const;

@@ -28,11 +28,18 @@ struct Describe {
 };
 
 /// `path` for a person: valid text, and without the zero byte that would end what() early.
+/// One line of valid UTF-8: a message must not end at a NUL, nor a line feed in a path begin a line
+/// that a host takes for something else.
 std::string shownPath(const std::string& path) {
-    std::string shown = madeValidUTF8(path);
-    for (std::size_t zero = shown.find('\0'); zero != std::string::npos;
-         zero = shown.find('\0', zero)) {
-        shown.replace(zero, 1, "\xEF\xBF\xBD");
+    constexpr const char* replacement = "\xEF\xBF\xBD";
+    std::string shown;
+    for (const char byte : madeValidUTF8(path)) {
+        const auto code = static_cast<unsigned char>(byte);
+        if (code < 0x20 || code == 0x7F) {
+            shown += replacement;
+        } else {
+            shown += byte;
+        }
     }
     return shown;
 }

@@ -41,6 +41,16 @@ void removeExisting(const std::string& path) {
     }
 }
 
+/// The file being read must survive, even where a name chosen by a stranger leads to it.
+void refuseToReplaceSource(int source, const std::string& destination) {
+    struct stat from {};
+    struct stat there {};
+    if (::fstat(source, &from) == 0 && ::lstat(destination.c_str(), &there) == 0 &&
+        from.st_dev == there.st_dev && from.st_ino == there.st_ino) {
+        throw FileSystemError("replace the file being read,", destination, EBUSY);
+    }
+}
+
 class NewFile {
   public:
     explicit NewFile(const std::string& path) : path_(path) {
@@ -147,6 +157,7 @@ class ChunkCopier {
 
 void RandomAccessFile::copy(std::span<const BentoValueSegment> segments,
                             const std::string& destination) const {
+    refuseToReplaceSource(descriptor_, destination);
     const NewFile output(destination);
     ChunkCopier copier(*this, descriptor_, output, readCalls_);
     for (const BentoValueSegment& segment : segments) {

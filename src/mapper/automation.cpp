@@ -21,9 +21,9 @@ AAFAutomationInterpolation curveOfInterpolation(std::int32_t code) {
 
 }  // namespace
 
-SegmentWalk::SharedEnvelope SegmentWalk::automationEnvelope(OMFObject value) {
+SegmentWalk::Envelope SegmentWalk::automationEnvelope(OMFObject value) {
     if (document_.classOf(value) != OMFClass::varyingValue) {
-        return nullptr;
+        return {};
     }
     auto curve = curveOfInterpolation(
         document_.int32(value, {OMFProperty::varyingInterpolation}).value_or(defaultInterpolation));
@@ -38,21 +38,19 @@ SegmentWalk::SharedEnvelope SegmentWalk::automationEnvelope(OMFObject value) {
     return known->second;
 }
 
-SegmentWalk::SharedEnvelope SegmentWalk::readEnvelope(OMFObject value,
-                                                      AAFAutomationInterpolation curve) const {
-    auto envelope = std::make_shared<AAFAutomationEnvelope>();
-    envelope->interpolation = std::move(curve);
-    for (const auto point : document_.objectRefs(value, {OMFProperty::varyingPoints})) {
+SegmentWalk::Envelope SegmentWalk::readEnvelope(OMFObject value, AAFAutomationInterpolation curve) {
+    AAFAutomationEnvelope envelope{.interpolation = std::move(curve)};
+    for (const auto point : reads_.objectRefs(value, {OMFProperty::varyingPoints})) {
         const auto time = document_.rational(point, {OMFProperty::pointTime});
         const auto level = document_.rational(point, {OMFProperty::pointValue});
         if (!time || !level) {
-            return nullptr;
+            return {};
         }
-        envelope->points.push_back(
+        envelope.points.push_back(
             {.timelineOffset = time->aaf(), .value = level->aaf().doubleValue()});
     }
-    if (envelope->points.empty()) {
-        return nullptr;
+    if (envelope.points.empty()) {
+        return {};
     }
     return envelope;
 }

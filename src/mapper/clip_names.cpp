@@ -11,7 +11,7 @@ constexpr std::uint64_t cheapSearch = 16;
 }  // namespace
 
 std::optional<std::string> ClipNames::nameOf(OMFObject clip) {
-    if (auto name = document_.string(clip, {OMFProperty::componentName})) {
+    if (auto name = reads_.string(clip, {OMFProperty::componentName})) {
         return name;
     }
     const auto attributes = document_.objectRef(clip, {OMFProperty::componentAttributes});
@@ -35,10 +35,10 @@ std::optional<std::string> ClipNames::attributeString(OMFObject unter, int tiefe
 }
 
 std::optional<std::string> ClipNames::searchList(OMFObject unter, int tiefe) {
-    for (const auto attribute : document_.objectRefs(unter, {OMFProperty::attributeRefs})) {
+    for (const auto attribute : reads_.objectRefs(unter, {OMFProperty::attributeRefs})) {
         ++looked_;
-        if (document_.string(attribute, {OMFProperty::attributeName}) == wantedAttribute) {
-            if (auto text = document_.string(attribute, {OMFProperty::attributeString})) {
+        if (reads_.string(attribute, {OMFProperty::attributeName}) == wantedAttribute) {
+            if (auto text = reads_.string(attribute, {OMFProperty::attributeString})) {
                 return text;
             }
         }

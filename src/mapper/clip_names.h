@@ -1,6 +1,8 @@
 // The name that a person gave a clip.
 #pragma once
 
+#include "bounded_reads.h"
+
 #include <trellant/omf/document.h>
 
 #include <cstdint>
@@ -16,8 +18,8 @@ class ClipNames {
     /// Levels of attribute lists searched, the outermost included.
     static constexpr int maximumLevels = 4;
 
-    /// `document` must outlive this.
-    explicit ClipNames(const OMFDocument& document) : document_(document) {}
+    /// `reads` must outlive this.
+    explicit ClipNames(BoundedReads& reads) : document_(reads.document()), reads_(reads) {}
 
     /// The component's own name, else its attribute "Name".
     [[nodiscard]] std::optional<std::string> nameOf(OMFObject clip);
@@ -29,6 +31,7 @@ class ClipNames {
     [[nodiscard]] std::optional<std::string> searchList(OMFObject unter, int tiefe);
 
     const OMFDocument& document_;
+    BoundedReads& reads_;
     /// Attributes looked at so far. Lists may share lists: what took long is remembered, by list
     /// and level, so that a clip costs no more than the lists hold.
     std::uint64_t looked_ = 0;

@@ -87,19 +87,21 @@ OMFObject chooseComposition(const OMFDocument& document) {
     return compositions.front();
 }
 
-CompositionClock clockOf(const OMFDocument& document, const std::vector<OMFObject>& slots) {
-    CompositionClock standard{
+CompositionClock clockOf(const OMFDocument& document, const std::vector<OMFObject>& slots,
+                         const std::vector<OMFObject>& segments) {
+    const CompositionClock standard{
         .clock = {.editRate = AAFRational(25),
                   .timecodeRate = AAFTimecodeRate::fps25(),
                   .timelineZero = AAFTimecodeAddress(0, 0, 0, 0, AAFTimecodeRate::fps25())},
         .explicitProgramStart = std::nullopt};
-    for (const auto slot : slots) {
-        const auto segment = document.objectRef(slot, {OMFProperty::slotSegment});
-        if (segment && document.classOf(*segment) == OMFClass::timecode) {
-            return clockOfTimecode(document, slot, *segment).value_or(standard);
-        }
+    const auto timecode = std::find_if(segments.begin(), segments.end(), [&](OMFObject segment) {
+        return segment != OMFObject::none && document.classOf(segment) == OMFClass::timecode;
+    });
+    if (timecode == segments.end()) {
+        return standard;
     }
-    return standard;
+    const auto slot = slots[static_cast<std::size_t>(timecode - segments.begin())];
+    return clockOfTimecode(document, slot, *timecode).value_or(standard);
 }
 
 }  // namespace trellant

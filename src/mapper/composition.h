@@ -20,8 +20,9 @@ struct CompositionClock {
     std::optional<AAFTimecodeAddress> explicitProgramStart{};
 };
 
-/// The clock of the first slot that holds a timecode segment.
+/// The clock of the first slot that holds a timecode segment; `segments` by slot.
 [[nodiscard]] CompositionClock clockOf(const OMFDocument& document,
-                                       const std::vector<OMFObject>& slots);
+                                       const std::vector<OMFObject>& slots,
+                                       const std::vector<OMFObject>& segments);
 
 }  // namespace trellant

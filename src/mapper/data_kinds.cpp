@@ -16,13 +16,13 @@ bool DataKinds::isSound(OMFObject segment) {
 }
 
 const std::optional<std::string>& DataKinds::kindOf(OMFObject segment) {
-    const auto definition = document_.objectRef(segment, {OMFProperty::componentDataKind});
+    const auto definition = reads_.document().objectRef(segment, {OMFProperty::componentDataKind});
     if (!definition) {
         return unreadable_;
     }
     const auto [known, isNew] = kinds_.try_emplace(*definition);
     if (isNew) {
-        if (const auto id = document_.string(*definition, {OMFProperty::dataKindID})) {
+        if (const auto id = reads_.string(*definition, {OMFProperty::dataKindID})) {
             known->second = lowerCased(*id);
         }
     }

@@ -1,6 +1,8 @@
 // What kind of media a component carries. Each kind is read once, however many slots refer to it.
 #pragma once
 
+#include "bounded_reads.h"
+
 #include <trellant/omf/document.h>
 
 #include <optional>
@@ -11,8 +13,8 @@ namespace trellant {
 
 class DataKinds {
   public:
-    /// `document` must outlive this.
-    explicit DataKinds(const OMFDocument& document) : document_(document) {}
+    /// `reads` must outlive this.
+    explicit DataKinds(BoundedReads& reads) : reads_(reads) {}
 
     /// Whether a composition's segment is sound. One without a kind that can be read counts as
     /// sound: writers leave it out of sound-only compositions, and too much is better than too
@@ -26,7 +28,7 @@ class DataKinds {
     /// Lower-cased; absent when it cannot be read.
     [[nodiscard]] const std::optional<std::string>& kindOf(OMFObject segment);
 
-    const OMFDocument& document_;
+    BoundedReads& reads_;
     const std::optional<std::string> unreadable_;
     std::unordered_map<OMFObject, std::optional<std::string>> kinds_;
 };

@@ -14,8 +14,6 @@ namespace {
 constexpr std::int32_t inputArgument = -1;
 constexpr std::int32_t controlArgument = 1;
 constexpr std::int32_t gainAutomationArgument = 2;
-/// Effects with more slots than this are remembered: a shared one may be visited over and over.
-constexpr std::size_t fewSlots = 16;
 /// Effect definitions whose identifiers are remembered.
 constexpr std::size_t keptDefinitions = 64;
 /// Values closer than this are one value.
@@ -111,7 +109,7 @@ std::string SegmentWalk::effectID(OMFObject effect) {
     if (const auto known = effectIDs_.find(*definition); known != effectIDs_.end()) {
         return known->second;
     }
-    auto id = document_.string(*definition, {OMFProperty::effectDefinitionID});
+    auto id = reads_.string(*definition, {OMFProperty::effectDefinitionID});
     if (!id) {
         return {};
     }
@@ -150,9 +148,9 @@ SegmentWalk::SharedArguments SegmentWalk::effectArguments(OMFObject effect) {
     if (const auto known = longArguments_.find(effect); known != longArguments_.end()) {
         return known->second;
     }
-    const auto slots = document_.objectRefs(effect, {OMFProperty::effectSlots});
+    const auto slots = reads_.objectRefs(effect, {OMFProperty::effectSlots});
     auto arguments = std::make_shared<const EffectArguments>(readArguments(slots));
-    if (slots.size() > fewSlots) {
+    if (slots.size() > BoundedReads::longList) {
         longArguments_.emplace(effect, arguments);
     }
     return arguments;
@@ -268,12 +266,14 @@ void SegmentWalk::foldVarying(const Effect& effect, OMFObject control, EventDraf
     }
 }
 
-void SegmentWalk::giveGainAutomation(const Effect& effect, const SharedEnvelope& envelope,
+void SegmentWalk::giveGainAutomation(const Effect& effect, const Envelope& envelope,
                                      EventDrafts& drafts, std::size_t first) {
     for (std::size_t i = first; i < drafts.size(); ++i) {
         if (drafts[i].clipGainAutomation) {
             report("nested gain automation cannot be losslessly collapsed", effect.path);
         } else {
+            // Each draft's event will write them all.
+            reads_.countReferences(envelope->points.size());
             drafts[i].clipGainAutomation = envelope;
         }
     }

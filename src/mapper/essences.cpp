@@ -45,9 +45,10 @@ struct Essences::EmbeddedMedia {
     std::string_view extension;
 };
 
-Essences::Essences(const OMFDocument& document, const OMFDocument::MobMap& mediaMap,
+Essences::Essences(BoundedReads& reads, const OMFDocument::MobMap& mediaMap,
                    const MappingPlaces& places, MappingNotes& notes)
-    : document_(document),
+    : document_(reads.document()),
+      reads_(reads),
       mediaMap_(mediaMap),
       notes_(notes),
       extract_(places.extract),
@@ -63,7 +64,7 @@ const AAFSourceEssence* Essences::makeEssence(const ResolvedSource& source) {
         notes_.verlustGrund = "the Source Mob carries no media descriptor";
         return nullptr;
     }
-    auto name = document_.string(source.mob, {OMFProperty::mobName});
+    auto name = reads_.string(source.mob, {OMFProperty::mobName});
     const auto embedded = embeddedMedia(source.mobID);
     auto media =
         embedded ? takeEmbedded(*embedded, source.mobID, name) : findExternal(*descriptor, name);
@@ -181,14 +182,14 @@ Essences::FoundMedia Essences::followLocators(OMFObject descriptor) {
         return known->second;
     }
     FoundMedia found;
-    const auto locators = document_.objectRefs(
+    const auto locators = reads_.objectRefs(
         descriptor,
         {OMFProperty::descriptorLocator, OMFProperty::fileLocator, OMFProperty::fileLocators});
     for (const auto locator : locators) {
         const auto path =
-            document_.string(locator, {OMFProperty::networkLocatorURL, OMFProperty::unixLocatorPath,
-                                       OMFProperty::dosLocatorPath, OMFProperty::windowsLocatorPath,
-                                       OMFProperty::textLocatorName});
+            reads_.string(locator, {OMFProperty::networkLocatorURL, OMFProperty::unixLocatorPath,
+                                    OMFProperty::dosLocatorPath, OMFProperty::windowsLocatorPath,
+                                    OMFProperty::textLocatorName});
         if (path) {
             if (!found.originalPath) {
                 found.originalPath = path;
@@ -199,7 +200,7 @@ Essences::FoundMedia Essences::followLocators(OMFObject descriptor) {
             }
         }
         if (!found.originalPath && document_.classOf(locator) == OMFClass::macLocator) {
-            found.originalPath = document_.string(locator, {OMFProperty::macLocatorFileName});
+            found.originalPath = reads_.string(locator, {OMFProperty::macLocatorFileName});
         }
     }
     if (locators.size() > fewLocators) {

@@ -2,6 +2,7 @@
 // on disk, as one essence per Source Mob.
 #pragma once
 
+#include "bounded_reads.h"
 #include "file_names.h"
 #include "mapping_notes.h"
 #include "media_search.h"
@@ -21,8 +22,8 @@ namespace trellant {
 class Essences {
   public:
     /// All references must outlive this.
-    Essences(const OMFDocument& document, const OMFDocument::MobMap& mediaMap,
-             const MappingPlaces& places, MappingNotes& notes);
+    Essences(BoundedReads& reads, const OMFDocument::MobMap& mediaMap, const MappingPlaces& places,
+             MappingNotes& notes);
 
     /// The essence of a source, made at the first call for its mob; null (with the reason in the
     /// notes) when the mob describes no media. An essence whose media cannot be found is returned
@@ -56,6 +57,7 @@ class Essences {
     void reportMissing(OMFObject mob, const AAFSourceEssence& essence);
 
     const OMFDocument& document_;
+    BoundedReads& reads_;
     const OMFDocument::MobMap& mediaMap_;
     MappingNotes& notes_;
     bool extract_;

@@ -5,7 +5,6 @@
 #include <trellant/model/timeline.h>
 #include <trellant/omf/values.h>
 
-#include <memory>
 #include <optional>
 #include <vector>
 
@@ -21,8 +20,8 @@ struct EventDraft {
     /// Seconds cut from the head of the clip's source range.
     AAFRational sourceTrimStart{};
     double fixedClipGain = 1;
-    /// Shared by all drafts of one effect.
-    std::shared_ptr<const AAFAutomationEnvelope> clipGainAutomation{};
+    /// All drafts of one effect share its points.
+    Boxed<AAFAutomationEnvelope> clipGainAutomation{};
     Boxed<AAFFade> fadeIn{};
     Boxed<AAFFade> fadeOut{};
     /// 0 = left, 1 = right.

@@ -66,7 +66,7 @@ bool SegmentWalk::hasLinearLevel(OMFObject dissolveEffect) {
     const auto [known, isNew] = linearEffects_.try_emplace(dissolveEffect, true);
     if (isNew) {
         const auto level = effectArgument(
-            document_.objectRefs(dissolveEffect, {OMFProperty::effectSlots}), levelArgument);
+            reads_.objectRefs(dissolveEffect, {OMFProperty::effectSlots}), levelArgument);
         if (level) {
             const auto [linear, isNewLevel] = linearLevels_.try_emplace(*level, false);
             if (isNewLevel) {
@@ -78,13 +78,13 @@ bool SegmentWalk::hasLinearLevel(OMFObject dissolveEffect) {
     return known->second;
 }
 
-bool SegmentWalk::isLinearLevel(OMFObject level) const {
+bool SegmentWalk::isLinearLevel(OMFObject level) {
     if (document_.classOf(level) != OMFClass::varyingValue ||
         document_.int32(level, {OMFProperty::varyingInterpolation}).value_or(linearInterpolation) !=
             linearInterpolation) {
         return false;
     }
-    const auto points = document_.objectRefs(level, {OMFProperty::varyingPoints});
+    const auto points = reads_.objectRefs(level, {OMFProperty::varyingPoints});
     if (points.size() < 2) {
         return false;
     }

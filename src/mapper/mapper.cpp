@@ -1,4 +1,5 @@
 // The assembly of the timeline: slot by slot, draft by draft.
+#include "bounded_reads.h"
 #include "clip_names.h"
 #include "composition.h"
 #include "data_kinds.h"
@@ -45,11 +46,12 @@ class Mapper::Assembly {
           places_(std::move(places)),
           mobMap_(document.mobMap()),
           mediaMap_(document.mediaDataMap()),
-          walk_(document, notes_, [this] { checkExpansion(); }),
-          dataKinds_(document),
-          sources_(document, mobMap_, dataKinds_, notes_),
-          essences_(document, mediaMap_, places_, notes_),
-          clipNames_(document) {}
+          reads_(document),
+          walk_(reads_, notes_, [this] { checkExpansion(); }),
+          dataKinds_(reads_),
+          sources_(reads_, mobMap_, dataKinds_, notes_),
+          essences_(reads_, mediaMap_, places_, notes_),
+          clipNames_(reads_) {}
 
     [[nodiscard]] AAFTimeline makeTimeline(const Progress& progress);
     [[nodiscard]] const std::vector<std::string>& diagnostics() const noexcept {
@@ -89,6 +91,7 @@ class Mapper::Assembly {
     OMFDocument::MobMap mobMap_;
     OMFDocument::MobMap mediaMap_;
     MappingNotes notes_;
+    BoundedReads reads_;
     SegmentWalk walk_;
     DataKinds dataKinds_;
     SourceResolution sources_;
@@ -118,12 +121,12 @@ AAFTimeline Mapper::Assembly::makeTimeline(const Progress& progress) {
     composition_ = chooseComposition(doc_);
     describeFile();
     readSlots();
-    const auto clock = clockOf(doc_, slots_);
+    const auto clock = clockOf(doc_, slots_, segments_);
     timeline_.sourceAAF = fileURL(places_.sourcePath);
     timeline_.clock = clock.clock;
     timeline_.hasNativeTimecode = clock.explicitProgramStart.has_value();
     timeline_.explicitProgramStart = clock.explicitProgramStart;
-    timeline_.compositionName = doc_.string(composition_, {OMFProperty::mobName});
+    timeline_.compositionName = reads_.string(composition_, {OMFProperty::mobName});
 
     mapSlots(progress);
     if (timeline_.events.empty()) {
@@ -149,7 +152,7 @@ void Mapper::Assembly::describeFile() {
 }
 
 void Mapper::Assembly::readSlots() {
-    slots_ = doc_.objectRefs(composition_, {OMFProperty::mobSlots});
+    slots_ = reads_.objectRefs(composition_, {OMFProperty::mobSlots});
     segments_.reserve(slots_.size());
     for (const auto slot : slots_) {
         segments_.push_back(
@@ -173,7 +176,7 @@ void Mapper::Assembly::mapSlot(std::size_t index) {
     const ObjectPath compositionPath("CMOB", composition_);
     const ObjectPath path(compositionPath, "slot", slot);
     const auto description = doc_.objectRef(slot, {OMFProperty::slotTrackDesc});
-    auto name = description ? doc_.string(*description, {OMFProperty::trackName}) : std::nullopt;
+    auto name = description ? reads_.string(*description, {OMFProperty::trackName}) : std::nullopt;
     auto label = name ? "\u201C" + *name + "\u201D" : std::to_string(index + 1);
     const auto editRate = usableEditRate(index);
     if (!editRate) {
@@ -200,7 +203,8 @@ AAFRational Mapper::Assembly::walkSlot(SegmentWalk& walk, std::size_t index,
 }
 
 void Mapper::Assembly::checkExpansion() {
-    SegmentWalk counter(doc_);
+    BoundedReads reads(doc_);
+    SegmentWalk counter(reads);
     const ObjectPath path("CMOB", composition_);
     EventDrafts none;
     for (std::size_t i = 0; i < slots_.size(); ++i) {
@@ -253,24 +257,21 @@ bool Mapper::Assembly::buildEvent(const Slot& slot, AAFChannelRole role, EventDr
     if (role == AAFChannelRole::mono && essence->channelCount != 1) {
         role = AAFChannelRole::unknown;
     }
-    AAFClipEvent event{.id = "omf-event-" + std::to_string(number(draft.object)) + "-" +
-                             std::to_string(timeline_.events.size()),
-                       .trackID = "omf-track-" + std::to_string(number(slot.object)),
-                       .essenceID = essence->id,
-                       .clipName = clipNames_.nameOf(draft.object),
-                       .timelineStart = draft.timelineStart,
-                       .duration = draft.duration,
-                       .sourceStartSample = std::max<std::int64_t>(
-                           (source->start * essence->sampleRate).roundedInt64(), 0),
-                       .sourceChannel = source->channel,
-                       .channelRole = role,
-                       .fixedClipGain = draft.fixedClipGain,
-                       .fadeIn = std::move(draft.fadeIn),
-                       .fadeOut = std::move(draft.fadeOut)};
-    if (draft.clipGainAutomation) {
-        event.clipGainAutomation = *draft.clipGainAutomation;
-    }
-    timeline_.events.push_back(std::move(event));
+    timeline_.events.push_back({.id = "omf-event-" + std::to_string(number(draft.object)) + "-" +
+                                      std::to_string(timeline_.events.size()),
+                                .trackID = "omf-track-" + std::to_string(number(slot.object)),
+                                .essenceID = essence->id,
+                                .clipName = clipNames_.nameOf(draft.object),
+                                .timelineStart = draft.timelineStart,
+                                .duration = draft.duration,
+                                .sourceStartSample = std::max<std::int64_t>(
+                                    (source->start * essence->sampleRate).roundedInt64(), 0),
+                                .sourceChannel = source->channel,
+                                .channelRole = role,
+                                .fixedClipGain = draft.fixedClipGain,
+                                .clipGainAutomation = std::move(draft.clipGainAutomation),
+                                .fadeIn = std::move(draft.fadeIn),
+                                .fadeOut = std::move(draft.fadeOut)});
     return true;
 }
 

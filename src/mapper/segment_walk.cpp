@@ -6,15 +6,6 @@
 
 namespace trellant {
 
-namespace {
-
-/// Lists up to this length are cheaper to read again than to keep.
-constexpr std::size_t shortList = 64;
-/// References kept in all; beyond it long lists are read again too.
-constexpr std::size_t keptReferencesLimit = 8'388'608;
-
-}  // namespace
-
 void SegmentWalk::countVisit() {
     ++visits_;
     if (visits_ > maximumVisits) {
@@ -50,9 +41,8 @@ SegmentWalk::SharedList SegmentWalk::scopeSlots(OMFObject scope) {
         return known->second;
     }
     auto slots = std::make_shared<const std::vector<OMFObject>>(
-        document_.objectRefs(scope, {OMFProperty::nestedScopeSlots}));
-    if (slots->size() > shortList && slots->size() <= keptReferencesLimit - keptReferences_) {
-        keptReferences_ += slots->size();
+        reads_.objectRefs(scope, {OMFProperty::nestedScopeSlots}));
+    if (slots->size() > BoundedReads::longList) {
         longLists_.emplace(scope, slots);
     }
     return slots;

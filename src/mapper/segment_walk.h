@@ -6,6 +6,7 @@
 // fades and dissolves, automation.cpp reads varying values.
 #pragma once
 
+#include "bounded_reads.h"
 #include "event_draft.h"
 #include "mapping_notes.h"
 #include "object_path.h"
@@ -48,15 +49,17 @@ class SegmentWalk {
     /// A walk that makes drafts. `checkExpansion` is to throw when the composition expands beyond
     /// `maximumVisits`, before drafts and records of all that fill the memory. All must outlive
     /// the walk.
-    SegmentWalk(const OMFDocument& document, MappingNotes& notes,
-                std::function<void()> checkExpansion)
-        : document_(document), notes_(&notes), checkExpansion_(std::move(checkExpansion)) {}
+    SegmentWalk(BoundedReads& reads, MappingNotes& notes, std::function<void()> checkExpansion)
+        : document_(reads.document()),
+          reads_(reads),
+          notes_(&notes),
+          checkExpansion_(std::move(checkExpansion)) {}
 
     /// A walk that only counts its visits: no drafts, no records.
-    explicit SegmentWalk(const OMFDocument& document) : document_(document) {}
+    explicit SegmentWalk(BoundedReads& reads) : document_(reads.document()), reads_(reads) {}
 
     /// Appends the drafts of `segment` to `drafts` and returns its duration in seconds. Throws
-    /// only OMFIOError unsupported, past `maximumVisits`.
+    /// only OMFIOError unsupported, past `maximumVisits` or the bounds of the reads.
     AAFRational flatten(OMFObject segment, const WalkPlace& place, EventDrafts& drafts);
 
   private:
@@ -71,7 +74,7 @@ class SegmentWalk {
     };
     using SharedArguments = std::shared_ptr<const EffectArguments>;
     using SharedList = std::shared_ptr<const std::vector<OMFObject>>;
-    using SharedEnvelope = std::shared_ptr<const AAFAutomationEnvelope>;
+    using Envelope = Boxed<AAFAutomationEnvelope>;
 
     AAFRational flattenSequence(OMFObject sequence, const WalkPlace& place, EventDrafts& drafts);
     AAFRational flattenSelector(OMFObject selector, const WalkPlace& place, EventDrafts& drafts);
@@ -89,8 +92,8 @@ class SegmentWalk {
                       std::size_t first);
     void foldVarying(const Effect& effect, OMFObject control, EventDrafts& drafts,
                      std::size_t first);
-    void giveGainAutomation(const Effect& effect, const SharedEnvelope& envelope,
-                            EventDrafts& drafts, std::size_t first);
+    void giveGainAutomation(const Effect& effect, const Envelope& envelope, EventDrafts& drafts,
+                            std::size_t first);
     /// The arguments of gain and pan; those of effects with many slots are read once.
     [[nodiscard]] SharedArguments effectArguments(OMFObject effect);
     [[nodiscard]] EffectArguments readArguments(const std::vector<OMFObject>& slots) const;
@@ -102,9 +105,8 @@ class SegmentWalk {
 
     /// The varying value as an envelope; none when it is no VVAL, has no points or one that cannot
     /// be read. Points keep their stored times, fractions of the owner.
-    [[nodiscard]] SharedEnvelope automationEnvelope(OMFObject value);
-    [[nodiscard]] SharedEnvelope readEnvelope(OMFObject value,
-                                              AAFAutomationInterpolation curve) const;
+    [[nodiscard]] Envelope automationEnvelope(OMFObject value);
+    [[nodiscard]] Envelope readEnvelope(OMFObject value, AAFAutomationInterpolation curve);
 
     Component readComponent(OMFObject component, std::size_t index, const Transition* incoming,
                             const Transition* outgoing, const WalkPlace& place);
@@ -121,7 +123,7 @@ class SegmentWalk {
                                                                           const AAFRational& rate);
     [[nodiscard]] bool isSimpleLinearDissolve(OMFObject transition);
     [[nodiscard]] bool hasLinearLevel(OMFObject dissolveEffect);
-    [[nodiscard]] bool isLinearLevel(OMFObject level) const;
+    [[nodiscard]] bool isLinearLevel(OMFObject level);
 
     /// Edit units; missing or negative lengths count as 0.
     [[nodiscard]] std::int64_t lengthEditUnits(OMFObject component) const;
@@ -135,14 +137,14 @@ class SegmentWalk {
     void report(std::string_view message, const ObjectPath& at);
 
     const OMFDocument& document_;
+    BoundedReads& reads_;
     MappingNotes* notes_ = nullptr;
     std::function<void()> checkExpansion_;
     std::uint64_t visits_ = 0;
-    std::size_t keptReferences_ = 0;
     /// Answers by dissolve effect: transitions may share one, or its level.
     std::unordered_map<OMFObject, bool> linearLevels_;
     std::unordered_map<OMFObject, bool> linearEffects_;
-    std::unordered_map<OMFObject, SharedEnvelope> envelopes_;
+    std::unordered_map<OMFObject, Envelope> envelopes_;
     std::unordered_map<OMFObject, SharedList> longLists_;
     std::unordered_map<OMFObject, SharedArguments> longArguments_;
     /// By effect definition; few are kept, and files have few.

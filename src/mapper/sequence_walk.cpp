@@ -109,8 +109,8 @@ AAFRational SegmentWalk::placeNested(const Component& component, const WalkPlace
         report("cut-point trim around nested segment requires effect-aware rendering", path);
     }
     const auto first = static_cast<std::ptrdiff_t>(drafts.size());
-    // Two levels per step on purpose: readers of this format agree on the depth at which a
-    // composition is cut off, and count the sequence and its step.
+    // Two levels per step on purpose, one for the sequence and one for the step: it decides at
+    // which depth a composition is cut off, and what is then reported.
     const auto duration =
         flatten(component.object,
                 {place.rate, component.position, path, place.scopes, place.depth + 2}, drafts);
@@ -143,7 +143,7 @@ AAFRational SegmentWalk::placeNested(const Component& component, const WalkPlace
 AAFRational SegmentWalk::flattenSequence(OMFObject sequence, const WalkPlace& place,
                                          EventDrafts& drafts) {
     const ObjectPath path(place.path, "SEQU", sequence);
-    const auto components = document_.objectRefs(sequence, {OMFProperty::sequenceComponents});
+    const auto components = reads_.objectRefs(sequence, {OMFProperty::sequenceComponents});
     const auto isTransition = [&](std::size_t index) {
         return index < components.size() &&
                document_.classOf(components[index]) == OMFClass::transition;

@@ -17,9 +17,13 @@ std::uint64_t keyOf(OMFObject mob, std::uint32_t trackID) {
 
 }  // namespace
 
-SourceResolution::SourceResolution(const OMFDocument& document, const OMFDocument::MobMap& mobMap,
+SourceResolution::SourceResolution(BoundedReads& reads, const OMFDocument::MobMap& mobMap,
                                    DataKinds& dataKinds, MappingNotes& notes)
-    : document_(document), mobMap_(mobMap), dataKinds_(dataKinds), notes_(notes) {
+    : document_(reads.document()),
+      reads_(reads),
+      mobMap_(mobMap),
+      dataKinds_(dataKinds),
+      notes_(notes) {
     for (const auto mob : document_.objects("SMOB")) {
         if (const auto descriptor = document_.objectRef(mob, {OMFProperty::sourceMobDescription})) {
             ownerOfDescriptor_.try_emplace(*descriptor, mob);
@@ -148,7 +152,7 @@ std::optional<OMFObject> SourceResolution::findSlot(OMFObject mob, std::uint32_t
 }
 
 void SourceResolution::indexSlots(OMFObject mob) {
-    for (const auto slot : document_.objectRefs(mob, {OMFProperty::mobSlots})) {
+    for (const auto slot : reads_.objectRefs(mob, {OMFProperty::mobSlots})) {
         if (const auto description = document_.objectRef(slot, {OMFProperty::slotTrackDesc})) {
             const auto trackID =
                 document_.uint32(*description, {OMFProperty::trackID}).value_or(unnumberedTrack);
@@ -186,7 +190,7 @@ bool SourceResolution::descriptorHasAudioHint(OMFObject descriptor) {
 }
 
 bool SourceResolution::hasSoundSlot(OMFObject mob) {
-    const auto slots = document_.objectRefs(mob, {OMFProperty::mobSlots});
+    const auto slots = reads_.objectRefs(mob, {OMFProperty::mobSlots});
     return std::any_of(slots.begin(), slots.end(), [&](OMFObject slot) {
         const auto segment = document_.objectRef(slot, {OMFProperty::slotSegment});
         return segment && dataKinds_.isSound(*segment);

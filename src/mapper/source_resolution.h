@@ -2,6 +2,7 @@
 // describes a media file, the track of that mob, and the offset into the media.
 #pragma once
 
+#include "bounded_reads.h"
 #include "data_kinds.h"
 #include "mapping_notes.h"
 
@@ -33,12 +34,13 @@ class SourceResolution {
     static constexpr std::size_t maximumDepth = 32;
 
     /// All must outlive this. Walks all Source Mobs once.
-    SourceResolution(const OMFDocument& document, const OMFDocument::MobMap& mobMap,
-                     DataKinds& dataKinds, MappingNotes& notes);
+    SourceResolution(BoundedReads& reads, const OMFDocument::MobMap& mobMap, DataKinds& dataKinds,
+                     MappingNotes& notes);
 
     /// `rate`: edit units per second in which the clip's start counts; `initialTrim`: seconds cut
     /// from the head already. Nothing when the chain leads to no audio source; the reason is then
-    /// in the notes (`verlustGrund`, a diagnostic or an unsupported feature). Never throws.
+    /// in the notes (`verlustGrund`, a diagnostic or an unsupported feature). Throws only past the
+    /// bounds of the reads.
     [[nodiscard]] std::optional<ResolvedSource> resolveSourceClip(OMFObject clip, AAFRational rate,
                                                                   const AAFRational& initialTrim);
 
@@ -77,6 +79,7 @@ class SourceResolution {
     [[nodiscard]] bool hasSoundSlot(OMFObject mob);
 
     const OMFDocument& document_;
+    BoundedReads& reads_;
     const OMFDocument::MobMap& mobMap_;
     DataKinds& dataKinds_;
     MappingNotes& notes_;

@@ -1,60 +1,16 @@
-// Well-formed UTF-8:
-//   first    second   others   scalars
-//   00..7F                     U+0000..U+007F
-//   C2..DF   80..BF            U+0080..U+07FF
-//   E0       A0..BF   80..BF   U+0800..U+0FFF
-//   E1..EF   80..BF   80..BF   U+1000..U+FFFF (ED: second 80..9F, no surrogates)
-//   F0       90..BF   80..BF   U+10000..U+3FFFF
-//   F1..F4   80..BF   80..BF   U+40000..U+10FFFF (F4: second 80..8F)
 #include <trellant/model/printable_text.h>
+
+#include <utf8proc.h>
 
 namespace trellant {
 
-namespace {
-
-struct Shape {
-    std::size_t length;
-    unsigned secondLow;
-    unsigned secondHigh;
-};
-
-[[nodiscard]] Shape shapeOf(unsigned first) noexcept {
-    if (first >= 0xC2U && first <= 0xDFU) {
-        return {2, 0x80U, 0xBFU};
-    }
-    if (first >= 0xE0U && first <= 0xEFU) {
-        return {3, first == 0xE0U ? 0xA0U : 0x80U, first == 0xEDU ? 0x9FU : 0xBFU};
-    }
-    if (first >= 0xF0U && first <= 0xF4U) {
-        return {4, first == 0xF0U ? 0x90U : 0x80U, first == 0xF4U ? 0x8FU : 0xBFU};
-    }
-    return {0, 0, 0};
-}
-
-[[nodiscard]] unsigned byteAt(std::string_view text, std::size_t at) noexcept {
-    return static_cast<unsigned char>(text[at]);
-}
-
-}  // namespace
-
 std::size_t utf8SequenceLength(std::string_view text) noexcept {
-    if (text.empty()) {
-        return 0;
-    }
-    if (byteAt(text, 0) < 0x80U) {
-        return 1;
-    }
-    const Shape shape = shapeOf(byteAt(text, 0));
-    if (shape.length == 0 || text.size() < shape.length || byteAt(text, 1) < shape.secondLow ||
-        byteAt(text, 1) > shape.secondHigh) {
-        return 0;
-    }
-    for (std::size_t at = 2; at < shape.length; ++at) {
-        if ((byteAt(text, at) & 0xC0U) != 0x80U) {
-            return 0;
-        }
-    }
-    return shape.length;
+    utf8proc_int32_t scalar = 0;
+    // The library takes a length of at most what a signed number holds; four bytes are enough.
+    const auto head = text.substr(0, 4);
+    const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(head.data()),
+                                         static_cast<utf8proc_ssize_t>(head.size()), &scalar);
+    return length > 0 ? static_cast<std::size_t>(length) : 0;
 }
 
 bool isWellFormedText(std::string_view text) noexcept {
@@ -79,7 +35,7 @@ std::string printableText(std::string_view text, std::size_t maxBytes) {
         if (taken > maxBytes - shown) {
             return printable + "...";
         }
-        const unsigned first = byteAt(rest, 0);
+        const unsigned first = static_cast<unsigned char>(rest.front());
         if (length == 0) {
             printable.append("\xEF\xBF\xBD");
         } else if (first < 0x20U || first == 0x7FU) {

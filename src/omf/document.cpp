@@ -4,6 +4,7 @@
 #include <trellant/omf/document.h>
 
 #include <algorithm>
+#include <unordered_map>
 
 namespace trellant {
 

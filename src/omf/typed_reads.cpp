@@ -97,8 +97,8 @@ std::string OMFDocument::decodeString(ByteView bytes) const {
     constexpr std::size_t looked = 64;
     if (bytes.size() >= 4) {
         int zeros = 0;
-        // Odd positions only, whatever the byte order: that is how writers of Western text in
-        // little-endian UTF-16 show, and what other readers of such files expect.
+        // Odd positions only, then the document's byte order, on purpose, whatever the text's own
+        // order is: Western text in little-endian UTF-16 is what real files hold.
         for (std::size_t i = 1; i < std::min(bytes.size(), looked); i += 2) {
             zeros += bytes[i] == std::byte{0} ? 1 : 0;
         }

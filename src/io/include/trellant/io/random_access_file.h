@@ -40,9 +40,10 @@ class RandomAccessFile {
                                             std::span<std::byte> into) const noexcept;
 
     /// Writes the bytes of `segments`, in order, into a new file at `destination` (bytes as the
-    /// system knows them). What stands there is replaced, a link never followed. Ranges go out in
-    /// chunks of at most 4 MiB, reference lists as nothing. Throws as `read` does for each chunk,
-    /// and FileSystemError for the destination; a failure leaves the partly written file.
+    /// system knows them). What stands there is replaced, a link never followed, and this file
+    /// itself refused. Ranges go out in chunks of at most 4 MiB, reference lists as nothing. Throws
+    /// as `read` does for each chunk, and FileSystemError for the destination; a failure leaves the
+    /// partly written file.
     void copy(std::span<const BentoValueSegment> segments, const std::string& destination) const;
 
     /// How often the system was asked to read, for tests of linear work.

@@ -1,14 +1,19 @@
 // Boxed<T>: an optional that keeps its value on the heap. A timeline holds a clip event per clip,
 // most events have no fade, automation or export note, and a pointer is what they pay for each.
+//
+// Copies share one value until one of them is changed: an effect over ten thousand clips gives them
+// all the same automation, and its points are held once.
 #pragma once
 
-#include <memory>
+#include <atomic>
+#include <cstdint>
 #include <optional>
 #include <utility>
 
 namespace trellant {
 
-/// A value or nothing, with the semantics of a value: copies are deep, == compares the values.
+/// A value or nothing, with the semantics of a value: changing a copy leaves the others as they
+/// are, == compares the values. Different copies may be used by different threads.
 template <class T>
 class Boxed {
   public:
@@ -16,37 +21,65 @@ class Boxed {
 
     Boxed() noexcept = default;
     Boxed(std::nullopt_t) noexcept {}
-    Boxed(T value) : box_(std::make_unique<T>(std::move(value))) {}
-    Boxed(const Boxed& other) : box_(other.box_ ? std::make_unique<T>(*other.box_) : nullptr) {}
-    Boxed(Boxed&&) noexcept = default;
-    Boxed& operator=(const Boxed& other) {
+    Boxed(T value) : box_(new Box{std::move(value)}) {}
+    Boxed(const Boxed& other) noexcept : box_(other.box_) {
+        if (box_ != nullptr) {
+            box_->owners.fetch_add(1, std::memory_order_relaxed);
+        }
+    }
+    Boxed(Boxed&& other) noexcept : box_(std::exchange(other.box_, nullptr)) {}
+    Boxed& operator=(const Boxed& other) noexcept {
         Boxed copy(other);
-        box_ = std::move(copy.box_);
+        std::swap(box_, copy.box_);
         return *this;
     }
-    Boxed& operator=(Boxed&&) noexcept = default;
-    ~Boxed() = default;
+    Boxed& operator=(Boxed&& other) noexcept {
+        Boxed taken(std::move(other));
+        std::swap(box_, taken.box_);
+        return *this;
+    }
+    ~Boxed() { reset(); }
 
     [[nodiscard]] bool has_value() const noexcept { return box_ != nullptr; }
     explicit operator bool() const noexcept { return has_value(); }
     /// The value; requires has_value().
-    [[nodiscard]] const T& operator*() const noexcept { return *box_; }
-    [[nodiscard]] T& operator*() noexcept { return *box_; }
-    [[nodiscard]] const T* operator->() const noexcept { return box_.get(); }
-    [[nodiscard]] T* operator->() noexcept { return box_.get(); }
+    [[nodiscard]] const T& operator*() const noexcept { return box_->value; }
+    [[nodiscard]] const T* operator->() const noexcept { return &box_->value; }
+    /// The value for changing, this copy's own from now on; requires has_value().
+    [[nodiscard]] T& operator*() { return own(); }
+    [[nodiscard]] T* operator->() { return &own(); }
 
+    /// A new default value in place of what was there.
     T& emplace() {
-        box_ = std::make_unique<T>();
-        return *box_;
+        *this = Boxed(T());
+        return box_->value;
     }
-    void reset() noexcept { box_.reset(); }
+    void reset() noexcept {
+        Box* const box = std::exchange(box_, nullptr);
+        if (box != nullptr && box->owners.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+            delete box;
+        }
+    }
 
     friend bool operator==(const Boxed& left, const Boxed& right) {
-        return left.has_value() == right.has_value() && (!left.has_value() || *left == *right);
+        return left.box_ == right.box_ ||
+               (left.has_value() && right.has_value() && *left == *right);
     }
 
   private:
-    std::unique_ptr<T> box_;
+    struct Box {
+        T value;
+        std::atomic<std::uint32_t> owners{1};
+    };
+
+    T& own() {
+        if (box_->owners.load(std::memory_order_acquire) != 1) {
+            *this = Boxed(T(box_->value));
+        }
+        return box_->value;
+    }
+
+    Box* box_ = nullptr;
 };
 
 }  // namespace trellant

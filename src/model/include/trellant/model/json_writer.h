@@ -65,8 +65,9 @@ class JsonWriter {
 
     void string(std::string_view text);
     void integer(std::int64_t value);
-    /// The shortest text that reads back the same; whole values below 2^53 as integers, minus zero
-    /// as "-0". Requires a finite value.
+    /// The fewest digits that read back the same: plain from 0.0001 to below 1e16, with an exponent
+    /// beyond ("1e-05", "1e+16"), whole values without a point, minus zero as "-0". Requires a
+    /// finite value.
     void number(double value);
     void boolean(bool value);
 

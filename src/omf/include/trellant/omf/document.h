@@ -13,10 +13,10 @@
 #include <array>
 #include <cstdint>
 #include <initializer_list>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace trellant {
@@ -24,7 +24,8 @@ namespace trellant {
 class OMFDocument {
   public:
     using Candidates = std::initializer_list<OMFProperty>;
-    using MobMap = std::unordered_map<OMFUID, OMFObject>;
+    /// Ordered: identifiers are chosen by whoever wrote the file, and no choice makes it slow.
+    using MobMap = std::map<OMFUID, OMFObject>;
 
     /// Opens the file at `path`, reads every object's class once and settles header and byte
     /// order. Throws what the container throws, unsupported for a container that is no OMF 2.x

@@ -4,9 +4,7 @@
 #include <trellant/model/rational.h>
 
 #include <compare>
-#include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <string>
 
 namespace trellant {
@@ -27,7 +25,8 @@ struct OMFUID {
     [[nodiscard]] static constexpr OMFUID zero() noexcept { return {}; }
     /// "0000002A-00000001-FFFFFFFF".
     [[nodiscard]] std::string description() const;
-    bool operator==(const OMFUID&) const = default;
+    /// By the words in order.
+    auto operator<=>(const OMFUID&) const = default;
 };
 
 /// A stored fraction, not reduced; the denominator is never 0.
@@ -40,13 +39,3 @@ struct OMFRationalValue {
 };
 
 }  // namespace trellant
-
-template <>
-struct std::hash<trellant::OMFUID> {
-    [[nodiscard]] std::size_t operator()(const trellant::OMFUID& uid) const noexcept {
-        // Writers count in the words: the multipliers (odd, random bits) spread neighbours apart.
-        const std::uint64_t mixed = (uid.a * 0x9E3779B97F4A7C15U) ^ (uid.b * 0xC2B2AE3D27D4EB4FU) ^
-                                    (uid.c * 0x165667B19E3779F9U);
-        return static_cast<std::size_t>(mixed ^ (mixed >> 32U));
-    }
-};

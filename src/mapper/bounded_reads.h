@@ -1,0 +1,47 @@
+// Reads of lists and texts, which may be long, with a bound on all of them together.
+//
+// Values may lie over one another in a file: many small objects can each claim the same long list
+// or text, and a file of a megabyte could ask for work without end. Short ones need no bound: each
+// costs its object.
+#pragma once
+
+#include <trellant/omf/document.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace trellant {
+
+class BoundedReads {
+  public:
+    /// References in all lists longer than `longList` that one request reads; the largest
+    /// compositions hold a few million.
+    static constexpr std::uint64_t maximumReferences = 67'108'864;
+    static constexpr std::size_t longList = 64;
+    /// Bytes in all texts of more than `longText` bytes.
+    static constexpr std::uint64_t maximumLongTextBytes = 268'435'456;
+    static constexpr std::size_t longText = 4096;
+
+    /// `document` must outlive this.
+    explicit BoundedReads(const OMFDocument& document) : document_(document) {}
+
+    [[nodiscard]] const OMFDocument& document() const noexcept { return document_; }
+
+    /// As OMFDocument reads them. Past a bound both throw OMFIOError unsupported.
+    [[nodiscard]] std::vector<OMFObject> objectRefs(OMFObject object,
+                                                    OMFDocument::Candidates names);
+    [[nodiscard]] std::optional<std::string> string(OMFObject object,
+                                                    OMFDocument::Candidates names);
+
+    /// Counts what was read from a list once and is given out again.
+    void countReferences(std::uint64_t count);
+
+  private:
+    const OMFDocument& document_;
+    std::uint64_t references_ = 0;
+    std::uint64_t longTextBytes_ = 0;
+};
+
+}  // namespace trellant

@@ -1,0 +1,50 @@
+// Source resolution on its own, over a document under construction.
+#pragma once
+
+#include "mapping_notes.h"
+#include "source_resolution.h"
+
+#include <trellant/omf/document.h>
+
+#include <optional>
+#include <string>
+#include <trellant_testing/omf_builder.h>
+#include <trellant_testing/temporary_directory.h>
+#include <vector>
+
+namespace trellant::testing {
+
+struct Resolution {
+    std::optional<ResolvedSource> source{};
+    std::optional<std::string> lossReason{};
+    std::vector<std::string> diagnostics{};
+    /// Each as "TEXT at PATH".
+    std::vector<std::string> records{};
+};
+
+/// Resolves `clip` in edit units of 1/`rate` of a second, nothing trimmed.
+inline Resolution resolved(const OmfBuilder& omf, ObjectID clip, std::int64_t rate = 48'000,
+                           const AAFRational& trim = AAFRational::zero()) {
+    const TemporaryDirectory folder;
+    const OMFDocument document(writeFile(folder.file("song.omf"), omf.build()));
+    const OMFDocument::MobMap mobs = document.mobMap();
+    MappingNotes notes;
+    BoundedReads reads(document);
+    DataKinds kinds(reads);
+    SourceResolution resolution(reads, mobs, kinds, notes);
+    Resolution result;
+    result.source =
+        resolution.resolveSourceClip(static_cast<OMFObject>(clip), AAFRational(rate), trim);
+    result.lossReason = notes.verlustGrund;
+    result.diagnostics = notes.diagnostics();
+    for (const AAFUnsupportedFeature& record : notes.takeUnsupported()) {
+        result.records.push_back(record.description + " at " + record.objectPath.value_or(""));
+    }
+    return result;
+}
+
+inline OMFObject object(const ObjectBuilder& builder) {
+    return static_cast<OMFObject>(builder.id());
+}
+
+}  // namespace trellant::testing
