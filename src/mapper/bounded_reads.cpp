@@ -28,8 +28,8 @@ std::optional<std::string> BoundedReads::string(OMFObject object, OMFDocument::C
 void BoundedReads::countReferences(std::uint64_t count) {
     references_ += count;
     if (references_ > maximumReferences) {
-        throw OMFIOError::unsupported("composition refers to more than " +
-                                      std::to_string(maximumReferences) + " objects in its lists");
+        throw OMFIOError::unsupported("composition holds more than " +
+                                      std::to_string(maximumReferences) + " entries in its lists");
     }
 }
 

@@ -28,10 +28,9 @@ class ClipName : public ::testing::Test {
 
 TEST_F(ClipName, OwnNameComesFirst) {
     const ObjectID list = omf_.attributeList({named("From the list")});
-    EXPECT_EQ(nameOf(song_.clip(100)
-                         .string("OMFI:CPNT:Name", "Own")
-                         .ref("OMFI:CPNT:Attributes", list)),
-              "Own");
+    EXPECT_EQ(
+        nameOf(song_.clip(100).string("OMFI:CPNT:Name", "Own").ref("OMFI:CPNT:Attributes", list)),
+        "Own");
 }
 
 TEST_F(ClipName, WithoutNameAndAttributesIsAbsent) {
@@ -52,9 +51,9 @@ TEST_F(ClipName, FirstMatchingAttributeInStoredOrderWins) {
 }
 
 TEST_F(ClipName, AttributeNameIsCaseSensitiveAndExact) {
-    EXPECT_EQ(nameWith(omf_.attributeList(
-                  {omf_.attribute("name", "a"), omf_.attribute("NAME", "b"),
-                   omf_.attribute("Names", "c"), omf_.attribute(" Name", "d"), named("e")})),
+    EXPECT_EQ(nameWith(omf_.attributeList({omf_.attribute("name", "a"), omf_.attribute("NAME", "b"),
+                                           omf_.attribute("Names", "c"),
+                                           omf_.attribute(" Name", "d"), named("e")})),
               "e");
 }
 
@@ -89,9 +88,8 @@ TEST_F(ClipName, MatchingAttributeWithoutAStringGoesOnIntoItsObject) {
 }
 
 TEST_F(ClipName, MatchingAttributeWithoutAStringGoesOnToTheNext) {
-    EXPECT_EQ(nameWith(omf_.attributeList(
-                  {omf_.attribute("Name", std::nullopt), omf_.attribute("Name", ""),
-                   named("Behind")})),
+    EXPECT_EQ(nameWith(omf_.attributeList({omf_.attribute("Name", std::nullopt),
+                                           omf_.attribute("Name", ""), named("Behind")})),
               "Behind");
 }
 

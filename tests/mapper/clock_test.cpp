@@ -63,17 +63,17 @@ TEST_F(ProgramClock, FirstTimecodeSlotWins) {
 }
 
 TEST_F(ProgramClock, MissingFramesPerSecondAreTwentyFive) {
-    const AAFTimeline timeline =
-        mapped(song_.omf.timecode(0, false, 26).without(fps));
+    const AAFTimeline timeline = mapped(song_.omf.timecode(0, false, 26).without(fps));
     EXPECT_EQ(timeline.clock.editRate, AAFRational(25, 1));
     EXPECT_EQ(timeline.clock.timecodeRate, (AAFTimecodeRate{AAFRational(25, 1), 25, false}));
     expectStart(timeline, "00:00:01:01");
 }
 
 TEST_F(ProgramClock, FramesPerSecondBelowTwoAreOne) {
-    for (const std::int16_t frames : {0, 1, -1, -32'768}) {
+    for (const int frames : {0, 1, -1, -32'768}) {
         Song song;
-        song.addSlot({.segment = song.omf.timecode(frames, false, 3'661)});
+        song.addSlot(
+            {.segment = song.omf.timecode(static_cast<std::int16_t>(frames), false, 3'661)});
         song.addSlot(song.clip(100));
         const AAFTimeline timeline = song.map().timeline;
         EXPECT_EQ(timeline.clock.editRate, AAFRational(1, 1)) << frames;
@@ -89,7 +89,8 @@ TEST_F(ProgramClock, TwoFramesPerSecondAreTwo) {
 }
 
 TEST_F(ProgramClock, DropFrameStartOf107892FramesIsOneHour) {
-    const AAFTimeline timeline = mapped(song_.omf.timecode(30, true, 107'892), Ratio{30'000, 1'001});
+    const AAFTimeline timeline =
+        mapped(song_.omf.timecode(30, true, 107'892), Ratio{30'000, 1'001});
     EXPECT_EQ(timeline.clock.editRate, AAFRational(30'000, 1'001));
     EXPECT_EQ(timeline.clock.timecodeRate, (AAFTimecodeRate{AAFRational(30'000, 1'001), 30, true}));
     expectStart(timeline, "01:00:00;00");
@@ -97,8 +98,8 @@ TEST_F(ProgramClock, DropFrameStartOf107892FramesIsOneHour) {
 
 TEST_F(ProgramClock, DropFrameSkipsLabelsButNotEveryTenthMinute) {
     const std::vector<std::pair<std::int64_t, std::string>> labels{
-        {1'799, "00:00:59;29"},     {1'800, "00:01:00;02"},      {3'597, "00:01:59;29"},
-        {3'598, "00:02:00;02"},     {17'981, "00:09:59;29"},     {17'982, "00:10:00;00"},
+        {1'799, "00:00:59;29"},     {1'800, "00:01:00;02"},    {3'597, "00:01:59;29"},
+        {3'598, "00:02:00;02"},     {17'981, "00:09:59;29"},   {17'982, "00:10:00;00"},
         {2'589'407, "23:59:59;29"}, {2'589'408, "00:00:00;00"}};
     for (const auto& [frame, label] : labels) {
         Song song;
@@ -109,9 +110,10 @@ TEST_F(ProgramClock, DropFrameSkipsLabelsButNotEveryTenthMinute) {
 }
 
 TEST_F(ProgramClock, DropFrameAtSixtySkipsFourLabels) {
-    const std::vector<std::pair<std::int64_t, std::string>> labels{
-        {3'599, "00:00:59;59"}, {3'600, "00:01:00;04"}, {35'964, "00:10:00;00"},
-        {215'784, "01:00:00;00"}};
+    const std::vector<std::pair<std::int64_t, std::string>> labels{{3'599, "00:00:59;59"},
+                                                                   {3'600, "00:01:00;04"},
+                                                                   {35'964, "00:10:00;00"},
+                                                                   {215'784, "01:00:00;00"}};
     for (const auto& [frame, label] : labels) {
         Song song;
         song.addSlot({.segment = song.omf.timecode(60, true, frame)});
@@ -124,23 +126,23 @@ TEST_F(ProgramClock, DropFrameAtSixtySkipsFourLabels) {
 }
 
 TEST_F(ProgramClock, DropFlagAtAnotherRateMakesNoAddress) {
-    for (const std::int16_t frames : {25, 24, 29, 59, 120, 0}) {
+    for (const int frames : {25, 24, 29, 59, 120, 0}) {
         Song song;
-        song.addSlot({.editRate = Ratio{24}, .segment = song.omf.timecode(frames, true, 90'000)});
+        song.addSlot(
+            {.editRate = Ratio{24},
+             .segment = song.omf.timecode(static_cast<std::int16_t>(frames), true, 90'000)});
         song.addSlot(song.clip(100));
         expectDefault(song.map().timeline);
     }
 }
 
 TEST_F(ProgramClock, DropFlagIsAnyNumberButZero) {
-    const AAFTimeline timeline =
-        mapped(song_.omf.timecode(30, false, 1'800).int16(drop, -1));
+    const AAFTimeline timeline = mapped(song_.omf.timecode(30, false, 1'800).int16(drop, -1));
     expectStart(timeline, "00:01:00;02");
 }
 
 TEST_F(ProgramClock, MissingDropFlagIsNone) {
-    const AAFTimeline timeline =
-        mapped(song_.omf.timecode(30, true, 1'800).without(drop));
+    const AAFTimeline timeline = mapped(song_.omf.timecode(30, true, 1'800).without(drop));
     EXPECT_EQ(timeline.clock.timecodeRate, (AAFTimecodeRate{AAFRational(30, 1), 30, false}));
     expectStart(timeline, "00:01:00:00");
 }

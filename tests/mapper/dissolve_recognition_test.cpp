@@ -29,9 +29,8 @@ class DissolveRecognition : public ::testing::Test {
     }
     /// The dissolve with a level.
     ObjectID withLevel(ObjectID level) {
-        return omf_.effect({.effectID = std::string(dissolveID),
-                            .length = 20,
-                            .slots = {{levelArgument, level}}});
+        return omf_.effect(
+            {.effectID = std::string(dissolveID), .length = 20, .slots = {{levelArgument, level}}});
     }
     ObjectID withPoints(const std::vector<PointSpec>& points) {
         return withLevel(omf_.varyingValue(points));
@@ -43,8 +42,8 @@ class DissolveRecognition : public ::testing::Test {
   private:
     Mapped mappedWith(std::optional<ObjectID> effect) {
         song_.addSlot(omf_.sequence(
-            {song_.clip(100),
-             omf_.transition({.length = 20, .cutPoint = 8, .effect = effect}), song_.clip(50)}));
+            {song_.clip(100), omf_.transition({.length = 20, .cutPoint = 8, .effect = effect}),
+             song_.clip(50)}));
         return song_.map();
     }
 };
@@ -74,8 +73,8 @@ TEST_F(DissolveRecognition, EffectWithoutAnIdentifierIsACut) {
 }
 
 TEST_F(DissolveRecognition, EffectOfAnotherClassIsACut) {
-    expectCut(omf_.segment("EFFX", 20).ref("OMFI:EFFE:EffectKind",
-                                           omf_.effectDefinition(dissolveID)));
+    expectCut(
+        omf_.segment("EFFX", 20).ref("OMFI:EFFE:EffectKind", omf_.effectDefinition(dissolveID)));
 }
 
 TEST_F(DissolveRecognition, EffectThatDoesNotExistIsACut) {
@@ -96,11 +95,11 @@ TEST_F(DissolveRecognition, LevelWithoutAnInterpolationIsLinear) {
 }
 
 TEST_F(DissolveRecognition, LevelOfAnotherInterpolationIsACut) {
-    for (const std::int16_t interpolation : {0, 1, 3}) {
+    for (const std::int16_t interpolation : std::initializer_list<std::int16_t>{0, 1, 3}) {
         Song song;
         const ObjectID level = song.omf.varyingValue({{{0}, {0}}, {{1}, {1}}}, interpolation);
-        const ObjectID effect = song.omf.effect({.effectID = std::string(dissolveID),
-                                                 .slots = {{levelArgument, level}}});
+        const ObjectID effect = song.omf.effect(
+            {.effectID = std::string(dissolveID), .slots = {{levelArgument, level}}});
         song.addSlot(song.omf.sequence(
             {song.clip(100), song.omf.transition({.length = 20, .cutPoint = 8, .effect = effect}),
              song.clip(50)}));
@@ -150,23 +149,23 @@ TEST_F(DissolveRecognition, LevelSlotWithoutAValueIsNoLevel) {
 TEST_F(DissolveRecognition, FirstReadableLevelDecides) {
     const ObjectID linear = omf_.varyingValue({{{0}, {0}}, {{1}, {1}}});
     const ObjectID constant = omf_.constantValue({1, 2});
-    expectDissolve(omf_.effect({.effectID = std::string(dissolveID),
-                                .slots = {{levelArgument, std::nullopt},
-                                          {levelArgument, linear},
-                                          {levelArgument, constant}}}));
+    expectDissolve(omf_.effect(
+        {.effectID = std::string(dissolveID),
+         .slots = {
+             {levelArgument, std::nullopt}, {levelArgument, linear}, {levelArgument, constant}}}));
 }
 
 TEST_F(DissolveRecognition, OtherArgumentsDoNotMatter) {
-    expectDissolve(omf_.effect({.effectID = std::string(dissolveID),
-                                .slots = {{3, omf_.constantValue({1, 2})},
-                                          {-1, omf_.filler(20)},
-                                          {-2, omf_.filler(20)}}}));
+    expectDissolve(omf_.effect(
+        {.effectID = std::string(dissolveID),
+         .slots = {
+             {3, omf_.constantValue({1, 2})}, {-1, omf_.filler(20)}, {-2, omf_.filler(20)}}}));
 }
 
 TEST_F(DissolveRecognition, SharedDissolveIsOneForEveryPlace) {
     const ObjectID dissolve = omf_.dissolve(20);
-    song_.addSlot(omf_.sequence(
-        {song_.clip(100), dissolve, song_.clip(50), dissolve, song_.clip(60)}));
+    song_.addSlot(
+        omf_.sequence({song_.clip(100), dissolve, song_.clip(50), dissolve, song_.clip(60)}));
     EXPECT_THAT(placedIn(song_.map()),
                 ElementsAre(Placed{0, 100, 0}, Placed{80, 50, 0}, Placed{110, 60, 0}));
 }

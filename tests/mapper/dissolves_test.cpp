@@ -60,9 +60,8 @@ TEST_F(DissolveSequence, DissolveAndCutMeetAtOneClip) {
     EXPECT_THAT(placedIn(mapped_),
                 ElementsAre(Placed{0, 100, 0}, Placed{80, 38, 0}, Placed{118, 32, 8}));
     EXPECT_THAT(recordsOf(mapped_),
-                ElementsAre(unsupportedLine(0, cutText,
-                                            song_.path() + step("SEQU", sequence_) +
-                                                step("TRAN", cut))));
+                ElementsAre(unsupportedLine(
+                    0, cutText, song_.path() + step("SEQU", sequence_) + step("TRAN", cut))));
 }
 
 TEST_F(DissolveSequence, DissolveAtTheEndFadesWhatPrecedes) {
@@ -91,16 +90,14 @@ TEST_F(DissolveSequence, OwnFadeInStaysAndIsReported) {
     place({song_.clip(100), omf_.dissolve(20), song_.clip(50, FadeSpec{7, 2}, std::nullopt)});
     EXPECT_THAT(placedIn(mapped_), ElementsAre(Placed{0, 100, 0}, Placed{80, 50, 0}));
     EXPECT_EQ(described(event(1).fadeIn), "fadeIn 7 power");
-    EXPECT_THAT(recordsOf(mapped_),
-                ElementsAre(unsupportedLine(0, fadeInText, componentPath(2))));
+    EXPECT_THAT(recordsOf(mapped_), ElementsAre(unsupportedLine(0, fadeInText, componentPath(2))));
 }
 
 TEST_F(DissolveSequence, OwnFadeOutStaysAndIsReported) {
     place({song_.clip(100, std::nullopt, FadeSpec{7, 2}), omf_.dissolve(20), song_.clip(50)});
     EXPECT_EQ(described(event(0).fadeOut), "fadeOut 7 power");
     EXPECT_EQ(described(event(1).fadeIn), "fadeIn 20 linear");
-    EXPECT_THAT(recordsOf(mapped_),
-                ElementsAre(unsupportedLine(0, fadeOutText, componentPath(0))));
+    EXPECT_THAT(recordsOf(mapped_), ElementsAre(unsupportedLine(0, fadeOutText, componentPath(0))));
 }
 
 TEST_F(DissolveSequence, OwnFadeOfUnknownTypeStaysToo) {
@@ -116,9 +113,8 @@ TEST_F(DissolveSequence, OwnFadeOfUnknownTypeStaysToo) {
 TEST_F(DissolveSequence, OwnFadesAtBothEndsAreReportedInOrder) {
     place({song_.clip(100), omf_.dissolve(20), song_.clip(50, FadeSpec{5}, FadeSpec{6}),
            omf_.dissolve(10), song_.clip(50)});
-    EXPECT_THAT(recordsOf(mapped_),
-                ElementsAre(unsupportedLine(0, fadeInText, componentPath(2)),
-                            unsupportedLine(1, fadeOutText, componentPath(2))));
+    EXPECT_THAT(recordsOf(mapped_), ElementsAre(unsupportedLine(0, fadeInText, componentPath(2)),
+                                                unsupportedLine(1, fadeOutText, componentPath(2))));
 }
 
 }  // namespace

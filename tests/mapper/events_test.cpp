@@ -91,8 +91,7 @@ TEST(Events, MonoRoleOnStereoMediaIsUnknown) {
 TEST(Events, SourceChannelIsGivenEvenWhenItIsADefault) {
     Song song;
     const MobID plain{7, 0, 0};
-    song.omf.audioFile(
-        {.id = plain, .media = shortWave(), .length = 48, .track = {.id = 1}});
+    song.omf.audioFile({.id = plain, .media = shortWave(), .length = 48, .track = {.id = 1}});
     song.addSlot(song.omf.clip({.length = 100, .source = plain}));
     EXPECT_EQ(song.map().timeline.events.at(0).sourceChannel, 0);
 }
@@ -100,8 +99,8 @@ TEST(Events, SourceChannelIsGivenEvenWhenItIsADefault) {
 TEST(Events, FadesGainAndAutomationComeFromTheDraft) {
     Song song;
     const ObjectID clip = song.clip(100, FadeSpec{10, 2}, FadeSpec{20, 3});
-    const ObjectID automated = song.omf.gain(
-        clip, song.omf.varyingValue({{{0}, {1, 2}}, {{1}, {1}}}));
+    const ObjectID automated =
+        song.omf.gain(clip, song.omf.varyingValue({{{0}, {1, 2}}, {{1}, {1}}}));
     song.addSlot(song.omf.gain(automated, song.omf.constantValue({1, 4})));
     const AAFClipEvent event = song.map().timeline.events.at(0);
     EXPECT_EQ(described(event.fadeIn), "fadeIn 10 power");
@@ -114,21 +113,20 @@ TEST(Events, LossReasonIsNeverThatOfAnEarlierClip) {
     Song song;
     const MobID loop{7, 0, 0};
     const ObjectBuilder loopClip = song.omf.clip({.length = 100, .source = loop});
-    song.omf.masterMob({.id = loop,
-                        .slots = {song.omf.slot({.editRate = Ratio{100},
-                                                 .segment = loopClip,
-                                                 .track = song.omf.track({.id = 1})})}});
+    song.omf.masterMob(
+        {.id = loop,
+         .slots = {song.omf.slot(
+             {.editRate = Ratio{100}, .segment = loopClip, .track = song.omf.track({.id = 1})})}});
     const ObjectID nameless = song.omf.clip({.length = 100});
     const ObjectID looping = song.omf.clip({.length = 100, .source = loop});
     song.addSlot(song.omf.sequence({nameless, looping, song.clip(100)}));
-    EXPECT_THAT(
-        recordsOf(song.map()),
-        ElementsAre(lossLine(0, "audio clip dropped: the Source Clip carries no Source ID",
-                             song.path() + step("SCLP", nameless)),
-                    unsupportedLine(1, "source reference cycle/depth limit",
-                                    step("SCLP", loopClip).substr(1)),
-                    lossLine(2, "audio clip dropped: the source could not be resolved",
-                             song.path() + step("SCLP", looping))));
+    EXPECT_THAT(recordsOf(song.map()),
+                ElementsAre(lossLine(0, "audio clip dropped: the Source Clip carries no Source ID",
+                                     song.path() + step("SCLP", nameless)),
+                            unsupportedLine(1, "source reference cycle/depth limit",
+                                            step("SCLP", loopClip).substr(1)),
+                            lossLine(2, "audio clip dropped: the source could not be resolved",
+                                     song.path() + step("SCLP", looping))));
 }
 
 TEST(Timeline, CarriesSourceNameClockAndNothingElse) {

@@ -80,8 +80,8 @@ TEST_F(ClipFades, FadeLongerThanTheClipStays) {
 }
 
 TEST_F(ClipFades, CountInTheSlotsEditRate) {
-    song_.addSlot({.editRate = Ratio{30'000, 1'001},
-                   .segment = song_.clip(100, FadeSpec{3}, std::nullopt)});
+    song_.addSlot(
+        {.editRate = Ratio{30'000, 1'001}, .segment = song_.clip(100, FadeSpec{3}, std::nullopt)});
     const Mapped mapped = song_.map();
     const AAFClipEvent& event = mapped.timeline.events.at(0);
     ASSERT_TRUE(event.fadeIn.has_value());

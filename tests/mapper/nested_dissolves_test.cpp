@@ -66,16 +66,16 @@ TEST_F(NestedDissolve, EarliestStartTakesTheFadeInWhateverTheOrder) {
                        .slots = {{-1, late}, {-1, early}}}));
     EXPECT_THAT(placedIn(mapped_), ElementsAre(Placed{0, 100, 0}, Placed{90, 30, 1},
                                                Placed{80, 20, 2}, Placed{110, 100, 0}));
-    EXPECT_THAT(fades(), ElementsAre(first_, "none / fadeOut 10 linear",
-                                     "fadeIn 20 linear / none", last_));
+    EXPECT_THAT(fades(),
+                ElementsAre(first_, "none / fadeOut 10 linear", "fadeIn 20 linear / none", last_));
 }
 
 TEST_F(NestedDissolve, FirstOnesOnTiesTakeTheFades) {
     place(omf_.effect({.effectID = "omfi:effect:MonoAudioGain",
                        .length = 40,
                        .slots = {{-1, song_.clip(40, 1)}, {-1, song_.clip(40, 2)}}}));
-    EXPECT_THAT(fades(), ElementsAre(first_, "fadeIn 20 linear / fadeOut 10 linear",
-                                     "none / none", last_));
+    EXPECT_THAT(fades(),
+                ElementsAre(first_, "fadeIn 20 linear / fadeOut 10 linear", "none / none", last_));
 }
 
 TEST_F(NestedDissolve, ClipThatEndsLatestTakesTheFadeOutEvenWhenItStartsFirst) {
@@ -83,8 +83,8 @@ TEST_F(NestedDissolve, ClipThatEndsLatestTakesTheFadeOutEvenWhenItStartsFirst) {
                        .length = 60,
                        .slots = {{-1, song_.clip(60, 1)},
                                  {-1, omf_.sequence({omf_.filler(20), song_.clip(30, 2)})}}}));
-    EXPECT_THAT(fades(), ElementsAre(first_, "fadeIn 20 linear / fadeOut 10 linear",
-                                     "none / none", last_));
+    EXPECT_THAT(fades(),
+                ElementsAre(first_, "fadeIn 20 linear / fadeOut 10 linear", "none / none", last_));
 }
 
 TEST_F(NestedDissolve, NestedFadeInInTheWayIsReported) {

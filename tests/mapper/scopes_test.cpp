@@ -106,8 +106,8 @@ TEST(ScopeReference, MissingScopeAndSlotAreZero) {
     for (int level = 0; level < 48; ++level) {
         path += step("SREF", reference);
     }
-    EXPECT_THAT(recordsOf(mapped), ElementsAre(unsupportedLine(
-                                       0, "composition nesting exceeds depth limit", path)));
+    EXPECT_THAT(recordsOf(mapped),
+                ElementsAre(unsupportedLine(0, "composition nesting exceeds depth limit", path)));
 }
 
 class BrokenScopeReference : public ::testing::Test {
@@ -115,8 +115,7 @@ class BrokenScopeReference : public ::testing::Test {
     /// The reference stands between two clips in slot 1 of two.
     void expectReported(ObjectID reference, std::string_view text) {
         song_.addSlot(song_.clip(10));
-        const ObjectID sequence =
-            song_.omf.sequence({song_.clip(10), reference, song_.clip(10)});
+        const ObjectID sequence = song_.omf.sequence({song_.clip(10), reference, song_.clip(10)});
         song_.addSlot(sequence);
         const Mapped mapped = song_.map();
         EXPECT_THAT(recordsOf(mapped),
@@ -170,9 +169,9 @@ TEST_F(BrokenScopeReference, SlotWithoutASegmentDoesNotExist) {
     const ObjectID reference = song_.omf.scopeReference(30, 0, 1);
     song_.addSlot(reference);
     song_.addSlot(song_.clip(10));
-    EXPECT_THAT(recordsOf(song_.map()),
-                ElementsAre(unsupportedLine(0, noSlot(0),
-                                            song_.path(1) + step("SREF", reference))));
+    EXPECT_THAT(
+        recordsOf(song_.map()),
+        ElementsAre(unsupportedLine(0, noSlot(0), song_.path(1) + step("SREF", reference))));
 }
 
 }  // namespace

@@ -18,9 +18,7 @@ class SegmentInSequence : public ::testing::Test {
         mapped_ = song_.map();
     }
     /// The object path of the segment's place.
-    std::string componentPath() {
-        return song_.path() + step("SEQU", sequence_) + "/component[1]";
-    }
+    std::string componentPath() { return song_.path() + step("SEQU", sequence_) + "/component[1]"; }
     /// The segment lasts `length` and gives no sound.
     void expectSilence(std::int64_t length) {
         EXPECT_THAT(placedIn(mapped_),
@@ -60,9 +58,9 @@ TEST(SlotSegment, TransitionAloneIsAnUnknownComponent) {
     song.addSlot(transition);
     song.addSlot(song.clip(10));
     const Mapped mapped = song.map();
-    EXPECT_THAT(recordsOf(mapped), ElementsAre(unsupportedLine(
-                                       0, "unknown OMF component class TRAN",
-                                       song.path() + step("", transition))));
+    EXPECT_THAT(recordsOf(mapped),
+                ElementsAre(unsupportedLine(0, "unknown OMF component class TRAN",
+                                            song.path() + step("", transition))));
     EXPECT_EQ(lengthOf(mapped), 40);
 }
 
@@ -175,10 +173,10 @@ TEST_F(SegmentInSequence, RecordsInsideASelectorNameIt) {
     const ObjectID strange = song_.omf.segment("XYZW", 30);
     const ObjectID selector = song_.omf.selector(strange);
     place(selector);
-    EXPECT_THAT(recordsOf(mapped_),
-                ElementsAre(unsupportedLine(
-                    0, "unknown OMF component class XYZW",
-                    componentPath() + step("SLCT", selector) + step("", strange))));
+    EXPECT_THAT(
+        recordsOf(mapped_),
+        ElementsAre(unsupportedLine(0, "unknown OMF component class XYZW",
+                                    componentPath() + step("SLCT", selector) + step("", strange))));
 }
 
 TEST_F(SegmentInSequence, NestedScopePlaysItsLastSlot) {
@@ -201,10 +199,10 @@ TEST_F(SegmentInSequence, RecordsInsideANestedScopeNameIt) {
     const ObjectID strange = song_.omf.segment("XYZW", 30);
     const ObjectID scope = song_.omf.nestedScope({strange});
     place(scope);
-    EXPECT_THAT(recordsOf(mapped_), ElementsAre(unsupportedLine(
-                                        0, "unknown OMF component class XYZW",
-                                        componentPath() + step("NEST", scope) +
-                                            step("", strange))));
+    EXPECT_THAT(
+        recordsOf(mapped_),
+        ElementsAre(unsupportedLine(0, "unknown OMF component class XYZW",
+                                    componentPath() + step("NEST", scope) + step("", strange))));
 }
 
 TEST_F(SegmentInSequence, InnerSequenceIsPlacedWhereItStands) {

@@ -29,7 +29,7 @@ class CutSequence : public ::testing::Test {
         return unsupportedLine(number, trimText,
                                path() + "/component[" + std::to_string(component) + "]");
     }
-    ObjectID cut(std::int64_t length, std::int64_t cutPoint) {
+    ObjectBuilder cut(std::int64_t length, std::int64_t cutPoint) {
         return omf_.transition({.length = length, .cutPoint = cutPoint});
     }
 
@@ -121,14 +121,14 @@ TEST_F(CutSequence, MissingCutPointIsZero) {
 
 TEST_F(CutSequence, TrimsBeyondAComponentLeaveNothing) {
     place({song_.clip(5), cut(20, 8), song_.clip(5), cut(20, 8), song_.clip(50)});
-    EXPECT_THAT(placedIn(mapped_),
-                ElementsAre(Placed{0, 0, 0}, Placed{0, 0, 8}, Placed{0, 42, 8}));
+    EXPECT_THAT(placedIn(mapped_), ElementsAre(Placed{0, 0, 0}, Placed{0, 0, 8}, Placed{0, 42, 8}));
     EXPECT_EQ(lengthOf(mapped_), 42);
 }
 
 TEST_F(CutSequence, HugeTrimsDoNotWrap) {
-    place({song_.clip(10), cut(INT64_MAX, 0), song_.clip(10), cut(INT64_MAX, INT64_MAX),
-           song_.clip(10)});
+    const ObjectID before = cut(0, 0).int64("OMFI:CPNT:Length", INT64_MAX);
+    const ObjectID behind = cut(0, INT64_MAX).int64("OMFI:CPNT:Length", INT64_MAX);
+    place({song_.clip(10), before, song_.clip(10), behind, song_.clip(10)});
     const AAFTimeline& timeline = mapped_.timeline;
     ASSERT_EQ(timeline.events.size(), 3U);
     EXPECT_EQ(timeline.events[0].duration, AAFRational::zero());

@@ -5,8 +5,7 @@
 namespace trellant::testing {
 
 Bytes shortWave(std::uint32_t sampleRate, std::uint16_t channels) {
-    return waveImage(
-        {.channels = channels, .sampleRate = sampleRate, .samples = patternBytes(96)});
+    return waveImage({.channels = channels, .sampleRate = sampleRate, .samples = patternBytes(96)});
 }
 
 Song::Song(const OmfBuilder::Options& options) : omf(options) {

@@ -1,6 +1,7 @@
 // A track's pan and channel role, from its clips' pans and its name.
-#include "song.h"
 #include "track_pan.h"
+
+#include "song.h"
 
 #include <gmock/gmock.h>
 
@@ -64,8 +65,8 @@ TEST_F(TrackPanFromClips, PansAMillionthApartDiffer) {
 
 TEST_F(TrackPanFromClips, AnyTwoPansMayDiffer) {
     // Each within a millionth of the first, but not of each other.
-    expectDiffering(mapped(
-        {Ratio{1, 2}, Ratio{5'000'007, 10'000'000}, Ratio{4'999'994, 10'000'000}}));
+    expectDiffering(
+        mapped({Ratio{1, 2}, Ratio{5'000'007, 10'000'000}, Ratio{4'999'994, 10'000'000}}));
 }
 
 TEST_F(TrackPanFromClips, ClipWithoutAPanAmongOthersDiffers) {
@@ -105,11 +106,10 @@ TEST_F(TrackPanFromClips, RecordComesBeforeTheLossesOfTheClips) {
     const ObjectID lost = song_.omf.clip({.length = 100});
     song_.addSlot(song_.omf.sequence(
         {lost, song_.omf.pan(song_.clip(100), song_.omf.constantValue({1, 2}))}));
-    EXPECT_THAT(
-        recordsOf(song_.map()),
-        ElementsAre(unsupportedLine(0, differing, song_.path()),
-                    lossLine(1, "audio clip dropped: the Source Clip carries no Source ID",
-                             song_.path() + step("SCLP", lost))));
+    EXPECT_THAT(recordsOf(song_.map()),
+                ElementsAre(unsupportedLine(0, differing, song_.path()),
+                            lossLine(1, "audio clip dropped: the Source Clip carries no Source ID",
+                                     song_.path() + step("SCLP", lost))));
 }
 
 TEST(TrackRole, EndingOfTheNameTellsLeftAndRight) {

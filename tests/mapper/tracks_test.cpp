@@ -69,9 +69,9 @@ TEST(Tracks, AudioSlotWithoutAUsableEditRateIsLost) {
         song.addSlot({.editRate = rate, .segment = song.clip(100)});
         song.addSlot(song.clip(100));
         const Mapped mapped = song.map();
-        EXPECT_THAT(recordsOf(mapped),
-                    ElementsAre(lossLine(0, "whole audio track 1" + std::string(noRate),
-                                         song.path(0))));
+        EXPECT_THAT(
+            recordsOf(mapped),
+            ElementsAre(lossLine(0, "whole audio track 1" + std::string(noRate), song.path(0))));
         EXPECT_EQ(mapped.timeline.tracks.size(), 1U);
     }
 }
@@ -103,9 +103,9 @@ TEST(Tracks, SoundAndAudioKindsInAnyCaseAreAudio) {
         song.omf.setSegmentKind(kind);
         song.addSlot({.editRate = Ratio{0, 1}, .segment = song.clip(100)});
         song.addSlot(song.clip(100));
-        EXPECT_THAT(recordsOf(song.map()),
-                    ElementsAre(lossLine(0, "whole audio track 1" + std::string(noRate),
-                                         song.path(0))))
+        EXPECT_THAT(
+            recordsOf(song.map()),
+            ElementsAre(lossLine(0, "whole audio track 1" + std::string(noRate), song.path(0))))
             << kind;
     }
 }
@@ -233,13 +233,13 @@ TEST(Diagnostics, TellTheWholeStory) {
     song.addSlot(panned, "Drums");
     song.addSlot(song.omf.filler(250));
     const ObjectID composition = song.composition();
-    EXPECT_THAT(song.map().diagnostics,
-                ElementsAre("OMF2/Bento 2.0, little-endian",
-                            "Composition Mob object " + std::to_string(composition) + " selected",
-                            "Track Drums: 1 audio event(s), 1.500 s, pan 0.25",
-                            "Track 2: 0 audio event(s), 2.500 s",
-                            "Resolved 1 event(s) to 1 audio essence(s)",
-                            "Composition length: 2.500 s"));
+    EXPECT_THAT(
+        song.map().diagnostics,
+        ElementsAre("OMF2/Bento 2.0, little-endian",
+                    "Composition Mob object " + std::to_string(composition) + " selected",
+                    "Track Drums: 1 audio event(s), 1.500 s, pan 0.25",
+                    "Track 2: 0 audio event(s), 2.500 s",
+                    "Resolved 1 event(s) to 1 audio essence(s)", "Composition length: 2.500 s"));
 }
 
 TEST(Diagnostics, NameTheByteOrderOfPropertyValues) {

@@ -58,11 +58,11 @@ TEST(MobMap, HoldsEveryMobClassAndNoOther) {
     container.set(20, classProperty, bytesOf("WAVE"));
     container.set(20, mobID, uidBytes(9, 0, 7));
     const OpenedDocument document(container);
-    EXPECT_THAT(document->mobMap(),
-                UnorderedElementsAre(
-                    Pair(OMFUID{0, 0, 7}, object(10)), Pair(OMFUID{1, 0, 7}, object(11)),
-                    Pair(OMFUID{2, 0, 7}, object(12)), Pair(OMFUID{3, 0, 7}, object(13)),
-                    Pair(OMFUID{4, 0, 7}, object(14))));
+    EXPECT_THAT(
+        document->mobMap(),
+        UnorderedElementsAre(Pair(OMFUID{0, 0, 7}, object(10)), Pair(OMFUID{1, 0, 7}, object(11)),
+                             Pair(OMFUID{2, 0, 7}, object(12)), Pair(OMFUID{3, 0, 7}, object(13)),
+                             Pair(OMFUID{4, 0, 7}, object(14))));
 }
 
 TEST(MobMap, HighestOfSeveralObjectsWithOneIdentifierWins) {
@@ -95,11 +95,11 @@ TEST(MediaDataMap, HoldsEveryMediaClassByItsOwnProperty) {
     container.set(21, classProperty, bytesOf("WAVE"));
     container.set(21, mobID, uidBytes(0, 8, 7));
     const OpenedDocument document(container);
-    EXPECT_THAT(document->mediaDataMap(),
-                UnorderedElementsAre(
-                    Pair(OMFUID{0, 0, 7}, object(10)), Pair(OMFUID{0, 1, 7}, object(11)),
-                    Pair(OMFUID{0, 2, 7}, object(12)), Pair(OMFUID{0, 3, 7}, object(13)),
-                    Pair(OMFUID{0, 4, 7}, object(14))));
+    EXPECT_THAT(
+        document->mediaDataMap(),
+        UnorderedElementsAre(Pair(OMFUID{0, 0, 7}, object(10)), Pair(OMFUID{0, 1, 7}, object(11)),
+                             Pair(OMFUID{0, 2, 7}, object(12)), Pair(OMFUID{0, 3, 7}, object(13)),
+                             Pair(OMFUID{0, 4, 7}, object(14))));
 }
 
 TEST(MediaDataMap, HighestOfSeveralObjectsWithOneIdentifierWins) {

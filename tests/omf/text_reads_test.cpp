@@ -86,11 +86,15 @@ TEST(TextValues, OddLastByteOfUtf16IsIgnored) {
 
 TEST(TextValues, Utf16BeyondTheBasicPlane) {
     // U+1D11E as a surrogate pair, then "ab".
-    EXPECT_EQ(text(hex("34 D8 1E DD 61 00 62 00")), "\U0001D11E" "ab");
+    EXPECT_EQ(text(hex("34 D8 1E DD 61 00 62 00")),
+              "\U0001D11E"
+              "ab");
 }
 
 TEST(TextValues, UnpairedSurrogateFallsBackToOneByteText) {
-    EXPECT_EQ(text(hex("41 D8 42 00 43 00")), "A\u00D8" "B");
+    EXPECT_EQ(text(hex("41 D8 42 00 43 00")),
+              "A\u00D8"
+              "B");
 }
 
 TEST(TextValues, EmptyTextCountsAsMissing) {
@@ -105,10 +109,10 @@ TEST(TextValues, EmptyTextMovesOnToTheNextCandidate) {
     container.set(2, "OMFI:UNXL:PathName", hex("00"));
     container.set(2, "OMFI:WINL:PathName", bytesOf("C:\\Kick.wav"));
     const OpenedDocument document(container);
-    EXPECT_EQ(document->string(object(2),
-                               {OMFProperty::unixLocatorPath, OMFProperty::dosLocatorPath,
-                                OMFProperty::windowsLocatorPath}),
-              "C:\\Kick.wav");
+    EXPECT_EQ(
+        document->string(object(2), {OMFProperty::unixLocatorPath, OMFProperty::dosLocatorPath,
+                                     OMFProperty::windowsLocatorPath}),
+        "C:\\Kick.wav");
 }
 
 TEST(TextValues, FirstUsableCandidateWins) {

@@ -141,9 +141,9 @@ TEST_F(TypedReads, ReferenceItemBesideTheValueIsNoPartOfIt) {
 }
 
 TEST_F(TypedReads, CountedListDropsZeros) {
-    EXPECT_THAT(with(hex("00 02 00 00 00 05 00 00 00 00"), OMFByteOrder::big)
-                    .objectRefs(subject, {first}),
-                ElementsAre(object(5)));
+    EXPECT_THAT(
+        with(hex("00 02 00 00 00 05 00 00 00 00"), OMFByteOrder::big).objectRefs(subject, {first}),
+        ElementsAre(object(5)));
 }
 
 TEST_F(TypedReads, PlainListHasNoCount) {
