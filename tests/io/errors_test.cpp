@@ -48,6 +48,14 @@ TEST(FileSystemError, NamesActionPathAndReason) {
     EXPECT_EQ(error.errorNumber(), EACCES);
 }
 
+TEST(FileSystemError, StaysOneLineWhateverThePathHolds) {
+    const std::string replacement = "\xEF\xBF\xBD";
+    EXPECT_STREQ(FileSystemError("open", std::string("a\nb\0c\x7F", 6), ENOENT).what(),
+                 ("cannot open \"a" + replacement + "b" + replacement + "c" + replacement +
+                  "\": No such file or directory")
+                     .c_str());
+}
+
 TEST(FileSystemError, ShowsAPathThatIsNoUTF8WithReplacementCharacters) {
     const FileSystemError error("open",
                                 "a\xFF"

@@ -131,9 +131,12 @@ TEST_F(FileCopy, ADanglingLinkAtTheDestinationIsNotFollowed) {
     EXPECT_EQ(textOf(readFile(output_)), "012");
 }
 
-TEST_F(FileCopy, ADestinationThatIsTheInputLeavesTheOpenInputReadable) {
-    RandomAccessFile(input_).copy(Segments{range(4, 3)}, input_);
-    EXPECT_EQ(textOf(readFile(input_)), "456");
+TEST_F(FileCopy, ADestinationThatIsTheInputIsRefusedAndTheInputKept) {
+    const Bytes before = readFile(input_);
+    EXPECT_EQ(
+        refusalOf([&] { return RandomAccessFile(input_).copy(Segments{range(4, 3)}, input_), 0; }),
+        "cannot replace the file being read, \"" + input_ + "\": Device or resource busy");
+    EXPECT_EQ(readFile(input_), before);
 }
 
 TEST_F(FileCopy, AFolderAtTheDestinationIsRefused) {

@@ -4,7 +4,9 @@
 #include <trellant/model/rational.h>
 
 #include <compare>
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 
 namespace trellant {
@@ -39,3 +41,16 @@ struct OMFRationalValue {
 };
 
 }  // namespace trellant
+
+/// For sets of a caller's own. The words combine in order; whoever writes a file can choose words
+/// that collide, so that maps over what a file holds are ordered instead.
+template <>
+struct std::hash<trellant::OMFUID> {
+    [[nodiscard]] std::size_t operator()(const trellant::OMFUID& uid) const noexcept {
+        std::uint64_t mixed = uid.a;
+        for (const std::uint32_t word : {uid.b, uid.c}) {
+            mixed = (mixed ^ (mixed >> 29U)) * 0x9E3779B97F4A7C15U + word;
+        }
+        return static_cast<std::size_t>(mixed ^ (mixed >> 32U));
+    }
+};

@@ -1,0 +1,98 @@
+// How much a request may read from lists and texts that lie over one another.
+#include "bounded_reads.h"
+
+#include "song.h"
+
+#include <trellant/io/errors.h>
+
+#include <gmock/gmock.h>
+
+#include <trellant_testing/temporary_directory.h>
+
+namespace trellant::testing {
+namespace {
+
+/// What a read past a bound says; empty when it does not throw.
+template <class Read>
+std::string refusal(const Read& read) {
+    try {
+        static_cast<void>(read());
+    } catch (const OMFIOError& error) {
+        return error.errorDescription();
+    }
+    return {};
+}
+
+class Bounds : public ::testing::Test {
+  protected:
+    void open() { document_.emplace(writeFile(folder_.file("song.omf"), omf_.build())); }
+
+    TemporaryDirectory folder_;
+    OmfBuilder omf_;
+    std::optional<OMFDocument> document_;
+};
+
+TEST_F(Bounds, LongListsCountShortOnesDoNot) {
+    const ObjectID target = omf_.filler(1);
+    const ObjectID shortList = omf_.sequence(std::vector<ObjectID>(64, target));
+    const ObjectID longList = omf_.sequence(std::vector<ObjectID>(65, target));
+    open();
+    BoundedReads reads(*document_);
+    reads.countReferences(BoundedReads::maximumReferences);
+    EXPECT_EQ(reads.objectRefs(static_cast<OMFObject>(shortList), {OMFProperty::sequenceComponents})
+                  .size(),
+              64U);
+    EXPECT_EQ(refusal([&] {
+                  return reads.objectRefs(static_cast<OMFObject>(longList),
+                                          {OMFProperty::sequenceComponents});
+              }),
+              "Unsupported OMF/Bento feature: composition holds more than 67108864 entries in its "
+              "lists");
+}
+
+TEST_F(Bounds, LongTextsCountShortOnesDoNot) {
+    // 268435456 bytes hold 256 texts of a mebibyte less one byte, with 256 bytes left.
+    const ObjectBuilder longName = omf_.track({.name = std::string(1'048'575, 'a')});
+    const ObjectBuilder shortName = omf_.track({.name = std::string(4096, 'b')});
+    open();
+    BoundedReads reads(*document_);
+    const auto name = [&](const ObjectBuilder& track) {
+        return reads.string(static_cast<OMFObject>(track.id()), {OMFProperty::trackName});
+    };
+    for (int i = 0; i < 256; ++i) {
+        ASSERT_EQ(name(longName).value_or("").size(), 1'048'575U);
+    }
+    EXPECT_EQ(refusal([&] { return name(longName); }),
+              "Unsupported OMF/Bento feature: composition holds more than 268435456 bytes of long "
+              "texts");
+    EXPECT_EQ(refusal([&] { return name(shortName); }), "");
+}
+
+TEST_F(Bounds, EachClipsAutomationPointsCount) {
+    // One envelope of 2000 points for 40000 clips: 80 million points in the answer.
+    Song song;
+    std::vector<ObjectID> clips(40'000, song.clip(10));
+    std::vector<PointSpec> points(2'000, PointSpec{{0}, {1}});
+    points.back() = {{1}, {2}};
+    const ObjectID clipSequence = song.omf.sequence(clips);
+    const ObjectID envelope = song.omf.varyingValue(points);
+    song.addSlot(song.omf.gain(clipSequence, envelope));
+    EXPECT_EQ(refusal([&] { return song.map(); }),
+              "Unsupported OMF/Bento feature: composition holds more than 67108864 entries in its "
+              "lists");
+}
+
+TEST_F(Bounds, ClipsOfOneEffectShareTheirAutomation) {
+    Song song;
+    const ObjectID clips = song.omf.sequence({song.clip(10), song.clip(10)});
+    const ObjectID envelope = song.omf.varyingValue({{{0}, {1}}, {{1}, {2}}});
+    song.addSlot(song.omf.gain(clips, envelope));
+    const Mapped mapped = song.map();
+    const auto& events = mapped.timeline.events;
+    ASSERT_EQ(events.size(), 2U);
+    ASSERT_TRUE(events[0].clipGainAutomation.has_value());
+    EXPECT_EQ(&*events[0].clipGainAutomation, &*events[1].clipGainAutomation);
+}
+
+}  // namespace
+}  // namespace trellant::testing
