@@ -13,6 +13,13 @@ function(trellant_target_settings target)
     if(TRELLANT_WERROR)
         target_compile_options(${target} PRIVATE -Werror)
     endif()
+    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+    if(TRELLANT_HARDEN)
+        # Undefined first: some compilers set a level of their own.
+        target_compile_options(${target} PRIVATE -fstack-protector-strong -U_FORTIFY_SOURCE
+            -D_FORTIFY_SOURCE=2)
+        target_link_options(${target} PRIVATE -Wl,-z,relro,-z,now)
+    endif()
     if(TRELLANT_SANITIZE)
         target_compile_options(${target} PRIVATE -fsanitize=${TRELLANT_SANITIZE}
             -fno-sanitize-recover=all -fno-omit-frame-pointer)
@@ -33,8 +40,7 @@ function(trellant_library name)
     add_library(trellant::${name} ALIAS ${target})
     list(TRANSFORM ARG_HEADERS PREPEND include/trellant/${name}/)
     target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS include FILES ${ARG_HEADERS})
-    set_target_properties(${target} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON
-        POSITION_INDEPENDENT_CODE ON)
+    set_target_properties(${target} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
     target_link_libraries(${target} PUBLIC ${ARG_DEPENDS} PRIVATE ${ARG_PRIVATE_DEPENDS})
     trellant_target_settings(${target})
 endfunction()

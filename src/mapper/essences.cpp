@@ -53,7 +53,7 @@ Essences::Essences(BoundedReads& reads, const OMFDocument::MobMap& mediaMap,
       notes_(notes),
       extract_(places.extract),
       names_(places.workDirectory),
-      search_(places.mediaSearchDirectory, places.workDirectory) {}
+      search_(places.mediaSearchDirectory, places.extract ? places.workDirectory : "") {}
 
 const AAFSourceEssence* Essences::makeEssence(const ResolvedSource& source) {
     if (const auto known = essenceCache_.find(source.mob); known != essenceCache_.end()) {

@@ -86,13 +86,6 @@ Directory opened(int descriptor) {
     return directory;
 }
 
-bool isSameDirectory(int descriptor, const std::string& path) {
-    struct stat one {};
-    struct stat other {};
-    return ::fstat(descriptor, &one) == 0 && ::stat(path.c_str(), &other) == 0 &&
-           one.st_dev == other.st_dev && one.st_ino == other.st_ino;
-}
-
 }  // namespace
 
 bool regularFileExists(const std::string& path) {
@@ -138,6 +131,10 @@ void MediaSearch::add(std::string_view fileName, std::string path) {
 }
 
 void MediaSearch::readDirectory() {
+    struct stat status {};
+    if (!workDirectory_.empty() && ::stat(workDirectory_.c_str(), &status) == 0) {
+        workIdentity_ = Identity{status.st_dev, status.st_ino};
+    }
     const int root = ::open(directory_->c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (root < 0) {
         return;
@@ -160,7 +157,9 @@ void MediaSearch::readFolder(int root, const std::string& relative,
     }
     const int descriptor = ::dirfd(directory.get());
     const auto folder = relative.empty() ? *directory_ : joined(*directory_, relative);
-    if (!workDirectoryInSearch_ && isSameDirectory(descriptor, workDirectory_)) {
+    struct stat status {};
+    if (workIdentity_ && ::fstat(descriptor, &status) == 0 &&
+        Identity{status.st_dev, status.st_ino} == *workIdentity_) {
         workDirectoryInSearch_ = folder;
     }
     // Safe on a stream of our own, whatever other threads read.

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <sys/types.h>
 #include <unordered_map>
 #include <vector>
 
@@ -16,8 +17,8 @@ namespace trellant {
 class MediaSearch {
   public:
     /// `directory`: where to look, folders within too; absent: nowhere. `workDirectory`: where
-    /// files appear during the request; when it lies in `directory` they are found as well. Both
-    /// absolute.
+    /// files appear during the request, empty when none do; when it lies in `directory` they are
+    /// found as well. Both absolute.
     MediaSearch(std::optional<std::string> directory, std::string workDirectory)
         : directory_(std::move(directory)), workDirectory_(std::move(workDirectory)) {}
 
@@ -37,6 +38,13 @@ class MediaSearch {
         bool ambiguous = false;
     };
 
+    /// What tells a folder apart, whatever path leads to it.
+    struct Identity {
+        dev_t device;
+        ino_t number;
+        bool operator==(const Identity&) const = default;
+    };
+
     void readDirectory();
     void readFolder(int root, const std::string& relative, std::vector<std::string>& pending);
     void add(std::string_view fileName, std::string path);
@@ -44,6 +52,7 @@ class MediaSearch {
     std::optional<std::string> directory_;
     std::string workDirectory_;
     bool wasRead_ = false;
+    std::optional<Identity> workIdentity_;
     /// The work directory as the search sees it; absent when it lies elsewhere.
     std::optional<std::string> workDirectoryInSearch_;
     std::unordered_map<std::string, Match> matchByName_;
