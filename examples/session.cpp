@@ -104,8 +104,8 @@ class Session {
 
   private:
     void addSources() {
-        const auto add = [&](const SourceFileSpec& spec) {
-            primaryMobs_.push_back(addSourceFile(omf_, spec));
+        const auto add = [&](const SourceFileSpec& given) {
+            primaryMobs_.push_back(addSourceFile(omf_, given));
         };
         add({.id = anna,
              .title = "Anna",

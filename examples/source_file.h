@@ -30,6 +30,6 @@ struct SourceFileSpec {
 };
 
 /// Adds both mobs, the descriptor and the media; gives the Master Mob.
-testing::ObjectID addSourceFile(testing::OmfBuilder& omf, const SourceFileSpec& spec);
+testing::ObjectID addSourceFile(testing::OmfBuilder& omf, const SourceFileSpec& given);
 
 }  // namespace trellant::examples

@@ -195,8 +195,8 @@ class SearchBesideExtraction : public ::testing::Test {
     void addExternal(MobID id) {
         add(id, {.id = id, .length = 48, .locators = {omf_.textLocator("KICK.wav")}});
     }
-    void add(MobID id, const AudioFileSpec& spec) {
-        omf_.audioFile(spec);
+    void add(MobID id, const AudioFileSpec& given) {
+        omf_.audioFile(given);
         clips_.push_back(omf_.clip({.length = 100, .source = id}));
     }
     /// The locations of the three sources.

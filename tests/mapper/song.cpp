@@ -31,8 +31,8 @@ ObjectBuilder Song::addSlot(ObjectID segment, const std::string& trackName) {
                     .track = omf.track({.name = trackName})});
 }
 
-ObjectBuilder Song::addSlot(const SlotSpec& spec) {
-    ObjectBuilder slot = omf.slot(spec);
+ObjectBuilder Song::addSlot(const SlotSpec& given) {
+    ObjectBuilder slot = omf.slot(given);
     slots_.push_back(slot);
     return slot;
 }

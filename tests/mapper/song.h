@@ -32,7 +32,7 @@ class Song {
     /// A slot of the composition.
     ObjectBuilder addSlot(ObjectID segment);
     ObjectBuilder addSlot(ObjectID segment, const std::string& trackName);
-    ObjectBuilder addSlot(const SlotSpec& spec);
+    ObjectBuilder addSlot(const SlotSpec& given);
 
     /// The composition, with the slots added so far at the first call.
     ObjectBuilder composition();

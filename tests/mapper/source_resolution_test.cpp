@@ -21,7 +21,7 @@ class SourceOfClip : public ::testing::Test {
         return omf_.clip({.length = 100, .source = file, .track = track, .start = start});
     }
     /// The one slot of the mob.
-    ObjectBuilder slotWith(const SlotSpec& spec) { return omf_.slot(spec); }
+    ObjectBuilder slotWith(const SlotSpec& given) { return omf_.slot(given); }
     static void expectLost(const Resolution& resolution, const std::string& reason,
                            const std::string& diagnostic) {
         EXPECT_FALSE(resolution.source);

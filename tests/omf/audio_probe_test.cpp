@@ -134,8 +134,8 @@ TEST(AiffProbe, ACompressionTypeThatIsNotAsciiGivesTheFormType) {
 }
 
 TEST(AiffProbe, PlainAiffIgnoresWhatFollowsTheRate) {
-    AiffSpec spec{.formType = "AIFC"};
-    Bytes image = aiffImage(spec);
+    AiffSpec given{.formType = "AIFC"};
+    Bytes image = aiffImage(given);
     image[11] = std::byte{'F'};
     EXPECT_EQ(AudioProbe::probe(image), format(48'000, 1, 16, "AIFF"));
 }

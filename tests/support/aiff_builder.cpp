@@ -15,15 +15,15 @@ void writeChunk(ByteWriter& file, const RiffChunk& chunk) {
     file.zeros(chunk.data.size() % 2);
 }
 
-Bytes commonChunk(const AiffSpec& spec) {
-    const std::size_t frameBytes = std::size_t{spec.channels} * (spec.bitsPerSample / 8);
-    const std::size_t frames = frameBytes == 0 ? 0 : spec.samples.size() / frameBytes;
+Bytes commonChunk(const AiffSpec& given) {
+    const std::size_t frameBytes = std::size_t{given.channels} * (given.bitsPerSample / 8);
+    const std::size_t frames = frameBytes == 0 ? 0 : given.samples.size() / frameBytes;
     ByteWriter common = writer();
-    common.u16(spec.channels).u32(static_cast<std::uint32_t>(frames)).u16(spec.bitsPerSample);
-    common.bytes(spec.rateBytes.empty() ? extended80Bytes(spec.sampleRate) : spec.rateBytes);
-    if (spec.formType == "AIFC" && !spec.compressionType.empty()) {
+    common.u16(given.channels).u32(static_cast<std::uint32_t>(frames)).u16(given.bitsPerSample);
+    common.bytes(given.rateBytes.empty() ? extended80Bytes(given.sampleRate) : given.rateBytes);
+    if (given.formType == "AIFC" && !given.compressionType.empty()) {
         // An empty name: its length, and the byte that makes the text even.
-        common.text(spec.compressionType).u16(0);
+        common.text(given.compressionType).u16(0);
     }
     return common.written();
 }
@@ -36,16 +36,16 @@ Bytes extended80Bytes(std::uint32_t value) {
     return writer().u16(static_cast<std::uint16_t>(16'383U + highestBit)).u64(mantissa).written();
 }
 
-Bytes aiffImage(const AiffSpec& spec) {
+Bytes aiffImage(const AiffSpec& given) {
     ByteWriter chunks = writer();
-    for (const RiffChunk& chunk : spec.leadingChunks) {
+    for (const RiffChunk& chunk : given.leadingChunks) {
         writeChunk(chunks, chunk);
     }
-    writeChunk(chunks, {"COMM", commonChunk(spec)});
+    writeChunk(chunks, {"COMM", commonChunk(given)});
     // Offset and block size come before the samples.
-    writeChunk(chunks, {"SSND", writer().u32(0).u32(0).bytes(spec.samples).written()});
+    writeChunk(chunks, {"SSND", writer().u32(0).u32(0).bytes(given.samples).written()});
     ByteWriter file = writer();
-    file.text("FORM").u32(static_cast<std::uint32_t>(4 + chunks.size())).text(spec.formType);
+    file.text("FORM").u32(static_cast<std::uint32_t>(4 + chunks.size())).text(given.formType);
     return file.bytes(chunks.written()).written();
 }
 

@@ -99,11 +99,11 @@ ObjectBuilder OmfBuilder::filler(std::int64_t length) {
     return component("FILL", length);
 }
 
-ObjectBuilder OmfBuilder::clip(const ClipSpec& spec) {
-    ObjectBuilder clip = component("SCLP", spec.length)
-                             .uid("OMFI:SCLP:SourceID", spec.source)
-                             .uint32("OMFI:SCLP:SourceTrackID", spec.track)
-                             .position("OMFI:SCLP:StartTime", spec.start);
+ObjectBuilder OmfBuilder::clip(const ClipSpec& given) {
+    ObjectBuilder clip = component("SCLP", given.length)
+                             .uid("OMFI:SCLP:SourceID", given.source)
+                             .uint32("OMFI:SCLP:SourceTrackID", given.track)
+                             .position("OMFI:SCLP:StartTime", given.start);
     const auto setFade = [&](const std::optional<FadeSpec>& fade, std::string_view lengthName,
                              std::string_view typeName) {
         if (fade) {
@@ -113,10 +113,10 @@ ObjectBuilder OmfBuilder::clip(const ClipSpec& spec) {
             clip.int32(typeName, *fade->type);
         }
     };
-    setFade(spec.fadeIn, "OMFI:SCLP:FadeInLength", "OMFI:SCLP:FadeInType");
-    setFade(spec.fadeOut, "OMFI:SCLP:FadeOutLength", "OMFI:SCLP:FadeOutType");
-    if (spec.name) {
-        clip.string("OMFI:CPNT:Name", *spec.name);
+    setFade(given.fadeIn, "OMFI:SCLP:FadeInLength", "OMFI:SCLP:FadeInType");
+    setFade(given.fadeOut, "OMFI:SCLP:FadeOutLength", "OMFI:SCLP:FadeOutType");
+    if (given.name) {
+        clip.string("OMFI:CPNT:Name", *given.name);
     }
     return clip;
 }
@@ -157,30 +157,30 @@ ObjectBuilder OmfBuilder::scopeReference(std::int64_t length, std::int32_t relat
         .int32("OMFI:SREF:RelativeSlot", relativeSlot);
 }
 
-ObjectBuilder OmfBuilder::track(const TrackSpec& spec) {
-    ObjectBuilder track = object("TRKD").uint32("OMFI:TRKD:TrackID", spec.id);
-    if (spec.name) {
-        track.string("OMFI:TRKD:TrackName", *spec.name);
+ObjectBuilder OmfBuilder::track(const TrackSpec& given) {
+    ObjectBuilder track = object("TRKD").uint32("OMFI:TRKD:TrackID", given.id);
+    if (given.name) {
+        track.string("OMFI:TRKD:TrackName", *given.name);
     }
-    if (spec.physicalTrack) {
-        track.int32("OMFI:TRKD:PhysicalTrack", *spec.physicalTrack);
+    if (given.physicalTrack) {
+        track.int32("OMFI:TRKD:PhysicalTrack", *given.physicalTrack);
     }
-    if (spec.origin) {
-        track.position("OMFI:TRKD:Origin", *spec.origin);
+    if (given.origin) {
+        track.position("OMFI:TRKD:Origin", *given.origin);
     }
     return track;
 }
 
-ObjectBuilder OmfBuilder::slot(const SlotSpec& spec) {
+ObjectBuilder OmfBuilder::slot(const SlotSpec& given) {
     ObjectBuilder slot = object("MSLT");
-    if (spec.editRate) {
-        slot.rational("OMFI:MSLT:EditRate", *spec.editRate);
+    if (given.editRate) {
+        slot.rational("OMFI:MSLT:EditRate", *given.editRate);
     }
-    if (spec.segment) {
-        slot.ref("OMFI:MSLT:Segment", *spec.segment);
+    if (given.segment) {
+        slot.ref("OMFI:MSLT:Segment", *given.segment);
     }
-    if (spec.track) {
-        slot.ref("OMFI:MSLT:TrackDesc", *spec.track);
+    if (given.track) {
+        slot.ref("OMFI:MSLT:TrackDesc", *given.track);
     }
     return slot;
 }

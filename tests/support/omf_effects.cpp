@@ -10,14 +10,14 @@ constexpr std::int32_t controlArgument = 1;
 
 }  // namespace
 
-ObjectBuilder OmfBuilder::transition(const TransitionSpec& spec) {
+ObjectBuilder OmfBuilder::transition(const TransitionSpec& given) {
     ObjectBuilder transition =
-        component("TRAN", spec.length).position("OMFI:TRAN:CutPoint", spec.cutPoint);
-    if (spec.effect) {
-        transition.ref("OMFI:TRAN:Effect", *spec.effect);
+        component("TRAN", given.length).position("OMFI:TRAN:CutPoint", given.cutPoint);
+    if (given.effect) {
+        transition.ref("OMFI:TRAN:Effect", *given.effect);
     }
     // It overlaps its neighbours by its length.
-    lengths_[transition] = -spec.length;
+    lengths_[transition] = -given.length;
     return transition;
 }
 
@@ -38,13 +38,13 @@ ObjectBuilder OmfBuilder::effectDefinition(std::string_view effectID) {
     return definition;
 }
 
-ObjectBuilder OmfBuilder::effect(const EffectSpec& spec) {
-    ObjectBuilder effect = component("EFFE", spec.length);
-    if (spec.effectID) {
-        effect.ref("OMFI:EFFE:EffectKind", effectDefinition(*spec.effectID));
+ObjectBuilder OmfBuilder::effect(const EffectSpec& given) {
+    ObjectBuilder effect = component("EFFE", given.length);
+    if (given.effectID) {
+        effect.ref("OMFI:EFFE:EffectKind", effectDefinition(*given.effectID));
     }
     std::vector<ObjectID> slots;
-    for (const EffectSlotSpec& slotSpec : spec.slots) {
+    for (const EffectSlotSpec& slotSpec : given.slots) {
         ObjectBuilder slot = object("ESLT").int32("OMFI:ESLT:ArgID", slotSpec.argument);
         if (slotSpec.value) {
             slot.ref("OMFI:ESLT:ArgValue", *slotSpec.value);
@@ -75,10 +75,10 @@ ObjectBuilder OmfBuilder::varyingValue(const std::vector<PointSpec>& points,
     return varying.refs("OMFI:VVAL:PointList", objects);
 }
 
-ObjectBuilder OmfBuilder::controlPoint(const PointSpec& spec) {
+ObjectBuilder OmfBuilder::controlPoint(const PointSpec& given) {
     return object("CTLP")
-        .rational("OMFI:CTLP:Time", spec.time)
-        .rational("OMFI:CTLP:Value", spec.value);
+        .rational("OMFI:CTLP:Time", given.time)
+        .rational("OMFI:CTLP:Value", given.value);
 }
 
 ObjectBuilder OmfBuilder::gain(ObjectID input, ObjectID control) {

@@ -4,38 +4,38 @@
 
 namespace trellant::testing {
 
-ObjectBuilder OmfBuilder::mob(std::string_view classID, const MobSpec& spec) {
-    ObjectBuilder mob = object(classID).uid("OMFI:MOBJ:MobID", spec.id);
-    if (spec.name) {
-        mob.string("OMFI:MOBJ:Name", *spec.name);
+ObjectBuilder OmfBuilder::mob(std::string_view classID, const MobSpec& given) {
+    ObjectBuilder mob = object(classID).uid("OMFI:MOBJ:MobID", given.id);
+    if (given.name) {
+        mob.string("OMFI:MOBJ:Name", *given.name);
     }
-    if (spec.descriptor) {
-        mob.ref("OMFI:SMOB:MediaDescription", *spec.descriptor);
+    if (given.descriptor) {
+        mob.ref("OMFI:SMOB:MediaDescription", *given.descriptor);
     }
-    mob.refs("OMFI:MOBJ:Slots", spec.slots);
+    mob.refs("OMFI:MOBJ:Slots", given.slots);
     mobs_.push_back(mob);
     return mob;
 }
 
-ObjectBuilder OmfBuilder::composition(const CompositionSpec& spec) {
+ObjectBuilder OmfBuilder::composition(const CompositionSpec& given) {
     ObjectBuilder composition =
-        mob("CMOB", {.id = spec.id, .name = spec.name, .slots = spec.slots});
-    if (spec.isPrimary) {
+        mob("CMOB", {.id = given.id, .name = given.name, .slots = given.slots});
+    if (given.isPrimary) {
         primaryMobs_.push_back(composition);
     }
     return composition;
 }
 
-ObjectBuilder OmfBuilder::descriptor(const DescriptorSpec& spec) {
-    ObjectBuilder descriptor = object(spec.classID);
-    if (spec.sampleRate) {
-        descriptor.rational("OMFI:MDFL:SampleRate", *spec.sampleRate);
+ObjectBuilder OmfBuilder::descriptor(const DescriptorSpec& given) {
+    ObjectBuilder descriptor = object(given.classID);
+    if (given.sampleRate) {
+        descriptor.rational("OMFI:MDFL:SampleRate", *given.sampleRate);
     }
-    if (spec.length) {
-        descriptor.position("OMFI:MDFL:Length", *spec.length);
+    if (given.length) {
+        descriptor.position("OMFI:MDFL:Length", *given.length);
     }
-    if (!spec.locators.empty()) {
-        descriptor.refs("OMFI:MDES:Locator", spec.locators);
+    if (!given.locators.empty()) {
+        descriptor.refs("OMFI:MDES:Locator", given.locators);
     }
     return descriptor;
 }
@@ -56,21 +56,21 @@ ObjectBuilder OmfBuilder::aifcMedia(MobID id, Bytes data) {
     return media("AIFC", "OMFI:AIFC:AudioData", id, std::move(data));
 }
 
-ObjectBuilder OmfBuilder::audioFile(const AudioFileSpec& spec) {
-    const bool isWave = spec.kind == MediaKind::wave;
-    if (spec.media) {
-        isWave ? waveMedia(spec.id, *spec.media) : aifcMedia(spec.id, *spec.media);
+ObjectBuilder OmfBuilder::audioFile(const AudioFileSpec& given) {
+    const bool isWave = given.kind == MediaKind::wave;
+    if (given.media) {
+        isWave ? waveMedia(given.id, *given.media) : aifcMedia(given.id, *given.media);
     }
     const ObjectBuilder fileDescriptor = descriptor({.classID = isWave ? "WAVD" : "AIFD",
-                                                     .sampleRate = spec.sampleRate,
-                                                     .length = spec.length,
-                                                     .locators = spec.locators});
+                                                     .sampleRate = given.sampleRate,
+                                                     .length = given.length,
+                                                     .locators = given.locators});
     // A file is where the chain of sources ends: its clip names no source.
-    const ObjectBuilder fileSlot = slot({.editRate = spec.sampleRate,
-                                         .segment = clip({.length = spec.length, .track = 0}),
-                                         .track = track(spec.track)});
+    const ObjectBuilder fileSlot = slot({.editRate = given.sampleRate,
+                                         .segment = clip({.length = given.length, .track = 0}),
+                                         .track = track(given.track)});
     return sourceMob(
-        {.id = spec.id, .name = spec.name, .slots = {fileSlot}, .descriptor = fileDescriptor});
+        {.id = given.id, .name = given.name, .slots = {fileSlot}, .descriptor = fileDescriptor});
 }
 
 ObjectBuilder OmfBuilder::locator(std::string_view classID, std::string_view property,

@@ -13,20 +13,20 @@ std::int32_t triangle(std::uint32_t phase) {
 
 }  // namespace
 
-Bytes toneSamples(const ToneSpec& spec) {
-    ByteWriter samples(spec.order);
-    for (std::uint32_t frame = 0; frame < spec.frames; ++frame) {
+Bytes toneSamples(const ToneSpec& given) {
+    ByteWriter samples(given.order);
+    for (std::uint32_t frame = 0; frame < given.frames; ++frame) {
         const std::uint64_t turns =
-            std::uint64_t{frame} * spec.frequency * 65'536 / spec.sampleRate;
+            std::uint64_t{frame} * given.frequency * 65'536 / given.sampleRate;
         const auto sample =
             static_cast<std::uint32_t>(triangle(static_cast<std::uint32_t>(turns % 65'536)));
-        for (std::uint16_t channel = 0; channel < spec.channels; ++channel) {
-            if (spec.bitsPerSample == 16) {
+        for (std::uint16_t channel = 0; channel < given.channels; ++channel) {
+            if (given.bitsPerSample == 16) {
                 samples.u16(static_cast<std::uint16_t>(sample));
                 continue;
             }
             // 24 bits: the low byte below the 16 of the triangle is zero.
-            const bool isLittle = spec.order == OMFByteOrder::little;
+            const bool isLittle = given.order == OMFByteOrder::little;
             samples.bytes(isLittle ? hex("00") : Bytes{});
             samples.u16(static_cast<std::uint16_t>(sample));
             samples.bytes(isLittle ? Bytes{} : hex("00"));

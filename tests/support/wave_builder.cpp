@@ -16,14 +16,14 @@ void writeChunk(ByteWriter& file, const RiffChunk& chunk) {
     file.zeros(chunk.data.size() % 2);
 }
 
-Bytes formatChunk(const WaveSpec& spec) {
-    const auto blockAlign = static_cast<std::uint16_t>(spec.channels * (spec.bitsPerSample / 8));
+Bytes formatChunk(const WaveSpec& given) {
+    const auto blockAlign = static_cast<std::uint16_t>(given.channels * (given.bitsPerSample / 8));
     ByteWriter format = writer();
-    format.u16(spec.formatTag).u16(spec.channels).u32(spec.sampleRate);
-    format.u32(spec.sampleRate * blockAlign).u16(blockAlign).u16(spec.bitsPerSample);
-    if (spec.formatTag == extensibleTag) {
+    format.u16(given.formatTag).u16(given.channels).u32(given.sampleRate);
+    format.u32(given.sampleRate * blockAlign).u16(blockAlign).u16(given.bitsPerSample);
+    if (given.formatTag == extensibleTag) {
         // Whole numbers, all bits valid, no speaker positions.
-        format.u16(22).u16(spec.bitsPerSample).u32(0);
+        format.u16(22).u16(given.bitsPerSample).u32(0);
         format.bytes(hex("01 00 00 00 00 00 10 00 80 00 00 AA 00 38 9B 71"));
     }
     return format.written();
@@ -31,15 +31,15 @@ Bytes formatChunk(const WaveSpec& spec) {
 
 }  // namespace
 
-Bytes waveImage(const WaveSpec& spec) {
+Bytes waveImage(const WaveSpec& given) {
     ByteWriter chunks = writer();
-    for (const RiffChunk& chunk : spec.leadingChunks) {
+    for (const RiffChunk& chunk : given.leadingChunks) {
         writeChunk(chunks, chunk);
     }
-    writeChunk(chunks, {"fmt ", formatChunk(spec)});
-    writeChunk(chunks, {"data", spec.samples});
+    writeChunk(chunks, {"fmt ", formatChunk(given)});
+    writeChunk(chunks, {"data", given.samples});
     ByteWriter file = writer();
-    file.text(spec.form).u32(static_cast<std::uint32_t>(4 + chunks.size())).text(spec.formType);
+    file.text(given.form).u32(static_cast<std::uint32_t>(4 + chunks.size())).text(given.formType);
     return file.bytes(chunks.written()).written();
 }
 

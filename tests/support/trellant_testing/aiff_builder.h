@@ -26,7 +26,7 @@ struct AiffSpec {
     std::vector<RiffChunk> leadingChunks{};
 };
 
-[[nodiscard]] Bytes aiffImage(const AiffSpec& spec);
+[[nodiscard]] Bytes aiffImage(const AiffSpec& given);
 
 /// A whole number above zero as an 80-bit floating-point number, ten big-endian bytes.
 [[nodiscard]] Bytes extended80Bytes(std::uint32_t value);

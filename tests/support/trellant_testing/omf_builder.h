@@ -141,12 +141,12 @@ class OmfBuilder {
     void setSegmentKind(std::optional<std::string> dataKindID) { segmentKind_ = dataKindID; }
 
     // Segments
-    ObjectBuilder clip(const ClipSpec& spec);
+    ObjectBuilder clip(const ClipSpec& given);
     ObjectBuilder filler(std::int64_t length);
     /// Of any class, with nothing but data kind and length.
     ObjectBuilder segment(std::string_view classID, std::int64_t length);
     ObjectBuilder sequence(const std::vector<ObjectID>& components);
-    ObjectBuilder transition(const TransitionSpec& spec);
+    ObjectBuilder transition(const TransitionSpec& given);
     /// A transition by a simple mono audio dissolve, cut in the middle.
     ObjectBuilder dissolve(std::int64_t length);
     ObjectBuilder timecode(std::int16_t fps, bool drop, std::int64_t start,
@@ -158,30 +158,30 @@ class OmfBuilder {
 
     // Effects
     ObjectBuilder effectDefinition(std::string_view effectID);
-    ObjectBuilder effect(const EffectSpec& spec);
+    ObjectBuilder effect(const EffectSpec& given);
     ObjectBuilder constantValue(Ratio value, std::int64_t length = 0);
     /// Interpolation 1 constant, 2 linear; absent when the file does not say.
     ObjectBuilder varyingValue(const std::vector<PointSpec>& points,
                                std::optional<std::int16_t> interpolation = 2,
                                std::int64_t length = 0);
-    ObjectBuilder controlPoint(const PointSpec& spec);
+    ObjectBuilder controlPoint(const PointSpec& given);
     /// Mono audio gain or pan of one input, as long as it; `control` is argument 1.
     ObjectBuilder gain(ObjectID input, ObjectID control);
     ObjectBuilder pan(ObjectID input, ObjectID control);
 
     // Slots and mobs
-    ObjectBuilder track(const TrackSpec& spec);
-    ObjectBuilder slot(const SlotSpec& spec);
+    ObjectBuilder track(const TrackSpec& given);
+    ObjectBuilder slot(const SlotSpec& given);
     /// Listed in the header as they are made; lists that a test sets itself stay.
-    ObjectBuilder composition(const CompositionSpec& spec);
-    ObjectBuilder masterMob(const MobSpec& spec) { return mob("MMOB", spec); }
-    ObjectBuilder sourceMob(const MobSpec& spec) { return mob("SMOB", spec); }
+    ObjectBuilder composition(const CompositionSpec& given);
+    ObjectBuilder masterMob(const MobSpec& given) { return mob("MMOB", given); }
+    ObjectBuilder sourceMob(const MobSpec& given) { return mob("SMOB", given); }
 
     // Media
-    ObjectBuilder descriptor(const DescriptorSpec& spec);
+    ObjectBuilder descriptor(const DescriptorSpec& given);
     ObjectBuilder waveMedia(MobID id, Bytes data);
     ObjectBuilder aifcMedia(MobID id, Bytes data);
-    ObjectBuilder audioFile(const AudioFileSpec& spec);
+    ObjectBuilder audioFile(const AudioFileSpec& given);
     /// A locator of a class with one text: "UNXL" and "OMFI:UNXL:PathName".
     ObjectBuilder locator(std::string_view classID, std::string_view property,
                           std::string_view text);
@@ -202,7 +202,7 @@ class OmfBuilder {
 
   private:
     ObjectBuilder component(std::string_view classID, std::int64_t length);
-    ObjectBuilder mob(std::string_view classID, const MobSpec& spec);
+    ObjectBuilder mob(std::string_view classID, const MobSpec& given);
     ObjectBuilder media(std::string_view classID, std::string_view property, MobID id, Bytes data);
     [[nodiscard]] std::int64_t lengthOf(ObjectID segment) const;
 

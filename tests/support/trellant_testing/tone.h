@@ -21,6 +21,6 @@ struct ToneSpec {
 };
 
 /// A triangle wave at half of full scale.
-[[nodiscard]] Bytes toneSamples(const ToneSpec& spec);
+[[nodiscard]] Bytes toneSamples(const ToneSpec& given);
 
 }  // namespace trellant::testing

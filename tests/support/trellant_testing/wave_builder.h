@@ -29,6 +29,6 @@ struct WaveSpec {
     std::vector<RiffChunk> leadingChunks{};
 };
 
-[[nodiscard]] Bytes waveImage(const WaveSpec& spec);
+[[nodiscard]] Bytes waveImage(const WaveSpec& given);
 
 }  // namespace trellant::testing
