@@ -29,8 +29,10 @@ class Boxed {
     }
     Boxed(Boxed&& other) noexcept : box_(std::exchange(other.box_, nullptr)) {}
     Boxed& operator=(const Boxed& other) noexcept {
-        Boxed copy(other);
-        std::swap(box_, copy.box_);
+        if (this != &other) {
+            Boxed copy(other);
+            std::swap(box_, copy.box_);
+        }
         return *this;
     }
     Boxed& operator=(Boxed&& other) noexcept {

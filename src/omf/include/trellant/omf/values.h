@@ -28,6 +28,8 @@ struct OMFUID {
     /// "0000002A-00000001-FFFFFFFF".
     [[nodiscard]] std::string description() const;
     /// By the words in order.
+    // The check takes the zero of a defaulted comparison for a pointer.
+    // NOLINTNEXTLINE(modernize-use-nullptr)
     auto operator<=>(const OMFUID&) const = default;
 };
 
