@@ -86,6 +86,7 @@ class Mapper::Assembly {
     void buildTrack(const Slot& slot, EventDrafts& drafts, const AAFRational& duration);
     /// Appends the draft's event; false, with a loss recorded, when its audio cannot be resolved.
     bool buildEvent(const Slot& slot, AAFChannelRole role, EventDraft& draft);
+
     const OMFDocument& doc_;
     MappingPlaces places_;
     OMFDocument::MobMap mobMap_;

@@ -119,7 +119,7 @@ TEST(ArchiveExample, SourceIsTheFileAndNotItsReel) {
     EXPECT_EQ(essence.id, "omf-essence-0000A2C4-00000001-00000011");
     EXPECT_TRUE(essence.embedded);
     ASSERT_TRUE(essence.fileURL.has_value());
-    EXPECT_TRUE(essence.fileURL->text.ends_with("/work/Reel%207%20transfer.aifc"));
+    EXPECT_TRUE(essence.fileURL->text.ends_with("/Reel%207%20transfer.aifc"));
     EXPECT_EQ(essence.sampleRate, AAFRational(22'050));
     EXPECT_EQ(essence.channelCount, 1);
     EXPECT_EQ(essence.bitDepth, 16);

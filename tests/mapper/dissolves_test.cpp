@@ -1,5 +1,5 @@
 // Transitions that are plain audio dissolves: overlap and fades, and what makes one.
-#include "song.h"
+#include "sequence_fixture.h"
 
 #include <gmock/gmock.h>
 
@@ -9,29 +9,14 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr std::string_view cutText =
-    "OMF Transition treated as the spec-defined cut; transition effect itself is not reproduced";
 constexpr std::string_view fadeInText =
     "SourceClip fade-in combined with an OMF dissolve cannot be losslessly collapsed to one fade";
 constexpr std::string_view fadeOutText =
     "SourceClip fade-out combined with an OMF dissolve cannot be losslessly collapsed to one fade";
 
-class DissolveSequence : public ::testing::Test {
+class DissolveSequence : public SequenceTest {
   protected:
-    void place(const std::vector<ObjectID>& components) {
-        sequence_ = omf_.sequence(components);
-        song_.addSlot(sequence_);
-        mapped_ = song_.map();
-    }
-    std::string componentPath(int index) {
-        return song_.path() + step("SEQU", sequence_) + "/component[" + std::to_string(index) + "]";
-    }
     const AAFClipEvent& event(std::size_t index) { return mapped_.timeline.events.at(index); }
-
-    Song song_;
-    OmfBuilder& omf_ = song_.omf;
-    ObjectID sequence_ = 0;
-    Mapped mapped_;
 };
 
 TEST_F(DissolveSequence, NeighboursOverlapAndFade) {

@@ -266,7 +266,7 @@ TEST_F(SearchBesideExtraction, SearchDirectoryByAnotherWayToTheSamePlace) {
     std::filesystem::create_directory(work);
     EXPECT_THAT(locations(work, links.file("media")),
                 ElementsAre("none", "file://" + work + "/Kick.wav",
-                            "file://" + links.file("media") + "/work/Kick.wav"));
+                            "file://" + links.file("media/work/Kick.wav")));
 }
 
 }  // namespace

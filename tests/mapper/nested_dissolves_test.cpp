@@ -1,5 +1,5 @@
 // Dissolves beside nested segments: which of the nested clips takes the fade.
-#include "song.h"
+#include "sequence_fixture.h"
 
 #include <gmock/gmock.h>
 
@@ -138,10 +138,7 @@ TEST_F(NestedDissolve, DissolveWithACutOnTheOtherSideReportsTheTrim) {
     const std::string path = song_.path() + step("SEQU", sequence);
     EXPECT_THAT(
         recordsOf(mapped),
-        ElementsAre(unsupportedLine(0,
-                                    "OMF Transition treated as the spec-defined cut; transition "
-                                    "effect itself is not reproduced",
-                                    path + step("TRAN", cut)),
+        ElementsAre(unsupportedLine(0, cutText, path + step("TRAN", cut)),
                     unsupportedLine(
                         1, "cut-point trim around nested segment requires effect-aware rendering",
                         path + "/component[2]")));

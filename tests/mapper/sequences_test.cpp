@@ -1,5 +1,5 @@
 // Sequences with transitions that are cuts: what they take from their neighbours.
-#include "song.h"
+#include "sequence_fixture.h"
 
 #include <gmock/gmock.h>
 
@@ -9,34 +9,20 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr std::string_view cutText =
-    "OMF Transition treated as the spec-defined cut; transition effect itself is not reproduced";
 constexpr std::string_view trimText =
     "cut-point trim around nested segment requires effect-aware rendering";
 
-class CutSequence : public ::testing::Test {
+class CutSequence : public SequenceTest {
   protected:
-    void place(const std::vector<ObjectID>& components) {
-        sequence_ = omf_.sequence(components);
-        song_.addSlot(sequence_);
-        mapped_ = song_.map();
-    }
-    std::string path() { return song_.path() + step("SEQU", sequence_); }
     std::string cutLine(int number, ObjectID transition) {
         return unsupportedLine(number, cutText, path() + step("TRAN", transition));
     }
     std::string trimLine(int number, int component) {
-        return unsupportedLine(number, trimText,
-                               path() + "/component[" + std::to_string(component) + "]");
+        return unsupportedLine(number, trimText, componentPath(component));
     }
     ObjectBuilder cut(std::int64_t length, std::int64_t cutPoint) {
         return omf_.transition({.length = length, .cutPoint = cutPoint});
     }
-
-    Song song_;
-    OmfBuilder& omf_ = song_.omf;
-    ObjectID sequence_ = 0;
-    Mapped mapped_;
 };
 
 TEST_F(CutSequence, ComponentsFollowEachOther) {
