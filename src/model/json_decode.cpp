@@ -43,8 +43,17 @@ constexpr std::size_t maxDepth = 16;
 
 class Decoder {
   public:
-    Decoder(std::string_view text, ValueSlot root, TimelineChecks checks)
-        : text_(text), root_(root), checks_(checks) {}
+    Decoder(std::string_view text, ValueSlot root, TimelineChecks checks,
+            const std::stop_token& stop)
+        : text_(text), root_(root), checks_(checks), stop_(stop) {}
+
+    /// To be called for each event of the text.
+    void heedStop() {
+        constexpr std::uint32_t eventsBetweenLooks = 1024;
+        if (++events_ % eventsBetweenLooks == 0 && stop_.stop_requested()) {
+            throw JsonDecodingStopped();
+        }
+    }
 
     void null() {
         if (ignoredDepth_ > 0) {
@@ -212,6 +221,8 @@ class Decoder {
     std::string_view text_;
     ValueSlot root_;
     TimelineChecks checks_;
+    const std::stop_token& stop_;
+    std::uint32_t events_ = 0;
     std::array<Frame, maxDepth> frames_;
     std::size_t depth_ = 0;
     /// The place of the member whose key came last.
@@ -241,19 +252,23 @@ class Events {
     explicit Events(Decoder& decoder) : decoder_(decoder) {}
 
     bool null() {
+        decoder_.heedStop();
         decoder_.null();
         return true;
     }
     bool boolean(bool value) {
+        decoder_.heedStop();
         decoder_.boolean(value);
         return true;
     }
     bool number_integer(std::int64_t value) {
+        decoder_.heedStop();
         // Only texts with a minus come here, so a zero is minus zero.
         decoder_.number(value == 0 ? JsonNumber(std::string_view("-0.0")) : JsonNumber(value));
         return true;
     }
     bool number_unsigned(std::uint64_t value) {
+        decoder_.heedStop();
         if (value <= static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) {
             decoder_.number(JsonNumber(static_cast<std::int64_t>(value)));
         } else {
@@ -263,6 +278,7 @@ class Events {
         return true;
     }
     bool number_float(UnusedDouble /*converted*/, const std::string& read) {
+        decoder_.heedStop();
         // The library has put the locale's decimal separator in the place of the point.
         std::string text = read;
         const std::size_t separator = text.find_first_not_of("0123456789+-eE");
@@ -273,6 +289,7 @@ class Events {
         return true;
     }
     bool string(std::string& text) {
+        decoder_.heedStop();
         decoder_.string(text);
         return true;
     }
@@ -280,6 +297,7 @@ class Events {
         preconditionFailure("JSON text holds no binary values");
     }
     bool start_object(std::size_t /*count*/) {
+        decoder_.heedStop();
         decoder_.beginObject();
         return true;
     }
@@ -292,6 +310,7 @@ class Events {
         return true;
     }
     bool start_array(std::size_t /*count*/) {
+        decoder_.heedStop();
         decoder_.beginArray();
         return true;
     }
@@ -310,8 +329,9 @@ class Events {
 
 }  // namespace
 
-void decodeInto(std::string_view text, ValueSlot root, TimelineChecks checks) {
-    Decoder decoder(text, root, checks);
+void decodeInto(std::string_view text, ValueSlot root, TimelineChecks checks,
+                const std::stop_token& stop) {
+    Decoder decoder(text, root, checks, stop);
     // The library would take a NUL for the end of the text.
     const std::size_t nul = text.find('\0');
     if (nul != std::string_view::npos) {

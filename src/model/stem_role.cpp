@@ -1,3 +1,4 @@
+#include <trellant/model/localization.h>
 #include <trellant/model/precondition.h>
 #include <trellant/model/stem_role.h>
 
@@ -18,17 +19,17 @@ std::string_view anzeigenameKey(AAFStemRole role) noexcept {
     preconditionFailure("enumeration value outside its cases");
 }
 
-std::string_view anzeigename(AAFStemRole role) noexcept {
+std::string_view anzeigename(AAFStemRole role) {
     switch (role) {
         case AAFStemRole::music:
-            return "Music";
+            return localizedText(anzeigenameKey(role).data(), "Music");
         case AAFStemRole::sounds:
-            return "Sounds";
+            return localizedText(anzeigenameKey(role).data(), "Sounds");
         case AAFStemRole::voice:
-            return "Voice";
+            return localizedText(anzeigenameKey(role).data(), "Voice");
         case AAFStemRole::other:
         case AAFStemRole::unclassified:
-            return "Other";
+            return localizedText(anzeigenameKey(role).data(), "Other");
     }
     preconditionFailure("enumeration value outside its cases");
 }

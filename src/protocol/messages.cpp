@@ -22,8 +22,9 @@ std::string encodeProgress(const AAFWorkerProtocol::Progress& progress) {
     return declaredJson(progress);
 }
 
-AAFWorkerProtocol::Result decodeResult(std::string_view json, TimelineChecks checks) {
-    return decodeJson<AAFWorkerProtocol::Result>(json, checks);
+AAFWorkerProtocol::Result decodeResult(std::string_view json, TimelineChecks checks,
+                                       const std::stop_token& stop) {
+    return decodeJson<AAFWorkerProtocol::Result>(json, checks, stop);
 }
 
 void encodeResult(const AAFWorkerProtocol::Result& result, JsonSink& sink) {

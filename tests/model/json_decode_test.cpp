@@ -1,4 +1,5 @@
 #include "decoding_error.h"
+#include "kept_json.h"
 #include "sample_timeline.h"
 
 #include <trellant/model/json_decode.h>
@@ -16,6 +17,8 @@ namespace trellant {
 namespace {
 
 using test::decodingError;
+using test::keptDeclaredJson;
+using test::keptSortedJson;
 using test::replaced;
 using test::sampleTimeline;
 using test::sampleTimelineJson;
@@ -25,8 +28,8 @@ TEST(JsonDecode, FullTimeline) {
 }
 
 TEST(JsonDecode, EncodedTimelineDecodesToItself) {
-    EXPECT_EQ(decodeJson<AAFTimeline>(sortedJson(sampleTimeline())), sampleTimeline());
-    EXPECT_EQ(decodeJson<AAFTimeline>(declaredJson(sampleTimeline())), sampleTimeline());
+    EXPECT_EQ(decodeJson<AAFTimeline>(keptSortedJson(sampleTimeline())), sampleTimeline());
+    EXPECT_EQ(decodeJson<AAFTimeline>(keptDeclaredJson(sampleTimeline())), sampleTimeline());
 }
 
 TEST(JsonDecode, EventWithoutOptionalKeysIsTheSameEvent) {
@@ -203,7 +206,7 @@ TEST(JsonDecode, OtherRecordsAloneAreNotValidated) {
     AAFClipEvent event = test::plainEvent();
     event.duration = AAFRational(-1);
     event.trackID.clear();
-    EXPECT_EQ(decodeJson<AAFClipEvent>(sortedJson(event)), event);
+    EXPECT_EQ(decodeJson<AAFClipEvent>(keptSortedJson(event)), event);
 }
 
 TEST(JsonDecode, EveryTruncationFails) {
@@ -230,6 +233,23 @@ TEST(JsonDecode, EveryFlippedByteGivesATimelineOrATypedError) {
         }
     }
     EXPECT_GT(refused, text.size());
+}
+
+TEST(JsonDecode, AStopEndsALongDecoding) {
+    std::string text = "[0";
+    for (int count = 0; count < 2000; ++count) {
+        text += ",0";
+    }
+    text += "]";
+    std::stop_source stop;
+    EXPECT_EQ(
+        decodeJson<std::vector<std::int64_t>>(text, TimelineChecks::validate, stop.get_token())
+            .size(),
+        2001U);
+    stop.request_stop();
+    EXPECT_THROW((void)decodeJson<std::vector<std::int64_t>>(text, TimelineChecks::validate,
+                                                             stop.get_token()),
+                 JsonDecodingStopped);
 }
 
 }  // namespace

@@ -13,8 +13,9 @@
 #include <string_view>
 #include <vector>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
+/// One opened container. Everything it hands out by reference or view lives as long as it does.
 class BentoContainer {
   public:
     /// Cap in bytes of a value read whole into memory when the caller names none.
@@ -31,10 +32,12 @@ class BentoContainer {
     BentoContainer(BentoContainer&&) = delete;
     BentoContainer& operator=(BentoContainer&&) = delete;
 
+    /// The open file.
     [[nodiscard]] const RandomAccessFile& file() const noexcept;
+    /// Its footer, checked against the file's size.
     [[nodiscard]] const BentoFooter& footer() const noexcept;
 
-    /// The items in table order, by position.
+    /// The items in table order, by position: `index` lies below itemCount().
     [[nodiscard]] std::size_t itemCount() const noexcept;
     [[nodiscard]] BentoTOCItem item(std::size_t index) const;
     /// The items of one value in table order; empty when there are none.
@@ -48,10 +51,10 @@ class BentoContainer {
     /// The position of `object` in objectIDs(); absent when it has no item.
     [[nodiscard]] std::optional<std::size_t> objectIndex(std::uint32_t object) const noexcept;
 
-    /// The name that a property-name or type-name object carries.
+    /// The name that a property-name or type-name object carries; absent when there is none.
     [[nodiscard]] std::optional<std::string_view> propertyName(std::uint32_t property) const;
     [[nodiscard]] std::optional<std::string_view> typeName(std::uint32_t type) const;
-    /// The ID of a name; the smallest when several objects carry it.
+    /// The ID of a name; the smallest when several objects carry it, absent when none does.
     [[nodiscard]] std::optional<std::uint32_t> propertyID(std::string_view name) const;
     [[nodiscard]] std::optional<std::uint32_t> typeID(std::string_view name) const;
 
@@ -62,15 +65,16 @@ class BentoContainer {
                                                  std::int64_t maxBytes = defaultValueLimit) const;
     [[nodiscard]] std::optional<Bytes> valueData(std::uint32_t object, std::uint32_t property,
                                                  std::int64_t maxBytes = defaultValueLimit) const;
-    /// At most the first `maxBytes` bytes of a value of any size, reading no more than those.
+    /// At most the first `maxBytes` bytes of a value of any size, reading no more than those; a
+    /// negative number is malformed. Absent and throwing as valueData otherwise, without its cap.
     [[nodiscard]] std::optional<Bytes> valuePrefix(std::uint32_t object,
                                                    std::string_view propertyName,
                                                    std::int64_t maxBytes) const;
-    /// The value's pieces without reference lists.
+    /// The value's pieces without reference lists; empty when there is none.
     [[nodiscard]] std::vector<BentoValueSegment> valueSegments(std::uint32_t object,
                                                                std::string_view propertyName) const;
     /// Writes the value into a new file (RandomAccessFile::copy); false, touching nothing, when
-    /// there are no pieces to copy.
+    /// there are no pieces to copy. Throws as the copy does.
     [[nodiscard]] bool copyValue(std::uint32_t object, std::string_view propertyName,
                                  const std::string& destination) const;
 

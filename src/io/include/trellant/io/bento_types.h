@@ -7,8 +7,9 @@
 #include <cstdint>
 #include <variant>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
+/// Where the table of contents lies and how it is written.
 struct BentoFooter {
     /// Of the footer and of all numbers in the table of contents.
     OMFByteOrder byteOrder = OMFByteOrder::little;
@@ -16,6 +17,7 @@ struct BentoFooter {
     std::uint16_t minorVersion = 0;
     /// Bytes in a block of the compressed table of contents; 0 for the 1.0d4 form.
     std::uint32_t blockSize = 0;
+    /// The table's place in the file, in bytes; it lies wholly inside.
     std::uint64_t tocOffset = 0;
     std::uint64_t tocSize = 0;
     /// The table's place came from the extended, 64-bit footer.
@@ -41,8 +43,10 @@ struct BentoReferenceList {
     std::uint32_t id = 0;
     bool operator==(const BentoReferenceList&) const = default;
 };
+/// Where the bytes of one piece are.
 using BentoStorage = std::variant<BentoImmediate, BentoRange, BentoReferenceList>;
 
+/// One piece of a value.
 struct BentoValueSegment {
     BentoStorage storage;
     /// The table marks this piece as continued by a following one.
@@ -50,6 +54,8 @@ struct BentoValueSegment {
     bool operator==(const BentoValueSegment&) const = default;
 };
 
+/// One line of the table: a piece of the value that `property` has for `object`, numbers as the
+/// file gives them. `type` is the number of the object that carries the type's name.
 struct BentoTOCItem {
     std::uint32_t object = 0;
     std::uint32_t property = 0;

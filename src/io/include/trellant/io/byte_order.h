@@ -2,8 +2,9 @@
 // the object model's header that of property values.
 #pragma once
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
+/// Of the numbers in a file.
 enum class OMFByteOrder { little, big };
 
 }  // namespace trellant

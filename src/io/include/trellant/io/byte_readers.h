@@ -9,8 +9,9 @@
 #include <string>
 #include <vector>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
+/// Bytes with their owner, and bytes of somebody else's, to be used before that one changes.
 using Bytes = std::vector<std::byte>;
 using ByteView = std::span<const std::byte>;
 

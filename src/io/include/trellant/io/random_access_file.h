@@ -9,8 +9,9 @@
 #include <span>
 #include <string>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
+/// Owns the open file. Reading is safe from several threads.
 class RandomAccessFile {
   public:
     /// Opens `path` (bytes as the system knows them) for reading; never waits for a pipe's other
@@ -22,6 +23,7 @@ class RandomAccessFile {
     RandomAccessFile(RandomAccessFile&&) = delete;
     RandomAccessFile& operator=(RandomAccessFile&&) = delete;
 
+    /// As given to the constructor.
     [[nodiscard]] const std::string& path() const noexcept { return path_; }
     /// Bytes, taken once when the file was opened; 0 for what is no regular file.
     [[nodiscard]] std::uint64_t size() const noexcept { return size_; }

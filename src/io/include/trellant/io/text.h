@@ -8,8 +8,9 @@
 #include <string>
 #include <string_view>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
+/// True when all of `text` is well-formed UTF-8.
 [[nodiscard]] bool isValidUTF8(std::string_view text);
 
 /// `text` with each maximal broken sequence replaced by U+FFFD.

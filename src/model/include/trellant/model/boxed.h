@@ -10,7 +10,7 @@
 #include <optional>
 #include <utility>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 /// A value or nothing, with the semantics of a value: changing a copy leaves the others as they
 /// are, == compares the values. Different copies may be used by different threads.
@@ -42,6 +42,7 @@ class Boxed {
     }
     ~Boxed() { reset(); }
 
+    /// True when there is a value.
     [[nodiscard]] bool has_value() const noexcept { return box_ != nullptr; }
     explicit operator bool() const noexcept { return has_value(); }
     /// The value; requires has_value().
@@ -56,6 +57,7 @@ class Boxed {
         *this = Boxed(T());
         return box_->value;
     }
+    /// Leaves nothing; other copies keep theirs.
     void reset() noexcept {
         Box* const box = std::exchange(box_, nullptr);
         if (box != nullptr && box->owners.fetch_sub(1, std::memory_order_acq_rel) == 1) {

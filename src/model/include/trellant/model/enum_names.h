@@ -11,7 +11,7 @@
 #include <string_view>
 #include <type_traits>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 /// The table of `E`: a static member `names`, an array of the raw values in declaration order.
 /// The cases of `E` count from 0 without gaps.
@@ -66,6 +66,7 @@ template <NamedEnum E>
     return std::nullopt;
 }
 
+/// The case that JSON writes as `text`, or nothing.
 [[nodiscard]] inline std::optional<AAFStemRole> stemRole(std::string_view text) noexcept {
     return fromRawValue<AAFStemRole>(text);
 }

@@ -9,10 +9,11 @@
 #include <trellant/model/json_value_ops.h>
 
 #include <exception>
+#include <stop_token>
 #include <string>
 #include <string_view>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 /// Text that is not the JSON that was expected. what() is one printable line: "KEYPATH: REASON", or
 /// the reason alone for a fault of the syntax or of the outermost value.
@@ -30,6 +31,12 @@ class JsonDecodingError final : public std::exception {
     std::string description_;
 };
 
+/// The decoding was told to stop before it was done.
+class JsonDecodingStopped final : public std::exception {
+  public:
+    [[nodiscard]] const char* what() const noexcept override { return "the decoding was stopped"; }
+};
+
 enum class TimelineChecks {
     /// Each AAFTimeline that was read passes AAFRawTimelineValidation before it is returned.
     validate,
@@ -40,17 +47,19 @@ enum class TimelineChecks {
 namespace jsonDecoding {
 
 /// Fills `root` from the whole of `text`; what it holds after an error is unspecified.
-void decodeInto(std::string_view text, ValueSlot root, TimelineChecks checks);
+void decodeInto(std::string_view text, ValueSlot root, TimelineChecks checks,
+                const std::stop_token& stop);
 
 }  // namespace jsonDecoding
 
 /// The value that `text` holds, of any kind that records are made of. Throws JsonDecodingError, and
-/// AAFRawTimelineValidation::Failure for a timeline that does not pass its checks.
+/// AAFRawTimelineValidation::Failure for a timeline that does not pass its checks. A text of many
+/// megabytes takes seconds: a request to `stop` ends it soon, with JsonDecodingStopped.
 template <class T>
-[[nodiscard]] T decodeJson(std::string_view text,
-                           TimelineChecks checks = TimelineChecks::validate) {
+[[nodiscard]] T decodeJson(std::string_view text, TimelineChecks checks = TimelineChecks::validate,
+                           const std::stop_token& stop = {}) {
     T value{};
-    jsonDecoding::decodeInto(text, jsonDecoding::slotOf(value), checks);
+    jsonDecoding::decodeInto(text, jsonDecoding::slotOf(value), checks, stop);
     return value;
 }
 

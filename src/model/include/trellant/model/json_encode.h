@@ -18,12 +18,13 @@
 #include <utility>
 #include <variant>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 /// A record that JSON cannot carry. what(): cannot encode KEYPATH: the number is not finite
 class JsonEncodingError final : public std::exception {
   public:
     explicit JsonEncodingError(std::string keyPath);
+    /// "timeline.events[3].fixedClipGain".
     [[nodiscard]] const std::string& keyPath() const noexcept { return keyPath_; }
     [[nodiscard]] const char* what() const noexcept override { return description_.c_str(); }
 

@@ -17,7 +17,8 @@
 #include <utility>
 #include <variant>
 
-namespace trellant::jsonDecoding {
+namespace [[gnu::visibility("default")]] trellant {
+namespace jsonDecoding {
 
 struct ValueOps;
 struct Frame;
@@ -298,4 +299,5 @@ struct OpsOf<V> {
     }
 };
 
-}  // namespace trellant::jsonDecoding
+}  // namespace jsonDecoding
+}  // namespace trellant

@@ -2,7 +2,7 @@
 // reported. Always on, in release builds too.
 #pragma once
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 /// Writes "precondition failed: MESSAGE" to standard error and aborts.
 [[noreturn]] void preconditionFailure(const char* message) noexcept;

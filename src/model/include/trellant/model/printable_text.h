@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 /// Bytes of the well-formed UTF-8 sequence at the head of `text`; 0 when there is none (the empty
 /// text, a stray or cut sequence, an overlong form, a surrogate, a value beyond U+10FFFF).
@@ -14,7 +14,7 @@ namespace trellant {
 /// True when all of `text` is well-formed UTF-8.
 [[nodiscard]] bool isWellFormedText(std::string_view text) noexcept;
 
-/// `text` with control characters (below 0x20, and 0x7f) as \u00xx and every byte that is not
+/// `text` with control characters (below 0x20, and 0x7f) as `\u00xx` and every byte that is not
 /// UTF-8 as U+FFFD; cut with "..." when more than `maxBytes` of `text` would be shown.
 [[nodiscard]] std::string printableText(std::string_view text, std::size_t maxBytes = 120);
 

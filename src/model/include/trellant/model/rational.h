@@ -12,7 +12,16 @@
 #include <cstdint>
 #include <string>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
+
+class AAFRational;
+// Declared ahead of the class on purpose: a friend declaration does not take on the visibility of
+// its namespace, and a shared library would not show them.
+AAFRational operator+(const AAFRational& left, const AAFRational& right) noexcept;
+AAFRational operator-(const AAFRational& left, const AAFRational& right) noexcept;
+AAFRational operator*(const AAFRational& left, const AAFRational& right) noexcept;
+AAFRational operator/(const AAFRational& left, const AAFRational& right) noexcept;
+std::weak_ordering operator<=>(const AAFRational& left, const AAFRational& right) noexcept;
 
 class AAFRational {
   public:
@@ -31,9 +40,12 @@ class AAFRational {
     /// which it fits 64 bits. Not a number gives 0/1; what lies beyond 64 bits saturates.
     [[nodiscard]] static AAFRational approximation(double value) noexcept;
 
+    /// In lowest terms; carries the sign.
     [[nodiscard]] constexpr std::int64_t numerator() const noexcept { return numerator_; }
+    /// At least 1.
     [[nodiscard]] constexpr std::int64_t denominator() const noexcept { return denominator_; }
 
+    /// The nearest double of the quotient of both as doubles.
     [[nodiscard]] double doubleValue() const noexcept;
     /// "30000/1001".
     [[nodiscard]] std::string description() const;

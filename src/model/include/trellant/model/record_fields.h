@@ -10,7 +10,7 @@
 #include <string_view>
 #include <tuple>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 template <>
 struct RecordFields<AAFTimecodeRate> {

@@ -11,7 +11,7 @@
 #include <string_view>
 #include <variant>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 [[nodiscard]] constexpr std::size_t mixedHash(std::size_t seed, std::size_t next) noexcept {
     constexpr std::uint64_t golden = 0x9e3779b97f4a7c15U;

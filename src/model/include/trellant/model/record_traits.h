@@ -23,7 +23,7 @@
 #include <type_traits>
 #include <vector>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 /// A member of a record and its JSON key. Keys are written as they are: no character of theirs may
 /// need an escape.

@@ -6,7 +6,7 @@
 #include <array>
 #include <string_view>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 /// Every role, in declaration order.
 inline constexpr std::array<AAFStemRole, 5> allStemRoles{AAFStemRole::music, AAFStemRole::sounds,
@@ -17,11 +17,12 @@ inline constexpr std::array<AAFStemRole, 5> allStemRoles{AAFStemRole::music, AAF
 inline constexpr std::array<AAFStemRole, 4> ausgaberollen{AAFStemRole::music, AAFStemRole::sounds,
                                                           AAFStemRole::voice, AAFStemRole::other};
 
-/// The key under which a host keeps the role's display name. `unclassified` shares the key of
+/// The key of the role's display name in the message catalogues. `unclassified` shares the key of
 /// `other` on purpose: it has no display name of its own.
 [[nodiscard]] std::string_view anzeigenameKey(AAFStemRole role) noexcept;
 
-/// The role's display name in English.
-[[nodiscard]] std::string_view anzeigename(AAFStemRole role) noexcept;
+/// The role's display name in the language of the host's locale (localization.h); lives as long as
+/// the process.
+[[nodiscard]] std::string_view anzeigename(AAFStemRole role);
 
 }  // namespace trellant

@@ -13,8 +13,9 @@
 #include <optional>
 #include <string>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
+/// How frames are counted.
 struct AAFTimecodeRate {
     /// True frame rate, frames per second (30000/1001).
     AAFRational exactRate{25, 1};
@@ -38,6 +39,7 @@ struct AAFTimecodeRate {
     bool operator==(const AAFTimecodeRate&) const = default;
 };
 
+/// One label.
 struct AAFTimecodeAddress {
     std::int64_t hours = 0;
     std::int64_t minutes = 0;
@@ -66,6 +68,7 @@ struct AAFTimecodeAddress {
     bool operator==(const AAFTimecodeAddress&) const = default;
 };
 
+/// From timeline seconds to labels.
 struct AAFProgramClock {
     /// The composition's edit rate, edit units per second.
     AAFRational editRate{25, 1};

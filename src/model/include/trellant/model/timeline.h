@@ -16,10 +16,12 @@
 #include <variant>
 #include <vector>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
+/// What a track or clip is in a mix.
 enum class AAFStemRole { music, sounds, voice, other, unclassified };
 
+/// The speaker that a clip's channel is meant for.
 enum class AAFChannelRole { mono, left, right, center, lfe, leftSurround, rightSurround, unknown };
 
 /// How a value moves between automation points or along a fade.
@@ -55,6 +57,7 @@ struct AAFAutomationInterpolation {
     bool operator==(const AAFAutomationInterpolation&) const = default;
 };
 
+/// One value at one place.
 struct AAFAutomationPoint {
     /// Position within the owner (track, clip or fade): 0 its start, 1 its end. Never seconds.
     AAFRational timelineOffset{};
@@ -62,6 +65,7 @@ struct AAFAutomationPoint {
     bool operator==(const AAFAutomationPoint&) const = default;
 };
 
+/// Values over the length of a track, a clip or a fade.
 struct AAFAutomationEnvelope {
     AAFAutomationInterpolation interpolation{};
     /// In time order.
@@ -69,6 +73,7 @@ struct AAFAutomationEnvelope {
     bool operator==(const AAFAutomationEnvelope&) const = default;
 };
 
+/// A fade at the start or the end of a clip.
 struct AAFFade {
     enum class Direction { fadeIn, fadeOut, crossfade };
 
@@ -99,6 +104,7 @@ struct AAFSourceEssence {
     bool operator==(const AAFSourceEssence&) const = default;
 };
 
+/// One track: mono, its settings for the whole timeline.
 struct AAFTrackState {
     std::string id{};
     std::int64_t index = 0;
@@ -112,6 +118,7 @@ struct AAFTrackState {
     bool operator==(const AAFTrackState&) const = default;
 };
 
+/// Which stem something was judged to belong to, and why; hosts fill it.
 struct AAFSemanticDecision {
     AAFStemRole role = AAFStemRole::unclassified;
     double confidence = 0;
@@ -173,6 +180,7 @@ struct AAFUnsupportedFeature {
     bool operator==(const AAFUnsupportedFeature&) const = default;
 };
 
+/// One composition.
 struct AAFTimeline {
     AAFURL sourceAAF{};
     AAFProgramClock clock{};
@@ -185,6 +193,21 @@ struct AAFTimeline {
     std::optional<std::string> sourceApplication{};
     std::optional<AAFRational> compositionLength{};
     std::optional<bool> hasNativeTimecode{};
+
+    /// Whether mute and solo let the event be heard; gains and fades have no say. False for an
+    /// event whose `trackID` names no track. Looks through the tracks at each call: ask an
+    /// AAFAudibility (audibility.h) about many events.
+    [[nodiscard]] bool isEventAudible(const AAFClipEvent& event) const noexcept;
+    /// The earliest start (seconds) of an audible event; absent when nothing is audible. Track ids
+    /// must be unique, else the process stops; a validated timeline's are. Takes time linear in
+    /// events and tracks.
+    [[nodiscard]] std::optional<AAFRational> firstAudibleEventStart() const;
+    /// The timecode at which a render of the mix starts: `explicitProgramStart` when the first
+    /// audible event does not lie before it or nothing is audible, else the start of that event's
+    /// timecode minute. Absent when nothing is audible and there is no explicit start. Needs unique
+    /// track ids as firstAudibleEventStart does.
+    [[nodiscard]] std::optional<AAFTimecodeAddress> bounceStart() const;
+
     bool operator==(const AAFTimeline&) const = default;
 };
 

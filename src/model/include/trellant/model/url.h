@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 /// A URL, kept as its text. Any non-empty text is accepted from JSON.
 struct AAFURL {

@@ -11,7 +11,7 @@
 #include <string>
 #include <string_view>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 struct AAFRawTimelineValidation {
     AAFRawTimelineValidation() = delete;

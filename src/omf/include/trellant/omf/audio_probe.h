@@ -8,14 +8,16 @@
 #include <optional>
 #include <string>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
+/// What the header told; each field is absent when it did not.
 struct AudioFormatInfo {
     /// Whole hertz over 1.
     std::optional<AAFRational> sampleRate;
     std::optional<std::int64_t> channels;
     /// Bits of one sample.
     std::optional<std::int64_t> bitDepth;
+    /// "PCM", "IEEE Float" or "WAVE format 0x0055"; "AIFF", or of an AIFC its compression type.
     std::optional<std::string> codec;
     bool operator==(const AudioFormatInfo&) const = default;
 };

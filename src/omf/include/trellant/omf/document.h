@@ -19,10 +19,12 @@
 #include <string_view>
 #include <vector>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
+/// One opened file. Texts and classes handed out as views live as long as it does.
 class OMFDocument {
   public:
+    /// Names of one value, the preferred first.
     using Candidates = std::initializer_list<OMFProperty>;
     /// Ordered: identifiers are chosen by whoever wrote the file, and no choice makes it slow.
     using MobMap = std::map<OMFUID, OMFObject>;

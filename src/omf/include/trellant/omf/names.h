@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <string_view>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 enum class OMFProperty : std::uint8_t {
     objClass,

@@ -9,11 +9,12 @@
 #include <functional>
 #include <string>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 /// An object's number in its container. 0 refers to no object.
 enum class OMFObject : std::uint32_t { none = 0 };
 
+/// The number, as the container's calls take it.
 [[nodiscard]] constexpr std::uint32_t number(OMFObject object) noexcept {
     return static_cast<std::uint32_t>(object);
 }
@@ -38,6 +39,7 @@ struct OMFRationalValue {
     std::int32_t numerator = 0;
     std::int32_t denominator = 1;
 
+    /// The reduced fraction.
     [[nodiscard]] AAFRational aaf() const { return AAFRational(numerator, denominator); }
     bool operator==(const OMFRationalValue&) const = default;
 };

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 inline constexpr std::string_view progressMarker = "TRELLANT-AAF-PROGRESS ";
 inline constexpr std::string_view logPrefix = "trellant-omf: ";

@@ -13,11 +13,12 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 struct AAFWorkerProtocol {
     AAFWorkerProtocol() = delete;
@@ -25,6 +26,8 @@ struct AAFWorkerProtocol {
     /// Both sides compare it for equality; there is no negotiation.
     static constexpr std::int64_t version = 1;
 
+    /// Host to worker. Paths are UTF-8; relative ones are taken against the worker's current
+    /// folder.
     struct Request {
         enum class Operation {
             /// Read and map; nothing is written.
@@ -47,6 +50,7 @@ struct AAFWorkerProtocol {
         bool operator==(const Request&) const = default;
     };
 
+    /// Worker to host, while it works.
     struct Progress {
         /// "opening", "reconstructing", "resolving", "finishing" or "done".
         std::string phase;
@@ -56,6 +60,7 @@ struct AAFWorkerProtocol {
         bool operator==(const Progress&) const = default;
     };
 
+    /// Worker to host, once, when all went well.
     struct Result {
         std::int64_t protocolVersion = version;
         AAFTimeline timeline;
@@ -87,7 +92,8 @@ struct EnumNames<AAFWorkerProtocol::Request::Operation> {
 /// Throws JsonDecodingError, and AAFRawTimelineValidation::Failure for a timeline that does not
 /// pass its checks, unless `checks` asks for none.
 [[nodiscard]] AAFWorkerProtocol::Result decodeResult(
-    std::string_view json, TimelineChecks checks = TimelineChecks::validate);
+    std::string_view json, TimelineChecks checks = TimelineChecks::validate,
+    const std::stop_token& stop = {});
 /// Keys of every object in ascending code-point order. Throws JsonEncodingError before the sink is
 /// called for the first time.
 void encodeResult(const AAFWorkerProtocol::Result& result, JsonSink& sink);
