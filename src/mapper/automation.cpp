@@ -21,7 +21,7 @@ AAFAutomationInterpolation curveOfInterpolation(std::int32_t code) {
 
 }  // namespace
 
-SegmentWalk::Envelope SegmentWalk::automationEnvelope(OMFObject value) {
+SegmentWalk::Envelope SegmentWalk::automationEnvelope(OMFObject value, const Effect& effect) {
     if (document_.classOf(value) != OMFClass::varyingValue) {
         return {};
     }
@@ -29,7 +29,8 @@ SegmentWalk::Envelope SegmentWalk::automationEnvelope(OMFObject value) {
         document_.int32(value, {OMFProperty::varyingInterpolation}).value_or(defaultInterpolation));
     if (const auto* unknown = std::get_if<AAFAutomationInterpolation::Unsupported>(&curve.curve)) {
         // The value's number alone on purpose: several effects may share one value.
-        report(unknown->identifier, ObjectPath("VVAL", value));
+        report(effect.loss(LossKind::unknownAutomationCurve), unknown->identifier,
+               ObjectPath("VVAL", value));
     }
     const auto [known, isNew] = envelopes_.try_emplace(value);
     if (isNew) {

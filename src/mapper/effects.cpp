@@ -158,7 +158,6 @@ SegmentWalk::SharedArguments SegmentWalk::effectArguments(OMFObject effect) {
 
 AAFRational SegmentWalk::flattenEffect(OMFObject effect, const WalkPlace& place,
                                        EventDrafts& drafts) {
-    const auto ownDuration = lengthSeconds(effect, place.rate);
     const auto rendering = document_.objectRef(effect, {OMFProperty::effectFinalRendering});
     if (rendering && document_.classOf(*rendering) == OMFClass::sourceClip) {
         const ObjectPath path(place.path, "FinalRendering");
@@ -168,19 +167,20 @@ AAFRational SegmentWalk::flattenEffect(OMFObject effect, const WalkPlace& place,
     }
     auto id = effectID(effect);
     if (id.empty()) {
-        report("effect invocation has no readable EffectID", place.path);
-        return ownDuration;
+        return silence(LossKind::effectUnnamed, "effect invocation has no readable EffectID",
+                       place.path, effect, place);
     }
     const auto kind = lowerCased(id);
     const bool isGain = kind == "omfi:effect:monoaudiogain";
     if (!isGain && kind != "omfi:effect:monoaudiopan") {
-        report("OMF effect " + id + " is not rendered by TrellantOMFReader", place.path);
-        return ownDuration;
+        return silence(LossKind::effectNotRendered,
+                       "OMF effect " + id + " is not rendered by TrellantOMFReader", place.path,
+                       effect, place);
     }
     const auto arguments = effectArguments(effect);
     if (arguments->inputs.empty()) {
-        report(id + " has no input slot (-1)", place.path);
-        return ownDuration;
+        return silence(LossKind::effectWithoutInput, id + " has no input slot (-1)", place.path,
+                       effect, place);
     }
     AAFRational duration;
     const auto first = drafts.size();
@@ -191,11 +191,16 @@ AAFRational SegmentWalk::flattenEffect(OMFObject effect, const WalkPlace& place,
             flatten(arguments->inputs[i],
                     {place.rate, place.timelineBase, path, place.scopes, place.depth + 1}, drafts));
     }
+    if (duration == AAFRational::zero()) {
+        duration = lengthSeconds(effect, place.rate);
+    }
     if (!onlyCounts()) {
         mergeEqualPlacements(drafts, first);
-        foldArguments({std::move(id), isGain, *arguments, place.path}, drafts, first);
+        foldArguments(
+            {std::move(id), isGain, *arguments, place.path, {place.timelineBase, duration}}, drafts,
+            first);
     }
-    return duration == AAFRational::zero() ? ownDuration : duration;
+    return duration;
 }
 
 void SegmentWalk::foldArguments(const Effect& effect, EventDrafts& drafts, std::size_t first) {
@@ -211,22 +216,25 @@ void SegmentWalk::foldArguments(const Effect& effect, EventDrafts& drafts, std::
         return;
     }
     if (!document_.classID(*control)) {
-        report(effect.id + " control slot has no object class", effect.path);
+        report(effect.loss(LossKind::effectControlUnreadable),
+               effect.id + " control slot has no object class", effect.path);
     } else if (document_.classOf(*control) == OMFClass::constantValue) {
         foldConstant(effect, *control, drafts, first);
     } else if (document_.classOf(*control) == OMFClass::varyingValue) {
         foldVarying(effect, *control, drafts, first);
     } else {
-        report(effect.id + " control uses unsupported " + std::string(className(*control)),
+        report(effect.loss(LossKind::effectControlUnreadable),
+               effect.id + " control uses unsupported " + std::string(className(*control)),
                effect.path);
     }
 }
 
 void SegmentWalk::foldGainAutomation(const Effect& effect, OMFObject varying, EventDrafts& drafts,
                                      std::size_t first) {
-    const auto envelope = automationEnvelope(varying);
+    const auto envelope = automationEnvelope(varying, effect);
     if (!envelope) {
-        report("MonoAudioGain automation slot (2) is not readable", effect.path);
+        report(effect.loss(LossKind::effectControlUnreadable),
+               "MonoAudioGain automation slot (2) is not readable", effect.path);
     } else if (const auto constant = constantValueOf(*envelope, gainTolerance)) {
         multiplyGain(drafts, first, *constant);
     } else {
@@ -238,7 +246,8 @@ void SegmentWalk::foldConstant(const Effect& effect, OMFObject control, EventDra
                                std::size_t first) {
     const auto value = document_.rational(control, {OMFProperty::constantValue});
     if (!value) {
-        report(effect.id + " constant is not a readable rational", effect.path);
+        report(effect.loss(LossKind::effectControlUnreadable),
+               effect.id + " constant is not a readable rational", effect.path);
     } else if (effect.isGain) {
         multiplyGain(drafts, first, value->aaf().doubleValue());
     } else {
@@ -248,12 +257,13 @@ void SegmentWalk::foldConstant(const Effect& effect, OMFObject control, EventDra
 
 void SegmentWalk::foldVarying(const Effect& effect, OMFObject control, EventDrafts& drafts,
                               std::size_t first) {
-    const auto envelope = automationEnvelope(control);
+    const auto envelope = automationEnvelope(control, effect);
     if (effect.isGain) {
         if (envelope) {
             giveGainAutomation(effect, envelope, drafts, first);
         } else {
-            report("MonoAudioGain varying value is not readable", effect.path);
+            report(effect.loss(LossKind::effectControlUnreadable),
+                   "MonoAudioGain varying value is not readable", effect.path);
         }
         return;
     }
@@ -262,15 +272,19 @@ void SegmentWalk::foldVarying(const Effect& effect, OMFObject control, EventDraf
     if (constant) {
         setPan(drafts, first, *constant);
     } else {
-        report("variable MonoAudioPan automation is not reproducible", effect.path);
+        report(effect.loss(LossKind::panAutomation),
+               "variable MonoAudioPan automation is not reproducible", effect.path);
     }
 }
 
 void SegmentWalk::giveGainAutomation(const Effect& effect, const Envelope& envelope,
                                      EventDrafts& drafts, std::size_t first) {
     for (std::size_t i = first; i < drafts.size(); ++i) {
-        if (drafts[i].clipGainAutomation) {
-            report("nested gain automation cannot be losslessly collapsed", effect.path);
+        const auto& draft = drafts[i];
+        if (draft.clipGainAutomation) {
+            report({LossKind::nestedGainAutomation, LossRange{draft.timelineStart, draft.duration},
+                    draft.object},
+                   "nested gain automation cannot be losslessly collapsed", effect.path);
         } else {
             // Each draft's event will write them all.
             reads_.countReferences(envelope->points.size());

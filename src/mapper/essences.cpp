@@ -61,7 +61,8 @@ const AAFSourceEssence* Essences::makeEssence(const ResolvedSource& source) {
     }
     const auto descriptor = document_.objectRef(source.mob, {OMFProperty::sourceMobDescription});
     if (!descriptor) {
-        notes_.verlustGrund = "the Source Mob carries no media descriptor";
+        notes_.giveReason(LossKind::clipMediaUndescribed,
+                          "the Source Mob carries no media descriptor");
         return nullptr;
     }
     auto name = reads_.string(source.mob, {OMFProperty::mobName});
@@ -101,7 +102,8 @@ void Essences::reportMissing(OMFObject mob, const AAFSourceEssence& essence) {
         notes_.diagnose("external essence not located: " +
                         essence.originalPath.value_or(essence.sourceName.value_or(essence.id)));
     } else if (extract_) {
-        notes_.addUnsupported("embedded audio essence could not be extracted",
+        notes_.addUnsupported(notes_.lossOfClip(LossKind::essenceNotExtracted),
+                              "embedded audio essence could not be extracted",
                               ObjectPath("SMOB", mob));
     }
 }

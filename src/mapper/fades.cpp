@@ -27,7 +27,7 @@ AAFAutomationInterpolation curveOfFadeType(std::int32_t type) {
 }  // namespace
 
 Boxed<AAFFade> SegmentWalk::fade(OMFObject clip, AAFFade::Direction direction,
-                                 const AAFRational& rate) {
+                                 const AAFRational& rate, const LossRange& placed) {
     const bool isIn = direction == AAFFade::Direction::fadeIn;
     const auto length = document_.int64(
         clip, {isIn ? OMFProperty::clipFadeInLength : OMFProperty::clipFadeOutLength});
@@ -41,7 +41,8 @@ Boxed<AAFFade> SegmentWalk::fade(OMFObject clip, AAFFade::Direction direction,
     if (const auto* unknown = std::get_if<AAFAutomationInterpolation::Unsupported>(&curve.curve)) {
         // The clip's number alone on purpose: a fade belongs to the clip, wherever it is placed.
         const ObjectPath clipPath("SCLP", clip);
-        report(unknown->identifier, ObjectPath(clipPath, isIn ? "FadeIn" : "FadeOut"));
+        report({LossKind::unknownFadeCurve, placed, clip}, unknown->identifier,
+               ObjectPath(clipPath, isIn ? "FadeIn" : "FadeOut"));
     }
     return AAFFade{
         .direction = direction, .duration = AAFRational(*length) / rate, .curve = std::move(curve)};

@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <unordered_map>
 
 namespace trellant {
 
@@ -37,6 +38,10 @@ std::string secondsText(const AAFRational& seconds) {
     return fixedPoint(seconds.doubleValue(), 3) + " s";
 }
 
+std::string trackIDOf(OMFObject slot) {
+    return "omf-track-" + std::to_string(number(slot));
+}
+
 }  // namespace
 
 class Mapper::Assembly {
@@ -46,6 +51,7 @@ class Mapper::Assembly {
           places_(std::move(places)),
           mobMap_(document.mobMap()),
           mediaMap_(document.mediaDataMap()),
+          notes_(places_.placesLosses),
           reads_(document),
           walk_(reads_, notes_, [this] { checkExpansion(); }),
           dataKinds_(reads_),
@@ -57,6 +63,7 @@ class Mapper::Assembly {
     [[nodiscard]] const std::vector<std::string>& diagnostics() const noexcept {
         return notes_.diagnostics();
     }
+    [[nodiscard]] const std::vector<LossPlace>& lossPlaces() const noexcept { return lossPlaces_; }
 
   private:
     /// A slot of the composition on its way to a track.
@@ -86,6 +93,7 @@ class Mapper::Assembly {
     void buildTrack(const Slot& slot, EventDrafts& drafts, const AAFRational& duration);
     /// Appends the draft's event; false, with a loss recorded, when its audio cannot be resolved.
     bool buildEvent(const Slot& slot, AAFChannelRole role, EventDraft& draft);
+    void nameClips(std::vector<LossPlace>& places);
 
     const OMFDocument& doc_;
     MappingPlaces places_;
@@ -104,6 +112,7 @@ class Mapper::Assembly {
     std::vector<OMFObject> segments_;
     AAFTimeline timeline_;
     AAFRational compositionLength_;
+    std::vector<LossPlace> lossPlaces_;
 };
 
 Mapper::Mapper(const OMFDocument& document, MappingPlaces places)
@@ -116,6 +125,10 @@ AAFTimeline Mapper::makeTimeline(const Progress& progress) {
 
 const std::vector<std::string>& Mapper::diagnostics() const noexcept {
     return assembly_->diagnostics();
+}
+
+const std::vector<LossPlace>& Mapper::lossPlaces() const noexcept {
+    return assembly_->lossPlaces();
 }
 
 AAFTimeline Mapper::Assembly::makeTimeline(const Progress& progress) {
@@ -141,6 +154,9 @@ AAFTimeline Mapper::Assembly::makeTimeline(const Progress& progress) {
         notes_.diagnose("Composition length: " + secondsText(compositionLength_));
     }
     timeline_.unsupportedFeatures = notes_.takeUnsupported();
+    auto places = notes_.takePlaces();
+    nameClips(places);
+    lossPlaces_ = std::move(places);
     return std::move(timeline_);
 }
 
@@ -178,10 +194,15 @@ void Mapper::Assembly::mapSlot(std::size_t index) {
     const ObjectPath path(compositionPath, "slot", slot);
     const auto description = doc_.objectRef(slot, {OMFProperty::slotTrackDesc});
     auto name = description ? reads_.string(*description, {OMFProperty::trackName}) : std::nullopt;
+    notes_.enterTrack({.slot = slot,
+                       .index = static_cast<std::int64_t>(index),
+                       .id = trackIDOf(slot),
+                       .name = name});
     auto label = name ? "\u201C" + *name + "\u201D" : std::to_string(index + 1);
     const auto editRate = usableEditRate(index);
     if (!editRate) {
         notes_.addLoss(
+            {.kind = LossKind::trackWithoutEditRate},
             "whole audio track " + label + " dropped: the slot carries no usable edit rate", path);
         return;
     }
@@ -218,8 +239,10 @@ void Mapper::Assembly::checkExpansion() {
 void Mapper::Assembly::buildTrack(const Slot& slot, EventDrafts& drafts,
                                   const AAFRational& duration) {
     const auto pan = trackPan(drafts, slot.name);
+    const LossRange whole{AAFRational::zero(), duration};
     if (pan.differs) {
         notes_.addUnsupported(
+            {.kind = LossKind::panDiffers, .range = whole},
             "per-clip pan values differ on one track and cannot be expressed as a track pan",
             slot.path);
     }
@@ -230,12 +253,13 @@ void Mapper::Assembly::buildTrack(const Slot& slot, EventDrafts& drafts,
         }
     }
     if (built == 0 && !drafts.empty()) {
-        notes_.addLoss("whole audio track " + slot.label + " dropped: none of its " +
+        notes_.addLoss({.kind = LossKind::trackWithoutAudio, .range = whole},
+                       "whole audio track " + slot.label + " dropped: none of its " +
                            std::to_string(drafts.size()) + " clip(s) could be resolved",
                        slot.path);
         return;
     }
-    timeline_.tracks.push_back({.id = "omf-track-" + std::to_string(number(slot.object)),
+    timeline_.tracks.push_back({.id = trackIDOf(slot.object),
                                 .index = static_cast<std::int64_t>(slot.index),
                                 .name = slot.name,
                                 .fixedPan = pan.fixedPan});
@@ -245,12 +269,13 @@ void Mapper::Assembly::buildTrack(const Slot& slot, EventDrafts& drafts,
 }
 
 bool Mapper::Assembly::buildEvent(const Slot& slot, AAFChannelRole role, EventDraft& draft) {
-    notes_.verlustGrund.reset();
+    notes_.enterClip(draft.object, {draft.timelineStart, draft.duration});
     const auto source =
         sources_.resolveSourceClip(draft.object, slot.editRate, draft.sourceTrimStart);
     const auto* essence = source ? essences_.makeEssence(*source) : nullptr;
     if (essence == nullptr) {
-        notes_.addLoss("audio clip dropped: " +
+        notes_.addLoss(notes_.lossOfClip(notes_.reasonKind),
+                       "audio clip dropped: " +
                            notes_.verlustGrund.value_or("the source could not be resolved"),
                        ObjectPath(slot.path, "SCLP", draft.object));
         return false;
@@ -260,7 +285,7 @@ bool Mapper::Assembly::buildEvent(const Slot& slot, AAFChannelRole role, EventDr
     }
     timeline_.events.push_back({.id = "omf-event-" + std::to_string(number(draft.object)) + "-" +
                                       std::to_string(timeline_.events.size()),
-                                .trackID = "omf-track-" + std::to_string(number(slot.object)),
+                                .trackID = trackIDOf(slot.object),
                                 .essenceID = essence->id,
                                 .clipName = clipNames_.nameOf(draft.object),
                                 .timelineStart = draft.timelineStart,
@@ -274,6 +299,22 @@ bool Mapper::Assembly::buildEvent(const Slot& slot, AAFChannelRole role, EventDr
                                 .fadeIn = std::move(draft.fadeIn),
                                 .fadeOut = std::move(draft.fadeOut)});
     return true;
+}
+
+void Mapper::Assembly::nameClips(std::vector<LossPlace>& places) {
+    std::unordered_map<OMFObject, Boxed<std::string>> names;
+    for (auto& place : places) {
+        if (place.clip == OMFObject::none) {
+            continue;
+        }
+        const auto [known, isNew] = names.try_emplace(place.clip);
+        if (isNew) {
+            if (auto name = clipNames_.nameOf(place.clip)) {
+                known->second = std::move(*name);
+            }
+        }
+        place.clipName = known->second;
+    }
 }
 
 std::optional<AAFRational> Mapper::Assembly::usableEditRate(std::size_t index) const {

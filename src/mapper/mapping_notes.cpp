@@ -2,27 +2,60 @@
 
 namespace trellant {
 
-void MappingNotes::add(std::string_view kind, AAFUnsupportedFeature::Severity severity,
-                       std::string message, std::string at) {
-    unsupported_.push_back({.id = std::string(kind) + std::to_string(unsupported_.size()),
+void MappingNotes::add(std::string_view id, AAFUnsupportedFeature::Severity severity,
+                       const Loss& loss, std::string message, std::string at) {
+    unsupported_.push_back({.id = std::string(id) + std::to_string(unsupported_.size()),
                             .severity = severity,
                             .description = std::move(message),
                             .objectPath = std::move(at)});
+    if (placesLosses_) {
+        places_.push_back(
+            {.kind = loss.kind, .track = track_, .range = loss.range, .clip = loss.clip});
+    }
 }
 
-void MappingNotes::addLoss(std::string message, const ObjectPath& at) {
-    add("omf-loss-", AAFUnsupportedFeature::Severity::informational, std::move(message), at.text());
-}
-
-void MappingNotes::addUnsupported(std::string message, const ObjectPath& at) {
-    add("omf-unsupported-", AAFUnsupportedFeature::Severity::renderAffecting, std::move(message),
+void MappingNotes::addLoss(const Loss& loss, std::string message, const ObjectPath& at) {
+    add("omf-loss-", AAFUnsupportedFeature::Severity::informational, loss, std::move(message),
         at.text());
 }
 
-void MappingNotes::addUnsupportedOncePerPath(std::string message, const ObjectPath& at) {
-    if (pathsRecordedOnce_.insert(at.text()).second) {
-        addUnsupported(std::move(message), at);
+void MappingNotes::addUnsupported(const Loss& loss, std::string message, const ObjectPath& at) {
+    add("omf-unsupported-", AAFUnsupportedFeature::Severity::renderAffecting, loss,
+        std::move(message), at.text());
+}
+
+std::optional<MappingNotes::RecordIndex> MappingNotes::addUnsupportedOncePerPath(
+    const Loss& loss, std::string message, const ObjectPath& at) {
+    if (!pathsRecordedOnce_.insert(at.text()).second) {
+        return std::nullopt;
     }
+    addUnsupported(loss, std::move(message), at);
+    return unsupported_.size() - 1;
+}
+
+void MappingNotes::enterTrack(LossTrack track) {
+    if (placesLosses_) {
+        track_ = std::move(track);
+    }
+}
+
+void MappingNotes::placeCut(RecordIndex record, const AAFRational& cut, const LossRange& range) {
+    if (placesLosses_) {
+        places_.at(record).cut = cut;
+        places_.at(record).range = range;
+    }
+}
+
+void MappingNotes::enterClip(OMFObject clip, const LossRange& range) {
+    clip_ = clip;
+    clipRange_ = range;
+    verlustGrund.reset();
+    reasonKind = LossKind::clipUnresolved;
+}
+
+void MappingNotes::giveReason(LossKind kind, std::string text) {
+    reasonKind = kind;
+    verlustGrund = std::move(text);
 }
 
 }  // namespace trellant

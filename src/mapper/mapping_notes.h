@@ -1,11 +1,13 @@
-// What a mapping has to say beside the timeline: the records of what was lost, the diagnostics,
-// and the reason of the loss in hand. The one door for losses.
+// What a mapping has to say beside the timeline: the records of what was lost, where on the
+// timeline that lies, the diagnostics, and the reason of the loss in hand. The one door for losses.
 #pragma once
 
 #include "object_path.h"
 
+#include <trellant/mapper/loss_places.h>
 #include <trellant/model/timeline.h>
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <unordered_set>
@@ -13,16 +15,44 @@
 
 namespace trellant {
 
+/// What a loss is and where it lies, within the track in hand.
+struct Loss {
+    LossKind kind = LossKind::other;
+    std::optional<LossRange> range{};
+    OMFObject clip = OMFObject::none;
+};
+
 class MappingNotes {
   public:
+    /// A record's place in the list, to say more about it later.
+    using RecordIndex = std::size_t;
+
+    /// `placesLosses`: keep a place beside every record.
+    explicit MappingNotes(bool placesLosses = false) : placesLosses_(placesLosses) {}
+
     /// Records that material was dropped: "omf-loss-N", informational.
-    void addLoss(std::string message, const ObjectPath& at);
+    void addLoss(const Loss& loss, std::string message, const ObjectPath& at);
     /// Records that material is not rendered as meant: "omf-unsupported-N", render-affecting.
     /// N counts the records of both kinds. Neither removes duplicates.
-    void addUnsupported(std::string message, const ObjectPath& at);
+    void addUnsupported(const Loss& loss, std::string message, const ObjectPath& at);
     /// The same, unless an earlier call of this function recorded that path. Only this function
-    /// writes such paths, so no other record can hold one.
-    void addUnsupportedOncePerPath(std::string message, const ObjectPath& at);
+    /// writes such paths, so no other record can hold one. Nothing when it was recorded before.
+    std::optional<RecordIndex> addUnsupportedOncePerPath(const Loss& loss, std::string message,
+                                                         const ObjectPath& at);
+
+    /// Records from now on belong to that track.
+    void enterTrack(LossTrack track);
+    /// What only turns out after a record was made: where the cut that it tells of lies, and the
+    /// extent of the transition.
+    void placeCut(RecordIndex record, const AAFRational& cut, const LossRange& range);
+    /// What is wrong with the clip in hand or its source.
+    [[nodiscard]] Loss lossOfClip(LossKind kind) const {
+        return {.kind = kind, .range = clipRange_, .clip = clip_};
+    }
+    /// Takes a clip in hand, with nothing said against it yet.
+    void enterClip(OMFObject clip, const LossRange& range);
+    /// Says why the clip in hand is lost.
+    void giveReason(LossKind kind, std::string text);
 
     void diagnose(std::string line) { diagnostics_.push_back(std::move(line)); }
 
@@ -32,15 +62,24 @@ class MappingNotes {
     [[nodiscard]] std::vector<AAFUnsupportedFeature> takeUnsupported() noexcept {
         return std::move(unsupported_);
     }
+    /// One for each record, without the names of clips; none when no places are kept.
+    [[nodiscard]] std::vector<LossPlace> takePlaces() noexcept { return std::move(places_); }
 
-    /// Why the clip in hand is lost; set where its resolution fails, cleared before each clip.
+    /// Why the clip in hand is lost, as words and as a kind; set where its resolution fails.
     std::optional<std::string> verlustGrund;
+    LossKind reasonKind = LossKind::clipUnresolved;
 
   private:
-    void add(std::string_view kind, AAFUnsupportedFeature::Severity severity, std::string message,
-             std::string at);
+    void add(std::string_view id, AAFUnsupportedFeature::Severity severity, const Loss& loss,
+             std::string message, std::string at);
 
+    bool placesLosses_;
+    Boxed<LossTrack> track_;
+    OMFObject clip_ = OMFObject::none;
+    std::optional<LossRange> clipRange_;
     std::vector<AAFUnsupportedFeature> unsupported_;
+    /// By record; empty when no places are kept.
+    std::vector<LossPlace> places_;
     std::vector<std::string> diagnostics_;
     std::unordered_set<std::string> pathsRecordedOnce_;
 };

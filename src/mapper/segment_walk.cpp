@@ -17,10 +17,17 @@ void SegmentWalk::countVisit() {
     }
 }
 
-void SegmentWalk::report(std::string_view message, const ObjectPath& at) {
+void SegmentWalk::report(const Loss& loss, std::string_view message, const ObjectPath& at) {
     if (!onlyCounts()) {
-        notes_->addUnsupported(std::string(message), at);
+        notes_->addUnsupported(loss, std::string(message), at);
     }
+}
+
+AAFRational SegmentWalk::silence(LossKind kind, std::string_view message, const ObjectPath& at,
+                                 OMFObject segment, const WalkPlace& place) {
+    const auto duration = lengthSeconds(segment, place.rate);
+    report({.kind = kind, .range = LossRange{place.timelineBase, duration}}, message, at);
+    return duration;
 }
 
 std::int64_t SegmentWalk::lengthEditUnits(OMFObject component) const {
@@ -51,8 +58,8 @@ SegmentWalk::SharedList SegmentWalk::scopeSlots(OMFObject scope) {
 AAFRational SegmentWalk::flatten(OMFObject segment, const WalkPlace& place, EventDrafts& drafts) {
     countVisit();
     if (place.depth > maximumDepth) {
-        report("composition nesting exceeds depth limit", place.path);
-        return lengthSeconds(segment, place.rate);
+        return silence(LossKind::nestingTooDeep, "composition nesting exceeds depth limit",
+                       place.path, segment, place);
     }
     const auto kind = document_.classOf(segment);
     switch (kind) {
@@ -61,8 +68,9 @@ AAFRational SegmentWalk::flatten(OMFObject segment, const WalkPlace& place, Even
             if (onlyCounts()) {
                 return duration;
             }
-            auto fadeIn = fade(segment, AAFFade::Direction::fadeIn, place.rate);
-            auto fadeOut = fade(segment, AAFFade::Direction::fadeOut, place.rate);
+            const LossRange placed{place.timelineBase, duration};
+            auto fadeIn = fade(segment, AAFFade::Direction::fadeIn, place.rate, placed);
+            auto fadeOut = fade(segment, AAFFade::Direction::fadeOut, place.rate, placed);
             drafts.push_back({.object = segment,
                               .timelineStart = place.timelineBase,
                               .duration = duration,
@@ -92,10 +100,10 @@ AAFRational SegmentWalk::flatten(OMFObject segment, const WalkPlace& place, Even
             break;
         case OMFClass::editRateConverter:
         case OMFClass::mediaGroup:
-            report(std::string(className(segment)) +
-                       " composition operation is not rendered by TrellantOMFReader",
-                   ObjectPath(place.path, className(segment), segment));
-            break;
+            return silence(LossKind::operationNotRendered,
+                           std::string(className(segment)) +
+                               " composition operation is not rendered by TrellantOMFReader",
+                           ObjectPath(place.path, className(segment), segment), segment, place);
         case OMFClass::header:
         case OMFClass::compositionMob:
         case OMFClass::masterMob:
@@ -113,9 +121,9 @@ AAFRational SegmentWalk::flatten(OMFObject segment, const WalkPlace& place, Even
         case OMFClass::transition:
         case OMFClass::other:
         case OMFClass::absent:
-            report("unknown OMF component class " + std::string(className(segment)),
-                   ObjectPath(place.path, "", segment));
-            break;
+            return silence(LossKind::unknownComponent,
+                           "unknown OMF component class " + std::string(className(segment)),
+                           ObjectPath(place.path, "", segment), segment, place);
     }
     return lengthSeconds(segment, place.rate);
 }
@@ -128,8 +136,8 @@ AAFRational SegmentWalk::flattenSelector(OMFObject selector, const WalkPlace& pl
                        {place.rate, place.timelineBase, path, place.scopes, place.depth + 1},
                        drafts);
     }
-    report("selector has no readable selected segment", path);
-    return lengthSeconds(selector, place.rate);
+    return silence(LossKind::selectorWithoutSelection, "selector has no readable selected segment",
+                   path, selector, place);
 }
 
 AAFRational SegmentWalk::flattenNestedScope(OMFObject scope, const WalkPlace& place,
@@ -137,8 +145,7 @@ AAFRational SegmentWalk::flattenNestedScope(OMFObject scope, const WalkPlace& pl
     const ObjectPath path(place.path, "NEST", scope);
     const auto slots = scopeSlots(scope);
     if (slots->empty()) {
-        report("NestedScope has no slots", path);
-        return lengthSeconds(scope, place.rate);
+        return silence(LossKind::emptyNestedScope, "NestedScope has no slots", path, scope, place);
     }
     const ScopeFrame frame{.segments = slots.get(),
                            .currentIndex = static_cast<std::int64_t>(slots->size()) - 1,
@@ -156,8 +163,8 @@ AAFRational SegmentWalk::flattenScopeReference(OMFObject reference, const WalkPl
         frame = frame->outer;
     }
     if (frame == nullptr) {
-        report("ScopeReference points above the outermost scope", path);
-        return lengthSeconds(reference, place.rate);
+        return silence(LossKind::scopeReferenceBroken,
+                       "ScopeReference points above the outermost scope", path, reference, place);
     }
     const std::int64_t target =
         frame->currentIndex -
@@ -165,8 +172,9 @@ AAFRational SegmentWalk::flattenScopeReference(OMFObject reference, const WalkPl
     const auto& segments = *frame->segments;
     if (target < 0 || target >= static_cast<std::int64_t>(segments.size()) ||
         segments[static_cast<std::size_t>(target)] == OMFObject::none) {
-        report("ScopeReference target slot " + std::to_string(target) + " does not exist", path);
-        return lengthSeconds(reference, place.rate);
+        return silence(LossKind::scopeReferenceBroken,
+                       "ScopeReference target slot " + std::to_string(target) + " does not exist",
+                       path, reference, place);
     }
     const ScopeFrame moved{.segments = &segments, .currentIndex = target, .outer = frame->outer};
     return flatten(segments[static_cast<std::size_t>(target)],

@@ -105,7 +105,7 @@ class SegmentWalk {
 
     /// The varying value as an envelope; none when it is no VVAL, has no points or one that cannot
     /// be read. Points keep their stored times, fractions of the owner.
-    [[nodiscard]] Envelope automationEnvelope(OMFObject value);
+    [[nodiscard]] Envelope automationEnvelope(OMFObject value, const Effect& effect);
     [[nodiscard]] Envelope readEnvelope(OMFObject value, AAFAutomationInterpolation curve);
 
     Component readComponent(OMFObject component, std::size_t index, const Transition* incoming,
@@ -114,10 +114,16 @@ class SegmentWalk {
     AAFRational placeNested(const Component& component, const WalkPlace& place,
                             EventDrafts& drafts);
     [[nodiscard]] Transition readTransition(OMFObject transition, const AAFRational& rate);
-    void reportCut(const Transition* transition, const WalkPlace& place);
+    /// Records that the transition is played as a cut, once; the cut is placed later.
+    std::optional<MappingNotes::RecordIndex> reportCut(const Transition* transition,
+                                                       const WalkPlace& place);
+    /// Says of a record of `reportCut` that the cut lies at `position`, seconds.
+    void placeCut(std::optional<MappingNotes::RecordIndex> record, const Transition& transition,
+                  const AAFRational& position, const AAFRational& rate);
 
+    /// `placed`: where the clip lies on the timeline.
     [[nodiscard]] Boxed<AAFFade> fade(OMFObject clip, AAFFade::Direction direction,
-                                      const AAFRational& rate);
+                                      const AAFRational& rate, const LossRange& placed);
     /// Seconds; absent unless the transition is a plain linear audio dissolve.
     [[nodiscard]] std::optional<AAFRational> simpleLinearDissolveDuration(OMFObject transition,
                                                                           const AAFRational& rate);
@@ -134,7 +140,10 @@ class SegmentWalk {
     void countVisit();
     [[nodiscard]] bool onlyCounts() const noexcept { return notes_ == nullptr; }
     /// Records an unsupported feature.
-    void report(std::string_view message, const ObjectPath& at);
+    void report(const Loss& loss, std::string_view message, const ObjectPath& at);
+    /// Records that `segment`, which begins at `place`, is silent. Gives its length in seconds.
+    AAFRational silence(LossKind kind, std::string_view message, const ObjectPath& at,
+                        OMFObject segment, const WalkPlace& place);
 
     const OMFDocument& document_;
     BoundedReads& reads_;

@@ -40,14 +40,26 @@ SegmentWalk::Transition SegmentWalk::readTransition(OMFObject transition, const 
     return result;
 }
 
-void SegmentWalk::reportCut(const Transition* transition, const WalkPlace& place) {
+std::optional<MappingNotes::RecordIndex> SegmentWalk::reportCut(const Transition* transition,
+                                                                const WalkPlace& place) {
     if (transition == nullptr || transition->dissolve || onlyCounts()) {
-        return;
+        return std::nullopt;
     }
-    notes_->addUnsupportedOncePerPath(
+    return notes_->addUnsupportedOncePerPath(
+        {.kind = LossKind::transitionAsCut},
         "OMF Transition treated as the spec-defined cut; transition effect itself is not "
         "reproduced",
         ObjectPath(place.path, "TRAN", transition->object));
+}
+
+void SegmentWalk::placeCut(std::optional<MappingNotes::RecordIndex> record,
+                           const Transition& transition, const AAFRational& position,
+                           const AAFRational& rate) {
+    if (record) {
+        notes_->placeCut(*record, position,
+                         {position - seconds(transition.headTrim, rate),
+                          seconds(transition.headTrim + transition.tailTrim, rate)});
+    }
 }
 
 SegmentWalk::Component SegmentWalk::readComponent(OMFObject component, std::size_t index,
@@ -68,22 +80,26 @@ SegmentWalk::Component SegmentWalk::readComponent(OMFObject component, std::size
     }
     result.effectiveLength =
         shortened(shortened(lengthEditUnits(component), result.headTrim), result.tailTrim);
-    reportCut(incoming, place);
-    reportCut(outgoing, place);
+    if (const auto record = reportCut(incoming, place)) {
+        placeCut(record, *incoming, result.position, place.rate);
+    }
+    result.cutAtEnd = reportCut(outgoing, place);
     return result;
 }
 
 void SegmentWalk::placeClip(const Component& component, const WalkPlace& place,
                             EventDrafts& drafts) {
-    auto fadeIn = fade(component.object, AAFFade::Direction::fadeIn, place.rate);
-    auto fadeOut = fade(component.object, AAFFade::Direction::fadeOut, place.rate);
+    const LossRange placed{component.position, seconds(component.effectiveLength, place.rate)};
+    auto fadeIn = fade(component.object, AAFFade::Direction::fadeIn, place.rate, placed);
+    auto fadeOut = fade(component.object, AAFFade::Direction::fadeOut, place.rate, placed);
     const auto combine = [&](Boxed<AAFFade>& own, const std::optional<AAFRational>& dissolve,
                              AAFFade::Direction direction, const char* conflict) {
         if (!dissolve) {
             return;
         }
         if (own) {
-            report(conflict, ObjectPath(place.path, "component", component.index));
+            report({LossKind::fadeConflict, placed, component.object}, conflict,
+                   ObjectPath(place.path, "component", component.index));
         } else {
             own = dissolveFade(direction, *dissolve);
         }
@@ -95,8 +111,8 @@ void SegmentWalk::placeClip(const Component& component, const WalkPlace& place,
             "SourceClip fade-out combined with an OMF dissolve cannot be losslessly collapsed to "
             "one fade");
     drafts.push_back({.object = component.object,
-                      .timelineStart = component.position,
-                      .duration = seconds(component.effectiveLength, place.rate),
+                      .timelineStart = placed.start,
+                      .duration = placed.duration,
                       .sourceTrimStart = seconds(component.headTrim, place.rate),
                       .fadeIn = std::move(fadeIn),
                       .fadeOut = std::move(fadeOut)});
@@ -106,7 +122,10 @@ AAFRational SegmentWalk::placeNested(const Component& component, const WalkPlace
                                      EventDrafts& drafts) {
     const ObjectPath path(place.path, "component", component.index);
     if (component.headTrim != 0 || component.tailTrim != 0) {
-        report("cut-point trim around nested segment requires effect-aware rendering", path);
+        report(
+            {.kind = LossKind::nestedTrimNotApplied,
+             .range = LossRange{component.position, lengthSeconds(component.object, place.rate)}},
+            "cut-point trim around nested segment requires effect-aware rendering", path);
     }
     const auto first = static_cast<std::ptrdiff_t>(drafts.size());
     // Two levels per step on purpose, one for the sequence and one for the step: it decides at
@@ -123,7 +142,9 @@ AAFRational SegmentWalk::placeNested(const Component& component, const WalkPlace
         if (earliest != drafts.end() && !earliest->fadeIn) {
             earliest->fadeIn = dissolveFade(AAFFade::Direction::fadeIn, *component.dissolveIn);
         } else {
-            report("dissolve into nested segment cannot be losslessly collapsed", path);
+            report({.kind = LossKind::nestedDissolve,
+                    .range = LossRange{component.position, *component.dissolveIn}},
+                   "dissolve into nested segment cannot be losslessly collapsed", path);
         }
     }
     if (component.dissolveOut) {
@@ -134,7 +155,10 @@ AAFRational SegmentWalk::placeNested(const Component& component, const WalkPlace
         if (latest != drafts.end() && !latest->fadeOut) {
             latest->fadeOut = dissolveFade(AAFFade::Direction::fadeOut, *component.dissolveOut);
         } else {
-            report("dissolve out of nested segment cannot be losslessly collapsed", path);
+            report({.kind = LossKind::nestedDissolve,
+                    .range = LossRange{component.position + duration - *component.dissolveOut,
+                                       *component.dissolveOut}},
+                   "dissolve out of nested segment cannot be losslessly collapsed", path);
         }
     }
     return duration;
@@ -175,6 +199,9 @@ AAFRational SegmentWalk::flattenSequence(OMFObject sequence, const WalkPlace& pl
             position = component.position + seconds(component.effectiveLength, place.rate);
         } else {
             position = component.position + placeNested(component, here, drafts);
+        }
+        if (outgoing) {
+            placeCut(component.cutAtEnd, *outgoing, position, place.rate);
         }
         incoming = outgoing;
     }

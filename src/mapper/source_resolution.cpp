@@ -38,7 +38,8 @@ std::optional<ResolvedSource> SourceResolution::resolveSourceClip(OMFObject clip
     for (;;) {
         if (visited.size() >= maximumDepth ||
             std::find(visited.begin(), visited.end(), clip) != visited.end()) {
-            notes_.addUnsupported("source reference cycle/depth limit", ObjectPath("SCLP", clip));
+            notes_.addUnsupported(notes_.lossOfClip(LossKind::sourceCycle),
+                                  "source reference cycle/depth limit", ObjectPath("SCLP", clip));
             return std::nullopt;
         }
         const auto reference = referenceOf(clip);
@@ -72,7 +73,7 @@ std::optional<ResolvedSource> SourceResolution::resolveSourceClip(OMFObject clip
 std::optional<SourceResolution::Reference> SourceResolution::referenceOf(OMFObject clip) {
     const auto sourceID = document_.uid(clip, {OMFProperty::clipSourceID});
     if (!sourceID || *sourceID == OMFUID::zero()) {
-        notes_.verlustGrund = "the Source Clip carries no Source ID";
+        notes_.giveReason(LossKind::clipWithoutSource, "the Source Clip carries no Source ID");
         return std::nullopt;
     }
     const auto mob = mobMap_.find(*sourceID);
@@ -80,7 +81,8 @@ std::optional<SourceResolution::Reference> SourceResolution::referenceOf(OMFObje
         const auto uid = sourceID->description();
         notes_.diagnose("Unresolved Source Mob " + uid + " for SCLP " +
                         std::to_string(number(clip)));
-        notes_.verlustGrund = "the referenced Source Mob " + uid + " is not contained in the file";
+        notes_.giveReason(LossKind::clipSourceMissing,
+                          "the referenced Source Mob " + uid + " is not contained in the file");
         return std::nullopt;
     }
     return Reference{
@@ -93,13 +95,14 @@ void SourceResolution::reportMissingTrack(const Reference& reference) {
     const auto mob = "Source Mob " + reference.mobID.description();
     const auto trackID = std::to_string(reference.trackID);
     notes_.diagnose(mob + " has no TrackID " + trackID);
-    notes_.verlustGrund = mob + " has no track " + trackID;
+    notes_.giveReason(LossKind::clipSourceTrackMissing, mob + " has no track " + trackID);
 }
 
 void SourceResolution::reportDeadEnd(OMFObject clip, const Reference& reference,
                                      const Track& found) {
     const auto segmentClass = found.segment ? document_.classID(*found.segment) : std::nullopt;
-    notes_.addUnsupported("Source Mob " + reference.mobID.description() + " TrackID " +
+    notes_.addUnsupported(notes_.lossOfClip(LossKind::sourceDeadEnd),
+                          "Source Mob " + reference.mobID.description() + " TrackID " +
                               std::to_string(reference.trackID) + " resolves through " +
                               std::string(segmentClass.value_or("no segment")) +
                               ", not a direct Source Clip",

@@ -28,6 +28,9 @@ struct SegmentWalk::Component {
     std::optional<AAFRational> dissolveOut{};
     /// Seconds from the timeline's zero.
     AAFRational position{};
+    /// The record of the transition after it that is played as a cut, to be placed once the
+    /// component's end is known.
+    std::optional<MappingNotes::RecordIndex> cutAtEnd{};
 };
 
 struct SegmentWalk::Effect {
@@ -35,6 +38,9 @@ struct SegmentWalk::Effect {
     bool isGain = false;
     const EffectArguments& arguments;
     const ObjectPath& path;
+    LossRange range{};
+
+    [[nodiscard]] Loss loss(LossKind kind) const { return {.kind = kind, .range = range}; }
 };
 
 }  // namespace trellant

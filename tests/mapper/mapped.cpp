@@ -1,12 +1,14 @@
 #include "mapped.h"
 
 #include <trellant/io/errors.h>
+#include <trellant/model/json_encode.h>
 #include <trellant/omf/document.h>
 
 #include <array>
 #include <cstdio>
 #include <ostream>
 #include <stdexcept>
+#include <trellant_testing/encoded_documents.h>
 #include <trellant_testing/temporary_directory.h>
 #include <utility>
 
@@ -47,6 +49,13 @@ std::string numberText(double value) {
     return text.data();
 }
 
+void keep(const AAFTimeline& timeline) {
+    // What has no JSON form is refused by the encoder: nothing is written then.
+    if (keepsEncodedDocuments() && !findUnencodable(timeline)) {
+        keepEncoded("timeline", sortedJson(timeline));
+    }
+}
+
 }  // namespace
 
 Mapped mapImage(ByteView image, MappingPlaces places) {
@@ -59,6 +68,7 @@ Mapped mapImage(ByteView image, MappingPlaces places) {
     Mapper mapper(document, std::move(places));
     mapped.timeline =
         mapper.makeTimeline([&](double fraction) { mapped.fractions.push_back(fraction); });
+    keep(mapped.timeline);
     mapped.diagnostics = mapper.diagnostics();
     mapped.readCalls = document.bento().file().readCalls();
     return mapped;

@@ -1,6 +1,7 @@
 // From an opened document to a timeline. The one public door of this folder.
 #pragma once
 
+#include <trellant/mapper/loss_places.h>
 #include <trellant/model/timeline.h>
 #include <trellant/omf/document.h>
 
@@ -10,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 /// Where a mapping finds and leaves media. All paths are absolute, bytes as the system knows them.
 struct MappingPlaces {
@@ -20,12 +21,17 @@ struct MappingPlaces {
     std::string workDirectory{};
     /// Where external media are looked for, folders within too; absent: only where locators say.
     std::optional<std::string> mediaSearchDirectory{};
+    /// Take embedded audio out; without it nothing is written anywhere.
     bool extract = false;
+    /// Keep the place of every loss; costs a place's memory for each.
+    bool placesLosses = false;
 };
 
+/// One mapping, on one thread; several mappers may share a document.
 class Mapper {
   public:
-    /// Called before each slot of the composition with a fraction from 0.15 to below 0.95.
+    /// Called on the mapping's thread before each slot of the composition, with a fraction from
+    /// 0.15 to below 0.95. What it throws ends the mapping and comes out of it.
     using Progress = std::function<void(double)>;
 
     /// `document` must outlive the mapper.
@@ -43,6 +49,11 @@ class Mapper {
 
     /// Remarks for a person, in the order made. Empty before makeTimeline.
     [[nodiscard]] const std::vector<std::string>& diagnostics() const noexcept;
+
+    /// Where the losses lie: one place for each of the timeline's `unsupportedFeatures`, in their
+    /// order. Empty before makeTimeline has returned, and unless the places given say
+    /// `placesLosses`.
+    [[nodiscard]] const std::vector<LossPlace>& lossPlaces() const noexcept;
 
   private:
     class Assembly;
