@@ -1,0 +1,40 @@
+#include <trellant/client/worker_client.h>
+#include <trellant/model/executable_location.h>
+
+#include <array>
+#include <string_view>
+#include <system_error>
+
+namespace trellant {
+
+namespace {
+
+/// Seen from the folder of the host's executable, in the order of the search.
+constexpr std::array<std::string_view, 3> helperFolders{"AAFTools", "../libexec/trellant/AAFTools",
+                                                        "../bin"};
+
+}  // namespace
+
+std::optional<std::filesystem::path> bundledHelper(const std::string& helperName) {
+    // A name with a slash in it would lead anywhere, one with a NUL to another file; an empty one
+    // is a folder.
+    if (helperName.empty() ||
+        helperName.find_first_of(std::string_view("/\0", 2)) != std::string::npos) {
+        return std::nullopt;
+    }
+    const std::optional<std::string> program = executableDirectory();
+    if (!program) {
+        return std::nullopt;
+    }
+    for (const std::string_view folder : helperFolders) {
+        auto candidate = (std::filesystem::path(*program) / folder / helperName).lexically_normal();
+        std::error_code ignored;
+        const auto status = std::filesystem::status(candidate, ignored);
+        if (std::filesystem::exists(status) && !std::filesystem::is_directory(status)) {
+            return candidate;
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace trellant

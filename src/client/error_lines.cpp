@@ -1,0 +1,62 @@
+#include "error_lines.h"
+
+#include <trellant/model/printable_text.h>
+#include <trellant/protocol/lines.h>
+
+#include <algorithm>
+#include <optional>
+
+namespace trellant {
+
+namespace {
+
+std::optional<AAFWorkerProtocol::Progress> progressIn(std::string_view json) {
+    try {
+        return decodeProgress(json);
+    } catch (const JsonDecodingError&) {
+        return std::nullopt;
+    }
+}
+
+}  // namespace
+
+void ErrorLines::take(std::string_view chunk) {
+    if (!isWellFormedText(chunk)) {
+        return;
+    }
+    while (!chunk.empty()) {
+        const std::string_view piece = chunk.substr(0, chunk.find('\n'));
+        chunk.remove_prefix(std::min(piece.size() + 1, chunk.size()));
+        if (!piece.empty()) {
+            takePiece(piece);
+        }
+    }
+}
+
+void ErrorLines::takePiece(std::string_view piece) {
+    if (piece.starts_with(progressMarker)) {
+        const auto progress = progressIn(piece.substr(progressMarker.size()));
+        if (progress && progress_) {
+            progress_(*progress);
+        }
+        return;
+    }
+    if (lines_.size() == keptLines) {
+        lines_.pop_front();
+    }
+    lines_.emplace_back(piece);
+}
+
+std::string ErrorLines::lastLines(std::size_t count) const {
+    std::string joined;
+    for (std::size_t at = lines_.size() - std::min(count, lines_.size()); at < lines_.size();
+         ++at) {
+        if (!joined.empty()) {
+            joined += '\n';
+        }
+        joined += lines_[at];
+    }
+    return joined;
+}
+
+}  // namespace trellant

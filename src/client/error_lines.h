@@ -1,0 +1,36 @@
+// What a worker writes to its standard error: progress for the host, the rest kept for the case
+// that the worker fails.
+#pragma once
+
+#include <trellant/client/worker_client.h>
+
+#include <cstddef>
+#include <deque>
+#include <string>
+#include <string_view>
+
+namespace trellant {
+
+class ErrorLines {
+  public:
+    /// Lines kept; the oldest go first.
+    static constexpr std::size_t keptLines = 60;
+
+    /// `progress` may be empty and must outlive this.
+    explicit ErrorLines(const AAFWorkerClient::Progress& progress) : progress_(progress) {}
+
+    /// What one read gave. A chunk that is not UTF-8 is dropped whole, and a line that two chunks
+    /// share counts as two: workers write each line at once. Throws what `progress` throws.
+    void take(std::string_view chunk);
+
+    /// The last lines, at most `count`, joined by line feeds.
+    [[nodiscard]] std::string lastLines(std::size_t count) const;
+
+  private:
+    void takePiece(std::string_view piece);
+
+    const AAFWorkerClient::Progress& progress_;
+    std::deque<std::string> lines_;
+};
+
+}  // namespace trellant

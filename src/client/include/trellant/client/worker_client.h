@@ -1,0 +1,84 @@
+// AAFWorkerClient: the host's side of a worker process. Each call starts one worker, hands it one
+// request, turns its progress lines into callbacks and gives back what it answered. Whatever a file
+// does to the worker, the host sees it as a typed error.
+#pragma once
+
+#include <trellant/client/errors.h>
+#include <trellant/model/json_decode.h>
+#include <trellant/model/timeline.h>
+#include <trellant/protocol/messages.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <future>
+#include <optional>
+#include <stop_token>
+#include <string>
+
+namespace [[gnu::visibility("default")]] trellant {
+
+/// Where an installed worker of this name lies: in "AAFTools" beside the host's executable, then in
+/// "../libexec/trellant/AAFTools" and "../bin" seen from the executable's folder. The first place
+/// that holds something other than a folder under that name; absent when none does. Links to the
+/// executable are resolved first: the folder is that of the program itself.
+[[nodiscard]] std::optional<std::filesystem::path> bundledHelper(const std::string& helperName);
+
+/// A value: copies are independent, calls hold no state between them. One client may be used for
+/// any number of calls at once, from any threads; each has its own process.
+struct AAFWorkerClient {
+    /// From a worker's name to its executable; absent when there is none. Called once in each call,
+    /// on that call's thread, so on several threads at once. A relative location is taken against
+    /// the current directory of the moment of the start. What it throws comes out of the future.
+    using HelperURLProvider =
+        std::function<std::optional<std::filesystem::path>(const std::string& helperName)>;
+    /// Takes each progress record in the order written, on the call's own thread (where all signals
+    /// are blocked except those of faults). Nothing of the worker is read and no stop is heeded
+    /// meanwhile: return soon. What it throws ends the worker and comes out of the future. May be
+    /// empty.
+    using Progress = std::function<void(const AAFWorkerProtocol::Progress&)>;
+
+    /// The bound for one answer, in bytes: about a thousand times what a feature film needs.
+    static constexpr std::uint64_t defaultResultLimit = 2'147'483'648;
+
+    std::string helperName = "trellant-aaf";
+    /// Empty counts as one that finds nothing.
+    HelperURLProvider helperURLProvider = bundledHelper;
+    /// Bytes; a worker that writes more is ended, and the call fails with `invalidResponse`. While
+    /// an answer is decoded, memory of about three times its size is in use.
+    std::uint64_t resultLimit = defaultResultLimit;
+
+    /// The client for a file, told by its name's extension in any case: "trellant-omf" for "omf"
+    /// and "omfi", else "trellant-aaf". The file is not looked at.
+    [[nodiscard]] static AAFWorkerClient fuer(const std::filesystem::path& url);
+
+    /// Reads the file at `aafURL`, taking embedded audio out into `workDirectory` (created when
+    /// missing) and looking for external media in `mediaSearchDirectory` and below. Relative
+    /// locations, the empty one too, are taken against the current directory of the moment of the
+    /// call, "." and ".." removed without a look at links.
+    ///
+    /// Returns at once; the work is done on a thread of its own, which is gone once `get`, `wait`
+    /// or the future's destructor has returned. The future gives a timeline that passed
+    /// AAFRawTimelineValidation, or throws AAFWorkerClientError, AAFCancellationError within a
+    /// second of a request to `stop` (the worker is asked to end, then killed), what
+    /// `helperURLProvider` or `progress` threw, or std::bad_alloc. Its destructor waits for the end
+    /// of the call: request a stop first to have done with it soon.
+    ///
+    /// The caller keeps nothing alive for the call; `progress` is kept by value as long as the
+    /// future.
+    [[nodiscard]] std::future<AAFTimeline> inspect(
+        const std::filesystem::path& aafURL, const std::filesystem::path& workDirectory,
+        const std::optional<std::filesystem::path>& mediaSearchDirectory = std::nullopt,
+        Progress progress = {}, std::stop_token stop = {}) const;
+
+    /// Sends any request and gives the whole result; everything else is as with `inspect`. The
+    /// request's paths go out as they are, and the worker starts in the host's current directory.
+    /// With TimelineChecks::none the timeline is given as the worker wrote it, also where it would
+    /// not pass validation: computing with such a one may stop the process, so repair it first
+    /// (repair.h).
+    [[nodiscard]] std::future<AAFWorkerProtocol::Result> run(
+        AAFWorkerProtocol::Request request, Progress progress = {}, std::stop_token stop = {},
+        TimelineChecks checks = TimelineChecks::validate) const;
+};
+
+}  // namespace trellant

@@ -1,0 +1,221 @@
+#include "worker_call.h"
+
+#include "child_process.h"
+#include "error_lines.h"
+#include "file_descriptor.h"
+
+#include <trellant/model/system_error_text.h>
+
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <optional>
+#include <poll.h>
+#include <string_view>
+#include <unistd.h>
+#include <vector>
+
+namespace trellant {
+
+namespace {
+
+/// What a pipe holds, so that one read takes all that is there.
+constexpr std::size_t chunkSize = 65'536;
+/// How often to look after the worker where the system does not tell of its end.
+constexpr int lookMilliseconds = 5;
+/// Reads that empty the largest pipe; more would come from somebody who outlived the worker.
+constexpr int lastReads = 17;
+/// Lines of the worker that an error carries.
+constexpr std::size_t reportedLines = 8;
+
+/// Wakes the call from the thread that requests its stop.
+class StopNotice {
+  public:
+    explicit StopNotice(const std::stop_token& stop) {
+        if (stop.stop_possible()) {
+            pipe_ = makePipe();
+            callback_.emplace(stop, Wake{pipe_.writing.number()});
+        }
+    }
+    [[nodiscard]] int descriptor() const noexcept { return pipe_.reading.number(); }
+
+  private:
+    struct Wake {
+        int descriptor;
+        void operator()() const noexcept {
+            const char byte = 0;
+            [[maybe_unused]] const auto written = ::write(descriptor, &byte, 1);
+        }
+    };
+
+    // The callback goes first: it must not meet a closed pipe.
+    Pipe pipe_;
+    std::optional<std::stop_callback<Wake>> callback_;
+};
+
+class Conversation {
+  public:
+    explicit Conversation(const WorkerCall& call)
+        : call_(call), stopNotice_(call.stop), lines_(call.progress), chunk_(chunkSize) {}
+
+    std::string answer() {
+        start();
+        while (!outputEnded_ || !workerEnded_) {
+            waitForNews();
+        }
+        if (call_.stop.stop_requested()) {
+            throw AAFCancellationError();
+        }
+        // Whether its end or the closed pipe is seen first is chance, and another process that is
+        // just being started may hold the pipe open for a moment.
+        if (inputEnd_.isOpen()) {
+            failWrite(EPIPE);
+        }
+        checkStatus(worker_->reap());
+        return std::move(output_);
+    }
+
+  private:
+    enum class Reading { more, nothingNow, ended };
+
+    void start() {
+        Pipe input = makePipe();
+        Pipe output = makePipe();
+        Pipe errors = makePipe();
+        makeNonBlocking(input.writing);
+        makeNonBlocking(output.reading);
+        makeNonBlocking(errors.reading);
+        inputEnd_ = std::move(input.writing);
+        outputEnd_ = std::move(output.reading);
+        errorsEnd_ = std::move(errors.reading);
+        // A request that fits the pipe is in it before the worker starts, so one that ends at once
+        // is judged by its status and its last words, not by whether it was still there to be
+        // written to.
+        writeRequest();
+        worker_.emplace(call_.executable,
+                        ChildStreams{std::move(input.reading), std::move(output.writing),
+                                     std::move(errors.writing)});
+    }
+
+    void waitForNews() {
+        std::array<pollfd, 5> watched{
+            pollfd{.fd = inputEnd_.number(), .events = POLLOUT, .revents = 0},
+            pollfd{.fd = outputEnd_.number(), .events = POLLIN, .revents = 0},
+            pollfd{.fd = errorsEnd_.number(), .events = POLLIN, .revents = 0},
+            pollfd{.fd = stopNotice_.descriptor(), .events = POLLIN, .revents = 0},
+            pollfd{.fd = workerEnded_ ? -1 : worker_->endNotice(), .events = POLLIN, .revents = 0}};
+        const bool told = workerEnded_ || worker_->endNotice() >= 0;
+        if (::poll(watched.data(), watched.size(), told ? -1 : lookMilliseconds) < 0 &&
+            errno != EINTR && errno != EAGAIN) {
+            throw AAFWorkerClientError::launchFailed("cannot wait for the helper: " +
+                                                     systemErrorText(errno));
+        }
+        if (call_.stop.stop_requested()) {
+            throw AAFCancellationError();
+        }
+        if (watched[0].revents != 0) {
+            writeRequest();
+        }
+        if (watched[1].revents != 0) {
+            readOutput();
+        }
+        if (watched[2].revents != 0) {
+            readErrors();
+        }
+        if (!workerEnded_ && (watched[4].revents != 0 || !told) && worker_->hasEnded()) {
+            noticeEnd();
+        }
+    }
+
+    /// Its last words are in the pipe already; who else holds the pipe open is not waited for.
+    void noticeEnd() {
+        workerEnded_ = true;
+        for (int reads = 0; errorsEnd_.isOpen() && reads < lastReads; ++reads) {
+            if (readErrors() != Reading::more) {
+                break;
+            }
+        }
+        errorsEnd_.close();
+    }
+
+    void writeRequest() {
+        while (written_ < call_.request.size()) {
+            const auto count = ::write(inputEnd_.number(), call_.request.data() + written_,
+                                       call_.request.size() - written_);
+            if (count >= 0) {
+                written_ += static_cast<std::size_t>(count);
+            } else if (errno == EAGAIN) {
+                return;
+            } else if (errno != EINTR) {
+                failWrite(errno);
+            }
+        }
+        inputEnd_.close();
+    }
+
+    [[noreturn]] static void failWrite(int errorNumber) {
+        throw AAFWorkerClientError::launchFailed("cannot write the request: " +
+                                                 systemErrorText(errorNumber));
+    }
+
+    /// One read; what came is in the chunk until the next.
+    Reading readChunk(FileDescriptor& from, std::string_view& chunk) {
+        const auto count = ::read(from.number(), chunk_.data(), chunk_.size());
+        if (count > 0) {
+            chunk = std::string_view(chunk_.data(), static_cast<std::size_t>(count));
+            return Reading::more;
+        }
+        if (count < 0 && (errno == EAGAIN || errno == EINTR)) {
+            return Reading::nothingNow;
+        }
+        from.close();
+        return Reading::ended;
+    }
+
+    void readOutput() {
+        std::string_view chunk;
+        const Reading reading = readChunk(outputEnd_, chunk);
+        outputEnded_ = reading == Reading::ended;
+        if (chunk.size() > call_.resultLimit - output_.size()) {
+            throw AAFWorkerClientError::invalidResponse(
+                "longer than " + std::to_string(call_.resultLimit) + " bytes");
+        }
+        output_.append(chunk);
+    }
+
+    Reading readErrors() {
+        std::string_view chunk;
+        const Reading reading = readChunk(errorsEnd_, chunk);
+        lines_.take(chunk);
+        return reading;
+    }
+
+    void checkStatus(const ChildEnd& end) const {
+        // Without a status the output tells: a worker writes one only when all went well.
+        const std::int32_t status = end.status.value_or(output_.empty() ? -1 : 0);
+        if (status != 0) {
+            throw AAFWorkerClientError::nonZeroExit(status, lines_.lastLines(reportedLines));
+        }
+    }
+
+    const WorkerCall& call_;
+    StopNotice stopNotice_;
+    ErrorLines lines_;
+    std::vector<char> chunk_;
+    FileDescriptor inputEnd_;
+    FileDescriptor outputEnd_;
+    FileDescriptor errorsEnd_;
+    std::optional<ChildProcess> worker_;
+    std::size_t written_ = 0;
+    std::string output_;
+    bool outputEnded_ = false;
+    bool workerEnded_ = false;
+};
+
+}  // namespace
+
+std::string answerTo(const WorkerCall& call) {
+    return Conversation(call).answer();
+}
+
+}  // namespace trellant

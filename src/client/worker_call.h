@@ -1,0 +1,28 @@
+// One call: a worker is started, fed, listened to and seen to its end, all on the calling thread.
+#pragma once
+
+#include <trellant/client/worker_client.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <stop_token>
+#include <string>
+
+namespace trellant {
+
+struct WorkerCall {
+    const std::filesystem::path& executable;
+    /// The request's bytes.
+    const std::string& request;
+    const AAFWorkerClient::Progress& progress;
+    const std::stop_token& stop;
+    /// Bytes of output that are taken at most.
+    std::uint64_t resultLimit;
+};
+
+/// What the worker wrote to its standard output, once it has ended with status 0. Throws
+/// AAFWorkerClientError, AAFCancellationError and what `progress` throws; the worker has ended and
+/// is reaped in each case. The thread must have SIGPIPE blocked.
+[[nodiscard]] std::string answerTo(const WorkerCall& call);
+
+}  // namespace trellant

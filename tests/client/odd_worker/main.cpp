@@ -1,0 +1,18 @@
+// A worker that does one thing out of the ordinary, told by the name under which it is started:
+// the tests make links to it.
+#include "behaviours.h"
+#include "life.h"
+
+#include <string>
+
+int main(int count, char** arguments) {
+    namespace odd = trellant::testing::odd;
+    // A worker takes no arguments.
+    if (count != 1) {
+        return odd::brokenStatus;
+    }
+    const std::string program = arguments[0];
+    odd::limitLife();
+    odd::setProgram(program);
+    return odd::behave(std::string_view(program).substr(program.rfind('/') + 1));
+}
