@@ -8,12 +8,21 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     list(APPEND TRELLANT_WARNINGS -Wduplicated-cond -Wduplicated-branches -Wlogical-op)
 endif()
 
+# Installed files find one another from where they lie, so that a prefix can be moved.
+set(TRELLANT_ORIGIN "$ORIGIN")
+if(APPLE)
+    set(TRELLANT_ORIGIN "@loader_path")
+endif()
+file(RELATIVE_PATH TRELLANT_LIBRARIES_FROM_WORKER ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+
 function(trellant_target_settings target)
     target_compile_options(${target} PRIVATE ${TRELLANT_WARNINGS})
     if(TRELLANT_WERROR)
         target_compile_options(${target} PRIVATE -Werror)
     endif()
-    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+    # A shared library shows what its public headers declare, nothing else.
+    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON
+        CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
     if(TRELLANT_HARDEN)
         # Undefined first: some compilers set a level of their own.
         target_compile_options(${target} PRIVATE -fstack-protector-strong -U_FORTIFY_SOURCE
@@ -31,16 +40,28 @@ function(trellant_target_settings target)
 endfunction()
 
 # trellant_library(NAME HEADERS ... SOURCES ... [DEPENDS ...] [PRIVATE_DEPENDS ...])
-# The library trellant_NAME of this folder. HEADERS are public, below include/, and each must
-# compile alone; private headers stand beside the sources.
+# The library trellant_NAME of this folder, trellant::NAME to others; static or shared as
+# BUILD_SHARED_LIBS says. HEADERS are public, below include/, and each must compile alone; private
+# headers stand beside the sources.
 function(trellant_library name)
     cmake_parse_arguments(ARG "" "" "HEADERS;SOURCES;DEPENDS;PRIVATE_DEPENDS" ${ARGN})
     set(target trellant_${name})
-    add_library(${target} STATIC ${ARG_SOURCES})
+    add_library(${target} ${ARG_SOURCES})
     add_library(trellant::${name} ALIAS ${target})
     list(TRANSFORM ARG_HEADERS PREPEND include/trellant/${name}/)
     target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS include FILES ${ARG_HEADERS})
-    set_target_properties(${target} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
+    set_target_properties(${target} PROPERTIES EXPORT_NAME ${name} VERIFY_INTERFACE_HEADER_SETS ON
+        VERSION ${trellant_VERSION} SOVERSION ${trellant_VERSION_MAJOR}.${trellant_VERSION_MINOR})
+    target_compile_features(${target} PUBLIC cxx_std_20)
     target_link_libraries(${target} PUBLIC ${ARG_DEPENDS} PRIVATE ${ARG_PRIVATE_DEPENDS})
     trellant_target_settings(${target})
+    if(BUILD_SHARED_LIBS)
+        set_target_properties(${target} PROPERTIES INSTALL_RPATH "${TRELLANT_ORIGIN}")
+        if(NOT APPLE AND NOT TRELLANT_SANITIZE)
+            target_link_options(${target} PRIVATE -Wl,--no-undefined)
+        endif()
+    elseif(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_INTERPROCEDURAL_OPTIMIZATION)
+        # An installed archive must also serve hosts that another compiler builds.
+        target_compile_options(${target} PRIVATE -ffat-lto-objects)
+    endif()
 endfunction()

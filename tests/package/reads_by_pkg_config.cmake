@@ -1,0 +1,26 @@
+# The same program, built without CMake. Variables: PREFIX, LIBRARIES, FOLDER, EXAMPLES, PKG_CONFIG.
+include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)
+set(project ${CMAKE_CURRENT_LIST_DIR}/reader)
+set(ENV{PKG_CONFIG_PATH} ${PREFIX}/${LIBRARIES}/pkgconfig)
+file(REMOVE_RECURSE ${FOLDER})
+file(MAKE_DIRECTORY ${FOLDER})
+
+run(${PKG_CONFIG} --modversion trellant)
+string(STRIP "${run_output}" version)
+run(${PKG_CONFIG} --cflags --libs trellant)
+separate_arguments(flags UNIX_COMMAND "${run_output}")
+run(${COMPILER} -std=c++20 -DPACKAGE_VERSION="${version}" ${project}/read_omf.cpp
+    -o ${FOLDER}/read_omf ${flags} -Wl,-rpath,${PREFIX}/${LIBRARIES})
+expect_output(${project}/expected.txt
+    ${FOLDER}/read_omf ${EXAMPLES}/archive.omf ${EXAMPLES}/README.md)
+
+run(${PKG_CONFIG} --variable=workerdir trellant)
+string(STRIP "${run_output}" folder)
+if(NOT EXISTS ${folder}/trellant-omf)
+    message(FATAL_ERROR "workerdir is ${folder}, where no worker lies")
+endif()
+run(${PKG_CONFIG} --variable=schemadir trellant)
+string(STRIP "${run_output}" folder)
+if(NOT EXISTS ${folder}/request.schema.json)
+    message(FATAL_ERROR "schemadir is ${folder}, where no schema lies")
+endif()

@@ -1,0 +1,40 @@
+# Unpacks one package into an empty folder, asks its worker, builds a host against it and puts that
+# beside the worker. Variables: PACKAGES, KIND (deb or tar.gz), FOLDER, EXAMPLES.
+include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)
+file(REMOVE_RECURSE ${FOLDER})
+file(MAKE_DIRECTORY ${FOLDER}/unpacked)
+file(GLOB package ${PACKAGES}/*.${KIND})
+if(KIND STREQUAL deb)
+    run(${DPKG_DEB} -x ${package} ${FOLDER}/unpacked)
+    set(prefix ${FOLDER}/unpacked/usr)
+else()
+    run(${CMAKE_COMMAND} -E chdir ${FOLDER}/unpacked ${CMAKE_COMMAND} -E tar xzf ${package})
+    file(GLOB prefix ${FOLDER}/unpacked/*)
+endif()
+
+file(WRITE ${FOLDER}/request.json "{\"protocolVersion\": 1, \"operation\": \"inspect\",
+    \"aafPath\": \"${prefix}/share/doc/trellant/examples/archive.omf\", \"workDirectory\": \"/nowhere\",
+    \"recoverProToolsTrueFades\": false, \"removeProToolsSampleAccurateEditFragments\": false}")
+execute_process(COMMAND ${prefix}/bin/trellant-omf INPUT_FILE ${FOLDER}/request.json
+    OUTPUT_VARIABLE answer ERROR_VARIABLE errors RESULT_VARIABLE status)
+expect_equal("status of the unpacked worker" "${status}" 0)
+string(JSON name GET "${answer}" timeline compositionName)
+expect_equal("composition that the unpacked worker read" "${name}" "Café")
+
+foreach(file
+        lib/cmake/trellant/trellantConfig.cmake lib/pkgconfig/trellant.pc
+        include/trellant/version.h include/trellant/client/worker_client.h
+        share/locale/de/LC_MESSAGES/trellant.mo share/locale/en/LC_MESSAGES/trellant.mo
+        share/man/man1/trellant-omf.1 share/doc/trellant/docs/embedding.md
+        share/trellant/schema/request.schema.json share/trellant/schema/progress.schema.json
+        share/trellant/schema/result.schema.json share/trellant/schema/timeline.schema.json)
+    if(NOT EXISTS ${prefix}/${file})
+        message(FATAL_ERROR "the package lacks ${file}")
+    endif()
+endforeach()
+
+set(project ${CMAKE_CURRENT_LIST_DIR}/host)
+build_outside(${project} ${FOLDER}/host ${prefix})
+run(${CMAKE_COMMAND} --install ${FOLDER}/host --prefix ${prefix})
+expect_output(${project}/expected.txt
+    ${prefix}/bin/follow_worker ${EXAMPLES}/session.omf ${FOLDER}/audio)

@@ -1,0 +1,3 @@
+# Stages what this build tree made. Variables: BUILD, PREFIX.
+include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)
+stage(${BUILD} ${PREFIX})
