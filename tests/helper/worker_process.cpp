@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <string_view>
 #include <sys/wait.h>
+#include <trellant_testing/encoded_documents.h>
 #include <trellant_testing/worker_process.h>
 #include <unistd.h>
 #include <utility>
@@ -193,6 +194,11 @@ void waitFor(pid_t child, WorkerRun& run) {
     }
 }
 
+void keepDocuments(const WorkerStart& start, const WorkerRun& run) {
+    const bool isWhole = run.status == 0 && !start.output.readerLeavesAfter;
+    keepWorkerRun(start.input.value_or(""), isWhole ? run.output : "", run.errors);
+}
+
 }  // namespace
 
 std::string workerPath() {
@@ -228,6 +234,7 @@ WorkerRun runWorker(const WorkerStart& start) {
         ::kill(child, SIGKILL);
     }
     waitFor(child, run);
+    keepDocuments(start, run);
     return run;
 }
 

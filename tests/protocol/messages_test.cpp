@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <trellant_testing/encoded_documents.h>
 
 namespace trellant {
 namespace {
@@ -26,6 +27,18 @@ constexpr const char* requestJson =
 Request sampleRequest() {
     return {1,    Request::Operation::extractAndInspect, "/in/film.omf", "/out", "/media", true,
             false};
+}
+
+std::string encoded(const Request& request) {
+    const std::string json = encodeRequest(request);
+    testing::keepEncoded("request", json);
+    return json;
+}
+
+std::string encoded(const Progress& progress) {
+    const std::string json = encodeProgress(progress);
+    testing::keepEncoded("progress", json);
+    return json;
 }
 
 template <class Decode>
@@ -53,7 +66,7 @@ TEST(WorkerProtocol, VersionIsOne) {
 }
 
 TEST(WorkerRequest, EncodesInDocumentedOrder) {
-    EXPECT_EQ(encodeRequest(sampleRequest()), requestJson);
+    EXPECT_EQ(encoded(sampleRequest()), requestJson);
 }
 
 TEST(WorkerRequest, Decodes) {
@@ -63,8 +76,7 @@ TEST(WorkerRequest, Decodes) {
 TEST(WorkerRequest, AbsentSearchDirectoryIsLeftOut) {
     Request request = sampleRequest();
     request.mediaSearchDirectory.reset();
-    EXPECT_EQ(encodeRequest(request),
-              replaced(requestJson, R"("mediaSearchDirectory":"\/media",)", ""));
+    EXPECT_EQ(encoded(request), replaced(requestJson, R"("mediaSearchDirectory":"\/media",)", ""));
 }
 
 TEST(WorkerRequest, NullOrMissingSearchDirectoryIsAbsent) {
@@ -140,9 +152,9 @@ TEST(WorkerRequest, BlankTextIsNoRequest) {
 }
 
 TEST(WorkerProgress, EncodesInDocumentedOrder) {
-    EXPECT_EQ(encodeProgress({"opening", 0.05, std::nullopt}),
+    EXPECT_EQ(encoded(Progress{"opening", 0.05, std::nullopt}),
               R"({"phase":"opening","fraction":0.05})");
-    EXPECT_EQ(encodeProgress({"done", 1.0, "all/that"}),
+    EXPECT_EQ(encoded(Progress{"done", 1.0, "all/that"}),
               R"({"phase":"done","fraction":1,"detail":"all\/that"})");
 }
 
@@ -191,6 +203,7 @@ std::string resultJson(const std::string& digests) {
 std::string encoded(const Result& result) {
     StringSink sink;
     encodeResult(result, sink);
+    testing::keepEncoded("result", sink.text);
     return sink.text;
 }
 

@@ -1,0 +1,74 @@
+#include "probe.h"
+
+#include <trellant/model/json_decode.h>
+#include <trellant/model/json_encode.h>
+#include <trellant/protocol/messages.h>
+
+#include <istream>
+#include <map>
+#include <ostream>
+#include <sample_timeline.h>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace trellant::test {
+
+namespace {
+
+using Protocol = AAFWorkerProtocol;
+
+std::string sampleResultJson() {
+    Protocol::Result result;
+    result.timeline = sampleTimeline();
+    result.diagnostics = {"first", "second"};
+    result.embeddedMediaSHA256 = std::map<std::string, std::string>{{"Take.wav", "e3b0c442"}};
+    StringSink sink;
+    encodeResult(result, sink);
+    return sink.text;
+}
+
+void decode(std::string_view kind, std::string_view json) {
+    if (kind == "request") {
+        static_cast<void>(decodeRequest(json));
+    } else if (kind == "progress") {
+        static_cast<void>(decodeProgress(json));
+    } else if (kind == "result") {
+        static_cast<void>(decodeResult(json, TimelineChecks::none));
+    } else if (kind == "timeline") {
+        static_cast<void>(decodeJson<AAFTimeline>(json, TimelineChecks::none));
+    } else {
+        throw std::invalid_argument("no such kind of document: " + std::string(kind));
+    }
+}
+
+}  // namespace
+
+void printSamples(std::ostream& out) {
+    const Protocol::Request request{Protocol::version,
+                                    Protocol::Request::Operation::extractAndInspect,
+                                    "/in/film.omf",
+                                    "/out",
+                                    "/media",
+                                    true,
+                                    false};
+    out << "request\t" << encodeRequest(request) << '\n'
+        << "progress\t" << encodeProgress({"resolving", 0.5, "slot 3"}) << '\n'
+        << "result\t" << sampleResultJson() << '\n'
+        << "timeline\t" << sortedJson(sampleTimeline()) << '\n';
+}
+
+void decodeLines(std::istream& in, std::ostream& out) {
+    for (std::string line; std::getline(in, line);) {
+        const std::size_t tab = line.find('\t');
+        const std::string_view text = line;
+        try {
+            decode(text.substr(0, tab), text.substr(tab == std::string::npos ? 0 : tab + 1));
+            out << "decoded\n";
+        } catch (const JsonDecodingError& error) {
+            out << error.what() << '\n';
+        }
+    }
+}
+
+}  // namespace trellant::test
