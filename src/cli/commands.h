@@ -1,0 +1,19 @@
+// The commands, each from its options to its exit status. What a file does wrong is told on the
+// console; nothing but OutputClosed is thrown for it.
+#pragma once
+
+#include "console.h"
+#include "exit_status.h"
+#include "options.h"
+
+#include <stop_token>
+
+namespace trellant::cli {
+
+[[nodiscard]] ExitStatus runInfo(const InfoOptions& options, Console& console,
+                                 const std::stop_token& stop);
+[[nodiscard]] ExitStatus runList(const ListOptions& options, Console& console,
+                                 const std::stop_token& stop);
+[[nodiscard]] ExitStatus runValidate(const ValidateOptions& options, Console& console);
+
+}  // namespace trellant::cli

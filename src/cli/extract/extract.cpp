@@ -1,0 +1,166 @@
+#include "extract.h"
+
+#include "extraction.h"
+#include "interrupts.h"
+#include "looking.h"
+
+#include <trellant/client/errors.h>
+#include <trellant/io/errors.h>
+#include <trellant/model/printable_text.h>
+#include <trellant/model/url.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+#include <unistd.h>
+
+namespace trellant::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::size_t longestShownPath = 4'096;
+
+std::string shown(const std::string& path) {
+    return printableText(path, longestShownPath);
+}
+
+/// Why the command line cannot be meant; absent when it can.
+std::optional<std::string> wrongUse(const ExtractOptions& options) {
+    std::error_code ignored;
+    const fs::path directory(options.call.directory);
+    if (options.call.directory.empty()) {
+        return "--to needs the name of a folder";
+    }
+    if (fs::exists(directory, ignored) && !fs::is_directory(directory, ignored)) {
+        return shown(options.call.directory) +
+               " is a file; name a folder with --to, which is created when it is missing";
+    }
+    for (const std::string& folder : options.call.mediaFolders) {
+        if (!fs::is_directory(folder, ignored)) {
+            return "there is no folder " + shown(folder) + " to look for audio files in";
+        }
+    }
+    return std::nullopt;
+}
+
+/// The wanted folder, made when it is missing, and gone again when nothing came to lie in it.
+class Folder {
+  public:
+    /// Throws FileSystemError.
+    explicit Folder(const std::string& given) : path_(absolute(given)) {
+        std::error_code error;
+        isNew_ = fs::create_directories(path_, error);
+        if (error) {
+            throw FileSystemError("create folder", given, error.value());
+        }
+    }
+    ~Folder() {
+        if (isNew_) {
+            // Refused as long as there is something in it.
+            ::rmdir(path_.c_str());
+        }
+    }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+    Folder(Folder&&) = delete;
+    Folder& operator=(Folder&&) = delete;
+
+    [[nodiscard]] const std::string& path() const noexcept { return path_; }
+
+  private:
+    static std::string absolute(const std::string& given) {
+        std::error_code ignored;
+        std::string path = absolutePath(given, fs::current_path(ignored).native());
+        while (path.size() > 1 && path.back() == '/') {
+            path.pop_back();
+        }
+        return path;
+    }
+
+    std::string path_;
+    bool isNew_ = false;
+};
+
+/// What a run that did not come to its end has left.
+void tellWhatIsThere(const ExtractOptions& options, std::size_t placed, Console& console) {
+    const std::string directory = shown(options.call.directory);
+    if (placed == 0) {
+        console.error("nothing was written to " + directory);
+        return;
+    }
+    console.error((placed == 1 ? "1 file is" : std::to_string(placed) + " files are") + " in " +
+                  directory + ", whole; the same command again goes on from there");
+}
+
+void tellNotConverted(const ExtractReport& report, Console& console) {
+    for (const AudioEntry& entry : report.audio) {
+        if (entry.notConverted) {
+            console.note((entry.placed ? entry.placed->name : std::string()) +
+                         " stays as it is: " + *entry.notConverted);
+        }
+    }
+}
+
+std::optional<ExtractReport> report(const ExtractOptions& options, Console& console,
+                                    const std::stop_token& stop) {
+    const Cancellable heeded;
+    std::size_t placed = 0;
+    try {
+        const Folder folder(options.call.directory);
+        StepProgress progress(console, stop);
+        progress.check();
+        Extraction extraction(options, folder.path(), progress);
+        try {
+            ExtractReport made = extraction.run();
+            console.endBar();
+            return made;
+        } catch (...) {
+            placed = extraction.placedCount();
+            throw;
+        }
+    } catch (const OutputClosed&) {
+        throw;
+    } catch (const std::exception&) {
+        console.endBar();
+        tellFailure(options.call.file, console);
+        tellWhatIsThere(options, placed, console);
+        return std::nullopt;
+    }
+}
+
+}  // namespace
+
+ExitStatus runExtract(const ExtractOptions& given, Console& console, const std::stop_token& stop) {
+    ExtractOptions options = given;
+    if (const auto message = wrongUse(options)) {
+        console.error(*message);
+        return ExitStatus::wrongUse;
+    }
+    if (options.call.wav && !options.waveConverter) {
+        options.waveConverter = installedWaveConverter();
+        if (!options.waveConverter) {
+            console.error(
+                "the program trellant-wav, which writes WAVE files, is missing. It "
+                "belongs to this one; please install Trellant again, or leave out --wav");
+            return ExitStatus::fileFailed;
+        }
+    }
+    const auto made = report(options, console, stop);
+    if (!made) {
+        return ExitStatus::fileFailed;
+    }
+    tellChanges(options.call.file, made->inspection, console);
+    tellNotConverted(*made, console);
+    console.out(options.call.json
+                    ? summaryLine(*made)
+                    : summaryScreen(*made, console.outColumns(), console.outHasColour()));
+    if (made->count(AudioState::failed) != 0) {
+        console.error(shown(options.call.file) + ": not all audio could be taken out");
+        return ExitStatus::fileFailed;
+    }
+    return verdict(made->inspection, options.call.failOn);
+}
+
+}  // namespace trellant::cli

@@ -1,0 +1,32 @@
+// `trellant extract`: the audio of a file, each piece in a file of its own.
+//
+// The worker writes into a fresh folder inside the wanted one, and only whole files move from there
+// to their final names. So whatever ends the run, what is on disk is whole.
+#pragma once
+
+#include "console.h"
+#include "exit_status.h"
+#include "options.h"
+
+#include <trellant/client/worker_client.h>
+
+#include <optional>
+#include <stop_token>
+#include <string>
+
+namespace trellant::cli {
+
+struct ExtractOptions {
+    ExtractCall call;
+    AAFWorkerClient::HelperURLProvider helperURLProvider = bundledHelper;
+    /// The program that writes WAVE; absent: the one installed with the command.
+    std::optional<std::string> waveConverter{};
+};
+
+/// Takes the audio out and says on `console` what is where. A stop ends it soon; what is on disk
+/// then is told. Throws OutputClosed, and FileSystemError for standard output; all other failures
+/// are messages and a status.
+[[nodiscard]] ExitStatus runExtract(const ExtractOptions& options, Console& console,
+                                    const std::stop_token& stop);
+
+}  // namespace trellant::cli

@@ -1,0 +1,94 @@
+#include "missing_media.h"
+
+#include <trellant/model/url.h>
+#include <trellant/model/validation.h>
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace trellant::cli {
+
+namespace {
+
+using NeedsByEssence = std::unordered_map<std::string_view, SourceNeeds>;
+
+/// Of each source that is still without a file.
+NeedsByEssence needsOfMissing(const AAFTimeline& timeline) {
+    NeedsByEssence needs;
+    for (const AAFSourceEssence& essence : timeline.essences) {
+        if (!essence.embedded && !essence.fileURL) {
+            needs.emplace(essence.id, SourceNeeds{.sampleRate = essence.sampleRate});
+        }
+    }
+    for (const AAFClipEvent& event : timeline.events) {
+        const auto found = needs.find(event.essenceID);
+        if (found == needs.end()) {
+            continue;
+        }
+        SourceNeeds& need = found->second;
+        // No file has so many channels, and adding to the number must not overflow.
+        const std::int64_t channel =
+            std::clamp<std::int64_t>(event.sourceChannel.value_or(0), 0, 65'535);
+        need.channels = std::max(need.channels, channel + 1);
+        try {
+            need.frames = std::max(
+                need.frames, AAFRawTimelineValidation::requiredSourceEnd(event, need.sampleRate));
+        } catch (const AAFRawTimelineValidation::Failure&) {
+            // A clip that makes no sense by itself says nothing about the file.
+            continue;
+        }
+    }
+    return needs;
+}
+
+std::vector<MediaCandidate> candidates(const std::vector<std::string>& paths,
+                                       const SourceNeeds& needs) {
+    std::vector<MediaCandidate> found;
+    for (const std::string& path : paths) {
+        MediaCandidate candidate{.path = path, .facts = audioFacts(path)};
+        candidate.fits = candidate.facts && fits(*candidate.facts, needs);
+        found.push_back(std::move(candidate));
+    }
+    return found;
+}
+
+void take(AAFSourceEssence& essence, const MediaCandidate& candidate) {
+    const AudioFormatInfo& format = candidate.facts->format;
+    essence.fileURL = fileURL(candidate.path);
+    essence.channelCount = format.channels.value_or(1);
+    essence.bitDepth = format.bitDepth;
+    if (format.codec) {
+        essence.codec = format.codec;
+    }
+}
+
+}  // namespace
+
+bool fits(const AudioFacts& facts, const SourceNeeds& needs) {
+    return facts.format.sampleRate == needs.sampleRate &&
+           facts.format.channels.value_or(0) >= needs.channels && facts.frames &&
+           (needs.frames <= 0 || *facts.frames >= static_cast<std::uint64_t>(needs.frames));
+}
+
+OpenChoices findMissing(AAFTimeline& timeline, const MediaFolders& folders) {
+    OpenChoices open;
+    const NeedsByEssence needs = needsOfMissing(timeline);
+    for (AAFSourceEssence& essence : timeline.essences) {
+        const auto need = needs.find(essence.id);
+        if (need == needs.end() || essence.embedded || essence.fileURL) {
+            continue;
+        }
+        const std::string wanted = wantedFileName(
+            essence.originalPath ? *essence.originalPath : essence.sourceName.value_or(""));
+        auto found = candidates(folders.named(wanted), need->second);
+        const auto isFit = [](const MediaCandidate& candidate) { return candidate.fits; };
+        if (std::count_if(found.begin(), found.end(), isFit) == 1) {
+            take(essence, *std::find_if(found.begin(), found.end(), isFit));
+        } else if (!found.empty()) {
+            open.emplace(essence.id, std::move(found));
+        }
+    }
+    return open;
+}
+
+}  // namespace trellant::cli

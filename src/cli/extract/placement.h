@@ -1,0 +1,57 @@
+// From the folder where files come into being to their final names. A file that is there already,
+// byte for byte, is kept; another one of the same name is never replaced unless that was asked for.
+#pragma once
+
+#include "numbered_name.h"
+#include "step_progress.h"
+
+#include <cstddef>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+namespace trellant::cli {
+
+/// A file under its final name.
+struct PlacedFile {
+    std::string path{};
+    std::string name{};
+    std::string sha256{};
+    /// It was there before, with the same bytes.
+    bool wasThere = false;
+    /// Another file had the name that was wanted.
+    bool renumbered = false;
+};
+
+class Placement {
+  public:
+    /// `directory` absolute; `force`: files with other bytes are replaced.
+    Placement(std::string directory, bool force, StepProgress& progress)
+        : directory_(std::move(directory)), force_(force), progress_(progress) {}
+
+    /// Gives the file at `staged` the name `wanted` or the next free number of it. Two files placed
+    /// by one Placement never share a name. Throws FileSystemError, AAFCancellationError.
+    PlacedFile place(const std::string& staged, const NumberedName& wanted);
+
+    /// All placed so far, in order.
+    [[nodiscard]] const std::vector<PlacedFile>& placed() const noexcept { return placed_; }
+
+  private:
+    enum class Standing { nothing, same, other };
+
+    [[nodiscard]] Standing standingAt(const std::string& path, const std::string& staged,
+                                      const std::string& sha256);
+    [[nodiscard]] bool settle(const std::string& path, const std::string& staged, PlacedFile& file);
+    [[nodiscard]] std::string digest(const std::string& path);
+
+    std::string directory_;
+    bool force_;
+    StepProgress& progress_;
+    std::vector<PlacedFile> placed_;
+    std::unordered_set<std::string> taken_;
+    /// Of files that were compared and found to be others.
+    std::unordered_map<std::string, std::string> digests_;
+};
+
+}  // namespace trellant::cli

@@ -1,0 +1,200 @@
+// The summary for a person: what is where, then what is missing, then what to do next.
+#include "report.h"
+#include "shown_text.h"
+#include "sources.h"
+#include "table.h"
+#include "timeline_text.h"
+
+#include <algorithm>
+
+namespace trellant::cli {
+
+namespace {
+
+/// Candidates of one source that are listed; more would bury the rest.
+constexpr std::size_t listedCandidates = 10;
+
+std::string counted(std::size_t count, std::string_view one, std::string_view many) {
+    return std::to_string(count) + " " + std::string(count == 1 ? one : many);
+}
+
+void appendPart(std::string& text, const std::string& part) {
+    if (!text.empty()) {
+        text += ", ";
+    }
+    text += part;
+}
+
+std::string bitsText(const std::optional<std::int64_t>& bits) {
+    return bits ? std::to_string(*bits) : "";
+}
+
+class Screen {
+  public:
+    Screen(const ExtractReport& report, std::size_t columns, bool colour)
+        : report_(report),
+          timeline_(report.inspection.timeline),
+          columns_(columns),
+          colour_(colour) {}
+
+    std::string text() {
+        text_ = painted(shownText(report_.file), Paint::bold, colour_) + "\n";
+        addHead();
+        if (!report_.audio.empty()) {
+            text_ += "\n" + aligned(table(), columns_, colour_);
+        }
+        addMissing();
+        addAdvice();
+        return std::move(text_);
+    }
+
+  private:
+    void line(std::string_view label, const std::string& fact) {
+        constexpr std::size_t labelWidth = 11;
+        text_ += "  " + painted(label, Paint::dim, colour_);
+        text_.append(labelWidth - label.size(), ' ');
+        text_ += fact + "\n";
+    }
+
+    [[nodiscard]] std::string audioText() const {
+        std::string text;
+        for (const AudioState state :
+             {AudioState::takenOut, AudioState::converted, AudioState::found, AudioState::missing,
+              AudioState::undecided, AudioState::failed}) {
+            if (const std::size_t count = report_.count(state); count != 0) {
+                appendPart(text, std::to_string(count) + " " + std::string(stateText(state)));
+            }
+        }
+        const auto wereThere = static_cast<std::size_t>(std::count_if(
+            report_.audio.begin(), report_.audio.end(),
+            [](const AudioEntry& entry) { return entry.placed && entry.placed->wasThere; }));
+        if (wereThere != 0) {
+            appendPart(text, std::to_string(wereThere) + " already there");
+        }
+        return text.empty() ? "none" : text;
+    }
+
+    void addHead() {
+        line("Audio", audioText());
+        line("Folder", shownText(report_.directory));
+        line("Timeline", report_.timeline.name);
+        line("Checksums", report_.manifest.name +
+                              ", to be checked in the folder by: sha256sum -c " +
+                              report_.manifest.name);
+    }
+
+    [[nodiscard]] std::string sourceNames(const AudioEntry& entry) const {
+        std::string names;
+        for (const std::size_t index : entry.essences) {
+            appendPart(names, shownText(sourceName(timeline_.essences[index])));
+        }
+        return names;
+    }
+
+    [[nodiscard]] std::string lengthOf(const std::optional<AudioFacts>& facts) const {
+        const auto length = facts ? seconds(*facts) : std::nullopt;
+        return length ? lengthText(timeline_, *length) : "";
+    }
+
+    [[nodiscard]] Table table() const {
+        Table table{.columns = {{"Audio file", Align::left, true},
+                                {"Source", Align::left, true},
+                                {"Clips", Align::right},
+                                {"Length", Align::right},
+                                {"Rate", Align::right},
+                                {"Bits", Align::right},
+                                {"Channels"},
+                                {"State"}},
+                    .rows = {}};
+        for (const AudioEntry& entry : report_.audio) {
+            const AAFSourceEssence& essence = timeline_.essences[entry.essences.front()];
+            std::string file = entry.placed ? entry.placed->name : entry.path.value_or("");
+            std::string state(stateText(entry.state));
+            if (entry.placed && entry.placed->wasThere) {
+                state += ", was there";
+            }
+            table.rows.push_back(
+                {std::move(file), sourceNames(entry), std::to_string(entry.clips),
+                 lengthOf(entry.facts), plainRate(essence.sampleRate), bitsText(essence.bitDepth),
+                 entry.path ? channelsText(essence.channelCount) : "", std::move(state)});
+        }
+        return table;
+    }
+
+    [[nodiscard]] std::string candidateText(const MediaCandidate& candidate) const {
+        std::string text = shownText(candidate.path) + ": ";
+        if (!candidate.facts) {
+            return text + "no readable audio file";
+        }
+        const AudioFormatInfo& format = candidate.facts->format;
+        const std::string length = lengthOf(candidate.facts);
+        text += length.empty()
+                    ? "length not known"
+                    : length + " (" + std::to_string(*candidate.facts->frames) + " samples)";
+        text += format.sampleRate ? ", " + plainRate(*format.sampleRate) + " Hz" : "";
+        text += format.channels ? ", " + channelsText(*format.channels) : "";
+        return text + (candidate.fits ? ", fits" : ", does not fit");
+    }
+
+    void addMissing() {
+        bool first = true;
+        for (const AudioEntry& entry : report_.audio) {
+            if (entry.state != AudioState::missing && entry.state != AudioState::undecided) {
+                continue;
+            }
+            const AAFSourceEssence& essence = timeline_.essences[entry.essences.front()];
+            text_ += first ? "\n" + painted("Missing", Paint::yellow, colour_) + "\n" : "";
+            first = false;
+            text_ += "  " + sourceNames(entry) + ", " + counted(entry.clips, "clip", "clips");
+            if (essence.originalPath) {
+                text_ += ", recorded as " + shownText(*essence.originalPath);
+            }
+            text_ += "\n";
+            const std::size_t shown = std::min(entry.candidates.size(), listedCandidates);
+            for (std::size_t index = 0; index < shown; ++index) {
+                text_ += "    " + candidateText(entry.candidates[index]) + "\n";
+            }
+            if (shown < entry.candidates.size()) {
+                text_ += "    and " + std::to_string(entry.candidates.size() - shown) + " more\n";
+            }
+        }
+    }
+
+    void addAdvice() {
+        const std::string file = shownText(shellWord(report_.file));
+        std::string advice;
+        if (report_.count(AudioState::missing) != 0) {
+            advice += "  Where the missing audio files lie may be told: trellant extract " + file +
+                      " --to " + shownText(shellWord(report_.directory)) + " --media FOLDER\n";
+        }
+        if (report_.count(AudioState::undecided) != 0) {
+            advice +=
+                "  Several files bear one name, or the one that does is another recording: "
+                "give a folder with the right one only by --media FOLDER\n";
+        }
+        if (report_.unused.value_or(0) != 0) {
+            advice += "  " +
+                      counted(*report_.unused, "more audio file is", "more audio files are") +
+                      " inside that no clip plays; not taken out\n";
+        }
+        if (const std::size_t losses = timeline_.unsupportedFeatures.size(); losses != 0) {
+            advice += "  " + counted(losses, "thing was", "things were") +
+                      " not carried over: trellant list losses " + file + "\n";
+        }
+        text_ += advice.empty() ? "" : "\n" + advice;
+    }
+
+    const ExtractReport& report_;
+    const AAFTimeline& timeline_;
+    std::size_t columns_;
+    bool colour_;
+    std::string text_;
+};
+
+}  // namespace
+
+std::string summaryScreen(const ExtractReport& report, std::size_t columns, bool colour) {
+    return Screen(report, columns, colour).text();
+}
+
+}  // namespace trellant::cli

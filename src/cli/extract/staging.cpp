@@ -1,0 +1,61 @@
+#include "staging.h"
+
+#include <trellant/io/errors.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <sys/stat.h>
+#include <system_error>
+
+namespace trellant::cli {
+
+namespace fs = std::filesystem;
+
+Staging::Staging(const std::string& directory) : path_(directory + "/.trellant-XXXXXX") {
+    if (::mkdtemp(path_.data()) == nullptr) {
+        throw FileSystemError("write to", directory, errno);
+    }
+}
+
+Staging::~Staging() {
+    std::error_code ignored;
+    fs::remove_all(path_, ignored);
+}
+
+bool Staging::holds(const std::string& path) const {
+    struct stat status {};
+    return path.size() > path_.size() + 1 && path.starts_with(path_ + "/") &&
+           path.find('/', path_.size() + 1) == std::string::npos &&
+           ::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+std::string Staging::freeFile(const NumberedName& name) const {
+    struct stat status {};
+    std::uint64_t number = name.number;
+    std::string path = file(name.text());
+    while (::lstat(path.c_str(), &status) == 0) {
+        path = file(name.withNumber(++number));
+    }
+    return path;
+}
+
+std::uint64_t Staging::bytes() const {
+    std::uint64_t sum = 0;
+    std::error_code ignored;
+    for (fs::directory_iterator entry(path_, ignored), end; entry != end;
+         entry.increment(ignored)) {
+        sum += bytesOfFile(entry->path().native());
+    }
+    return sum;
+}
+
+std::uint64_t bytesOfFile(const std::string& path) noexcept {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return 0;
+    }
+    return static_cast<std::uint64_t>(status.st_size);
+}
+
+}  // namespace trellant::cli

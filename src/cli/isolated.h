@@ -1,0 +1,43 @@
+// Work on a stranger's file in a process of its own, so that whatever the file does to it, the
+// command goes on and can say so.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <variant>
+
+namespace trellant::cli {
+
+/// Why there is no answer. `reason` is for people and completes a sentence by itself.
+struct IsolatedFailure {
+    enum class Kind {
+        /// The work threw; `reason` is what the exception says.
+        exception,
+        /// The process ended before it had answered.
+        crashed,
+        /// The answer is longer than allowed.
+        tooLong,
+        /// The system gives no process, or no pipe to it.
+        system
+    };
+    Kind kind;
+    std::string reason;
+    bool operator==(const IsolatedFailure&) const = default;
+};
+
+/// The text that the work gave, or why there is none.
+using IsolatedAnswer = std::variant<std::string, IsolatedFailure>;
+
+/// Bytes of an answer when the caller names no other bound.
+inline constexpr std::size_t isolatedAnswerLimit = 268'435'456;
+
+/// Runs `work` in a child of this process and gives its text. The child shares the open files, so
+/// it may also write to standard output itself; what it changes in memory is lost. It ends with
+/// this process, and is ended when its answer passes `maxBytes`. Signals that ask to end it do so,
+/// whatever this process made of them. To be called while no other thread of this process is at
+/// work: the child has none of them, and would wait for what they hold. Throws nothing of the work.
+[[nodiscard]] IsolatedAnswer inChildProcess(const std::function<std::string()>& work,
+                                            std::size_t maxBytes = isolatedAnswerLimit);
+
+}  // namespace trellant::cli

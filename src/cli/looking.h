@@ -1,0 +1,35 @@
+// What the commands that only look have in common: one inspection with a bar, its failures in
+// words, its verdict for scripts.
+#pragma once
+
+#include "console.h"
+#include "exit_status.h"
+#include "inspection.h"
+#include "options.h"
+
+#include <exception>
+#include <optional>
+#include <stop_token>
+#include <string>
+
+namespace trellant::cli {
+
+/// Inspects the file and tells of repairs; absent when it could not be read, which was told then.
+[[nodiscard]] std::optional<Inspection> look(const std::string& file,
+                                             const std::optional<std::string>& mediaFolder,
+                                             Console& console, const std::stop_token& stop);
+
+/// Tells why an inspection of `file` failed: the error in hand inside a catch block.
+void tellFailure(const std::string& file, Console& console);
+
+/// Tells, one by one, what had to be changed to make the timeline usable.
+void tellChanges(const std::string& file, const Inspection& inspection, Console& console);
+
+/// done, or lossesFound when the inspection holds what `failOn` names.
+[[nodiscard]] ExitStatus verdict(const Inspection& inspection, FailOn failOn);
+
+/// Writes `text` where the data goes; false when that failed, which was told then.
+[[nodiscard]] bool deliver(const Destination& destination, const std::string& text,
+                           Console& console);
+
+}  // namespace trellant::cli

@@ -1,0 +1,76 @@
+// trellant: the command for people.
+#include "commands.h"
+#include "dump.h"
+#include "extract/extract.h"
+#include "interrupts.h"
+
+#include <exception>
+#include <sstream>
+#include <string>
+#include <type_traits>
+#include <variant>
+
+namespace trellant::cli {
+
+namespace {
+
+ExitStatus perform(const Call& call, Console& console) {
+    const std::stop_token stop = interruptToken();
+    return std::visit(
+        [&console, &stop](const auto& options) {
+            using Options = std::decay_t<decltype(options)>;
+            if constexpr (std::is_same_v<Options, InfoOptions>) {
+                return runInfo(options, console, stop);
+            } else if constexpr (std::is_same_v<Options, ListOptions>) {
+                return runList(options, console, stop);
+            } else if constexpr (std::is_same_v<Options, ValidateOptions>) {
+                return runValidate(options, console);
+            } else if constexpr (std::is_same_v<Options, DumpCall>) {
+                return runDump({.file = options.file,
+                                .toc = options.toc,
+                                .object = options.object,
+                                .path = options.path,
+                                .all = options.all},
+                               console);
+            } else {
+                static_assert(std::is_same_v<Options, ExtractCall>);
+                const Cancellable heeded;
+                return runExtract({.call = options}, console, stop);
+            }
+        },
+        call);
+}
+
+ExitStatus run(int argc, const char* const* argv) {
+    const CommandLine line = readCommandLine(argc, argv);
+    Console console(line.verbosity);
+    try {
+        if (line.call) {
+            watchInterrupts();
+            return perform(*line.call, console);
+        }
+        if (line.status == ExitStatus::done) {
+            console.out(line.text);
+        } else {
+            std::istringstream lines(line.text);
+            for (std::string text; std::getline(lines, text);) {
+                console.error(text);
+            }
+        }
+        return line.status;
+    } catch (const OutputClosed&) {
+        return ExitStatus::done;
+    } catch (const std::exception& error) {
+        console.endBar();
+        console.error(error.what());
+        return ExitStatus::fileFailed;
+    }
+}
+
+}  // namespace
+
+}  // namespace trellant::cli
+
+int main(int argc, char** argv) {
+    return static_cast<int>(trellant::cli::run(argc, argv));
+}

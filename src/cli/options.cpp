@@ -1,0 +1,259 @@
+#include "options.h"
+
+#include <trellant/version.h>
+
+#include <CLI/CLI.hpp>
+#include <map>
+#include <memory>
+
+namespace trellant::cli {
+
+namespace {
+
+/// Examples first: most readers look for the line that does what they need.
+class HelpPage final : public CLI::Formatter {
+  public:
+    std::string make_help(const CLI::App* app, std::string name,
+                          CLI::AppFormatMode mode) const override {
+        if (mode == CLI::AppFormatMode::Sub) {
+            return CLI::Formatter::make_help(app, name, mode);
+        }
+        std::string page = app->get_description() + "\n\n";
+        if (!app->get_footer().empty()) {
+            page += "Examples:\n" + app->get_footer() + "\n\n";
+        }
+        page += make_usage(app, name);
+        page += make_positionals(app);
+        page += make_groups(app, mode);
+        page += make_subcommands(app, mode);
+        return page;
+    }
+};
+
+const std::map<std::string, FailOn>& failOnNames() {
+    static const std::map<std::string, FailOn> names{
+        {"missing", FailOn::missing}, {"render", FailOn::render}, {"any", FailOn::any}};
+    return names;
+}
+
+void addFailOn(CLI::App& command, FailOn& failOn) {
+    command
+        .add_option("--fail-on", failOn,
+                    "End with status 3 when an audio file is missing, when something does not "
+                    "sound as meant (render), or for any loss")
+        ->transform(CLI::CheckedTransformer(failOnNames()))
+        ->type_name("missing|render|any");
+}
+
+void addMedia(CLI::App& command, std::optional<std::string>& folder) {
+    command.add_option("--media", folder, "Look for external audio files in this folder and below")
+        ->type_name("FOLDER");
+}
+
+void addDestination(CLI::App& command, Destination& destination) {
+    command
+        .add_option("-o,--output", destination.path,
+                    "Write to this file; - is standard output, the default")
+        ->type_name("FILE");
+    command.add_flag("--force", destination.force, "Replace an existing file");
+}
+
+class Parser {
+  public:
+    Parser() {
+        app_.formatter(std::make_shared<HelpPage>());
+        app_.set_help_flag("-h,--help", "Show this page");
+        app_.set_version_flag("--version", "trellant " + std::string(versionText));
+        app_.require_subcommand(1);
+        app_.fallthrough();
+        app_.add_flag("-q,--quiet", quiet_, "Say nothing but errors");
+        app_.add_flag("-v,--verbose", verbose_, "Say more, for finding a fault");
+        app_.footer(
+            "  trellant info mix.omf                          what is in it, on one screen\n"
+            "  trellant list clips mix.omf --csv > mix.csv    every clip, for a sheet\n"
+            "  trellant list losses mix.omf                   what could not be carried over\n"
+            "  trellant extract mix.omf --to mix-audio        take the audio out");
+        addInfo();
+        addList();
+        addExtract();
+        addDump();
+        addValidate();
+    }
+
+    CommandLine read(int argc, const char* const* argv) {
+        CommandLine line;
+        try {
+            app_.parse(argc, argv);
+        } catch (const CLI::CallForVersion& call) {
+            line.text = std::string(call.what()) + "\n";
+            return line;
+        } catch (const CLI::CallForHelp&) {
+            line.text = asked().help();
+            return line;
+        } catch (const CLI::ParseError& error) {
+            return wrongUse(error.what());
+        }
+        if (quiet_ && verbose_) {
+            return wrongUse("--quiet and --verbose exclude each other");
+        }
+        line.verbosity = quiet_     ? Verbosity::quiet
+                         : verbose_ ? Verbosity::verbose
+                                    : Verbosity::normal;
+        line.call = chosen();
+        return line;
+    }
+
+  private:
+    CLI::App& command(const std::string& name, const std::string& description,
+                      const std::string& examples) {
+        CLI::App* const added = app_.add_subcommand(name, description);
+        added->footer(examples);
+        return *added;
+    }
+
+    void addInfo() {
+        info_ = &command("info", "Shows what is in OMF files, one screen each",
+                         "  trellant info mix.omf\n"
+                         "  trellant info --media /Volumes/Audio reel1.omf reel2.omf\n"
+                         "  trellant info --json *.omf | jq .clips");
+        info_->add_option("FILE", infoOptions_.files, "OMF files")->required();
+        info_->add_flag("--json", infoOptions_.json, "One JSON object a line for each file");
+        addMedia(*info_, infoOptions_.mediaFolder);
+        addFailOn(*info_, infoOptions_.failOn);
+        addDestination(*info_, infoOptions_.destination);
+    }
+
+    void addList() {
+        list_ =
+            &command("list", "Lists the tracks, clips, audio files or losses of an OMF file",
+                     "  trellant list clips mix.omf\n"
+                     "  trellant list clips mix.omf --csv -o mix.csv\n"
+                     "  trellant list losses mix.omf -v                with the technical texts\n"
+                     "  trellant list losses mix.omf --json");
+        static const std::map<std::string, ListOptions::What> names{
+            {"tracks", ListOptions::What::tracks},
+            {"clips", ListOptions::What::clips},
+            {"sources", ListOptions::What::sources},
+            {"losses", ListOptions::What::losses}};
+        list_->add_option("WHAT", listOptions_.what, "tracks, clips, sources or losses")
+            ->required()
+            ->transform(CLI::CheckedTransformer(names))
+            ->type_name("");
+        list_->add_option("FILE", listOptions_.file, "OMF file")->required()->type_name("");
+        auto* const csvFlag = list_->add_flag("--csv", csv_, "Comma-separated, for sheets");
+        list_->add_flag("--json", json_, "One JSON object a line")->excludes(csvFlag);
+        addMedia(*list_, listOptions_.mediaFolder);
+        addFailOn(*list_, listOptions_.failOn);
+        addDestination(*list_, listOptions_.destination);
+    }
+
+    void addExtract() {
+        extract_ = &command(
+            "extract", "Takes the audio out of an OMF file and finds what lies beside it",
+            "  trellant extract mix.omf --to mix-audio\n"
+            "  trellant extract mix.omf --to mix-audio --wav\n"
+            "  trellant extract mix.omf --to mix-audio --media /Volumes/A --media /Volumes/B");
+        extract_->add_option("FILE", extractCall_.file, "OMF file")->required()->type_name("");
+        extract_->add_option("--to", extractCall_.directory, "Write here; created when missing")
+            ->required()
+            ->type_name("FOLDER");
+        extract_
+            ->add_option("--media", extractCall_.mediaFolders,
+                         "Look for external audio files in this folder and below; may be given "
+                         "several times")
+            ->type_name("FOLDER")
+            ->expected(1)
+            ->take_all();
+        extract_->add_flag("--wav", extractCall_.wav, "Write AIFF audio as WAVE, sample by sample");
+        extract_->add_flag("--force", extractCall_.force, "Replace existing files");
+        extract_->add_flag("--json", extractCall_.json, "Summary as one JSON object");
+        addFailOn(*extract_, extractCall_.failOn);
+    }
+
+    void addDump() {
+        dump_ = &command("dump", "Shows the container behind an OMF file, for engineers",
+                         "  trellant dump mix.omf\n"
+                         "  trellant dump mix.omf --object 12\n"
+                         "  trellant dump mix.omf --path 'CMOB[12]/slot[34]/SEQU[56]'");
+        dump_->add_option("FILE", dumpCall_.file, "Any file")->required()->type_name("");
+        auto* const toc = dump_->add_flag("--toc", dumpCall_.toc, "Every entry of the table");
+        auto* const object =
+            dump_->add_option("--object", dumpCall_.object, "One object with its properties")
+                ->type_name("N")
+                ->excludes(toc);
+        dump_->add_option("--path", dumpCall_.path, "The place that a loss names, step by step")
+            ->type_name("PATH")
+            ->excludes(toc)
+            ->excludes(object);
+        dump_->add_flag("--all", dumpCall_.all, "Without bounds on what is shown");
+    }
+
+    void addValidate() {
+        validate_ = &command("validate", "Checks timelines and results that were written as JSON",
+                             "  trellant validate result.json\n"
+                             "  trellant-omf < request.json | trellant validate -");
+        validate_->add_option("RESULT", validateOptions_.files, "JSON files; - is standard input")
+            ->required();
+        validate_->add_flag("--json", validateOptions_.json, "One JSON object a line");
+    }
+
+    [[nodiscard]] const CLI::App& asked() const {
+        const auto chosen = app_.get_subcommands();
+        return chosen.empty() ? app_ : *chosen.front();
+    }
+
+    [[nodiscard]] Call chosen() {
+        if (info_->parsed()) {
+            return infoOptions_;
+        }
+        if (list_->parsed()) {
+            listOptions_.form = csv_    ? ListOptions::Form::csv
+                                : json_ ? ListOptions::Form::json
+                                        : ListOptions::Form::people;
+            return listOptions_;
+        }
+        if (extract_->parsed()) {
+            return extractCall_;
+        }
+        if (dump_->parsed()) {
+            return dumpCall_;
+        }
+        return validateOptions_;
+    }
+
+    [[nodiscard]] CommandLine wrongUse(const std::string& message) const {
+        CommandLine line;
+        const std::string name = asked().get_name();
+        line.text = message + "\nTry: trellant " +
+                    (&asked() == &app_ || name.empty() ? "" : name + " ") + "-h";
+        line.status = ExitStatus::wrongUse;
+        return line;
+    }
+
+    CLI::App app_{
+        "Looks into OMF files, takes their audio out, and tells what could not be "
+        "carried over.",
+        "trellant"};
+    CLI::App* info_ = nullptr;
+    CLI::App* list_ = nullptr;
+    CLI::App* extract_ = nullptr;
+    CLI::App* dump_ = nullptr;
+    CLI::App* validate_ = nullptr;
+    InfoOptions infoOptions_;
+    ListOptions listOptions_;
+    ExtractCall extractCall_;
+    DumpCall dumpCall_;
+    ValidateOptions validateOptions_;
+    bool quiet_ = false;
+    bool verbose_ = false;
+    bool csv_ = false;
+    bool json_ = false;
+};
+
+}  // namespace
+
+CommandLine readCommandLine(int argc, const char* const* argv) {
+    return Parser().read(argc, argv);
+}
+
+}  // namespace trellant::cli

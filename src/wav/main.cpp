@@ -1,0 +1,20 @@
+// trellant-wav IN OUT: the audio of an uncompressed AIFF or AIFC file as a new WAVE file. Exit
+// status 0 done, 1 wrong use, 2 not converted, with the reason on standard error.
+#include "wave_copy.h"
+
+#include <cstdio>
+#include <exception>
+
+int main(int argumentCount, char** arguments) {
+    if (argumentCount != 3) {
+        static_cast<void>(std::fputs("usage: trellant-wav IN OUT\n", stderr));
+        return 1;
+    }
+    try {
+        trellant::wav::copyAsWave(arguments[1], arguments[2]);
+        return 0;
+    } catch (const std::exception& error) {
+        static_cast<void>(std::fprintf(stderr, "%s\n", error.what()));
+        return 2;
+    }
+}

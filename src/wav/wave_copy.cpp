@@ -1,0 +1,167 @@
+#include "wave_copy.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <limits>
+#include <memory>
+#include <sndfile.h>
+#include <system_error>
+#include <unistd.h>
+#include <vector>
+
+namespace trellant::wav {
+
+namespace {
+
+/// What a RIFF size can say, less more than the chunks around the samples take.
+constexpr std::uint64_t plainFormLimit = std::numeric_limits<std::uint32_t>::max() - 65'536ULL;
+/// Samples of all channels that are moved at once.
+constexpr sf_count_t blockSamples = 65'536;
+
+struct SoundCloser {
+    void operator()(SNDFILE* sound) const noexcept { ::sf_close(sound); }
+};
+using Sound = std::unique_ptr<SNDFILE, SoundCloser>;
+
+std::string systemText(int errorNumber) {
+    return std::generic_category().message(errorNumber);
+}
+
+/// How a kind of sample is called in a WAVE file, and what it takes there.
+struct SampleForm {
+    int subtype;
+    std::uint64_t bytes;
+    bool isFloatingPoint = false;
+};
+
+SampleForm sampleForm(int format) {
+    switch (format & SF_FORMAT_SUBMASK) {
+        case SF_FORMAT_PCM_S8:
+        case SF_FORMAT_PCM_U8:
+            return {SF_FORMAT_PCM_U8, 1};
+        case SF_FORMAT_PCM_16:
+            return {SF_FORMAT_PCM_16, 2};
+        case SF_FORMAT_PCM_24:
+            return {SF_FORMAT_PCM_24, 3};
+        case SF_FORMAT_PCM_32:
+            return {SF_FORMAT_PCM_32, 4};
+        case SF_FORMAT_FLOAT:
+            return {SF_FORMAT_FLOAT, 4, true};
+        case SF_FORMAT_DOUBLE:
+            return {SF_FORMAT_DOUBLE, 8, true};
+        default:
+            throw ConversionError("its audio is compressed");
+    }
+}
+
+struct Source {
+    SF_INFO info{};
+    Sound sound;
+};
+
+Source openSource(const std::string& path) {
+    Source source;
+    source.sound.reset(::sf_open(path.c_str(), SFM_READ, &source.info));
+    if (source.sound == nullptr) {
+        throw ConversionError(::sf_strerror(nullptr));
+    }
+    if ((source.info.format & SF_FORMAT_TYPEMASK) != SF_FORMAT_AIFF) {
+        throw ConversionError("it is no AIFF or AIFC file");
+    }
+    return source;
+}
+
+/// A new file that goes again unless it is kept.
+class NewFile {
+  public:
+    explicit NewFile(const std::string& path)
+        : path_(path),
+          descriptor_(
+              ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666)) {
+        if (descriptor_ < 0) {
+            throw ConversionError("cannot create " + path + ": " + systemText(errno));
+        }
+    }
+    ~NewFile() {
+        if (!kept_) {
+            ::unlink(path_.c_str());
+        }
+        ::close(descriptor_);
+    }
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+    NewFile(NewFile&&) = delete;
+    NewFile& operator=(NewFile&&) = delete;
+
+    [[nodiscard]] int descriptor() const noexcept { return descriptor_; }
+    void keep() noexcept { kept_ = true; }
+
+  private:
+    const std::string& path_;
+    int descriptor_;
+    bool kept_ = false;
+};
+
+template <class Sample>
+using Transfer = sf_count_t (*)(SNDFILE*, Sample*, sf_count_t);
+template <class Sample>
+using Delivery = sf_count_t (*)(SNDFILE*, const Sample*, sf_count_t);
+
+template <class Sample>
+void moveFrames(const Source& source, SNDFILE* target, Transfer<Sample> read,
+                Delivery<Sample> write) {
+    const sf_count_t channels = source.info.channels;
+    const sf_count_t blockFrames = std::max<sf_count_t>(1, blockSamples / channels);
+    std::vector<Sample> block(static_cast<std::size_t>(blockFrames * channels));
+    sf_count_t moved = 0;
+    while (moved < source.info.frames) {
+        const sf_count_t wanted = std::min(blockFrames, source.info.frames - moved);
+        if (read(source.sound.get(), block.data(), wanted) != wanted) {
+            throw ConversionError("it ends before its last sample");
+        }
+        if (write(target, block.data(), wanted) != wanted) {
+            throw ConversionError(::sf_strerror(target));
+        }
+        moved += wanted;
+    }
+}
+
+}  // namespace
+
+bool needsLargeForm(std::uint64_t sampleBytes) noexcept {
+    return sampleBytes > plainFormLimit;
+}
+
+void copyAsWave(const std::string& source, const std::string& destination) {
+    const Source input = openSource(source);
+    const SampleForm form = sampleForm(input.info.format);
+    const auto samples = static_cast<std::uint64_t>(input.info.frames) *
+                         static_cast<std::uint64_t>(input.info.channels);
+    SF_INFO info{};
+    info.samplerate = input.info.samplerate;
+    info.channels = input.info.channels;
+    info.format =
+        (needsLargeForm(samples * form.bytes) ? SF_FORMAT_RF64 : SF_FORMAT_WAV) | form.subtype;
+    NewFile file(destination);
+    Sound output(::sf_open_fd(file.descriptor(), SFM_WRITE, &info, SF_FALSE));
+    if (output == nullptr) {
+        throw ConversionError(::sf_strerror(nullptr));
+    }
+    // The chunk of peaks holds the time of day, and equal audio is to give equal files.
+    ::sf_command(output.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
+    if (form.subtype == SF_FORMAT_FLOAT) {
+        moveFrames<float>(input, output.get(), ::sf_readf_float, ::sf_writef_float);
+    } else if (form.isFloatingPoint) {
+        moveFrames<double>(input, output.get(), ::sf_readf_double, ::sf_writef_double);
+    } else {
+        moveFrames<int>(input, output.get(), ::sf_readf_int, ::sf_writef_int);
+    }
+    // Closing writes the sizes into the head.
+    if (const int failure = ::sf_close(output.release()); failure != 0) {
+        throw ConversionError(::sf_error_number(failure));
+    }
+    file.keep();
+}
+
+}  // namespace trellant::wav

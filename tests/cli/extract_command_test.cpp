@@ -1,0 +1,239 @@
+// Extraction as a person meets it: what lies in the folder afterwards, and what is said about it.
+#include "extract_fixture.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <sys/stat.h>
+#include <trellant_testing/aiff_builder.h>
+#include <trellant_testing/byte_writer.h>
+#include <unistd.h>
+
+namespace trellant::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+const std::vector<std::int16_t> kick{1, 2, 3, 4};
+const std::vector<std::int16_t> snare{5, 6, 7, 8};
+
+/// Whether sha256sum finds every file of the manifest as it says.
+bool checksOut(const std::string& folder, const std::string& manifest) {
+    const std::string command =
+        "cd '" + folder + "' && sha256sum --quiet --strict -c " + manifest + " 2>&1";
+    std::FILE* const pipe = ::popen(command.c_str(), "r");
+    return pipe != nullptr && ::pclose(pipe) == 0;
+}
+
+class Extract : public ExtractTest {};
+
+TEST_F(Extract, PutsEachAudioFileTimelineAndManifestIntoTheFolder) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    add({.name = "Snare.wav", .media = waveOf(snare)});
+    extractWell(options(writeDocument()));
+    EXPECT_THAT(namesIn(out()),
+                ElementsAre("Kick.wav", "MANIFEST.sha256", "Snare.wav", "timeline.json"));
+    EXPECT_EQ(readFile(out("Kick.wav")), waveOf(kick));
+    EXPECT_EQ(readFile(out("Snare.wav")), waveOf(snare));
+    EXPECT_EQ(pathOfSource(1), out("Kick.wav"));
+    EXPECT_EQ(pathOfSource(2), out("Snare.wav"));
+}
+
+TEST_F(Extract, ManifestIsSortedAndSha256sumAgrees) {
+    add({.name = "Snare.wav", .media = waveOf(snare)});
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    extractWell(options(writeDocument()));
+    const std::string manifest = textOf(readFile(out("MANIFEST.sha256")));
+    const auto nameAt = [&](const char* name) { return manifest.find(name); };
+    EXPECT_LT(nameAt("  Kick.wav\n"), nameAt("  Snare.wav\n"));
+    EXPECT_LT(nameAt("  Snare.wav\n"), nameAt("  timeline.json\n"));
+    EXPECT_TRUE(checksOut(out(), "MANIFEST.sha256"));
+    writeFile(out("Kick.wav"), waveOf(snare));
+    EXPECT_FALSE(checksOut(out(), "MANIFEST.sha256"));
+}
+
+TEST_F(Extract, TwiceInARowChangesNothing) {
+    add({.name = "Take.wav", .media = waveOf(kick)});
+    add({.name = "Take.wav", .media = waveOf(snare)});
+    add({.name = "Take.wav", .media = waveOf(kick)});
+    const auto call = options(writeDocument());
+    extractWell(call);
+    const auto names = namesIn(out());
+    EXPECT_THAT(names, ElementsAre("MANIFEST.sha256", "Take.wav", "Take_2.wav", "Take_3.wav",
+                                   "timeline.json"));
+    struct stat before {};
+    ASSERT_EQ(::stat(out("Take_2.wav").c_str(), &before), 0);
+    const Bytes timelineBefore = readFile(out("timeline.json"));
+    const std::string said = extractWell(call);
+    struct stat after {};
+    ASSERT_EQ(::stat(out("Take_2.wav").c_str(), &after), 0);
+    EXPECT_EQ(before.st_ino, after.st_ino);
+    EXPECT_EQ(namesIn(out()), names);
+    EXPECT_EQ(readFile(out("timeline.json")), timelineBefore);
+    EXPECT_THAT(said, HasSubstr("3 taken out, 3 already there"));
+}
+
+TEST_F(Extract, OtherFilesOfTheNameStayAndTheNewOneIsNumbered) {
+    add({.name = "Take.wav", .media = waveOf(kick)});
+    const auto call = options(writeDocument());
+    fs::create_directory(out());
+    writeFile(out("Take.wav"), bytesOf("mine"));
+    writeFile(out("timeline.json"), bytesOf("mine too"));
+    const Said said = extract(call);
+    EXPECT_EQ(said.status, 0);
+    EXPECT_THAT(namesIn(out()), ElementsAre("MANIFEST.sha256", "Take.wav", "Take_2.wav",
+                                            "timeline.json", "timeline_2.json"));
+    EXPECT_EQ(textOf(readFile(out("Take.wav"))), "mine");
+    EXPECT_EQ(textOf(readFile(out("timeline.json"))), "mine too");
+    EXPECT_EQ(readFile(out("Take_2.wav")), waveOf(kick));
+    EXPECT_EQ(timeline("timeline_2.json").essences.at(0).fileURL,
+              AAFURL{"file://" + out("Take_2.wav")});
+    EXPECT_EQ(said.errors,
+              "trellant: timeline.json is there with other contents and stays; this one is "
+              "timeline_2.json\n");
+    EXPECT_TRUE(checksOut(out(), "MANIFEST.sha256"));
+}
+
+TEST_F(Extract, ForceReplacesFilesOfTheName) {
+    add({.name = "Take.wav", .media = waveOf(kick)});
+    auto call = options(writeDocument());
+    call.call.force = true;
+    fs::create_directory(out());
+    writeFile(out("Take.wav"), bytesOf("mine"));
+    writeFile(out("timeline.json"), bytesOf("mine too"));
+    extractWell(call);
+    EXPECT_THAT(namesIn(out()), ElementsAre("MANIFEST.sha256", "Take.wav", "timeline.json"));
+    EXPECT_EQ(readFile(out("Take.wav")), waveOf(kick));
+}
+
+TEST_F(Extract, NeverReplacesAudioOfOneSourceByAnothers) {
+    constexpr std::uint32_t count = 1'005;
+    for (std::uint32_t source = 1; source <= count; ++source) {
+        add({.name = "Audio 1.wav", .media = waveOf({static_cast<std::int16_t>(source)})});
+    }
+    const auto call = options(writeDocument());
+    extractWell(call);
+    EXPECT_EQ(namesIn(out()).size(), count + 2);
+    const AAFTimeline made = timeline();
+    ASSERT_EQ(made.essences.size(), count);
+    for (std::uint32_t source = 1; source <= count; ++source) {
+        // The mob identifiers ascend with the sources, and so do the essences.
+        const auto path = pathOfFileURL(made.essences[source - 1].fileURL.value().text);
+        ASSERT_EQ(sampleBytesOf(path.value()), samples16({static_cast<std::int16_t>(source)}));
+    }
+    const auto names = namesIn(out());
+    EXPECT_THAT(extractWell(call), HasSubstr("1005 taken out, 1005 already there"));
+    EXPECT_EQ(namesIn(out()), names);
+}
+
+TEST_F(Extract, NumberThatASourceIsCalledByIsNotGivenToAnother) {
+    add({.name = "Take_1000.wav", .media = waveOf({7})});
+    constexpr std::uint32_t count = 1'002;
+    for (std::uint32_t source = 2; source <= count; ++source) {
+        add({.name = "Take.wav", .media = waveOf({static_cast<std::int16_t>(source)})});
+    }
+    extractWell(options(writeDocument()));
+    const AAFTimeline made = timeline();
+    EXPECT_EQ(made.essences.at(0).fileURL, AAFURL{"file://" + out("Take_1000.wav")});
+    EXPECT_EQ(sampleBytesOf(out("Take_1000.wav")), samples16({7}));
+    EXPECT_EQ(namesIn(out()).size(), count + 2);
+}
+
+TEST_F(Extract, AudioThatNoClipPlaysIsCountedNotTakenOut) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    omf_.waveMedia({9, 9, 9}, waveOf(snare));
+    omf_.aifcMedia({9, 9, 8}, aiffImage({.formType = "AIFC", .samples = samples16Big(snare)}));
+    const std::string said = extractWell(options(writeDocument()));
+    EXPECT_THAT(said, HasSubstr("\n  2 more audio files are inside that no clip plays; not taken "
+                                "out\n"));
+    EXPECT_THAT(namesIn(out()), ElementsAre("Kick.wav", "MANIFEST.sha256", "timeline.json"));
+}
+
+TEST_F(Extract, SummaryShowsEachAudioFile) {
+    add({.name = "Kick.wav", .media = waveOf(std::vector<std::int16_t>(48'000)), .clipLength = 50});
+    const std::string file = writeDocument();
+    EXPECT_EQ(extractWell(options(file)),
+              file +
+                  "\n"
+                  "  Audio      1 taken out\n"
+                  "  Folder     " +
+                  out() +
+                  "\n"
+                  "  Timeline   timeline.json\n"
+                  "  Checksums  MANIFEST.sha256, to be checked in the folder by: sha256sum -c "
+                  "MANIFEST.sha256\n"
+                  "\n"
+                  "Audio file  Source    Clips       Length   Rate  Bits  Channels  State\n"
+                  "Kick.wav    Kick.wav      1  00:00:01:00  48000    16  mono      taken out\n");
+}
+
+TEST_F(Extract, JsonTellsTheSameAsOneObject) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    auto call = options(writeDocument());
+    call.call.json = true;
+    const std::string text = extractWell(call);
+    EXPECT_THAT(text, StartsWith("{"));
+    EXPECT_THAT(text, EndsWith("}\n"));
+    EXPECT_THAT(text, HasSubstr(R"("timeline":"timeline.json","manifest":"MANIFEST.sha256")"));
+    EXPECT_THAT(text, HasSubstr(R"("audio":[{"state":"takenOut","name":"Kick.wav")"));
+    EXPECT_THAT(text, HasSubstr(R"("clips":1,"frames":4,"seconds":"1\/12000")"));
+    EXPECT_THAT(text, HasSubstr(R"("notPlayed":0,"losses":0,"changes":0})"));
+}
+
+TEST_F(Extract, StrangersNamesAreHarmlessInFilesAndOnTheTerminal) {
+    add({.name = "a\nb\x1b[31m/../c.wav", .media = waveOf(kick)});
+    const std::string said = extractWell(options(writeDocument()));
+    EXPECT_THAT(namesIn(out()), ElementsAre("MANIFEST.sha256", "c.wav", "timeline.json"));
+    EXPECT_THAT(said, HasSubstr("a\xEF\xBF\xBD"
+                                "b\xEF\xBF\xBD[31m/../c.wav"));
+    EXPECT_TRUE(checksOut(out(), "MANIFEST.sha256"));
+}
+
+TEST_F(Extract, FolderWithALineFeedInItsNameIsWrittenTo) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    auto call = options(writeDocument());
+    call.call.directory = folder_.file("a\nb");
+    const std::string said = extractWell(call);
+    EXPECT_THAT(namesIn(folder_.file("a\nb")),
+                ElementsAre("Kick.wav", "MANIFEST.sha256", "timeline.json"));
+    EXPECT_THAT(said, HasSubstr("/a\xEF\xBF\xBD"
+                                "b\n"));
+}
+
+TEST_F(Extract, ClosedPipeLeavesTheFilesAndIsTheCallersToHandle) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    const Said said = extract(options(writeDocument()), {.out = Listener::gone});
+    EXPECT_EQ(said.status, 91);
+    EXPECT_EQ(said.errors, "");
+    EXPECT_THAT(namesIn(out()), ElementsAre("Kick.wav", "MANIFEST.sha256", "timeline.json"));
+}
+
+TEST_F(Extract, TimelineThatFailsValidationStillGivesTheAudio) {
+    // A mono file played on its second channel.
+    add({.name = "Kick.wav", .media = waveOf(kick), .physicalTrack = 2});
+    const Said said = extract(options(writeDocument()));
+    EXPECT_EQ(said.status, 0);
+    EXPECT_THAT(said.errors, HasSubstr("the file is odd here"));
+    EXPECT_THAT(said.errors, HasSubstr("(invalid-source-channel, event[0])\n"));
+    EXPECT_EQ(readFile(out("Kick.wav")), waveOf(kick));
+    EXPECT_EQ(timeline().events.at(0).sourceChannel, std::nullopt);
+}
+
+TEST_F(Extract, FailOnMissingGivesStatusThreeAndTheAudio) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    add({.name = "Gone.wav"});
+    auto call = options(writeDocument());
+    EXPECT_EQ(extract(call).status, 0);
+    call.call.failOn = cli::FailOn::missing;
+    EXPECT_EQ(extract(call).status, 3);
+    EXPECT_EQ(readFile(out("Kick.wav")), waveOf(kick));
+}
+
+}  // namespace
+}  // namespace trellant::testing

@@ -1,0 +1,176 @@
+// What an extraction that does not come to its end leaves, and what it says.
+#include "extract_fixture.h"
+
+#include <trellant/model/json_encode.h>
+#include <trellant/protocol/messages.h>
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <sys/stat.h>
+#include <trellant_testing/byte_writer.h>
+#include <trellant_testing/worker_process.h>
+#include <unistd.h>
+
+namespace trellant::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+const std::vector<std::int16_t> kick{1, 2, 3, 4};
+
+class ExtractFailures : public ExtractTest {
+  protected:
+    /// An executable that takes its request and answers `result` in place of a worker.
+    std::string workerThatAnswers(const AAFWorkerProtocol::Result& result) {
+        StringSink sink;
+        encodeResult(result, sink);
+        writeFile(folder_.file("answer.json"), bytesOf(sink.text));
+        const std::string path = writeFile(
+            folder_.file("worker"),
+            bytesOf("#!/bin/sh\ncat > /dev/null\ncat '" + folder_.file("answer.json") + "'\n"));
+        ::chmod(path.c_str(), 0700);
+        return path;
+    }
+};
+
+TEST_F(ExtractFailures, CancelledBeforeItsStartLeavesNothing) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    const auto call = options(writeDocument());
+    std::stop_source stop;
+    stop.request_stop();
+    const Said said = extract(call, {}, stop.get_token());
+    EXPECT_EQ(said.status, 2);
+    EXPECT_EQ(said.out, "");
+    EXPECT_EQ(said.errors, "trellant: " + call.call.file +
+                               ": cancelled\n"
+                               "trellant: nothing was written to " +
+                               out() + "\n");
+    EXPECT_FALSE(fs::exists(out()));
+}
+
+TEST_F(ExtractFailures, CancelledWhileTheWorkerRunsLeavesAnExistingFolderAsItWas) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    auto call = options(writeDocument());
+    std::stop_source stop;
+    call.helperURLProvider = [&stop](const std::string&) {
+        stop.request_stop();
+        return workerPath();
+    };
+    fs::create_directory(out());
+    writeFile(out("mine.txt"), bytesOf("mine"));
+    const Said said = extract(call, {}, stop.get_token());
+    EXPECT_EQ(said.status, 2);
+    EXPECT_EQ(said.errors, "trellant: " + call.call.file +
+                               ": cancelled\n"
+                               "trellant: nothing was written to " +
+                               out() + "\n");
+    EXPECT_THAT(namesIn(out()), ElementsAre("mine.txt"));
+}
+
+TEST_F(ExtractFailures, DamagedFileIsToldAndLeavesNoFolder) {
+    const std::string file = writeFile(folder_.file("mix.omf"), bytesOf("no OMF file at all"));
+    const Said said = extract(options(file));
+    EXPECT_EQ(said.status, 2);
+    EXPECT_EQ(said.errors, "trellant: " + file +
+                               ": Malformed OMF/Bento file: file too small for Bento footer\n"
+                               "trellant: nothing was written to " +
+                               out() + "\n");
+    EXPECT_FALSE(fs::exists(out()));
+}
+
+TEST_F(ExtractFailures, FileInPlaceOfTheFolderIsWrongUse) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    const auto call = options(writeDocument());
+    writeFile(out(), bytesOf("mine"));
+    const Said said = extract(call);
+    EXPECT_EQ(said.status, 1);
+    EXPECT_EQ(said.errors, "trellant: " + out() +
+                               " is a file; name a folder with --to, which is created when it is "
+                               "missing\n");
+    EXPECT_EQ(textOf(readFile(out())), "mine");
+}
+
+TEST_F(ExtractFailures, EmptyFolderNameIsWrongUse) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    auto call = options(writeDocument());
+    call.call.directory = "";
+    const Said said = extract(call);
+    EXPECT_EQ(said.status, 1);
+    EXPECT_EQ(said.errors, "trellant: --to needs the name of a folder\n");
+}
+
+TEST_F(ExtractFailures, MediaFolderThatIsNotThereIsWrongUse) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    auto call = options(writeDocument());
+    call.call.mediaFolders = {folder_.path().string(), folder_.file("typo")};
+    const Said said = extract(call);
+    EXPECT_EQ(said.status, 1);
+    EXPECT_EQ(said.errors, "trellant: there is no folder " + folder_.file("typo") +
+                               " to look for audio files in\n");
+    EXPECT_FALSE(fs::exists(out()));
+}
+
+TEST_F(ExtractFailures, FolderThatMayNotBeWrittenToIsToldWithTheSystemsReason) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    const auto call = options(writeDocument());
+    fs::create_directory(out());
+    ::chmod(folder_.path().c_str(), 0755);
+    ::chmod(out().c_str(), 0555);
+    const Said said = saidWithStatus({}, [&](cli::Console& console) {
+        // The administrator may write anywhere; this child becomes somebody else.
+        constexpr uid_t nobody = 65'534;
+        if (::geteuid() == 0 && ::seteuid(nobody) != 0) {
+            return -1;
+        }
+        return static_cast<int>(cli::runExtract(call, console, {}));
+    });
+    EXPECT_EQ(said.status, 2);
+    EXPECT_EQ(said.errors, "trellant: " + call.call.file + ": cannot write to \"" + out() +
+                               "\": Permission denied\n"
+                               "trellant: nothing was written to " +
+                               out() + "\n");
+}
+
+TEST_F(ExtractFailures, MissingConverterIsToldBeforeAnythingIsWritten) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    auto call = options(writeDocument());
+    call.call.wav = true;
+    call.waveConverter.reset();
+    const Said said = extract(call);
+    EXPECT_EQ(said.status, 2);
+    EXPECT_EQ(said.errors,
+              "trellant: the program trellant-wav, which writes WAVE files, is missing. It belongs "
+              "to this one; please install Trellant again, or leave out --wav\n");
+    EXPECT_FALSE(fs::exists(out()));
+}
+
+TEST_F(ExtractFailures, FileThatTheWorkerWasNotToldToWriteIsNeverMoved) {
+    const std::string mine = writeFile(folder_.file("mine.wav"), waveOf(kick));
+    AAFWorkerProtocol::Result result;
+    result.timeline.sourceAAF = AAFURL{"file:///mix.omf"};
+    result.timeline.essences = {{.id = "omf-essence-1",
+                                 .mobID = "00000001-00000000-00000001",
+                                 .sourceName = "Kick",
+                                 .fileURL = AAFURL{"file://" + mine},
+                                 .embedded = true,
+                                 .sampleRate = AAFRational(48'000),
+                                 .channelCount = 1}};
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    auto call = options(writeDocument());
+    call.helperURLProvider = [worker = workerThatAnswers(result)](const std::string&) {
+        return worker;
+    };
+    const Said said = extract(call);
+    EXPECT_EQ(said.status, 2);
+    EXPECT_THAT(said.out, HasSubstr("1 could not be taken out"));
+    EXPECT_THAT(said.errors, HasSubstr("not all audio could be taken out\n"));
+    EXPECT_EQ(readFile(mine), waveOf(kick));
+    EXPECT_THAT(namesIn(out()), ElementsAre("MANIFEST.sha256", "timeline.json"));
+}
+
+}  // namespace
+}  // namespace trellant::testing

@@ -1,0 +1,239 @@
+// Audio files beside the interchange file: which of those that bear the name is taken.
+#include "extract_fixture.h"
+#include "media_folders.h"
+#include "missing_media.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <trellant_testing/byte_writer.h>
+#include <trellant_testing/wave_builder.h>
+
+namespace trellant::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+
+/// A second at 48000 Hz, which is what the clips of these tests play.
+constexpr std::size_t needed = 48'000;
+
+Bytes silence(std::size_t frames, std::uint32_t sampleRate = 48'000) {
+    return waveOf(std::vector<std::int16_t>(frames), sampleRate);
+}
+
+class ExtractMedia : public ExtractTest {
+  protected:
+    /// A file below a media folder; its path.
+    std::string media(const std::string& place, const Bytes& bytes) {
+        fs::create_directories(fs::path(folder_.file(place)).parent_path());
+        return writeFile(folder_.file(place), bytes);
+    }
+    /// A document with one source outside, recorded as a Windows path, whose clip plays a
+    /// second; options with these media folders.
+    cli::ExtractOptions searching(const std::vector<std::string>& folders) {
+        add({.name = "Kick",
+             .locators = {omf_.dosLocator("D:\\Audio\\Kick.WAV")},
+             .clipLength = 100});
+        auto call = options(writeDocument());
+        for (const std::string& folder : folders) {
+            fs::create_directories(folder_.file(folder));
+            call.call.mediaFolders.push_back(folder_.file(folder));
+        }
+        return call;
+    }
+};
+
+TEST_F(ExtractMedia, FileInTheFirstFolderIsFoundAndStaysWhereItIs) {
+    const std::string kick = media("a/deep/kick.wav", silence(needed));
+    const std::string said = extractWell(searching({"a", "b"}));
+    EXPECT_EQ(pathOfSource(1), kick);
+    EXPECT_THAT(said, HasSubstr("  Audio      1 found\n"));
+    EXPECT_THAT(namesIn(out()), ElementsAre("MANIFEST.sha256", "timeline.json"));
+}
+
+TEST_F(ExtractMedia, FileInALaterFolderIsFoundWithItsFormat) {
+    const std::string kick = media("c/kick.wav", silence(needed));
+    extractWell(searching({"a", "b", "c"}));
+    const AAFSourceEssence essence = timeline().essences.at(0);
+    EXPECT_EQ(essence.fileURL, AAFURL{"file://" + kick});
+    EXPECT_EQ(essence.bitDepth, 16);
+    EXPECT_EQ(essence.codec, "PCM");
+    EXPECT_EQ(essence.originalPath, "D:\\Audio\\Kick.WAV");
+}
+
+TEST_F(ExtractMedia, OfSeveralFilesTheOnlyOneThatFitsIsTaken) {
+    media("a/kick.wav", silence(needed - 1));
+    media("a/old/KICK.wav", silence(needed, 44'100));
+    const std::string fitting = media("b/Kick.WAV", silence(needed));
+    const std::string said = extractWell(searching({"a", "b"}));
+    EXPECT_EQ(pathOfSource(1), fitting);
+    EXPECT_THAT(said, Not(HasSubstr("Missing")));
+}
+
+TEST_F(ExtractMedia, TwoFilesThatFitAreListedAndNoneIsTaken) {
+    const std::string first = media("a/kick.wav", silence(needed));
+    const std::string second = media("b/kick.wav", silence(needed * 2));
+    const auto call = searching({"a", "b"});
+    // The worker sees the first folder only, and would take its file.
+    auto reversed = call;
+    reversed.call.mediaFolders = {folder_.file("nothing"), folder_.file("a"), folder_.file("b")};
+    fs::create_directory(folder_.file("nothing"));
+    const std::string said = extractWell(reversed);
+    EXPECT_EQ(pathOfSource(1), std::nullopt);
+    EXPECT_THAT(said, HasSubstr("  Audio      1 missing, files of its name do not decide\n"));
+    EXPECT_THAT(said, HasSubstr("\nMissing\n"
+                                "  Kick, 1 clip, recorded as D:\\Audio\\Kick.WAV\n"
+                                "    " +
+                                first +
+                                ": 00:00:01:00 (48000 samples), 48000 Hz, mono, fits\n"
+                                "    " +
+                                second + ": 00:00:02:00 (96000 samples), 48000 Hz, mono, fits\n"));
+    EXPECT_THAT(said, HasSubstr("\n  Several files bear one name, or the one that does is another "
+                                "recording: give a folder with the right one only by --media "
+                                "FOLDER\n"));
+}
+
+TEST_F(ExtractMedia, OnlyFileOfTheNameIsNotTakenWhenItIsAnotherRecording) {
+    const std::string other = media("b/kick.wav", silence(88'200, 44'100));
+    const std::string said = extractWell(searching({"a", "b"}));
+    EXPECT_EQ(pathOfSource(1), std::nullopt);
+    EXPECT_THAT(said, HasSubstr("    " + other +
+                                ": 00:00:02:00 (88200 samples), 44100 Hz, mono, does not fit\n"));
+}
+
+TEST_F(ExtractMedia, MissingFileIsToldWithThePathThatWasRecordedAndWhatToDo) {
+    const auto call = searching({});
+    const std::string said = extractWell(call);
+    EXPECT_THAT(said, HasSubstr("\nMissing\n  Kick, 1 clip, recorded as D:\\Audio\\Kick.WAV\n"));
+    EXPECT_THAT(said, HasSubstr("\n  Where the missing audio files lie may be told: trellant "
+                                "extract " +
+                                call.call.file + " --to " + out() + " --media FOLDER\n"));
+}
+
+TEST_F(ExtractMedia, WhatAnEarlierRunWroteIsNoFind) {
+    // An embedded source and one outside bear the same name, and the folder for the audio lies
+    // below the media folder.
+    add({.name = "Kick.wav", .media = silence(needed)});
+    auto call = searching({"a"});
+    call.call.directory = folder_.file("a/out");
+    EXPECT_THAT(extractWell(call), HasSubstr("  Audio      1 taken out, 1 missing\n"));
+    EXPECT_THAT(extractWell(call),
+                HasSubstr("  Audio      1 taken out, 1 missing, 1 already there\n"));
+    EXPECT_THAT(namesIn(folder_.file("a/out")),
+                ElementsAre("Kick.wav", "MANIFEST.sha256", "timeline.json"));
+}
+
+TEST_F(ExtractMedia, FolderForTheAudioMayBeTheMediaFolder) {
+    const std::string kick = media("out/kick.wav", silence(needed));
+    auto call = searching({"out"});
+    extractWell(call);
+    EXPECT_EQ(pathOfSource(1), kick);
+    extractWell(call);
+    EXPECT_THAT(namesIn(out()), ElementsAre("MANIFEST.sha256", "kick.wav", "timeline.json"));
+}
+
+class MediaFoldersTest : public ::testing::Test {
+  protected:
+    std::string file(const std::string& place) {
+        fs::create_directories(fs::path(folder_.file(place)).parent_path());
+        return writeFile(folder_.file(place), bytesOf(place));
+    }
+    cli::MediaFolders read(const std::vector<std::string>& folders,
+                           const std::vector<std::string>& ignored = {}) {
+        return cli::MediaFolders(folders, ignored, progress_);
+    }
+
+    TemporaryDirectory folder_;
+    cli::Console console_{cli::Verbosity::quiet};
+    cli::StepProgress progress_{console_, {}};
+};
+
+TEST_F(MediaFoldersTest, AudioFilesAreFoundByNameInAnyCase) {
+    const std::string first = file("Kick.WAV");
+    const std::string second = file("deep/er/kick.wav");
+    file("kick.txt");
+    file("kick");
+    EXPECT_THAT(read({folder_.path().string()}).named("kick.wav"), ElementsAre(first, second));
+    EXPECT_THAT(read({folder_.path().string()}).named("kick.txt"), IsEmpty());
+    EXPECT_THAT(read({folder_.path().string()}).named("kick"), IsEmpty());
+}
+
+TEST_F(MediaFoldersTest, EveryAudioExtensionCounts) {
+    for (const std::string extension : {"wav", "wave", "aif", "aiff", "AIFC"}) {
+        const std::string path = file("a." + extension);
+        EXPECT_THAT(read({folder_.path().string()}).named(cli::wantedFileName(path)),
+                    ElementsAre(path));
+    }
+}
+
+TEST_F(MediaFoldersTest, HiddenFilesAndFoldersArePassedOver) {
+    file(".hidden/kick.wav");
+    file(".kick.wav");
+    EXPECT_THAT(read({folder_.path().string()}).named("kick.wav"), IsEmpty());
+    EXPECT_THAT(read({folder_.path().string()}).named(".kick.wav"), IsEmpty());
+}
+
+TEST_F(MediaFoldersTest, FileThatTwoFoldersReachCountsOnce) {
+    const std::string path = file("deep/kick.wav");
+    fs::create_symlink(path, folder_.file("zzz.wav"));
+    const auto found = read({folder_.path().string(), folder_.file("deep")});
+    EXPECT_EQ(found.named("kick.wav").size() + found.named("zzz.wav").size(), 1U);
+}
+
+TEST_F(MediaFoldersTest, LinkToAFolderIsNotEntered) {
+    const TemporaryDirectory elsewhere;
+    writeFile(elsewhere.file("kick.wav"), bytesOf("a"));
+    fs::create_directory_symlink(elsewhere.path(), folder_.file("link"));
+    fs::create_directory_symlink(folder_.path(), folder_.file("loop"));
+    EXPECT_THAT(read({folder_.path().string()}).named("kick.wav"), IsEmpty());
+}
+
+TEST_F(MediaFoldersTest, IgnoredFilesAreNoFinds) {
+    const std::string ignored = file("a/kick.wav");
+    const std::string other = file("b/kick.wav");
+    EXPECT_THAT(read({folder_.path().string()}, {ignored}).named("kick.wav"), ElementsAre(other));
+}
+
+TEST_F(MediaFoldersTest, FolderThatIsNotThereHoldsNothing) {
+    EXPECT_THAT(read({folder_.file("nowhere")}).named("kick.wav"), IsEmpty());
+}
+
+TEST(WantedFileName, IsTheLowerCasedLastPartOfAnySystemsPath) {
+    EXPECT_EQ(cli::wantedFileName("D:\\Audio\\Kick 1.WAV"), "kick 1.wav");
+    EXPECT_EQ(cli::wantedFileName("/Volumes/Audio/Kick.wav"), "kick.wav");
+    EXPECT_EQ(cli::wantedFileName("file:///a/b/Kick.wav"), "kick.wav");
+    EXPECT_EQ(cli::wantedFileName("\xC3\x84tna.wav"), "\xC3\xA4tna.wav");
+    EXPECT_EQ(cli::wantedFileName("a/b//"), "b");
+    EXPECT_EQ(cli::wantedFileName("\\/"), "");
+    EXPECT_EQ(cli::wantedFileName(""), "");
+}
+
+TEST(Fits, NeedsTheRateAndEnoughChannelsAndSamples) {
+    const cli::SourceNeeds needs{.sampleRate = AAFRational(48'000), .channels = 2, .frames = 1'000};
+    cli::AudioFacts facts;
+    facts.format.sampleRate = AAFRational(48'000);
+    facts.format.channels = 2;
+    facts.frames = 1'000;
+    EXPECT_TRUE(cli::fits(facts, needs));
+    facts.frames = 999;
+    EXPECT_FALSE(cli::fits(facts, needs));
+    facts.frames.reset();
+    EXPECT_FALSE(cli::fits(facts, needs));
+    facts.frames = 1'001;
+    facts.format.channels = 1;
+    EXPECT_FALSE(cli::fits(facts, needs));
+    facts.format.channels = 3;
+    EXPECT_TRUE(cli::fits(facts, needs));
+    facts.format.sampleRate = AAFRational(44'100);
+    EXPECT_FALSE(cli::fits(facts, needs));
+    facts.format.sampleRate.reset();
+    EXPECT_FALSE(cli::fits(facts, needs));
+}
+
+}  // namespace
+}  // namespace trellant::testing

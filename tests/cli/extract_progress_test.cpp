@@ -1,0 +1,59 @@
+// The bar of a long step, and its end by a stop.
+#include "said.h"
+#include "step_progress.h"
+
+#include <trellant/client/errors.h>
+
+#include <gmock/gmock.h>
+
+namespace trellant::testing {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+TEST(StepProgress, BarMovesWithTheBytes) {
+    const Said heard = said({.errors = Listener::terminal}, [](cli::Console& console) {
+        cli::StepProgress progress(console, {});
+        progress.begin("Taking the audio out", 200);
+        progress.at(50);
+        progress.advance(100);
+    });
+    EXPECT_THAT(heard.errors, HasSubstr("Taking the audio out"));
+    EXPECT_THAT(heard.errors, HasSubstr(" 25%"));
+    EXPECT_THAT(heard.errors, HasSubstr(" 75%"));
+    EXPECT_THAT(heard.errors, Not(HasSubstr(" 50%")));
+}
+
+TEST(StepProgress, MoreBytesThanExpectedAreAllOfThem) {
+    const Said heard = said({.errors = Listener::terminal}, [](cli::Console& console) {
+        cli::StepProgress progress(console, {});
+        progress.begin("Looking", 0);
+        progress.at(1'000);
+    });
+    EXPECT_THAT(heard.errors, HasSubstr("100%"));
+}
+
+TEST(StepProgress, PipeHearsNothing) {
+    const Said heard = said({}, [](cli::Console& console) {
+        cli::StepProgress progress(console, {});
+        progress.begin("Looking", 10);
+        progress.at(5);
+    });
+    EXPECT_EQ(heard.errors, "");
+}
+
+TEST(StepProgress, StopEndsTheStep) {
+    cli::Console console(cli::Verbosity::quiet);
+    std::stop_source stop;
+    cli::StepProgress progress(console, stop.get_token());
+    progress.begin("Looking", 10);
+    EXPECT_NO_THROW(progress.check());
+    stop.request_stop();
+    EXPECT_THROW(progress.check(), AAFCancellationError);
+    EXPECT_THROW(progress.at(5), AAFCancellationError);
+    EXPECT_EQ(progress.bytes(), 0U);
+}
+
+}  // namespace
+}  // namespace trellant::testing

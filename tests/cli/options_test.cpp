@@ -1,0 +1,89 @@
+#include "options.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <vector>
+
+namespace trellant::cli {
+namespace {
+
+using testing::ElementsAre;
+using testing::Eq;
+using testing::HasSubstr;
+using testing::Optional;
+
+CommandLine lineOf(std::initializer_list<const char*> arguments) {
+    std::vector<const char*> all{"trellant"};
+    all.insert(all.end(), arguments);
+    return readCommandLine(static_cast<int>(all.size()), all.data());
+}
+
+template <class T>
+T callOf(std::initializer_list<const char*> arguments) {
+    const CommandLine line = lineOf(arguments);
+    EXPECT_EQ(line.text, "");
+    return std::get<T>(line.call.value());
+}
+
+TEST(Options, InfoTakesSeveralFiles) {
+    const auto call = callOf<InfoOptions>({"info", "a.omf", "b.omf", "--json", "--media", "m"});
+    EXPECT_THAT(call.files, ElementsAre("a.omf", "b.omf"));
+    EXPECT_TRUE(call.json);
+    EXPECT_THAT(call.mediaFolder, Optional(Eq("m")));
+    EXPECT_EQ(call.failOn, FailOn::nothing);
+    EXPECT_EQ(call.destination.path, "-");
+}
+
+TEST(Options, ListTakesWhatAndForm) {
+    const auto call =
+        callOf<ListOptions>({"list", "losses", "a.omf", "--csv", "--fail-on=render", "-o", "x"});
+    EXPECT_EQ(call.what, ListOptions::What::losses);
+    EXPECT_EQ(call.form, ListOptions::Form::csv);
+    EXPECT_EQ(call.failOn, FailOn::render);
+    EXPECT_EQ(call.destination.path, "x");
+    EXPECT_FALSE(call.destination.force);
+}
+
+TEST(Options, ExtractTakesSeveralMediaFolders) {
+    const auto call = callOf<ExtractCall>(
+        {"extract", "a.omf", "--to", "out", "--media", "m", "--media", "n", "--wav", "--force"});
+    EXPECT_EQ(call.file, "a.omf");
+    EXPECT_EQ(call.directory, "out");
+    EXPECT_THAT(call.mediaFolders, ElementsAre("m", "n"));
+    EXPECT_TRUE(call.wav);
+    EXPECT_TRUE(call.force);
+}
+
+TEST(Options, VerbosityMayStandBehindTheCommand) {
+    EXPECT_EQ(lineOf({"info", "a.omf", "-q"}).verbosity, Verbosity::quiet);
+    EXPECT_EQ(lineOf({"-v", "info", "a.omf"}).verbosity, Verbosity::verbose);
+}
+
+TEST(Options, VersionIsOneLine) {
+    const CommandLine line = lineOf({"--version"});
+    EXPECT_EQ(line.text, "trellant 0.1.0\n");
+    EXPECT_EQ(line.status, ExitStatus::done);
+    EXPECT_FALSE(line.call);
+}
+
+TEST(Options, HelpShowsExamplesFirst) {
+    const std::string page = lineOf({"list", "-h"}).text;
+    EXPECT_THAT(page, HasSubstr("trellant list clips mix.omf"));
+    EXPECT_LT(page.find("Examples:"), page.find("Usage:"));
+}
+
+TEST(Options, WrongUseNamesTheFaultAndTheHelp) {
+    const CommandLine line = lineOf({"list", "clips"});
+    EXPECT_EQ(line.status, ExitStatus::wrongUse);
+    EXPECT_EQ(line.text, "FILE is required\nTry: trellant list -h");
+    EXPECT_EQ(lineOf({}).status, ExitStatus::wrongUse);
+    EXPECT_EQ(lineOf({"list", "pears", "a.omf"}).status, ExitStatus::wrongUse);
+    EXPECT_EQ(lineOf({"list", "clips", "a.omf", "--csv", "--json"}).status, ExitStatus::wrongUse);
+    EXPECT_EQ(lineOf({"-q", "-v", "info", "a.omf"}).status, ExitStatus::wrongUse);
+    EXPECT_EQ(lineOf({"info", "a.omf", "--fail-on=rain"}).status, ExitStatus::wrongUse);
+}
+
+}  // namespace
+}  // namespace trellant::cli
