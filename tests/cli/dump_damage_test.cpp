@@ -208,7 +208,7 @@ TEST(DumpFileKind, KnowsAContainerWithoutItsEnd) {
     OmfBuilder omf;
     omf.composition({.name = "Song"});
     Bytes file = omf.build();
-    file.resize(file.size() - 24);
+    file.erase(file.end() - 24, file.end());
     EXPECT_EQ(looks(file),
               "the front of an OMF file whose end is missing: copy or export it again");
 }

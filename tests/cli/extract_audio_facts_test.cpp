@@ -42,7 +42,7 @@ TEST_F(AudioFactsTest, FormatIsTheProbes) {
 
 TEST_F(AudioFactsTest, SizeBeyondTheEndOfTheFileCountsToTheEnd) {
     Bytes image = waveImage({.samples = Bytes(60)});
-    image.resize(image.size() - 20);
+    image.erase(image.end() - 20, image.end());
     EXPECT_EQ(frames(image), 20U);
 }
 
