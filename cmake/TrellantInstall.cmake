@@ -1,6 +1,6 @@
 # What an installation holds: worker, libraries, headers, the files by which CMake and pkg-config
-# find them, schemas, catalogues, manual and documents. No file names the prefix that it was
-# installed to, so the whole tree may be moved.
+# find them, schemas, catalogues, manual, completions and documents. No file names the prefix that
+# it was installed to, so the whole tree may be moved.
 include(CMakePackageConfigHelpers)
 
 set(trellant_data_dir ${CMAKE_INSTALL_DATADIR}/trellant)
@@ -55,6 +55,15 @@ install(FILES ${PROJECT_BINARY_DIR}/package/trellant.pc DESTINATION ${trellant_p
 file(GLOB trellant_schemas CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/schema/*.schema.json)
 install(FILES ${trellant_schemas} DESTINATION ${trellant_schema_dir})
 install(FILES man/trellant-omf.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+if(TRELLANT_COMMAND)
+    install(FILES man/trellant.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    install(FILES completions/trellant.bash RENAME trellant
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+    install(FILES completions/_trellant
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+    install(FILES completions/trellant.fish
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+endif()
 install(DIRECTORY ${TRELLANT_CATALOGUES}/ DESTINATION ${CMAKE_INSTALL_LOCALEDIR}
     FILES_MATCHING PATTERN trellant.mo)
 # Laid out as in the source tree: the documents link to one another.

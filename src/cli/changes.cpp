@@ -90,12 +90,28 @@ std::string objectWords(const std::string& object) {
 }
 
 std::string sentence(const AAFRepairChange& change) {
+    // Two of them change what is heard, and say how.
+    if (change.code == "invalid-sample-rate") {
+        return change.action == AAFRepairChange::Action::clamped
+                   ? "the sample rate is taken as 384000 Hz"
+                   : "the sample rate is taken as 48000 Hz; clips whose place in the audio file "
+                     "hangs on it start at the head of the file";
+    }
+    if (change.code == "duplicate-identity" && change.object.starts_with("track")) {
+        return "the track is listed twice and the second listing is left out; its clips stand "
+               "twice on the first, one upon the other, and sound twice as loud";
+    }
     if (change.field.empty()) {
         return objectWords(change.object) + " " + std::string(actionWords(change.action, false));
     }
-    const bool plural = std::string_view(change.field).ends_with(".points");
-    return (plural ? std::to_string(change.count) + " " : std::string()) +
-           fieldWords(change.field) + " " + std::string(actionWords(change.action, plural));
+    const bool points = std::string_view(change.field).ends_with(".points");
+    std::string words = fieldWords(change.field);
+    if (points && change.count == 1) {
+        words.replace(0, std::string_view("points").size(), "1 point");
+    } else if (points) {
+        words.insert(0, std::to_string(change.count) + " ");
+    }
+    return words + " " + std::string(actionWords(change.action, points && change.count != 1));
 }
 
 class Places {
@@ -103,6 +119,9 @@ class Places {
     explicit Places(const AAFTimeline& timeline) : timeline_(timeline) {
         for (const AAFTrackState& track : timeline.tracks) {
             tracks_.emplace(track.id, &track);
+        }
+        for (const AAFClipEvent& event : timeline.events) {
+            firstClips_.emplace(event.essenceID, &event);
         }
     }
 
@@ -113,24 +132,36 @@ class Places {
             return place;
         }
         if (object.starts_with("event") && *position < timeline_.events.size()) {
-            const AAFClipEvent& event = timeline_.events[*position];
-            const auto track = tracks_.find(event.trackID);
-            place.track = track == tracks_.end() ? event.trackID
-                                                 : track->second->name.value_or(event.trackID);
-            place.clip = event.clipName ? event.clipName : event.id;
-            place.start = event.timelineStart;
+            placeClip(place, timeline_.events[*position]);
         } else if (object.starts_with("essence") && *position < timeline_.essences.size()) {
-            place.audioFile = sourceName(timeline_.essences[*position]);
+            const AAFSourceEssence& essence = timeline_.essences[*position];
+            place.audioFile = sourceName(essence);
+            if (const auto clip = firstClips_.find(essence.id); clip != firstClips_.end()) {
+                placeClip(place, *clip->second);
+            }
         } else if (object.starts_with("track") && *position < timeline_.tracks.size()) {
-            const AAFTrackState& track = timeline_.tracks[*position];
-            place.track = track.name.value_or(track.id);
+            place.track = nameOf(timeline_.tracks[*position]);
         }
         return place;
     }
 
   private:
+    /// People count tracks from 1.
+    [[nodiscard]] static std::string nameOf(const AAFTrackState& track) {
+        return track.name.value_or(std::to_string(track.index + 1));
+    }
+
+    void placeClip(ToldChange& place, const AAFClipEvent& event) const {
+        const auto track = tracks_.find(event.trackID);
+        place.track = track == tracks_.end() ? event.trackID : nameOf(*track->second);
+        place.clip = event.clipName.value_or("(no name)");
+        place.start = event.timelineStart;
+    }
+
     const AAFTimeline& timeline_;
     std::unordered_map<std::string_view, const AAFTrackState*> tracks_;
+    /// By essence id.
+    std::unordered_map<std::string_view, const AAFClipEvent*> firstClips_;
 };
 
 }  // namespace

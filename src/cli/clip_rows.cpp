@@ -15,57 +15,99 @@ namespace trellant::cli {
 
 namespace {
 
+using enum Audience;
+
+constexpr Field exact(std::string_view key, std::string_view title) {
+    return {key, title, details, Align::left, false, 0, true};
+}
+
 std::vector<Field> clipFields() {
-    return {{"track", "Track", true, Align::left, true},
-            {"trackNumber", "Track no.", false, Align::right},
-            {"in", "In", true},
-            {"out", "Out", true},
-            {"clip", "Clip", true, Align::left, true},
-            {"source", "Audio file", true, Align::left, true},
+    return {{"", "Track", people, Align::left, true, 1},
+            {"track", "Track", machines},
+            {"trackNumber", "Track no."},
+            {"in", "In", everyone},
+            {"out", "Out", everyone, Align::left, false, 2},
+            {"clip", "Clip", everyone, Align::left, true},
+            {"", "Audio file", people, Align::left, true, 3},
+            {"source", "Audio file", machines},
             {"sourceState", "State"},
-            {"sourceIn", "Source in (sample)", false, Align::right},
-            {"sourceLength", "Source length (samples)", false, Align::right},
-            {"sourceRate", "Source rate (Hz)", false, Align::right},
+            {"sourceIn", "Source in (sample)", details, Align::right},
+            {"sourceLength", "Source length (samples)", details, Align::right},
+            {"sourceRate", "Source rate (Hz)", details, Align::right},
             {"channel", "Channel"},
-            {"sourceChannel", "Source channel", false, Align::right},
+            {"", "Ch.", people, Align::right, false, 8},
+            {"sourceChannel", "Source channel", details, Align::right},
             {"startSeconds", "Start (s)"},
-            {"startSecondsExact", "Start (exact s)"},
+            exact("startSecondsExact", "Start (exact s)"),
             {"durationSeconds", "Length (s)"},
-            {"durationSecondsExact", "Length (exact s)"},
+            exact("durationSecondsExact", "Length (exact s)"),
             {"length", "Length"},
-            {"gainDb", "Gain (dB)", true, Align::right},
+            {"", "Gain dB", people, Align::right, false, 5},
+            {"gainDb", "Gain (dB)", machines},
             {"gain", "Gain (factor)"},
-            {"automationPoints", "Gain points", false, Align::right},
+            {"automationPoints", "Number of gain points", details, Align::right},
+            {"gainPoints", "Gain points"},
             {"pan", "Pan"},
             {"panPosition", "Pan position"},
-            {"fadeIn", "Fade in", true},
+            {"", "Fade in", people, Align::left, false, 6},
+            {"fadeIn", "Fade in", machines},
             {"fadeInSeconds", "Fade in (s)"},
             {"fadeInCurve", "Fade in curve"},
-            {"fadeOut", "Fade out", true},
+            {"", "Fade out", people, Align::left, false, 7},
+            {"fadeOut", "Fade out", machines},
             {"fadeOutSeconds", "Fade out (s)"},
             {"fadeOutCurve", "Fade out curve"},
-            {"audible", "Audible", true},
-            {"losses", "Losses", true},
+            {"", "Heard", people, Align::left, false, 2},
+            {"audible", "Audible", machines},
+            {"", "Losses", people, Align::left, false, 4},
+            {"losses", "Losses", machines},
             {"id", "Id"}};
 }
 
-/// "00:00:00:12 linear" for people, then seconds and curve.
+/// "3f lin" for people, "00:00:00:03 linear", then seconds and curve.
 void addFade(std::vector<Value>& row, const AAFTimeline& timeline, const Boxed<AAFFade>& fade) {
     if (!fade) {
-        row.insert(row.end(), 3, Value());
+        row.insert(row.end(), 4, Value());
         return;
     }
+    row.emplace_back(shortFadeText(timeline, *fade));
     row.emplace_back(lengthText(timeline, fade->duration) + " " + curveText(fade->curve));
     row.emplace_back(fade->duration.doubleValue());
     row.emplace_back(curveText(fade->curve));
 }
 
-std::string numbersText(const std::vector<std::size_t>& positions) {
+std::string numbersText(const std::vector<std::size_t>& positions, std::string_view between) {
     std::string text;
     for (const std::size_t position : positions) {
-        text += (text.empty() ? "" : " ") + std::to_string(position + 1);
+        text += text.empty() ? "" : between;
+        text += std::to_string(position + 1);
     }
     return text;
+}
+
+Value textOrNothing(std::string text) {
+    return text.empty() ? Value() : Value(std::move(text));
+}
+
+/// Places within the clip (0 its start, 1 its end) and factors: "0:1 1/2:0.5 1:1".
+std::string pointsText(const AAFAutomationEnvelope& envelope) {
+    std::string text;
+    for (const AAFAutomationPoint& point : envelope.points) {
+        text += text.empty() ? "" : " ";
+        text += fractionText(point.timelineOffset) + ":" + cellText(point.value);
+    }
+    return text;
+}
+
+/// The name, and in front, where a narrow column does not cut it off, why it cannot be heard.
+std::string shownSource(const AAFClipEvent& event, const Source* source) {
+    if (source == nullptr) {
+        return event.essenceID;
+    }
+    const std::string name = sourceName(*source->essence);
+    const bool isThere =
+        source->state == SourceState::embedded || source->state == SourceState::located;
+    return isThere ? name : std::string(stateText(source->state)) + ": " + name;
 }
 
 /// Samples of the source that the event plays; absent when its source is not known.
@@ -93,7 +135,9 @@ class ClipRows {
         const AAFTrackState* const track = audibility_.track(event);
         const Source* const source = sources_.of(event);
         std::vector<Value> row;
-        row.reserve(32);
+        row.reserve(40);
+        row.emplace_back(track != nullptr ? Value(trackText(track->name, track->index + 1))
+                                          : Value());
         row.emplace_back(track != nullptr && track->name ? Value(*track->name) : Value());
         row.emplace_back(track != nullptr ? Value(track->index + 1) : Value());
         row.emplace_back(timecodeText(timeline_, event.timelineStart));
@@ -104,9 +148,12 @@ class ClipRows {
         addMix(row, event, track);
         addFade(row, timeline_, event.fadeIn);
         addFade(row, timeline_, event.fadeOut);
-        row.emplace_back(audibility_.isEventAudible(event));
-        const std::string losses = numbersText(losses_.touching(event));
-        row.emplace_back(losses.empty() ? Value() : Value(losses));
+        const bool isAudible = audibility_.isEventAudible(event);
+        row.push_back(isAudible ? Value() : Value(std::string("no")));
+        row.emplace_back(isAudible);
+        const std::vector<std::size_t> losses = losses_.touching(event);
+        row.push_back(textOrNothing(numbersText(losses, ",")));
+        row.push_back(textOrNothing(numbersText(losses, " ")));
         row.emplace_back(event.id);
         return row;
     }
@@ -114,6 +161,7 @@ class ClipRows {
   private:
     static void addSource(std::vector<Value>& row, const AAFClipEvent& event,
                           const Source* source) {
+        row.emplace_back(shownSource(event, source));
         row.emplace_back(source != nullptr ? sourceName(*source->essence) : event.essenceID);
         row.emplace_back(source != nullptr ? Value(std::string(stateText(source->state)))
                                            : Value());
@@ -122,26 +170,40 @@ class ClipRows {
         row.emplace_back(source != nullptr ? Value(source->essence->sampleRate.doubleValue())
                                            : Value());
         row.emplace_back(std::string(rawValue(event.channelRole)));
-        // People count channels from 1.
-        row.emplace_back(event.sourceChannel ? Value(*event.sourceChannel + 1) : Value());
+        const bool isChoice = source != nullptr && source->essence->channelCount > 1;
+        addChannel(row, isChoice ? event.sourceChannel : std::nullopt);
+        addChannel(row, event.sourceChannel);
+    }
+
+    /// People count channels from 1.
+    static void addChannel(std::vector<Value>& row, std::optional<std::int64_t> channel) {
+        row.emplace_back();
+        if (channel) {
+            row.back() = *channel + 1;
+        }
     }
 
     void addTimes(std::vector<Value>& row, const AAFClipEvent& event) const {
         row.emplace_back(event.timelineStart.doubleValue());
-        row.emplace_back(fractionText(event.timelineStart));
+        row.emplace_back(Fraction{event.timelineStart});
         row.emplace_back(event.duration.doubleValue());
-        row.emplace_back(fractionText(event.duration));
+        row.emplace_back(Fraction{event.duration});
         row.emplace_back(lengthText(timeline_, event.duration));
     }
 
     static void addMix(std::vector<Value>& row, const AAFClipEvent& event,
                        const AAFTrackState* track) {
+        const bool varies = static_cast<bool>(event.clipGainAutomation);
+        row.emplace_back(decibelText(event.fixedClipGain) + (varies ? " ~" : ""));
         row.emplace_back(Gain{event.fixedClipGain});
         row.emplace_back(event.fixedClipGain);
-        row.emplace_back(event.clipGainAutomation
-                             ? Value(static_cast<std::int64_t>(
-                                   std::as_const(event.clipGainAutomation)->points.size()))
-                             : Value());
+        if (varies) {
+            const AAFAutomationEnvelope& envelope = *std::as_const(event.clipGainAutomation);
+            row.emplace_back(static_cast<std::int64_t>(envelope.points.size()));
+            row.emplace_back(pointsText(envelope));
+        } else {
+            row.insert(row.end(), 2, Value());
+        }
         const bool panned = track != nullptr && track->fixedPan;
         row.emplace_back(panned ? Value(panText(*track->fixedPan)) : Value());
         row.emplace_back(panned ? Value(*track->fixedPan) : Value());

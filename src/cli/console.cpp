@@ -24,6 +24,7 @@ constexpr std::size_t usualColumns = 80;
 constexpr std::string_view wipe = "\r\x1b[K";
 
 std::string_view variable(const char* name) {
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing in this program changes the environment.
     const char* value = std::getenv(name);
     return value == nullptr ? std::string_view() : std::string_view(value);
 }

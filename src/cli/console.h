@@ -28,11 +28,11 @@ class Console {
     void out(std::string_view text);
     /// Writes "trellant: MESSAGE" and a line feed to standard error: what went wrong. Control
     /// characters of the message are shown harmlessly.
-    void error(std::string_view message);
+    void error(std::string_view text);
     /// The same for what a person should know; not when quiet.
-    void note(std::string_view message);
+    void note(std::string_view text);
     /// The same for what helps to find a fault; only when verbose.
-    void detail(std::string_view message);
+    void detail(std::string_view text);
 
     /// Terminal cells a line of standard output has; unlimitedColumns when it is no terminal.
     [[nodiscard]] std::size_t outColumns() const noexcept { return outColumns_; }

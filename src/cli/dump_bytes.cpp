@@ -94,11 +94,11 @@ std::optional<std::string> timestampText(ByteView bytes, OMFByteOrder order) {
     const year_month_day date{day};
     const hh_mm_ss clock{time - day};
     std::array<char, 40> text{};
-    std::snprintf(text.data(), text.size(), "%04d-%02u-%02u %02d:%02d:%02d",
-                  static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
-                  static_cast<unsigned>(date.day()), static_cast<int>(clock.hours().count()),
-                  static_cast<int>(clock.minutes().count()),
-                  static_cast<int>(clock.seconds().count()));
+    static_cast<void>(std::snprintf(
+        text.data(), text.size(), "%04d-%02u-%02u %02d:%02d:%02d", static_cast<int>(date.year()),
+        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+        static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
+        static_cast<int>(clock.seconds().count())));
     std::string result = text.data();
     if (bytes.size() > 4) {
         result += bytes[4] == std::byte{0} ? " local time" : " world time";
@@ -149,7 +149,7 @@ std::vector<std::string> hexListing(ByteView bytes) {
     for (std::size_t place = 0; place < bytes.size(); place += hexRowBytes) {
         const ByteView row = bytes.subspan(place, std::min(hexRowBytes, bytes.size() - place));
         std::array<char, 24> offset{};
-        std::snprintf(offset.data(), offset.size(), "%08zX  ", place);
+        static_cast<void>(std::snprintf(offset.data(), offset.size(), "%08zX  ", place));
         std::string hex = hexText(row);
         hex.resize(hexRowBytes * 3 - 1, ' ');
         rows.push_back(offset.data() + hex + "  " + asciiText(row));

@@ -34,8 +34,8 @@ std::string typeLabel(const DumpContents& contents, std::uint32_t type) {
 
 std::string itemLine(const DumpContents& contents, const BentoTOCItem& item) {
     std::array<char, 32> numbers{};
-    std::snprintf(numbers.data(), numbers.size(), "%10u  %5u  ", item.object,
-                  static_cast<unsigned>(item.generation));
+    static_cast<void>(std::snprintf(numbers.data(), numbers.size(), "%10u  %5u  ", item.object,
+                                    static_cast<unsigned>(item.generation)));
     std::string storage = storageText(item.segment.storage, contents.file().size());
     storage += item.segment.continued ? ", continued" : "";
     storage.append(storage.size() < storageCells ? storageCells - storage.size() : 0, ' ');

@@ -146,17 +146,17 @@ PlacedLoss heard(ToldLoss loss) {
 
 }  // namespace
 
-std::optional<FileReading> readFile(const std::string& file,
-                                    const std::optional<std::string>& mediaFolder) {
+FileReading readFile(const std::string& file, const std::optional<std::string>& mediaFolder) {
     const IsolatedAnswer answer =
         inChildProcess([&file, &mediaFolder] { return tellReading(file, mediaFolder); });
-    const auto* const text = std::get_if<std::string>(&answer);
-    if (text == nullptr) {
-        return std::nullopt;
-    }
     FileReading reading;
+    if (const auto* const failure = std::get_if<IsolatedFailure>(&answer)) {
+        reading.failure = failure->reason;
+        return reading;
+    }
+    const auto& text = std::get<std::string>(answer);
     try {
-        ToldReading told = decodeJson<ToldReading>(*text);
+        auto told = decodeJson<ToldReading>(text);
         for (ToldLoss& loss : told.losses) {
             reading.losses.push_back(heard(std::move(loss)));
         }
@@ -168,8 +168,8 @@ std::optional<FileReading> readFile(const std::string& file,
                  .slotCount = static_cast<std::size_t>(composition.slotCount),
                  .isRead = composition.isRead});
         }
-    } catch (const JsonDecodingError&) {
-        return std::nullopt;
+    } catch (const JsonDecodingError& error) {
+        reading.failure = error.what();
     }
     return reading;
 }

@@ -14,11 +14,12 @@ namespace trellant::cli {
 struct FileReading {
     std::vector<PlacedLoss> losses;
     std::vector<AAFComposition> compositions;
+    /// Why the rest is empty, when the file could not be read that way.
+    std::optional<std::string> failure;
 };
 
-/// Absent when the file cannot be read that way. `mediaFolder` as the worker got it, so that the
-/// losses are the same.
-[[nodiscard]] std::optional<FileReading> readFile(const std::string& file,
-                                                  const std::optional<std::string>& mediaFolder);
+/// `mediaFolder` as the worker got it, so that the losses are the same.
+[[nodiscard]] FileReading readFile(const std::string& file,
+                                   const std::optional<std::string>& mediaFolder);
 
 }  // namespace trellant::cli

@@ -1,6 +1,8 @@
 #include "info.h"
 
 #include "console.h"
+#include "pasted_word.h"
+#include "shown_text.h"
 #include "summary.h"
 #include "timeline_text.h"
 
@@ -15,6 +17,10 @@ namespace trellant::cli {
 namespace {
 
 constexpr std::size_t longestShownName = 200;
+
+std::string shownName(const std::string& name) {
+    return cutToCells(shownText(name), longestShownName);
+}
 
 std::string counted(std::size_t count, std::string_view one, std::string_view many) {
     return std::to_string(count) + " " + std::string(count == 1 ? one : many);
@@ -79,7 +85,7 @@ class Screen {
           colour_(colour) {}
 
     std::string text(const std::string& file) {
-        text_ = painted(printableText(file, 4096), Paint::bold, colour_) + "\n";
+        text_ = painted(shownText(file), Paint::bold, colour_) + "\n";
         addComposition();
         addClock();
         addContents();
@@ -98,17 +104,15 @@ class Screen {
     }
 
     void addComposition() {
-        line("Composition", timeline_.compositionName
-                                ? printableText(*timeline_.compositionName, longestShownName)
-                                : "(no name)");
+        line("Composition",
+             timeline_.compositionName ? shownName(*timeline_.compositionName) : "(no name)");
         if (inspection_.compositions.size() < 2) {
             return;
         }
         for (const AAFComposition& composition : inspection_.compositions) {
             if (!composition.isRead) {
                 line("", "not read: " +
-                             (composition.name ? printableText(*composition.name, longestShownName)
-                                               : "(no name)") +
+                             (composition.name ? shownName(*composition.name) : "(no name)") +
                              ", object " + std::to_string(number(composition.object)));
             }
         }
@@ -137,15 +141,19 @@ class Screen {
         line("Sample rates", ratesText(summary_));
         line("Bit depths", depthsText(summary_));
         line("Lost", lossesText(summary_));
+        if (const std::size_t odd = inspection_.changes.size(); odd != 0) {
+            line("Repaired",
+                 counted(odd, "thing was", "things were") + " odd and set right (told above)");
+        }
     }
 
     void addAdvice(const std::string& file) {
-        const std::string shown = printableText(file, 4096);
         if (const auto note = rateDisagreement(timeline_.clock)) {
             text_ += "  " + painted("Note", Paint::yellow, colour_) + ": " + *note + "\n";
         }
         if (summary_.losses != 0) {
-            text_ += "  What was lost, and where: trellant list losses \"" + shown + "\"\n";
+            text_ += "  What was lost, and where: trellant list losses " +
+                     shownText(pastedFileName(file)) + "\n";
         }
         if (summary_.inState(SourceState::missing) != 0) {
             text_ +=
@@ -188,6 +196,11 @@ class Line {
         writer_.plainKey(key);
         writer_.string(value);
     }
+    void maybeText(std::string_view key, const std::optional<std::string>& value) {
+        if (value) {
+            text(key, *value);
+        }
+    }
     void count(std::string_view key, std::size_t value) {
         writer_.plainKey(key);
         writer_.integer(static_cast<std::int64_t>(value));
@@ -224,8 +237,16 @@ class Line {
             text("firstAudible", timecodeText(timeline_, *summary_.firstAudible));
             text("firstAudibleSecondsExact", fractionText(*summary_.firstAudible));
         }
-        if (const auto note = rateDisagreement(timeline_.clock)) {
-            text("rateDisagreement", *note);
+        writeRates();
+    }
+
+    void writeRates() {
+        text("editRate", fractionText(timeline_.clock.editRate));
+        text("timecodeRate", fractionText(timeline_.clock.timecodeRate.exactRate));
+        if (const auto drift = rateDrift(timeline_.clock)) {
+            writer_.plainKey("driftSecondsPerHour");
+            writer_.number(drift->secondsPerHour);
+            text("rateDisagreement", rateDisagreement(timeline_.clock).value_or(""));
         }
     }
 
@@ -265,6 +286,12 @@ class Line {
             text("code", change.code);
             text("object", change.object);
             text("what", change.what);
+            maybeText("track", change.track);
+            maybeText("clip", change.clip);
+            maybeText("audioFile", change.audioFile);
+            if (change.start) {
+                text("timecode", timecodeText(timeline_, *change.start));
+            }
             writer_.endObject();
         }
         writer_.endArray();

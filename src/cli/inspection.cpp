@@ -3,11 +3,14 @@
 #include "file_reading.h"
 
 #include <trellant/client/worker_client.h>
+#include <trellant/model/executable_location.h>
 #include <trellant/model/repair.h>
 #include <trellant/model/validation.h>
 
 #include <chrono>
 #include <filesystem>
+#include <system_error>
+#include <thread>
 #include <utility>
 
 namespace trellant::cli {
@@ -63,12 +66,27 @@ std::vector<PlacedLoss> lossesOf(const AAFTimeline& timeline, std::vector<Placed
 
 }  // namespace
 
+std::optional<std::filesystem::path> findWorker(const std::string& name) {
+    if (auto bundled = bundledHelper(name)) {
+        return bundled;
+    }
+    if (const auto folder = executableDirectory()) {
+        std::filesystem::path beside = std::filesystem::path(*folder) / name;
+        std::error_code ignored;
+        if (std::filesystem::is_regular_file(beside, ignored)) {
+            return beside;
+        }
+    }
+    return std::nullopt;
+}
+
 Inspection inspectFile(const InspectionRequest& request, const std::stop_token& stop,
                        const std::function<void(const AAFWorkerProtocol::Progress&)>& progress,
                        const std::function<void()>& whileWaiting) {
     // Whatever the file is called, only one worker reads such files.
     AAFWorkerClient client;
     client.helperName = "trellant-omf";
+    client.helperURLProvider = findWorker;
     auto future = client.run(requestFor(request), progress, stop, TimelineChecks::none);
     while (future.wait_for(betweenLooks) != std::future_status::ready) {
         if (whileWaiting) {
@@ -83,10 +101,19 @@ Inspection inspectFile(const InspectionRequest& request, const std::stop_token& 
     const std::optional<std::string> mediaFolder =
         request.mediaFolder ? std::optional(absoluteText(*request.mediaFolder)) : std::nullopt;
     std::vector<PlacedLoss> places;
-    if (auto reading = readFile(request.file, mediaFolder)) {
-        inspection.compositions = std::move(reading->compositions);
-        places = std::move(reading->losses);
+    FileReading reading = readFile(request.file, mediaFolder);
+    if (reading.failure) {
+        // Ctrl-C ends both processes, in either order.
+        for (int looks = 0; looks < 10 && !stop.stop_requested(); ++looks) {
+            std::this_thread::sleep_for(betweenLooks / 10);
+        }
     }
+    if (stop.stop_requested()) {
+        throw AAFCancellationError();
+    }
+    inspection.compositions = std::move(reading.compositions);
+    inspection.unread = std::move(reading.failure);
+    places = std::move(reading.losses);
     inspection.losses = lossesOf(inspection.timeline, std::move(places));
     return inspection;
 }

@@ -8,6 +8,7 @@
 #include <trellant/model/timeline.h>
 #include <trellant/protocol/messages.h>
 
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <stop_token>
@@ -44,9 +45,14 @@ struct Inspection {
     std::vector<PlacedLoss> losses;
     /// The chosen one first.
     std::vector<AAFComposition> compositions;
+    /// Why the places of the losses and the compositions are missing, when they are.
+    std::optional<std::string> unread;
     /// Ids of the essences for which the media folder holds several files.
     std::vector<std::string> ambiguousEssences;
 };
+
+/// Where the command's worker lies: as bundledHelper has it, or in the command's own folder.
+[[nodiscard]] std::optional<std::filesystem::path> findWorker(const std::string& name);
 
 struct InspectionRequest {
     std::string file;

@@ -63,7 +63,7 @@ void prepareChild([[maybe_unused]] pid_t parent) noexcept {
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     sigset_t none;
     ::sigemptyset(&none);
-    ::sigprocmask(SIG_SETMASK, &none, nullptr);
+    ::pthread_sigmask(SIG_SETMASK, &none, nullptr);
 #ifdef __linux__
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (::getppid() != parent) {
@@ -122,9 +122,10 @@ int reap(pid_t child) noexcept {
 IsolatedAnswer judged(std::string text, int status) {
     if (WIFSIGNALED(status)) {
         const int signal = WTERMSIG(status);
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): the text is copied before anything else is asked.
+        const std::string name(::strsignal(signal));
         return IsolatedFailure{IsolatedFailure::Kind::crashed,
-                               "ended by signal " + std::to_string(signal) + " (" +
-                                   std::string(::strsignal(signal)) + ")"};
+                               "ended by signal " + std::to_string(signal) + " (" + name + ")"};
     }
     if (WEXITSTATUS(status) != answeredStatus || text.empty()) {
         return IsolatedFailure{IsolatedFailure::Kind::crashed,

@@ -4,6 +4,7 @@
 
 #include <trellant/model/json_writer.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 
@@ -29,6 +30,7 @@ struct WriteJson {
     void operator()(Gain gain) const {
         writeNumber(writer, 20 * std::log10(std::fabs(gain.factor)));
     }
+    void operator()(const Fraction& fraction) const { writer.string(fractionText(fraction.value)); }
 };
 
 struct CellText {
@@ -47,37 +49,56 @@ struct CellText {
     }
     std::string operator()(bool value) const { return value ? "yes" : "no"; }
     std::string operator()(Gain gain) const { return decibelText(gain.factor); }
+    std::string operator()(const Fraction& fraction) const { return fractionText(fraction.value); }
 };
 
-template <class Choose>
-Table tableOf(const Listing& listing, const Choose& isWanted) {
-    Table table;
-    for (const Field& field : listing.fields) {
-        if (isWanted(field)) {
-            table.columns.push_back({std::string(field.title), field.align, field.mayShrink});
+bool isNothing(const Value& value) {
+    const auto* const text = std::get_if<std::string>(&value);
+    return std::holds_alternative<std::monostate>(value) || (text != nullptr && text->empty());
+}
+
+/// Positions of the columns that a person sees.
+std::vector<std::size_t> columnsForPeople(const Listing& listing, bool everything) {
+    std::vector<std::size_t> chosen;
+    for (std::size_t i = 0; i < listing.fields.size(); ++i) {
+        const Audience audience = listing.fields[i].audience;
+        const bool isMeant = audience == Audience::everyone || audience == Audience::people ||
+                             (everything && audience == Audience::details);
+        const bool isFilled = everything || std::any_of(listing.rows.begin(), listing.rows.end(),
+                                                        [i](const std::vector<Value>& row) {
+                                                            return !isNothing(row[i]);
+                                                        });
+        if (isMeant && isFilled) {
+            chosen.push_back(i);
         }
     }
-    for (const std::vector<Value>& row : listing.rows) {
-        std::vector<std::string> cells;
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            if (isWanted(listing.fields[i])) {
-                cells.push_back(std::visit(CellText{}, row[i]));
-            }
-        }
-        table.rows.push_back(std::move(cells));
-    }
-    return table;
+    return chosen;
 }
 
 }  // namespace
 
-Table tableForPeople(const Listing& listing, bool everything) {
-    return tableOf(listing,
-                   [everything](const Field& field) { return everything || field.forPeople; });
+std::string cellText(const Value& value) {
+    return std::visit(CellText{}, value);
 }
 
-Table tableForSheets(const Listing& listing) {
-    return tableOf(listing, [](const Field&) { return true; });
+Table tableForPeople(const Listing& listing, bool everything) {
+    const std::vector<std::size_t> chosen = columnsForPeople(listing, everything);
+    Table table;
+    for (const std::size_t i : chosen) {
+        const Field& field = listing.fields[i];
+        table.columns.push_back(
+            {std::string(field.title), field.align, field.mayShrink, field.rank});
+    }
+    table.rows.reserve(listing.rows.size());
+    for (const std::vector<Value>& row : listing.rows) {
+        std::vector<std::string> cells;
+        cells.reserve(chosen.size());
+        for (const std::size_t i : chosen) {
+            cells.push_back(cellText(row[i]));
+        }
+        table.rows.push_back(std::move(cells));
+    }
+    return table;
 }
 
 std::string jsonLines(const Listing& listing) {
@@ -87,7 +108,8 @@ std::string jsonLines(const Listing& listing) {
         JsonWriter writer(sink);
         writer.beginObject();
         for (std::size_t i = 0; i < row.size(); ++i) {
-            if (!std::holds_alternative<std::monostate>(row[i])) {
+            if (listing.fields[i].audience != Audience::people &&
+                !std::holds_alternative<std::monostate>(row[i])) {
                 writer.plainKey(listing.fields[i].key);
                 std::visit(WriteJson{writer}, row[i]);
             }

@@ -4,6 +4,9 @@
 
 #include "table.h"
 
+#include <trellant/model/rational.h>
+
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -17,17 +20,36 @@ struct Gain {
     double factor = 1;
 };
 
-/// Nothing, a text, a number, a yes or no, a gain.
-using Value = std::variant<std::monostate, std::string, std::int64_t, double, bool, Gain>;
+/// A number that has to stay exact.
+struct Fraction {
+    AAFRational value{};
+};
+
+/// Nothing, a text, a number, a yes or no, a gain, a fraction.
+using Value = std::variant<std::monostate, std::string, std::int64_t, double, bool, Gain, Fraction>;
+
+enum class Audience {
+    everyone,
+    /// Sheets and programs, and people who ask for everything.
+    details,
+    /// Short forms of what sheets and programs get whole.
+    people,
+    /// What people get in a short form.
+    machines
+};
 
 struct Field {
-    /// The name in JSON; plain ASCII.
+    /// The name in JSON; plain ASCII; not used for people's own columns.
     std::string_view key;
     /// The title of the column.
     std::string_view title;
-    bool forPeople = false;
+    Audience audience = Audience::details;
     Align align = Align::left;
     bool mayShrink = false;
+    /// As in Column.
+    std::size_t rank = 0;
+    /// Holds fractions: two columns in a sheet, which takes "1/2" for a date.
+    bool isFraction = false;
 };
 
 struct Listing {
@@ -36,10 +58,16 @@ struct Listing {
     std::vector<std::vector<Value>> rows;
 };
 
-/// The columns for people; with `everything` all of them.
+/// The columns for people, less those that hold nothing; with `everything` the details too, and
+/// nothing left out.
 [[nodiscard]] Table tableForPeople(const Listing& listing, bool everything = false);
-/// All columns; numbers with as many digits as it takes to read them back.
-[[nodiscard]] Table tableForSheets(const Listing& listing);
+/// The value as a cell; numbers with as many digits as it takes to read them back.
+[[nodiscard]] std::string cellText(const Value& value);
+/// RFC 4180: CRLF after each record, titles first, quotes where needed. Numbers as cellText tells
+/// them, a fraction as numerator and denominator. A text that a sheet would take for a formula (it
+/// begins with = + - @ or a tab) gets an apostrophe in front; control characters other than tab and
+/// line feed are replaced.
+[[nodiscard]] std::string csv(const Listing& listing);
 /// One object a row, each followed by a line feed; keys in the order of the fields, what is absent
 /// left out.
 [[nodiscard]] std::string jsonLines(const Listing& listing);

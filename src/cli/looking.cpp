@@ -1,5 +1,6 @@
 #include "looking.h"
 
+#include "failure_text.h"
 #include "interrupts.h"
 #include "media_folders.h"
 #include "sources.h"
@@ -7,50 +8,20 @@
 
 #include <trellant/client/errors.h>
 #include <trellant/model/printable_text.h>
-#include <trellant/model/system_error_text.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-#include <variant>
+#include <filesystem>
+#include <system_error>
 
 namespace trellant::cli {
 
 namespace {
 
 constexpr std::size_t longestShownPath = 4096;
-constexpr std::string_view workerPrefix = "trellant-omf: ";
 
 std::string shown(const std::string& file) {
     return printableText(file, longestShownPath);
 }
-
-/// The worker's own last line without its name: that is what a person needs to know.
-std::string lastWords(const std::string& logLines) {
-    const std::size_t at = logLines.rfind(workerPrefix);
-    return at == std::string::npos ? logLines : logLines.substr(at + workerPrefix.size());
-}
-
-struct Explain {
-    std::string operator()(const AAFWorkerClientError::LaunchFailed& fault) const {
-        return "the program trellant-omf could not be started: " + fault.reason;
-    }
-    std::string operator()(const AAFWorkerClientError::NonZeroExit& fault) const {
-        if (fault.logLines.empty()) {
-            return "trellant-omf ended unexpectedly (" + std::to_string(fault.status) + ")";
-        }
-        return lastWords(fault.logLines);
-    }
-    std::string operator()(const AAFWorkerClientError::InvalidResponse& fault) const {
-        return "trellant-omf gave no usable answer: " + fault.reason;
-    }
-    std::string operator()(const AAFWorkerClientError::HelperMissing&) const {
-        return "the program trellant-omf is missing. It belongs beside this one; please install "
-               "Trellant again";
-    }
-};
 
 /// The ids of the sources without a file whose name several files in the folder bear.
 std::vector<std::string> ambiguousSources(const AAFTimeline& timeline, const std::string& folder,
@@ -73,6 +44,15 @@ std::vector<std::string> ambiguousSources(const AAFTimeline& timeline, const std
 std::optional<Inspection> look(const std::string& file,
                                const std::optional<std::string>& mediaFolder, Console& console,
                                const std::stop_token& stop) {
+    if (file.empty()) {
+        console.error("a file has an empty name");
+        return std::nullopt;
+    }
+    std::error_code ignored;
+    if (mediaFolder && !std::filesystem::is_directory(*mediaFolder, ignored)) {
+        console.error(shown(*mediaFolder) + ": there is no such folder to look for audio files in");
+        return std::nullopt;
+    }
     try {
         const Cancellable heeded;
         Inspection inspection =
@@ -86,29 +66,35 @@ std::optional<Inspection> look(const std::string& file,
         }
         console.endBar();
         tellChanges(file, inspection, console);
+        if (inspection.unread) {
+            console.note(shown(file) +
+                         ": where the losses lie could not be read: " + *inspection.unread);
+        }
         for (const std::string& line : inspection.diagnostics) {
             console.detail(shown(file) + ": " + line);
         }
         return inspection;
     } catch (const OutputClosed&) {
         throw;
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
         console.endBar();
-        tellFailure(file, console);
+        tellFailure(file, error, console);
         return std::nullopt;
+    }
+}
+
+void tellFailure(const std::string& file, const std::exception& error, Console& console) {
+    console.error(shown(file) + ": " + failureText(file, error));
+    if (const auto* const failed = dynamic_cast<const AAFWorkerClientError*>(&error)) {
+        console.detail(failed->technicalDetail());
     }
 }
 
 void tellFailure(const std::string& file, Console& console) {
     try {
         throw;
-    } catch (const AAFWorkerClientError& error) {
-        console.error(shown(file) + ": " + std::visit(Explain{}, error.fault()));
-        console.detail(error.technicalDetail());
-    } catch (const AAFCancellationError&) {
-        console.error(shown(file) + ": cancelled");
     } catch (const std::exception& error) {
-        console.error(shown(file) + ": " + error.what());
+        tellFailure(file, error, console);
     }
 }
 
@@ -141,36 +127,6 @@ ExitStatus verdict(const Inspection& inspection, FailOn failOn) {
                        : failOn == FailOn::render ? render
                                                   : any;
     return found ? ExitStatus::lossesFound : ExitStatus::done;
-}
-
-bool deliver(const Destination& destination, const std::string& text, Console& console) {
-    if (destination.path == "-") {
-        console.out(text);
-        return true;
-    }
-    const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | (destination.force ? O_TRUNC : O_EXCL);
-    constexpr mode_t everybodyMayRead = 0666;
-    const int descriptor = ::open(destination.path.c_str(), flags, everybodyMayRead);
-    std::size_t written = 0;
-    int failure = descriptor < 0 ? errno : 0;
-    while (failure == 0 && written < text.size()) {
-        const auto count = ::write(descriptor, text.data() + written, text.size() - written);
-        if (count >= 0) {
-            written += static_cast<std::size_t>(count);
-        } else if (errno != EINTR) {
-            failure = errno;
-        }
-    }
-    if (descriptor >= 0 && ::close(descriptor) != 0 && failure == 0) {
-        failure = errno;
-    }
-    if (failure == EEXIST) {
-        console.error(shown(destination.path) +
-                      " is there already. Name another file, or replace it with --force");
-    } else if (failure != 0) {
-        console.error("cannot write " + shown(destination.path) + ": " + systemErrorText(failure));
-    }
-    return failure == 0;
 }
 
 }  // namespace trellant::cli

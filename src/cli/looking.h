@@ -19,7 +19,9 @@ namespace trellant::cli {
                                              const std::optional<std::string>& mediaFolder,
                                              Console& console, const std::stop_token& stop);
 
-/// Tells why an inspection of `file` failed: the error in hand inside a catch block.
+/// Tells why an inspection of `file` failed.
+void tellFailure(const std::string& file, const std::exception& error, Console& console);
+/// The same for the error in hand: to be called inside a catch block.
 void tellFailure(const std::string& file, Console& console);
 
 /// Tells, one by one, what had to be changed to make the timeline usable.
@@ -27,9 +29,5 @@ void tellChanges(const std::string& file, const Inspection& inspection, Console&
 
 /// done, or lossesFound when the inspection holds what `failOn` names.
 [[nodiscard]] ExitStatus verdict(const Inspection& inspection, FailOn failOn);
-
-/// Writes `text` where the data goes; false when that failed, which was told then.
-[[nodiscard]] bool deliver(const Destination& destination, const std::string& text,
-                           Console& console);
 
 }  // namespace trellant::cli

@@ -2,6 +2,7 @@
 #include "commands.h"
 #include "dump.h"
 #include "extract/extract.h"
+#include "inspection.h"
 #include "interrupts.h"
 
 #include <exception>
@@ -35,7 +36,8 @@ ExitStatus perform(const Call& call, Console& console) {
             } else {
                 static_assert(std::is_same_v<Options, ExtractCall>);
                 const Cancellable heeded;
-                return runExtract({.call = options}, console, stop);
+                return runExtract({.call = options, .helperURLProvider = findWorker}, console,
+                                  stop);
             }
         },
         call);

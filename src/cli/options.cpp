@@ -1,10 +1,13 @@
 #include "options.h"
 
+#include <trellant/model/printable_text.h>
 #include <trellant/version.h>
 
 #include <CLI/CLI.hpp>
+#include <initializer_list>
 #include <map>
 #include <memory>
+#include <utility>
 
 namespace trellant::cli {
 
@@ -22,7 +25,8 @@ class HelpPage final : public CLI::Formatter {
         if (!app->get_footer().empty()) {
             page += "Examples:\n" + app->get_footer() + "\n\n";
         }
-        page += make_usage(app, name);
+        const CLI::App* const parent = app->get_parent();
+        page += make_usage(app, parent == nullptr ? name : parent->get_name() + " " + name);
         page += make_positionals(app);
         page += make_groups(app, mode);
         page += make_subcommands(app, mode);
@@ -30,19 +34,38 @@ class HelpPage final : public CLI::Formatter {
     }
 };
 
-const std::map<std::string, FailOn>& failOnNames() {
-    static const std::map<std::string, FailOn> names{
-        {"missing", FailOn::missing}, {"render", FailOn::render}, {"any", FailOn::any}};
-    return names;
+/// An option that takes one of a few words; the library's own texts for that show its numbers.
+template <class Choice>
+CLI::Option* addChoice(CLI::App& command, const std::string& name, Choice& chosen,
+                       const std::string& description,
+                       std::initializer_list<std::pair<std::string, Choice>> words) {
+    std::string list;
+    for (const auto& [word, choice] : words) {
+        list += (list.empty() ? "" : "|") + word;
+    }
+    return command
+        .add_option_function<std::string>(
+            name,
+            [name, list, &chosen,
+             choices = std::map<std::string, Choice>(words.begin(), words.end())](
+                const std::string& word) {
+                const auto found = choices.find(word);
+                if (found == choices.end()) {
+                    throw CLI::ValidationError(
+                        name, "is one of " + list + ", not \"" + printableText(word) + "\"");
+                }
+                chosen = found->second;
+            },
+            description)
+        ->type_name(list);
 }
 
 void addFailOn(CLI::App& command, FailOn& failOn) {
-    command
-        .add_option("--fail-on", failOn,
-                    "End with status 3 when an audio file is missing, when something does not "
-                    "sound as meant (render), or for any loss")
-        ->transform(CLI::CheckedTransformer(failOnNames()))
-        ->type_name("missing|render|any");
+    addChoice<FailOn>(
+        command, "--fail-on", failOn,
+        "End with status 3 when an audio file is missing, when something does not sound as meant "
+        "(render), or for any loss",
+        {{"missing", FailOn::missing}, {"render", FailOn::render}, {"any", FailOn::any}});
 }
 
 void addMedia(CLI::App& command, std::optional<std::string>& folder) {
@@ -63,7 +86,8 @@ class Parser {
     Parser() {
         app_.formatter(std::make_shared<HelpPage>());
         app_.set_help_flag("-h,--help", "Show this page");
-        app_.set_version_flag("--version", "trellant " + std::string(versionText));
+        app_.set_version_flag("--version", "trellant " + std::string(versionText))
+            ->description("Show the version");
         app_.require_subcommand(1);
         app_.fallthrough();
         app_.add_flag("-q,--quiet", quiet_, "Say nothing but errors");
@@ -91,6 +115,10 @@ class Parser {
             line.text = asked().help();
             return line;
         } catch (const CLI::ParseError& error) {
+            const std::string word = firstWord(argc, argv);
+            if (app_.get_subcommands().empty() && !word.empty()) {
+                return wrongUse("there is no command \"" + printableText(word) + "\"");
+            }
             return wrongUse(error.what());
         }
         if (quiet_ && verbose_) {
@@ -130,15 +158,12 @@ class Parser {
                      "  trellant list clips mix.omf --csv -o mix.csv\n"
                      "  trellant list losses mix.omf -v                with the technical texts\n"
                      "  trellant list losses mix.omf --json");
-        static const std::map<std::string, ListOptions::What> names{
-            {"tracks", ListOptions::What::tracks},
-            {"clips", ListOptions::What::clips},
-            {"sources", ListOptions::What::sources},
-            {"losses", ListOptions::What::losses}};
-        list_->add_option("WHAT", listOptions_.what, "tracks, clips, sources or losses")
-            ->required()
-            ->transform(CLI::CheckedTransformer(names))
-            ->type_name("");
+        addChoice<ListOptions::What>(*list_, "WHAT", listOptions_.what, "What to list",
+                                     {{"tracks", ListOptions::What::tracks},
+                                      {"clips", ListOptions::What::clips},
+                                      {"sources", ListOptions::What::sources},
+                                      {"losses", ListOptions::What::losses}})
+            ->required();
         list_->add_option("FILE", listOptions_.file, "OMF file")->required()->type_name("");
         auto* const csvFlag = list_->add_flag("--csv", csv_, "Comma-separated, for sheets");
         list_->add_flag("--json", json_, "One JSON object a line")->excludes(csvFlag);
@@ -195,6 +220,16 @@ class Parser {
         validate_->add_option("RESULT", validateOptions_.files, "JSON files; - is standard input")
             ->required();
         validate_->add_flag("--json", validateOptions_.json, "One JSON object a line");
+    }
+
+    /// The first argument that is no option.
+    [[nodiscard]] static std::string firstWord(int argc, const char* const* argv) {
+        for (int i = 1; i < argc; ++i) {
+            if (argv[i][0] != '-') {
+                return argv[i];
+            }
+        }
+        return {};
     }
 
     [[nodiscard]] const CLI::App& asked() const {

@@ -13,6 +13,8 @@ namespace trellant::cli {
 
 namespace {
 
+using enum Audience;
+
 template <class T>
 Value orNothing(const std::optional<T>& value) {
     Value cell;
@@ -33,7 +35,7 @@ Value secondsOf(const std::optional<AAFRational>& time) {
 Value exactSecondsOf(const std::optional<AAFRational>& time) {
     Value cell;
     if (time) {
-        cell = fractionText(*time);
+        cell = Fraction{*time};
     }
     return cell;
 }
@@ -78,20 +80,22 @@ std::unordered_map<std::string_view, TrackTotals> totalsByTrack(const AAFTimelin
 
 Listing listTracks(const Inspection& inspection) {
     const AAFTimeline& timeline = inspection.timeline;
-    Listing listing{.fields = {{"track", "Track", true, Align::right},
-                               {"name", "Name", true, Align::left, true},
-                               {"clips", "Clips", true, Align::right},
-                               {"end", "Ends at", true},
-                               {"endSeconds", "Ends at (s)"},
-                               {"endSecondsExact", "Ends at (exact s)"},
-                               {"gainDb", "Gain (dB)", true, Align::right},
-                               {"pan", "Pan", true},
-                               {"panPosition", "Pan position"},
-                               {"muted", "Muted", true},
-                               {"solo", "Solo", true},
-                               {"losses", "Losses", true, Align::right},
-                               {"id", "Id"}},
-                    .rows = {}};
+    Listing listing{
+        .fields = {{"track", "Track", everyone, Align::right},
+                   {"", "Name", people, Align::left, true},
+                   {"name", "Name", machines},
+                   {"clips", "Clips", everyone, Align::right, false, 3},
+                   {"end", "Ends at", everyone, Align::left, false, 4},
+                   {"endSeconds", "Ends at (s)"},
+                   {"endSecondsExact", "Ends at (exact s)", details, Align::left, false, 0, true},
+                   {"gainDb", "Gain (dB)", everyone, Align::right, false, 5},
+                   {"pan", "Pan", everyone, Align::left, false, 6},
+                   {"panPosition", "Pan position"},
+                   {"muted", "Muted", everyone, Align::left, false, 2},
+                   {"solo", "Solo", everyone, Align::left, false, 7},
+                   {"losses", "Losses", everyone, Align::right, false, 1},
+                   {"id", "Id"}},
+        .rows = {}};
     const auto totals = totalsByTrack(timeline);
     std::unordered_map<std::string_view, std::int64_t> losses;
     for (const PlacedLoss& loss : inspection.losses) {
@@ -103,9 +107,10 @@ Listing listTracks(const Inspection& inspection) {
         const auto found = totals.find(track.id);
         const TrackTotals total = found == totals.end() ? TrackTotals{} : found->second;
         const auto lost = losses.find(track.id);
-        listing.rows.push_back({track.index + 1, orNothing(track.name), total.clips,
+        listing.rows.push_back({track.index + 1, trackText(track.name, track.index + 1),
+                                orNothing(track.name), total.clips,
                                 timecodeText(timeline, total.end), total.end.doubleValue(),
-                                fractionText(total.end), Gain{track.fixedGain}, panOf(track),
+                                Fraction{total.end}, Gain{track.fixedGain}, panOf(track),
                                 orNothing(track.fixedPan), track.muted, track.solo,
                                 lost == losses.end() ? std::int64_t{0} : lost->second, track.id});
     }
@@ -114,24 +119,27 @@ Listing listTracks(const Inspection& inspection) {
 
 Listing listSources(const Inspection& inspection) {
     const AAFTimeline& timeline = inspection.timeline;
-    Listing listing{.fields = {{"name", "Audio file", true, Align::left, true},
-                               {"state", "State", true},
-                               {"sampleRate", "Rate (Hz)", true, Align::right},
-                               {"sampleRateExact", "Rate (exact Hz)"},
-                               {"bitDepth", "Bits", true, Align::right},
-                               {"channels", "Channels", true, Align::right},
-                               {"codec", "Format", true},
-                               {"clips", "Clips", true, Align::right},
-                               {"file", "Found at", true, Align::left, true},
-                               {"recordedPath", "Recorded path", false, Align::left, true},
-                               {"id", "Id"}},
-                    .rows = {}};
+    Listing listing{
+        .fields = {{"name", "Audio file", everyone, Align::left, true},
+                   {"state", "State", everyone, Align::left, false, 1},
+                   {"sampleRate", "Rate (Hz)", everyone, Align::right, false, 2},
+                   {"sampleRateExact", "Rate (exact Hz)", details, Align::left, false, 0, true},
+                   {"bitDepth", "Bits", everyone, Align::right, false, 3},
+                   {"channels", "Channels", everyone, Align::right, false, 5},
+                   {"", "Format", people, Align::left, false, 6},
+                   {"codec", "Codec"},
+                   {"clips", "Clips", everyone, Align::right, false, 4},
+                   {"file", "Found at", everyone, Align::left, true, 7},
+                   {"recordedPath", "Recorded path"},
+                   {"id", "Id"}},
+        .rows = {}};
     const Sources sources(timeline, inspection.ambiguousEssences);
     for (const Source& source : sources.all()) {
         const AAFSourceEssence& essence = *source.essence;
         listing.rows.push_back({sourceName(essence), std::string(stateText(source.state)),
-                                essence.sampleRate.doubleValue(), fractionText(essence.sampleRate),
+                                essence.sampleRate.doubleValue(), Fraction{essence.sampleRate},
                                 orNothing(essence.bitDepth), essence.channelCount,
+                                essence.codec ? Value(formatText(*essence.codec)) : Value(),
                                 orNothing(essence.codec), static_cast<std::int64_t>(source.clips),
                                 fileOf(essence), orNothing(essence.originalPath), essence.id});
     }
@@ -140,21 +148,23 @@ Listing listSources(const Inspection& inspection) {
 
 Listing listLosses(const Inspection& inspection) {
     const AAFTimeline& timeline = inspection.timeline;
-    Listing listing{.fields = {{"loss", "No.", true, Align::right},
-                               {"effect", "Effect", true, Align::left, true},
-                               {"track", "Track", true, Align::left, true},
-                               {"trackNumber", "Track no.", false, Align::right},
-                               {"clip", "Clip", true, Align::left, true},
-                               {"in", "From", true},
-                               {"out", "To", true},
-                               {"startSeconds", "From (s)"},
-                               {"startSecondsExact", "From (exact s)"},
-                               {"durationSeconds", "Length (s)"},
-                               {"durationSecondsExact", "Length (exact s)"},
-                               {"sentence", "What it means", true, Align::left, true},
-                               {"technical", "Technical text"},
-                               {"objectPath", "Place in the file"}},
-                    .rows = {}};
+    Listing listing{
+        .fields = {{"loss", "No."},
+                   {"effect", "Effect"},
+                   {"track", "Track"},
+                   {"trackNumber", "Track no."},
+                   {"clip", "Clip"},
+                   {"in", "From"},
+                   {"out", "To"},
+                   {"startSeconds", "From (s)"},
+                   {"startSecondsExact", "From (exact s)", details, Align::left, false, 0, true},
+                   {"durationSeconds", "Length (s)"},
+                   {"durationSecondsExact", "Length (exact s)", details, Align::left, false, 0,
+                    true},
+                   {"sentence", "What it means"},
+                   {"technical", "Technical text"},
+                   {"objectPath", "Place in the file"}},
+        .rows = {}};
     for (std::size_t i = 0; i < timeline.unsupportedFeatures.size(); ++i) {
         const AAFUnsupportedFeature& feature = timeline.unsupportedFeatures[i];
         const PlacedLoss& loss = inspection.losses[i];

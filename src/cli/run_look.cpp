@@ -1,8 +1,11 @@
 // `trellant info` and `trellant list`.
 #include "commands.h"
+#include "deliver.h"
 #include "info.h"
 #include "looking.h"
+#include "loss_blocks.h"
 #include "rows.h"
+#include "timeline_text.h"
 
 #include <trellant/model/precondition.h>
 
@@ -26,19 +29,68 @@ Listing listingOf(ListOptions::What what, const Inspection& inspection) {
     preconditionFailure("enumeration value outside its cases");
 }
 
-std::string textOf(const Listing& listing, ListOptions::Form form, const Console& console,
-                   bool toConsole) {
-    switch (form) {
+std::string joined(const std::vector<std::string>& titles) {
+    std::string text;
+    for (const std::string& title : titles) {
+        text += (text.empty() ? "" : ", ") + title;
+    }
+    return text;
+}
+
+/// Tells which columns found no room.
+std::string tableText(const Listing& listing, Console& console, bool toConsole) {
+    const bool everything = console.verbosity() == Verbosity::verbose;
+    const FittedTable table =
+        fitted(tableForPeople(listing, everything),
+               toConsole && !everything ? console.outColumns() : Console::unlimitedColumns,
+               toConsole && console.outHasColour());
+    if (!table.leftOut.empty()) {
+        console.note("left out for want of room: " + joined(table.leftOut) +
+                     " (-v and --csv show every column)");
+    }
+    return table.text;
+}
+
+std::string textOf(const ListOptions& options, const Inspection& inspection, const Listing& listing,
+                   Console& console) {
+    const bool toConsole = options.destination.path == "-";
+    switch (options.form) {
         case ListOptions::Form::csv:
-            return csv(tableForSheets(listing));
+            return csv(listing);
         case ListOptions::Form::json:
             return jsonLines(listing);
         case ListOptions::Form::people:
-            return aligned(tableForPeople(listing, console.verbosity() == Verbosity::verbose),
-                           toConsole ? console.outColumns() : Console::unlimitedColumns,
-                           toConsole && console.outHasColour());
+            if (options.what == ListOptions::What::losses) {
+                return lossBlocks(inspection,
+                                  toConsole ? console.outColumns() : Console::unlimitedColumns,
+                                  toConsole && console.outHasColour());
+            }
+            return tableText(listing, console, toConsole);
     }
     preconditionFailure("enumeration value outside its cases");
+}
+
+/// Lists that tell timecodes of places tell of a clock that drifts from them.
+void tellRateDisagreement(const ListOptions& options, const Inspection& inspection,
+                          Console& console) {
+    const bool tellsPlaces =
+        options.what == ListOptions::What::clips || options.what == ListOptions::What::losses;
+    const auto disagreement = rateDisagreement(inspection.timeline.clock);
+    if (tellsPlaces && disagreement) {
+        console.note(*disagreement);
+    }
+}
+
+std::string emptyListText(ListOptions::What what, const Inspection& inspection) {
+    if (what != ListOptions::What::losses) {
+        return "there is nothing to list";
+    }
+    const std::size_t odd = inspection.changes.size();
+    if (odd == 0) {
+        return "nothing was lost";
+    }
+    return "no losses are recorded, but " + std::to_string(odd) +
+           (odd == 1 ? " thing was" : " things were") + " odd and set right (told above)";
 }
 
 ExitStatus worse(ExitStatus left, ExitStatus right) {
@@ -52,6 +104,9 @@ ExitStatus worse(ExitStatus left, ExitStatus right) {
 }  // namespace
 
 ExitStatus runInfo(const InfoOptions& options, Console& console, const std::stop_token& stop) {
+    if (!mayDeliver(options.destination, options.files, console)) {
+        return ExitStatus::wrongUse;
+    }
     const bool toConsole = options.destination.path == "-";
     ExitStatus status = ExitStatus::done;
     std::string gathered;
@@ -86,18 +141,20 @@ ExitStatus runInfo(const InfoOptions& options, Console& console, const std::stop
 }
 
 ExitStatus runList(const ListOptions& options, Console& console, const std::stop_token& stop) {
+    if (!mayDeliver(options.destination, {options.file}, console)) {
+        return ExitStatus::wrongUse;
+    }
     const auto inspection = look(options.file, options.mediaFolder, console, stop);
     if (!inspection) {
         return ExitStatus::fileFailed;
     }
     const Listing listing = listingOf(options.what, *inspection);
     if (listing.rows.empty() && options.form == ListOptions::Form::people) {
-        console.note(options.what == ListOptions::What::losses ? "nothing was lost"
-                                                               : "there is nothing to list");
+        console.note(emptyListText(options.what, *inspection));
         return verdict(*inspection, options.failOn);
     }
-    const bool toConsole = options.destination.path == "-";
-    if (!deliver(options.destination, textOf(listing, options.form, console, toConsole), console)) {
+    tellRateDisagreement(options, *inspection, console);
+    if (!deliver(options.destination, textOf(options, *inspection, listing, console), console)) {
         return ExitStatus::fileFailed;
     }
     return verdict(*inspection, options.failOn);

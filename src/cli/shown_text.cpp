@@ -90,7 +90,7 @@ std::string cutToCells(std::string_view shown, std::size_t cells) {
     while (place < shown.size()) {
         const Measure head = measureHead(shown.substr(place));
         const bool isBoundary =
-            place == 0 || utf8proc_grapheme_break_stateful(before, head.scalar, &state) != 0;
+            place == 0 || utf8proc_grapheme_break_stateful(before, head.scalar, &state);
         if (isBoundary && used < cells) {
             cut = place;
         }

@@ -6,13 +6,15 @@
 #include <cstdint>
 #include <stop_token>
 #include <string>
+#include <utility>
 
 namespace trellant::cli {
 
 class StepProgress {
   public:
     /// `console` must outlive this.
-    StepProgress(Console& console, std::stop_token stop) : console_(console), stop_(stop) {}
+    StepProgress(Console& console, std::stop_token stop)
+        : console_(console), stop_(std::move(stop)) {}
 
     [[nodiscard]] Console& console() const noexcept { return console_; }
     [[nodiscard]] const std::stop_token& stop() const noexcept { return stop_; }

@@ -16,6 +16,8 @@ namespace {
 constexpr std::size_t gap = 2;
 /// A column is not cut below this: less of a name tells nothing.
 constexpr std::size_t narrowestCut = 4;
+/// Columns are left out before others become narrower than this.
+constexpr std::size_t readableCut = 8;
 
 struct Cell {
     std::string text;
@@ -100,6 +102,53 @@ std::string lineOf(const Row& row, const std::vector<Column>& columns,
     return line;
 }
 
+/// Which columns stay: as many as fit at the width they can be read in, in order of rank up to the
+/// first that does not, so that nothing stands there in the place of something of more weight.
+std::vector<bool> fittingColumns(const std::vector<std::size_t>& widths,
+                                 const std::vector<Column>& columns, std::size_t lineCells) {
+    std::vector<std::size_t> order(columns.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::stable_sort(order.begin(), order.end(), [&columns](std::size_t left, std::size_t right) {
+        return columns[left].rank < columns[right].rank;
+    });
+    std::vector<bool> stays(columns.size(), false);
+    std::size_t used = 0;
+    for (const std::size_t i : order) {
+        used += columns[i].mayShrink ? std::min(widths[i], readableCut) : widths[i];
+        used += i == order.front() ? 0 : gap;
+        if (columns[i].rank != 0 && used > lineCells) {
+            break;
+        }
+        stays[i] = true;
+    }
+    return stays;
+}
+
+template <class T>
+std::vector<T> kept(std::vector<T> all, const std::vector<bool>& stays) {
+    std::vector<T> chosen;
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        if (stays[i]) {
+            chosen.push_back(std::move(all[i]));
+        }
+    }
+    return chosen;
+}
+
+std::string textOf(const std::vector<Row>& rows, const std::vector<Column>& columns,
+                   std::vector<std::size_t> widths, std::size_t lineCells, bool colour) {
+    if (lineCells != Console::unlimitedColumns) {
+        shrink(widths, columns, lineCells);
+    }
+    std::string text = painted(lineOf(rows.front(), columns, widths), Paint::bold, colour);
+    text += '\n';
+    for (auto row = rows.begin() + 1; row != rows.end(); ++row) {
+        text += lineOf(*row, columns, widths);
+        text += '\n';
+    }
+    return text;
+}
+
 }  // namespace
 
 std::string aligned(const Table& table, std::size_t columns, bool colour) {
@@ -107,17 +156,27 @@ std::string aligned(const Table& table, std::size_t columns, bool colour) {
         return {};
     }
     const std::vector<Row> rows = shownRows(table);
-    std::vector<std::size_t> widths = fullWidths(rows);
-    if (columns != Console::unlimitedColumns) {
-        shrink(widths, table.columns, columns);
+    return textOf(rows, table.columns, fullWidths(rows), columns, colour);
+}
+
+FittedTable fitted(const Table& table, std::size_t columns, bool colour) {
+    if (columns == Console::unlimitedColumns || table.columns.empty()) {
+        return {aligned(table, columns, colour), {}};
     }
-    std::string text = painted(lineOf(rows.front(), table.columns, widths), Paint::bold, colour);
-    text += '\n';
-    for (auto row = rows.begin() + 1; row != rows.end(); ++row) {
-        text += lineOf(*row, table.columns, widths);
-        text += '\n';
+    std::vector<Row> rows = shownRows(table);
+    const std::vector<std::size_t> widths = fullWidths(rows);
+    const std::vector<bool> stays = fittingColumns(widths, table.columns, columns);
+    FittedTable result;
+    for (std::size_t i = 0; i < stays.size(); ++i) {
+        if (!stays[i]) {
+            result.leftOut.push_back(table.columns[i].title);
+        }
     }
-    return text;
+    for (Row& row : rows) {
+        row = kept(std::move(row), stays);
+    }
+    result.text = textOf(rows, kept(table.columns, stays), kept(widths, stays), columns, colour);
+    return result;
 }
 
 }  // namespace trellant::cli

@@ -1,4 +1,4 @@
-// Rows and columns, for people and for sheets.
+// Rows and columns for people.
 #pragma once
 
 #include <cstddef>
@@ -15,6 +15,9 @@ struct Column {
     Align align = Align::left;
     /// The cells may be cut (with "…") when the line is too narrow; the widest such column first.
     bool mayShrink = false;
+    /// Columns that have to fit by leaving others out: 0 stays always, of the others the lowest
+    /// come first.
+    std::size_t rank = 0;
 };
 
 struct Table {
@@ -31,9 +34,14 @@ struct Table {
 /// Console::unlimitedColumns: nothing is cut.
 [[nodiscard]] std::string aligned(const Table& table, std::size_t columns, bool colour);
 
-/// RFC 4180: CRLF after each record, titles first, quotes where needed. A cell that a sheet would
-/// take for a formula (it begins with = + - @, a tab or a carriage return) gets an apostrophe in
-/// front, except for a plain number.
-[[nodiscard]] std::string csv(const Table& table);
+struct FittedTable {
+    std::string text;
+    /// Titles of the columns that did not fit.
+    std::vector<std::string> leftOut;
+};
+
+/// The same, but columns of a rank are left out before names are cut to less than a reader can
+/// make use of.
+[[nodiscard]] FittedTable fitted(const Table& table, std::size_t columns, bool colour);
 
 }  // namespace trellant::cli

@@ -1,5 +1,7 @@
 #include "timeline_text.h"
 
+#include "shown_text.h"
+
 #include <trellant/model/enum_names.h>
 
 #include <array>
@@ -128,22 +130,69 @@ std::string channelsText(std::int64_t count) {
     return count == 2 ? "stereo" : std::to_string(count) + " channels";
 }
 
-std::optional<std::string> rateDisagreement(const AAFProgramClock& clock) {
+std::string shortCurveText(const AAFAutomationInterpolation& curve) {
+    constexpr std::size_t letters = 3;
+    constexpr std::size_t cellsOfOthers = 4;
+    const std::string text = curveText(curve);
+    if (std::holds_alternative<AAFAutomationInterpolation::Unsupported>(curve.curve)) {
+        return cutToCells(shownText(text), cellsOfOthers);
+    }
+    return text.substr(0, letters);
+}
+
+std::string shortFadeText(const AAFTimeline& timeline, const AAFFade& fade) {
+    const std::int64_t frames =
+        (fade.duration * timeline.clock.timecodeRate.exactRate).roundedInt64();
+    return (frames == 0 ? "<1" : std::to_string(frames)) + "f " + shortCurveText(fade.curve);
+}
+
+std::string trackText(const std::optional<std::string>& name,
+                      const std::optional<std::int64_t>& number) {
+    if (name && !name->empty()) {
+        return *name;
+    }
+    return number ? "track " + std::to_string(*number) : "";
+}
+
+std::string formatText(const std::string& codec) {
+    if (codec == "PCM" || codec == "WAVD") {
+        return "WAVE";
+    }
+    if (codec == "NONE" || codec == "AIFD") {
+        return "AIFF";
+    }
+    return codec;
+}
+
+std::optional<RateDrift> rateDrift(const AAFProgramClock& clock) {
     const AAFRational& labelled = clock.timecodeRate.exactRate;
-    if (clock.editRate == labelled || labelled.numerator() == 0) {
+    if (clock.editRate == labelled || labelled.numerator() <= 0 ||
+        clock.editRate.numerator() <= 0) {
         return std::nullopt;
     }
     const double ratio = (clock.editRate / labelled).doubleValue();
     // An edit rate of another kind (samples per second) is no disagreement about frames.
     constexpr double sameKind = 0.005;
-    if (std::fabs(ratio - 1) > sameKind) {
+    const AAFRational highestFrameRate(120);
+    const bool bothCountFrames = clock.editRate <= highestFrameRate && labelled <= highestFrameRate;
+    if (!bothCountFrames && std::fabs(ratio - 1) > sameKind) {
         return std::nullopt;
     }
     constexpr double secondsPerHour = 3600;
-    return "The composition counts " + plainRate(clock.editRate) +
-           " frames per second, but its timecode is labelled with " + plainRate(labelled) +
-           ": timecodes shown here and those of a workstation that counts frames drift apart by " +
-           withoutTrailingZeros(fixedPoint(std::fabs(1 - ratio) * secondsPerHour, 2)) +
+    return RateDrift{clock.editRate, labelled, (1 - ratio) * secondsPerHour};
+}
+
+std::optional<std::string> rateDisagreement(const AAFProgramClock& clock) {
+    const std::optional<RateDrift> drift = rateDrift(clock);
+    if (!drift) {
+        return std::nullopt;
+    }
+    return "The composition counts " + plainRate(drift->editRate) +
+           " frames per second, but its timecode is labelled with " +
+           plainRate(drift->timecodeRate) + ": timecodes shown here run " +
+           (drift->secondsPerHour > 0 ? "ahead of" : "behind") +
+           " those of a workstation that counts frames by " +
+           withoutTrailingZeros(fixedPoint(std::fabs(drift->secondsPerHour), 2)) +
            " seconds per hour.";
 }
 

@@ -3,6 +3,7 @@
 
 #include <trellant/model/timeline.h>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -31,8 +32,29 @@ namespace trellant::cli {
 /// "mono", "stereo", "6 channels".
 [[nodiscard]] std::string channelsText(std::int64_t count);
 
-/// Where the composition counts frames at another rate than its timecode is labelled with, one
-/// sentence with the drift per hour; absent when they agree.
+/// "linear" as "lin": a few letters for a narrow column.
+[[nodiscard]] std::string shortCurveText(const AAFAutomationInterpolation& curve);
+/// "3f lin": a fade's length in frames and its curve; "<1f lin" when it is shorter than half a
+/// frame.
+[[nodiscard]] std::string shortFadeText(const AAFTimeline& timeline, const AAFFade& fade);
+/// What a person calls a track: its name, else "track 2", else nothing.
+[[nodiscard]] std::string trackText(const std::optional<std::string>& name,
+                                    const std::optional<std::int64_t>& number);
+/// "WAVE" or "AIFF" for what these hold plainly; any other codec by its own name.
+[[nodiscard]] std::string formatText(const std::string& codec);
+
+/// The composition counts frames at another rate than its timecode is labelled with.
+struct RateDrift {
+    AAFRational editRate{};
+    AAFRational timecodeRate{};
+    /// By how much timecodes shown here run ahead of those of a workstation that counts frames;
+    /// negative where they run behind.
+    double secondsPerHour = 0;
+};
+
+/// Absent where the rates agree, and where the composition does not count frames but samples.
+[[nodiscard]] std::optional<RateDrift> rateDrift(const AAFProgramClock& clock);
+/// The drift in one sentence; absent where there is none.
 [[nodiscard]] std::optional<std::string> rateDisagreement(const AAFProgramClock& clock);
 
 }  // namespace trellant::cli

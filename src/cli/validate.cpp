@@ -61,12 +61,13 @@ AAFTimeline timelineIn(const std::string& text) {
     } catch (const JsonDecodingError& asResult) {
         try {
             return decodeJson<AAFTimeline>(text, TimelineChecks::none);
-        } catch (const JsonDecodingError& asTimeline) {
+        } catch (const JsonDecodingError&) {
             // A fault inside "timeline" is one of a result; at the outermost level either may be
             // meant, and the timeline says more.
-            throw asResult.keyPath().starts_with("timeline") && asResult.keyPath() != "timeline"
-                ? asResult
-                : asTimeline;
+            if (asResult.keyPath().starts_with("timeline.")) {
+                throw JsonDecodingError(asResult.keyPath(), asResult.reason());
+            }
+            throw;
         }
     }
 }

@@ -19,7 +19,9 @@
 #include <sys/syscall.h>
 #endif
 
+#ifdef __APPLE__
 extern char** environ;
+#endif
 
 namespace trellant {
 

@@ -6,6 +6,7 @@
 #include <limits>
 #include <memory>
 #include <sndfile.h>
+#include <string_view>
 #include <system_error>
 #include <unistd.h>
 #include <vector>
@@ -24,8 +25,19 @@ struct SoundCloser {
 };
 using Sound = std::unique_ptr<SNDFILE, SoundCloser>;
 
+constexpr std::string_view notWritten = "the WAVE file could not be written";
+
 std::string systemText(int errorNumber) {
     return std::generic_category().message(errorNumber);
+}
+
+/// In words, and behind them the text of whoever refused, which is not always for people.
+ConversionError because(std::string_view words, std::string detail) {
+    while (!detail.empty() && (detail.back() == '.' || detail.back() == '\n')) {
+        detail.pop_back();
+    }
+    detail = detail.empty() ? std::string() : " (" + detail + ")";
+    return ConversionError(std::string(words).append(detail));
 }
 
 /// How a kind of sample is called in a WAVE file, and what it takes there.
@@ -64,7 +76,7 @@ Source openSource(const std::string& path) {
     Source source;
     source.sound.reset(::sf_open(path.c_str(), SFM_READ, &source.info));
     if (source.sound == nullptr) {
-        throw ConversionError(::sf_strerror(nullptr));
+        throw because("it cannot be read as audio", ::sf_strerror(nullptr));
     }
     if ((source.info.format & SF_FORMAT_TYPEMASK) != SF_FORMAT_AIFF) {
         throw ConversionError("it is no AIFF or AIFC file");
@@ -80,7 +92,7 @@ class NewFile {
           descriptor_(
               ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666)) {
         if (descriptor_ < 0) {
-            throw ConversionError("cannot create " + path + ": " + systemText(errno));
+            throw because("no WAVE file could be created", systemText(errno));
         }
     }
     ~NewFile() {
@@ -121,7 +133,7 @@ void moveFrames(const Source& source, SNDFILE* target, Transfer<Sample> read,
             throw ConversionError("it ends before its last sample");
         }
         if (write(target, block.data(), wanted) != wanted) {
-            throw ConversionError(::sf_strerror(target));
+            throw because(notWritten, ::sf_strerror(target));
         }
         moved += wanted;
     }
@@ -146,7 +158,7 @@ void copyAsWave(const std::string& source, const std::string& destination) {
     NewFile file(destination);
     Sound output(::sf_open_fd(file.descriptor(), SFM_WRITE, &info, SF_FALSE));
     if (output == nullptr) {
-        throw ConversionError(::sf_strerror(nullptr));
+        throw because(notWritten, ::sf_strerror(nullptr));
     }
     // The chunk of peaks holds the time of day, and equal audio is to give equal files.
     ::sf_command(output.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
@@ -159,7 +171,7 @@ void copyAsWave(const std::string& source, const std::string& destination) {
     }
     // Closing writes the sizes into the head.
     if (const int failure = ::sf_close(output.release()); failure != 0) {
-        throw ConversionError(::sf_error_number(failure));
+        throw because(notWritten, ::sf_error_number(failure));
     }
     file.keep();
 }

@@ -54,11 +54,33 @@ TEST(Changes, AudioFilesAndWholeClipsAreToldByWhatTheyAre) {
                                  .object = "clock",
                                  .action = AAFRepairChange::Action::replaced,
                                  .field = "editRate"}});
-    EXPECT_EQ(told.at(0).what, "the sample rate is replaced by a usable one");
-    EXPECT_EQ(placeText(told.at(0), oneClip()), "audio file Voice.wav");
+    EXPECT_EQ(told.at(0).what,
+              "the sample rate is taken as 48000 Hz; clips whose place in the audio file hangs on "
+              "it start at the head of the file");
+    EXPECT_EQ(placeText(told.at(0), oneClip()),
+              "track Dialog, clip Anna, audio file Voice.wav, at 01:00:02:00");
     EXPECT_EQ(told.at(1).what, "the clip is left out");
     EXPECT_EQ(told.at(2).what, "the edit rate is replaced by a usable one");
     EXPECT_EQ(placeText(told.at(2), oneClip()), "");
+}
+
+TEST(Changes, OnePointIsOne) {
+    const auto told = toldChanges(oneClip(), {{.code = "automation-time-outside-owner",
+                                               .object = "event[0]",
+                                               .action = AAFRepairChange::Action::clamped,
+                                               .field = "clipGainAutomation.points",
+                                               .count = 1}});
+    EXPECT_EQ(told.at(0).what,
+              "1 point of the gain automation is set to the nearest possible value");
+}
+
+TEST(Changes, ATrackThatIsListedTwiceIsToldWithWhatIsHeard) {
+    const auto told =
+        toldChanges(oneClip(), {{.code = "duplicate-identity", .object = "track[0]"}});
+    EXPECT_EQ(told.at(0).what,
+              "the track is listed twice and the second listing is left out; its clips stand twice "
+              "on the first, one upon the other, and sound twice as loud");
+    EXPECT_EQ(placeText(told.at(0), oneClip()), "track Dialog");
 }
 
 TEST(Changes, PositionsStandInBrackets) {

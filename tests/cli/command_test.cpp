@@ -125,7 +125,8 @@ TEST(Command, ADamagedFileIsNamedWithItsFault) {
     EXPECT_EQ(said.status, 2);
     EXPECT_EQ(said.out, "");
     EXPECT_EQ(said.errors,
-              "trellant: README.md: Malformed OMF/Bento file: Bento footer signature not found\n");
+              "trellant: README.md: this is no OMF file that can be read, it looks like a text "
+              "(Malformed OMF/Bento file: Bento footer signature not found)\n");
 }
 
 TEST(Command, FailOnTellsScriptsOfLosses) {
@@ -154,11 +155,26 @@ TEST(Command, HelpAndVersionGoToStandardOutput) {
     EXPECT_THAT(help.out, HasSubstr("trellant extract mix.omf --to mix-audio"));
 }
 
-TEST(Command, TablesFitANarrowTerminal) {
-    const Said said = run({"list", "losses", "session.omf"}, terminal(60));
-    EXPECT_EQ(said.status, 0);
-    EXPECT_LE(widestLine(said.out), 60U);
-    EXPECT_THAT(said.out, HasSubstr("\u2026"));
+TEST(Command, ListsFitNarrowTerminals) {
+    for (const int columns : {60, 80}) {
+        for (const std::string what : {"tracks", "clips", "sources", "losses"}) {
+            const Said said =
+                run({"list", what, "session.omf"}, terminal(static_cast<unsigned short>(columns)));
+            EXPECT_EQ(said.status, 0);
+            EXPECT_LE(widestLine(said.out), static_cast<std::size_t>(columns)) << what;
+            EXPECT_FALSE(said.out.empty());
+        }
+    }
+}
+
+TEST(Command, ColumnsThatFindNoRoomAreNamedOnce) {
+    const Setting narrow{.out = Listener::terminal, .columns = 60};
+    EXPECT_EQ(run({"list", "clips", "session.omf"}, narrow).errors,
+              "trellant: left out for want of room: Ch., Gain dB, Fade in, Fade out, Losses "
+              "(-v and --csv show every column)\n");
+    EXPECT_EQ(run({"-q", "list", "clips", "session.omf"}, narrow).errors, "");
+    EXPECT_THAT(run({"-v", "list", "clips", "session.omf"}, narrow).out,
+                HasSubstr("Number of gain points"));
 }
 
 TEST(Command, TablesAreWholeOnAWideTerminal) {
@@ -197,7 +213,7 @@ TEST(Command, AnExistingFileIsNotOverwrittenWithoutForce) {
     EXPECT_EQ(contentOf(file), contentOf(goldens / "list-clips.csv"));
     std::ofstream(file) << "mine";
     const Said refused = run({"list", "clips", "session.omf", "--csv", "-o", file});
-    EXPECT_EQ(refused.status, 2);
+    EXPECT_EQ(refused.status, 1);
     EXPECT_EQ(refused.errors, "trellant: " + file +
                                   " is there already. Name another file, or replace it with "
                                   "--force\n");

@@ -76,7 +76,7 @@ TEST_F(Extract, TwiceInARowChangesNothing) {
     EXPECT_EQ(before.st_ino, after.st_ino);
     EXPECT_EQ(namesIn(out()), names);
     EXPECT_EQ(readFile(out("timeline.json")), timelineBefore);
-    EXPECT_THAT(said, HasSubstr("3 taken out, 3 already there"));
+    EXPECT_THAT(said, HasSubstr("  Audio      3 already there\n"));
 }
 
 TEST_F(Extract, OtherFilesOfTheNameStayAndTheNewOneIsNumbered) {
@@ -128,7 +128,7 @@ TEST_F(Extract, NeverReplacesAudioOfOneSourceByAnothers) {
         ASSERT_EQ(sampleBytesOf(path.value()), samples16({static_cast<std::int16_t>(source)}));
     }
     const auto names = namesIn(out());
-    EXPECT_THAT(extractWell(call), HasSubstr("1005 taken out, 1005 already there"));
+    EXPECT_THAT(extractWell(call), HasSubstr("  Audio      1005 already there\n"));
     EXPECT_EQ(namesIn(out()), names);
 }
 
@@ -145,14 +145,89 @@ TEST_F(Extract, NumberThatASourceIsCalledByIsNotGivenToAnother) {
     EXPECT_EQ(namesIn(out()).size(), count + 2);
 }
 
-TEST_F(Extract, AudioThatNoClipPlaysIsCountedNotTakenOut) {
+TEST_F(Extract, AudioThatNoClipPlaysIsNamedNotTakenOut) {
     add({.name = "Kick.wav", .media = waveOf(kick)});
-    omf_.waveMedia({9, 9, 9}, waveOf(snare));
-    omf_.aifcMedia({9, 9, 8}, aiffImage({.formType = "AIFC", .samples = samples16Big(snare)}));
-    const std::string said = extractWell(options(writeDocument()));
-    EXPECT_THAT(said, HasSubstr("\n  2 more audio files are inside that no clip plays; not taken "
-                                "out\n"));
+    omf_.audioFile({.id = {9, 9, 9}, .name = "Room\ntone", .media = waveOf(snare)});
+    const std::string file = writeDocument();
+    const Said said = extract(options(file));
+    EXPECT_EQ(said.status, 0);
+    EXPECT_EQ(said.errors,
+              "trellant: " + file +
+                  ": 1 audio file inside is not played by any clip: "
+                  "Room\\u000atone. It is no part of the composition and was not taken "
+                  "out; to see what is inside: trellant dump " +
+                  file + "\n");
     EXPECT_THAT(namesIn(out()), ElementsAre("Kick.wav", "MANIFEST.sha256", "timeline.json"));
+}
+
+TEST_F(Extract, OfManyAudioFilesThatNoClipPlaysFiveAreNamed) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    for (std::uint32_t number = 1; number <= 6; ++number) {
+        omf_.audioFile({.id = {9, 9, number},
+                        .name = "Take " + std::to_string(number),
+                        .media = waveOf(snare)});
+    }
+    omf_.aifcMedia({9, 9, 8}, aiffImage({.formType = "AIFC", .samples = samples16Big(snare)}));
+    const Said said = extract(options(writeDocument()));
+    EXPECT_THAT(said.errors,
+                HasSubstr(": 7 audio files inside are not played by any clip: Take 1, Take 2, "
+                          "Take 3, Take 4, Take 5 and 2 more. They are no part of the composition "
+                          "and were not taken out; to see what is inside: trellant dump "));
+}
+
+TEST_F(Extract, AudioThatIsNoReadableFileIsTakenOutAndTold) {
+    add({.name = "Broken.wav", .media = hex("52494646 10000000 57415645")});
+    const auto call = options(writeDocument());
+    const std::string said = extractWell(call);
+    EXPECT_THAT(said, HasSubstr("  Audio      1 taken out, 1 of them no readable audio\n"));
+    EXPECT_THAT(said, HasSubstr("  taken out, but no readable audio\n"));
+    EXPECT_THAT(extractWell(call), HasSubstr("  already there, but no readable audio\n"));
+    EXPECT_EQ(readFile(out("Broken.wav")), hex("52494646 10000000 57415645"));
+}
+
+TEST_F(Extract, SecondRunTellsNewAudioFromWhatIsThere) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    add({.name = "Snare.wav", .media = waveOf(snare)});
+    const auto call = options(writeDocument());
+    extractWell(call);
+    fs::remove(out("Snare.wav"));
+    const std::string said = extractWell(call);
+    EXPECT_THAT(said, HasSubstr("  Audio      1 taken out, 1 already there\n"));
+    EXPECT_THAT(said, HasSubstr("  mono      already there\n"));
+    EXPECT_THAT(said, HasSubstr("  mono      taken out\n"));
+}
+
+TEST_F(Extract, NarrowTerminalKeepsTheNamesOfTheFilesWhole) {
+    const std::string name = "Dialogue Anna scene 12 take 3.wav";
+    add({.name = name, .media = waveOf(kick)});
+    const Said said = extract(options(writeDocument()), {.out = Listener::terminal, .columns = 80});
+    EXPECT_THAT(said.out, HasSubstr("\n" + name + "  "));
+    EXPECT_THAT(said.out, HasSubstr("  taken out\n"));
+}
+
+TEST_F(Extract, QuietPrintsNoTableButStillTheObject) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    auto call = options(writeDocument());
+    const Said said = extract(call, {.verbosity = cli::Verbosity::quiet});
+    EXPECT_EQ(said.status, 0);
+    EXPECT_EQ(said.out, "");
+    EXPECT_EQ(said.errors, "");
+    call.call.json = true;
+    EXPECT_THAT(extract(call, {.verbosity = cli::Verbosity::quiet}).out,
+                HasSubstr(R"("audio":[{"state":"takenOut","name":"Kick.wav")"));
+}
+
+TEST_F(Extract, FolderThatAnEndedRunLeftIsNamedAndStays) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    fs::create_directories(out(".trellant-Ab12Cd"));
+    fs::create_directories(out(".trellant-further"));
+    writeFile(out(".trellant-Zz99Zz"), bytesOf("no folder"));
+    const Said said = extract(options(writeDocument()));
+    EXPECT_EQ(said.status, 0);
+    EXPECT_EQ(said.errors, "trellant: the folder .trellant-Ab12Cd in " + out() +
+                               " is left from a run that was ended and may go, unless one is "
+                               "still at work there\n");
+    EXPECT_TRUE(fs::is_directory(out(".trellant-Ab12Cd")));
 }
 
 TEST_F(Extract, SummaryShowsEachAudioFile) {

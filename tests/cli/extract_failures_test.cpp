@@ -135,6 +135,28 @@ TEST_F(ExtractFailures, FolderThatMayNotBeWrittenToIsToldWithTheSystemsReason) {
                                out() + "\n");
 }
 
+TEST_F(ExtractFailures, FullDiskIsToldWithTheFolderAsItWasNamed) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    auto call = options(writeDocument());
+    const std::string worker = writeFile(
+        folder_.file("worker"),
+        bytesOf("#!/bin/sh\n"
+                "place=$(sed 's,.*\"workDirectory\":\"\\([^\"]*\\)\".*,\\1,' | tr -d '\\134')\n"
+                "echo \"trellant-omf: unexpected failure: cannot write \\\"$place/Kick.wav\\\": "
+                "No space left on device\" >&2\n"
+                "exit 2\n"));
+    ::chmod(worker.c_str(), 0700);
+    call.helperURLProvider = [worker](const std::string&) { return worker; };
+    const Said said = extract(call);
+    EXPECT_EQ(said.status, 2);
+    EXPECT_EQ(said.out, "");
+    EXPECT_EQ(said.errors, "trellant: " + call.call.file + ": cannot write to " + out() +
+                               ": No space left on device\n"
+                               "trellant: nothing was written to " +
+                               out() + "\n");
+    EXPECT_FALSE(fs::exists(out()));
+}
+
 TEST_F(ExtractFailures, MissingConverterIsToldBeforeAnythingIsWritten) {
     add({.name = "Kick.wav", .media = waveOf(kick)});
     auto call = options(writeDocument());

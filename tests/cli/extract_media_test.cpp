@@ -78,12 +78,7 @@ TEST_F(ExtractMedia, OfSeveralFilesTheOnlyOneThatFitsIsTaken) {
 TEST_F(ExtractMedia, TwoFilesThatFitAreListedAndNoneIsTaken) {
     const std::string first = media("a/kick.wav", silence(needed));
     const std::string second = media("b/kick.wav", silence(needed * 2));
-    const auto call = searching({"a", "b"});
-    // The worker sees the first folder only, and would take its file.
-    auto reversed = call;
-    reversed.call.mediaFolders = {folder_.file("nothing"), folder_.file("a"), folder_.file("b")};
-    fs::create_directory(folder_.file("nothing"));
-    const std::string said = extractWell(reversed);
+    const std::string said = extractWell(searching({"a", "b"}));
     EXPECT_EQ(pathOfSource(1), std::nullopt);
     EXPECT_THAT(said, HasSubstr("  Audio      1 missing, files of its name do not decide\n"));
     EXPECT_THAT(said, HasSubstr("\nMissing\n"
@@ -98,12 +93,68 @@ TEST_F(ExtractMedia, TwoFilesThatFitAreListedAndNoneIsTaken) {
                                 "FOLDER\n"));
 }
 
+TEST_F(ExtractMedia, WrongFileInTheFirstFolderGivesWayToTheRightOneInTheSecond) {
+    media("a/kick.wav", silence(needed, 44'100));
+    const std::string right = media("b/kick.wav", silence(needed));
+    extractWell(searching({"a", "b"}));
+    EXPECT_EQ(pathOfSource(1), right);
+}
+
+TEST_F(ExtractMedia, SingleFileThatIsTooShortIsListedAndNotTaken) {
+    const std::string shorter = media("a/kick.wav", silence(24'960));
+    const std::string said = extractWell(searching({"a"}));
+    EXPECT_EQ(pathOfSource(1), std::nullopt);
+    EXPECT_THAT(said, HasSubstr("    " + shorter +
+                                ": 00:00:00:13 (24960 samples), 48000 Hz, mono, does not fit: "
+                                "too short, the clips need 48000 samples\n"));
+}
+
+TEST_F(ExtractMedia, FileThatIsNoAudioIsListedAndNotTaken) {
+    const std::string text = media("a/kick.wav", bytesOf("no audio"));
+    const std::string said = extractWell(searching({"a"}));
+    EXPECT_EQ(pathOfSource(1), std::nullopt);
+    EXPECT_THAT(said, HasSubstr("    " + text + ": no readable audio file\n"));
+}
+
+TEST_F(ExtractMedia, FileThatIsWhereTheLocatorSaysIsTakenFromThere) {
+    media("b/kick.wav", silence(needed * 2));
+    const std::string named = media("elsewhere/kick.wav", silence(needed));
+    add({.name = "Kick", .locators = {omf_.unixLocator(named)}, .clipLength = 100});
+    auto call = options(writeDocument());
+    call.call.mediaFolders = {folder_.file("b")};
+    extractWell(call);
+    EXPECT_EQ(pathOfSource(1), named);
+}
+
+TEST_F(ExtractMedia, FileOfARateOtherThanTheSourcesNeverShiftsTheClips) {
+    // The clip begins half a second in, which is another sample in a file of another rate.
+    const MobID kick{7, 7, 7};
+    omf_.audioFile({.id = kick,
+                    .name = "Kick",
+                    .length = 48'000,
+                    .locators = {omf_.dosLocator("D:\\Kick.wav")},
+                    .track = {.id = 1, .physicalTrack = 1}});
+    const ObjectID clip = omf_.clip({.length = 12'000, .source = kick, .start = 24'000});
+    omf_.composition(
+        {.name = "Mix", .slots = {omf_.slot({.editRate = Ratio{48'000}, .segment = clip})}});
+    auto call = options(writeFile(folder_.file("mix.omf"), omf_.build()));
+    call.call.mediaFolders = {folder_.path().string()};
+    media("kick.wav", silence(96'000, 96'000));
+    extractWell(call);
+    EXPECT_EQ(timeline().essences.at(0).fileURL, std::nullopt);
+    EXPECT_EQ(timeline().essences.at(0).sampleRate, AAFRational(48'000));
+    EXPECT_EQ(timeline().events.at(0).sourceStartSample, 24'000);
+}
+
 TEST_F(ExtractMedia, OnlyFileOfTheNameIsNotTakenWhenItIsAnotherRecording) {
     const std::string other = media("b/kick.wav", silence(88'200, 44'100));
     const std::string said = extractWell(searching({"a", "b"}));
     EXPECT_EQ(pathOfSource(1), std::nullopt);
-    EXPECT_THAT(said, HasSubstr("    " + other +
-                                ": 00:00:02:00 (88200 samples), 44100 Hz, mono, does not fit\n"));
+    EXPECT_THAT(
+        said,
+        HasSubstr("    " + other +
+                  ": 00:00:02:00 (88200 samples), 44100 Hz, mono, does not fit: another rate, the "
+                  "clips need 48000 Hz\n"));
 }
 
 TEST_F(ExtractMedia, MissingFileIsToldWithThePathThatWasRecordedAndWhatToDo) {
@@ -122,8 +173,7 @@ TEST_F(ExtractMedia, WhatAnEarlierRunWroteIsNoFind) {
     auto call = searching({"a"});
     call.call.directory = folder_.file("a/out");
     EXPECT_THAT(extractWell(call), HasSubstr("  Audio      1 taken out, 1 missing\n"));
-    EXPECT_THAT(extractWell(call),
-                HasSubstr("  Audio      1 taken out, 1 missing, 1 already there\n"));
+    EXPECT_THAT(extractWell(call), HasSubstr("  Audio      1 missing, 1 already there\n"));
     EXPECT_THAT(namesIn(folder_.file("a/out")),
                 ElementsAre("Kick.wav", "MANIFEST.sha256", "timeline.json"));
 }
@@ -213,26 +263,26 @@ TEST(WantedFileName, IsTheLowerCasedLastPartOfAnySystemsPath) {
     EXPECT_EQ(cli::wantedFileName(""), "");
 }
 
-TEST(Fits, NeedsTheRateAndEnoughChannelsAndSamples) {
+TEST(Misfit, IsRateThenChannelsThenLength) {
     const cli::SourceNeeds needs{.sampleRate = AAFRational(48'000), .channels = 2, .frames = 1'000};
     cli::AudioFacts facts;
     facts.format.sampleRate = AAFRational(48'000);
     facts.format.channels = 2;
     facts.frames = 1'000;
-    EXPECT_TRUE(cli::fits(facts, needs));
+    EXPECT_EQ(cli::misfit(facts, needs), std::nullopt);
     facts.frames = 999;
-    EXPECT_FALSE(cli::fits(facts, needs));
+    EXPECT_EQ(cli::misfit(facts, needs), "too short, the clips need 1000 samples");
     facts.frames.reset();
-    EXPECT_FALSE(cli::fits(facts, needs));
+    EXPECT_EQ(cli::misfit(facts, needs), "nobody knows whether it is long enough");
     facts.frames = 1'001;
     facts.format.channels = 1;
-    EXPECT_FALSE(cli::fits(facts, needs));
+    EXPECT_EQ(cli::misfit(facts, needs), "too few channels, the clips need 2");
     facts.format.channels = 3;
-    EXPECT_TRUE(cli::fits(facts, needs));
+    EXPECT_EQ(cli::misfit(facts, needs), std::nullopt);
     facts.format.sampleRate = AAFRational(44'100);
-    EXPECT_FALSE(cli::fits(facts, needs));
+    EXPECT_EQ(cli::misfit(facts, needs), "another rate, the clips need 48000 Hz");
     facts.format.sampleRate.reset();
-    EXPECT_FALSE(cli::fits(facts, needs));
+    EXPECT_EQ(cli::misfit(facts, needs), "another rate, the clips need 48000 Hz");
 }
 
 }  // namespace

@@ -14,6 +14,8 @@
 #include <trellant_testing/aiff_builder.h>
 #include <trellant_testing/byte_writer.h>
 #include <trellant_testing/wave_builder.h>
+#include <trellant_testing/worker_process.h>
+#include <unistd.h>
 
 namespace trellant::testing {
 namespace {
@@ -182,7 +184,7 @@ TEST_F(WaveCopyRefuses, FileInPlaceOfTheNewOneAndLeavesIt) {
     const cli::ProgramEnd end =
         cli::runProgram({TRELLANT_WAV, source, folder_.file("out.wav")}, [] {});
     EXPECT_EQ(end.status, 2);
-    EXPECT_EQ(end.errors, "cannot create " + folder_.file("out.wav") + ": File exists\n");
+    EXPECT_EQ(end.errors, "no WAVE file could be created (File exists)\n");
     EXPECT_EQ(textOf(readFile(folder_.file("out.wav"))), "mine");
 }
 
@@ -306,6 +308,16 @@ TEST_F(ExtractWave, FileThatCannotBeConvertedStaysAsItIsAndIsNamed) {
     EXPECT_EQ(sampleBytesOf(out("Kick.wav")), samples16({1}));
 }
 
+TEST_F(ExtractWave, FileThatIsNoAudioIsToldInWordsBeforeTheLibrarysOwn) {
+    add({.name = "Broken", .media = hex("464F524D 00000004 41494643"), .kind = MediaKind::aifc});
+    const Said said = extract(asWave());
+    EXPECT_EQ(said.status, 0);
+    EXPECT_THAT(said.errors,
+                ::testing::MatchesRegex(
+                    "trellant: Broken\\.aifc stays as it is: it cannot be read as audio "
+                    "\\([^()]*[^().]\\)\n"));
+}
+
 TEST_F(ExtractWave, ConverterThatIsEndedLeavesTheFileAsItIs) {
     add({.name = "Kick", .media = aifc({1}), .kind = MediaKind::aifc});
     auto call = asWave();
@@ -326,6 +338,48 @@ TEST_F(ExtractWave, ConverterThatWritesNothingIsNotBelieved) {
     const Said said = extract(call);
     EXPECT_EQ(said.errors, "trellant: Kick.aifc stays as it is: the conversion wrote no file\n");
     EXPECT_EQ(readFile(out("Kick.aifc")), aifc({1}));
+}
+
+/// The programs where a package puts them, in a folder of their own.
+class InstalledCommand : public ::testing::Test {
+  protected:
+    void install(const fs::path& program, const std::string& place) {
+        fs::create_directories((folder_.path() / place).parent_path());
+        fs::copy_file(program, folder_.path() / place);
+    }
+    /// Runs the installed command.
+    [[nodiscard]] Said run(const std::vector<std::string>& given) const {
+        std::vector<std::string> words{folder_.file("bin/trellant")};
+        words.insert(words.end(), given.begin(), given.end());
+        return saidWithStatus({}, [&words](cli::Console&) {
+            std::vector<char*> arguments;
+            for (std::string& word : words) {
+                arguments.push_back(word.data());
+            }
+            arguments.push_back(nullptr);
+            ::execv(arguments.front(), arguments.data());
+            return 127;
+        });
+    }
+
+    TemporaryDirectory folder_;
+};
+
+TEST_F(InstalledCommand, FindsTheConverterOfItsPackage) {
+    const fs::path converter = TRELLANT_WAV;
+    install(converter.parent_path().parent_path() / "cli" / "trellant", "bin/trellant");
+    install(workerPath(), "libexec/trellant/AAFTools/trellant-omf");
+    install(converter, "libexec/trellant/trellant-wav");
+    const std::string out = folder_.file("out");
+    const std::string session = std::string(TRELLANT_EXAMPLES) + "/session.omf";
+    const Said said = run({"extract", session, "--wav", "--to", out});
+    EXPECT_EQ(said.status, 0) << said.errors;
+    EXPECT_TRUE(fs::exists(out + "/Theme.wav"));
+    EXPECT_FALSE(fs::exists(out + "/Theme.aifc"));
+    fs::remove(folder_.file("libexec/trellant/trellant-wav"));
+    EXPECT_EQ(run({"extract", session, "--wav", "--to", out}).errors,
+              "trellant: the program trellant-wav, which writes WAVE files, is missing. It belongs "
+              "to this one; please install Trellant again, or leave out --wav\n");
 }
 
 }  // namespace

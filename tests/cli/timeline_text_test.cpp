@@ -71,6 +71,34 @@ TEST(TimelineText, CurvesThatAreNotKnownKeepTheFilesOwnName) {
     EXPECT_EQ(curveText(AAFAutomationInterpolation::unsupported("S-curve")), "S-curve");
 }
 
+TEST(TimelineText, FadesAreFramesAndAFewLetters) {
+    const AAFTimeline timeline = timelineAt(AAFTimecodeRate::fps25());
+    AAFFade fade{.duration = AAFRational(3, 25)};
+    EXPECT_EQ(shortFadeText(timeline, fade), "3f lin");
+    fade.curve = AAFAutomationInterpolation::logarithmic();
+    // A hundredth of a second is a quarter of a frame.
+    fade.duration = AAFRational(1, 100);
+    EXPECT_EQ(shortFadeText(timeline, fade), "<1f log");
+    EXPECT_EQ(shortCurveText(AAFAutomationInterpolation::power()), "pow");
+    EXPECT_EQ(shortCurveText(AAFAutomationInterpolation::constant()), "con");
+    EXPECT_EQ(shortCurveText(AAFAutomationInterpolation::unsupported("S-curve")), "S-c\u2026");
+}
+
+TEST(TimelineText, TracksWithoutNameGoByTheirNumber) {
+    EXPECT_EQ(trackText("Dialog", 2), "Dialog");
+    EXPECT_EQ(trackText(std::nullopt, 2), "track 2");
+    EXPECT_EQ(trackText("", 2), "track 2");
+    EXPECT_EQ(trackText(std::nullopt, std::nullopt), "");
+}
+
+TEST(TimelineText, PlainCodecsAreKnownByTheirFiles) {
+    EXPECT_EQ(formatText("PCM"), "WAVE");
+    EXPECT_EQ(formatText("WAVD"), "WAVE");
+    EXPECT_EQ(formatText("NONE"), "AIFF");
+    EXPECT_EQ(formatText("AIFD"), "AIFF");
+    EXPECT_EQ(formatText("ima4"), "ima4");
+}
+
 TEST(TimelineText, FewChannelsHaveNames) {
     EXPECT_EQ(channelsText(1), "mono");
     EXPECT_EQ(channelsText(2), "stereo");
@@ -83,8 +111,23 @@ TEST(RateDisagreement, IsToldWithItsDriftPerHour) {
     // 3600 s * (1 - 1000/1001) = 3.596 s
     EXPECT_THAT(rateDisagreement(clock),
                 Optional(Eq("The composition counts 23.976 frames per second, but its timecode is "
-                            "labelled with 24: timecodes shown here and those of a workstation "
-                            "that counts frames drift apart by 3.6 seconds per hour.")));
+                            "labelled with 24: timecodes shown here run ahead of those of a "
+                            "workstation that counts frames by 3.6 seconds per hour.")));
+}
+
+TEST(RateDisagreement, TellsWhichClockIsAhead) {
+    AAFProgramClock clock = timelineAt(AAFTimecodeRate::fps24()).clock;
+    // 3600 s * (1 - 25/24) = -150 s; rates of frames are told however far they are apart.
+    clock.editRate = AAFRational(25);
+    EXPECT_THAT(rateDisagreement(clock),
+                Optional(Eq("The composition counts 25 frames per second, but its timecode is "
+                            "labelled with 24: timecodes shown here run behind those of a "
+                            "workstation that counts frames by 150 seconds per hour.")));
+    const auto drift = rateDrift(clock);
+    ASSERT_TRUE(drift.has_value());
+    EXPECT_EQ(drift->editRate, AAFRational(25));
+    EXPECT_EQ(drift->timecodeRate, AAFRational(24));
+    EXPECT_NEAR(drift->secondsPerHour, -150, 1e-9);
 }
 
 TEST(RateDisagreement, IsAbsentWhereTheRatesAgreeOrAreOfAnotherKind) {
@@ -93,7 +136,7 @@ TEST(RateDisagreement, IsAbsentWhereTheRatesAgreeOrAreOfAnotherKind) {
     // Audio tracks may be counted in samples.
     clock.editRate = AAFRational(48000);
     EXPECT_THAT(rateDisagreement(clock), Eq(std::nullopt));
-    clock.editRate = AAFRational(24);
+    clock.editRate = AAFRational(0);
     EXPECT_THAT(rateDisagreement(clock), Eq(std::nullopt));
 }
 

@@ -25,13 +25,25 @@ foreach(file
         lib/cmake/trellant/trellantConfig.cmake lib/pkgconfig/trellant.pc
         include/trellant/version.h include/trellant/client/worker_client.h
         share/locale/de/LC_MESSAGES/trellant.mo share/locale/en/LC_MESSAGES/trellant.mo
-        share/man/man1/trellant-omf.1 share/doc/trellant/docs/embedding.md
+        share/man/man1/trellant-omf.1 share/man/man1/trellant.1
+        share/bash-completion/completions/trellant share/zsh/vendor-completions/_trellant
+        share/fish/vendor_completions.d/trellant.fish libexec/trellant/trellant-wav
+        share/doc/trellant/docs/embedding.md
         share/trellant/schema/request.schema.json share/trellant/schema/progress.schema.json
         share/trellant/schema/result.schema.json share/trellant/schema/timeline.schema.json)
     if(NOT EXISTS ${prefix}/${file})
         message(FATAL_ERROR "the package lacks ${file}")
     endif()
 endforeach()
+
+# The command finds its worker and its converter in the package alone.
+run(${prefix}/bin/trellant info ${EXAMPLES}/archive.omf --json)
+string(JSON name GET "${run_output}" composition)
+expect_equal("composition that the unpacked command shows" "${name}" "Café")
+run(${prefix}/bin/trellant extract ${EXAMPLES}/archive.omf --to ${FOLDER}/taken --wav)
+if(NOT EXISTS "${FOLDER}/taken/Reel 7 transfer.wav")
+    message(FATAL_ERROR "the unpacked command wrote no WAVE")
+endif()
 
 set(project ${CMAKE_CURRENT_LIST_DIR}/host)
 build_outside(${project} ${FOLDER}/host ${prefix})

@@ -3,9 +3,11 @@
 #include "isolated.h"
 #include "numbered_name.h"
 
+#include <trellant/model/printable_text.h>
 #include <trellant/model/url.h>
 #include <trellant/omf/document.h>
 
+#include <algorithm>
 #include <charconv>
 #include <map>
 #include <unistd.h>
@@ -20,6 +22,9 @@ namespace {
 
 /// The number after the last that the worker gives to sources of one name.
 constexpr std::uint64_t firstFurtherNumber = 1'000;
+/// Unused media that are named; more would bury the message.
+constexpr std::size_t namedUnused = 5;
+constexpr std::size_t longestShownName = 80;
 
 struct Media {
     OMFObject object = OMFObject::none;
@@ -97,7 +102,19 @@ void takeOut(const OMFDocument& document, const AAFTimeline& timeline,
     }
 }
 
-std::size_t unusedMedia(const OMFDocument& document, const AAFTimeline& timeline) {
+/// A name from a stranger's file, as one line.
+std::string nameOfMedia(const OMFDocument& document, const OMFDocument::MobMap& mobs,
+                        OMFObject object) {
+    const auto mobID = document.uid(object, {OMFProperty::mediaMobID});
+    const auto mob = mobID ? mobs.find(*mobID) : mobs.end();
+    const auto name =
+        mob == mobs.end() ? std::nullopt : document.string(mob->second, {OMFProperty::mobName});
+    return name ? printableText(*name, longestShownName)
+                : "object " + std::to_string(number(object));
+}
+
+/// The number of unused media, then the first names, a line each.
+std::string unusedMedia(const OMFDocument& document, const AAFTimeline& timeline) {
     std::unordered_set<OMFObject> used;
     const auto media = audioMedia(document);
     for (const AAFSourceEssence& essence : timeline.essences) {
@@ -106,8 +123,32 @@ std::size_t unusedMedia(const OMFDocument& document, const AAFTimeline& timeline
             used.insert(found->second.object);
         }
     }
-    const std::size_t all = document.objects("WAVE").size() + document.objects("AIFC").size();
-    return all - used.size();
+    std::vector<OMFObject> unused;
+    for (const char* const kind : {"WAVE", "AIFC"}) {
+        for (const OMFObject object : document.objects(kind)) {
+            if (!used.contains(object)) {
+                unused.push_back(object);
+            }
+        }
+    }
+    std::string text = std::to_string(unused.size());
+    const auto mobs = unused.empty() ? OMFDocument::MobMap() : document.mobMap();
+    for (std::size_t index = 0; index < std::min(unused.size(), namedUnused); ++index) {
+        text += "\n" + nameOfMedia(document, mobs, unused[index]);
+    }
+    return text;
+}
+
+/// Reads what unusedMedia wrote.
+UnusedMedia readUnused(const std::string& text) {
+    UnusedMedia unused;
+    std::from_chars(text.data(), text.data() + text.size(), unused.count);
+    for (auto end = text.find('\n'); end != std::string::npos;) {
+        const auto begin = end + 1;
+        end = text.find('\n', begin);
+        unused.names.push_back(text.substr(begin, end - begin));
+    }
+    return unused;
 }
 
 }  // namespace
@@ -122,7 +163,7 @@ EmbeddedMediaCheck separateSources(const std::string& omfFile, AAFTimeline& time
     const IsolatedAnswer answer = inChildProcess([&] {
         const OMFDocument document(omfFile);
         takeOut(document, timeline, tasks);
-        return std::to_string(unusedMedia(document, timeline));
+        return unusedMedia(document, timeline);
     });
     EmbeddedMediaCheck check;
     if (const auto* failure = std::get_if<IsolatedFailure>(&answer)) {
@@ -130,10 +171,7 @@ EmbeddedMediaCheck separateSources(const std::string& omfFile, AAFTimeline& time
             check.failure = failure->reason;
         }
     } else {
-        const std::string& text = std::get<std::string>(answer);
-        std::size_t unused = 0;
-        std::from_chars(text.data(), text.data() + text.size(), unused);
-        check.unused = unused;
+        check.unused = readUnused(std::get<std::string>(answer));
     }
     for (const Task& task : tasks) {
         AAFSourceEssence& essence = timeline.essences[task.essence];

@@ -9,13 +9,20 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace trellant::cli {
 
+/// Audio inside the file that no source of the timeline is.
+struct UnusedMedia {
+    std::size_t count = 0;
+    /// Of the first of them, fit for a message.
+    std::vector<std::string> names{};
+};
+
 struct EmbeddedMediaCheck {
-    /// Audio inside the file that no source of the timeline is; absent when it could not be
-    /// counted.
-    std::optional<std::size_t> unused{};
+    /// Absent when it could not be counted.
+    std::optional<UnusedMedia> unused{};
     /// Why sources that shared a file are without one now.
     std::optional<std::string> failure{};
 };

@@ -83,6 +83,19 @@ class Folder {
     bool isNew_ = false;
 };
 
+/// The system's reason in a failure of which a file in the hidden folder is the object, such as
+/// cannot write "/home/.trellant-Ab12Cd/Kick.wav": No space left on device. Absent for others.
+std::optional<std::string> reasonNotWritten(const std::string& failure,
+                                            const std::string& stagingName) {
+    constexpr std::string_view behindPath = "\": ";
+    const auto path = failure.find("/" + stagingName);
+    const auto end = path == std::string::npos ? path : failure.rfind(behindPath);
+    if (end == std::string::npos || end < path) {
+        return std::nullopt;
+    }
+    return failure.substr(end + behindPath.size());
+}
+
 /// What a run that did not come to its end has left.
 void tellWhatIsThere(const ExtractOptions& options, std::size_t placed, Console& console) {
     const std::string directory = shown(options.call.directory);
@@ -92,6 +105,37 @@ void tellWhatIsThere(const ExtractOptions& options, std::size_t placed, Console&
     }
     console.error((placed == 1 ? "1 file is" : std::to_string(placed) + " files are") + " in " +
                   directory + ", whole; the same command again goes on from there");
+}
+
+void tellLeftFolders(const ExtractOptions& options, const std::string& directory,
+                     Console& console) {
+    for (const std::string& name : stagingFoldersIn(directory)) {
+        console.note("the folder " + name + " in " + shown(options.call.directory) +
+                     " is left from a run that was ended and may go, "
+                     "unless one is still at work there");
+    }
+}
+
+void tellUnused(const ExtractReport& report, Console& console) {
+    if (!report.unused || report.unused->count == 0) {
+        return;
+    }
+    const UnusedMedia& unused = *report.unused;
+    std::string names;
+    for (const std::string& name : unused.names) {
+        names += (names.empty() ? "" : ", ") + name;
+    }
+    if (unused.names.size() < unused.count) {
+        names += " and " + std::to_string(unused.count - unused.names.size()) + " more";
+    }
+    const bool isOne = unused.count == 1;
+    console.note(shown(report.file) + ": " + std::to_string(unused.count) +
+                 (isOne ? " audio file inside is" : " audio files inside are") +
+                 " not played by any clip: " + names + ". " +
+                 (isOne ? "It is no part of the composition and was"
+                        : "They are no part of the composition and were") +
+                 " not taken out; to see what is inside: trellant dump " +
+                 shown(shellWord(report.file)));
 }
 
 void tellNotConverted(const ExtractReport& report, Console& console) {
@@ -109,6 +153,7 @@ std::optional<ExtractReport> report(const ExtractOptions& options, Console& cons
     std::size_t placed = 0;
     try {
         const Folder folder(options.call.directory);
+        tellLeftFolders(options, folder.path(), console);
         StepProgress progress(console, stop);
         progress.check();
         Extraction extraction(options, folder.path(), progress);
@@ -116,10 +161,18 @@ std::optional<ExtractReport> report(const ExtractOptions& options, Console& cons
             ExtractReport made = extraction.run();
             console.endBar();
             return made;
-        } catch (...) {
+        } catch (const std::exception& error) {
             placed = extraction.placedCount();
-            throw;
+            const auto reason = reasonNotWritten(error.what(), extraction.stagingName());
+            if (!reason) {
+                throw;
+            }
+            console.endBar();
+            console.error(shown(options.call.file) + ": cannot write to " +
+                          shown(options.call.directory) + ": " + *reason);
         }
+        tellWhatIsThere(options, placed, console);
+        return std::nullopt;
     } catch (const OutputClosed&) {
         throw;
     } catch (const std::exception&) {
@@ -153,9 +206,12 @@ ExitStatus runExtract(const ExtractOptions& given, Console& console, const std::
     }
     tellChanges(options.call.file, made->inspection, console);
     tellNotConverted(*made, console);
-    console.out(options.call.json
-                    ? summaryLine(*made)
-                    : summaryScreen(*made, console.outColumns(), console.outHasColour()));
+    tellUnused(*made, console);
+    if (options.call.json) {
+        console.out(summaryLine(*made));
+    } else if (console.verbosity() != Verbosity::quiet) {
+        console.out(summaryScreen(*made, console.outColumns(), console.outHasColour()));
+    }
     if (made->count(AudioState::failed) != 0) {
         console.error(shown(options.call.file) + ": not all audio could be taken out");
         return ExitStatus::fileFailed;

@@ -1,7 +1,5 @@
 #include "extraction.h"
 
-#include "embedded_media.h"
-
 #include <trellant/io/errors.h>
 #include <trellant/model/json_encode.h>
 #include <trellant/model/record_fields.h>
@@ -33,14 +31,6 @@ std::string absoluteText(const std::string& path) {
 
 std::optional<std::string> pathOf(const AAFSourceEssence& essence) {
     return essence.fileURL ? pathOfFileURL(essence.fileURL->text) : std::nullopt;
-}
-
-bool liesIn(const std::string& path, const std::string& folder) {
-    std::error_code ignored;
-    const fs::path inner = fs::weakly_canonical(path, ignored);
-    const fs::path outer = fs::canonical(folder, ignored);
-    return std::mismatch(outer.begin(), outer.end(), inner.begin(), inner.end()).first ==
-           outer.end();
 }
 
 struct FileCloser {
@@ -90,11 +80,8 @@ void Extraction::runWorker() {
     request.operation = AAFWorkerProtocol::Request::Operation::extractAndInspect;
     request.aafPath = absoluteText(options_.call.file);
     request.workDirectory = staging_.path();
-    const auto& folders = options_.call.mediaFolders;
-    // The worker would take what an earlier run wrote there for media; our own search does not.
-    if (!folders.empty() && !liesIn(directory_, folders.front())) {
-        request.mediaSearchDirectory = absoluteText(folders.front());
-    }
+    // It gets no media folder: it would take a file by its name alone, and what an earlier run
+    // wrote too. Our own search compares what is in the files.
     // Whatever the file is called, only one worker reads such files.
     const AAFWorkerClient client{.helperName = "trellant-omf",
                                  .helperURLProvider = options_.helperURLProvider};

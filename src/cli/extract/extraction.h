@@ -2,6 +2,7 @@
 // and FileSystemError where the system refuses.
 #pragma once
 
+#include "embedded_media.h"
 #include "extract.h"
 #include "placement.h"
 #include "report.h"
@@ -23,6 +24,8 @@ class Extraction {
     /// All of it; throws AAFWorkerClientError too.
     [[nodiscard]] ExtractReport run();
 
+    /// The name of the hidden folder in which files come into being.
+    [[nodiscard]] std::string stagingName() const { return staging_.name(); }
     /// Audio files that have their final names by now.
     [[nodiscard]] std::size_t placedCount() const noexcept { return placement_.placed().size(); }
 
@@ -44,7 +47,7 @@ class Extraction {
     Staging staging_;
     Placement placement_;
     Inspection inspection_;
-    std::optional<std::size_t> unused_;
+    std::optional<UnusedMedia> unused_;
     WaveConversions conversions_;
     /// By essence id.
     std::unordered_map<std::string, PlacedFile> placedByEssence_;

@@ -1,5 +1,7 @@
 #include "missing_media.h"
 
+#include "timeline_text.h"
+
 #include <trellant/model/url.h>
 #include <trellant/model/validation.h>
 
@@ -46,7 +48,8 @@ std::vector<MediaCandidate> candidates(const std::vector<std::string>& paths,
     std::vector<MediaCandidate> found;
     for (const std::string& path : paths) {
         MediaCandidate candidate{.path = path, .facts = audioFacts(path)};
-        candidate.fits = candidate.facts && fits(*candidate.facts, needs);
+        candidate.misfit = candidate.facts ? misfit(*candidate.facts, needs)
+                                           : std::optional<std::string>("no readable audio file");
         found.push_back(std::move(candidate));
     }
     return found;
@@ -64,10 +67,20 @@ void take(AAFSourceEssence& essence, const MediaCandidate& candidate) {
 
 }  // namespace
 
-bool fits(const AudioFacts& facts, const SourceNeeds& needs) {
-    return facts.format.sampleRate == needs.sampleRate &&
-           facts.format.channels.value_or(0) >= needs.channels && facts.frames &&
-           (needs.frames <= 0 || *facts.frames >= static_cast<std::uint64_t>(needs.frames));
+std::optional<std::string> misfit(const AudioFacts& facts, const SourceNeeds& needs) {
+    if (facts.format.sampleRate != needs.sampleRate) {
+        return "another rate, the clips need " + plainRate(needs.sampleRate) + " Hz";
+    }
+    if (facts.format.channels.value_or(0) < needs.channels) {
+        return "too few channels, the clips need " + std::to_string(needs.channels);
+    }
+    if (!facts.frames) {
+        return "nobody knows whether it is long enough";
+    }
+    if (needs.frames > 0 && *facts.frames < static_cast<std::uint64_t>(needs.frames)) {
+        return "too short, the clips need " + std::to_string(needs.frames) + " samples";
+    }
+    return std::nullopt;
 }
 
 OpenChoices findMissing(AAFTimeline& timeline, const MediaFolders& folders) {
@@ -81,7 +94,7 @@ OpenChoices findMissing(AAFTimeline& timeline, const MediaFolders& folders) {
         const std::string wanted = wantedFileName(
             essence.originalPath ? *essence.originalPath : essence.sourceName.value_or(""));
         auto found = candidates(folders.named(wanted), need->second);
-        const auto isFit = [](const MediaCandidate& candidate) { return candidate.fits; };
+        const auto isFit = [](const MediaCandidate& candidate) { return !candidate.misfit; };
         if (std::count_if(found.begin(), found.end(), isFit) == 1) {
             take(essence, *std::find_if(found.begin(), found.end(), isFit));
         } else if (!found.empty()) {

@@ -1,5 +1,8 @@
-// Audio files that lie outside of the interchange file and were not found by the worker: which of
-// the files that bear the name it can be.
+// Audio files that lie outside of the interchange file, not where it says: which of the files that
+// bear the name it can be.
+//
+// Where the clips begin in a file was computed with the rate that the interchange file gives the
+// source. A file of another rate never fits: its clips would begin elsewhere.
 #pragma once
 
 #include "audio_facts.h"
@@ -19,8 +22,8 @@ struct MediaCandidate {
     std::string path{};
     /// Absent when it is no readable audio file.
     std::optional<AudioFacts> facts{};
-    /// Rate, channels and length are what the clips need.
-    bool fits = false;
+    /// Why it is not what the clips need; absent when it fits.
+    std::optional<std::string> misfit{};
 };
 
 /// By essence id: the files of that name, where none or several fit.
@@ -34,7 +37,9 @@ struct SourceNeeds {
     std::int64_t frames = 0;
 };
 
-[[nodiscard]] bool fits(const AudioFacts& facts, const SourceNeeds& needs);
+/// What keeps the clips from playing such a file, for people ("too short, the clips need 48000
+/// samples"); absent when nothing does.
+[[nodiscard]] std::optional<std::string> misfit(const AudioFacts& facts, const SourceNeeds& needs);
 
 /// Gives each external source without a file the one file of its name that fits, and its format;
 /// where not exactly one does, all of them are in the result.

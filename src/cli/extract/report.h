@@ -2,6 +2,7 @@
 #pragma once
 
 #include "audio_facts.h"
+#include "embedded_media.h"
 #include "inspection.h"
 #include "missing_media.h"
 #include "placement.h"
@@ -48,6 +49,11 @@ struct AudioEntry {
     std::vector<MediaCandidate> candidates{};
     /// Why it was not made into WAVE although that was asked for.
     std::optional<std::string> notConverted{};
+
+    /// An earlier run has put it into the folder.
+    [[nodiscard]] bool wasThere() const noexcept { return placed && placed->wasThere; }
+    /// There is a file, and no audio that can be read in it.
+    [[nodiscard]] bool isUnreadable() const noexcept { return path && !facts; }
 };
 
 struct ExtractReport {
@@ -60,7 +66,7 @@ struct ExtractReport {
     PlacedFile timeline;
     PlacedFile manifest;
     /// Audio inside the file that no clip plays; absent when not known.
-    std::optional<std::size_t> unused;
+    std::optional<UnusedMedia> unused;
 
     [[nodiscard]] std::size_t count(AudioState state) const;
 };

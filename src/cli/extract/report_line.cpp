@@ -39,7 +39,8 @@ void addCandidate(JsonRow& row, const MediaCandidate& candidate) {
              format.sampleRate ? std::optional(fractionText(*format.sampleRate)) : std::nullopt);
     row.integer("channels", format.channels);
     row.integer("bits", format.bitDepth);
-    row.boolean("fits", candidate.fits);
+    row.boolean("fits", !candidate.misfit);
+    row.text("misfit", candidate.misfit);
 }
 
 void addEntry(JsonRow& row, const AudioEntry& entry, const AAFTimeline& timeline) {
@@ -61,7 +62,8 @@ void addEntry(JsonRow& row, const AudioEntry& entry, const AAFTimeline& timeline
     row.text("codec", essence.codec);
     row.text("recordedAs", essence.originalPath);
     row.text("sha256", entry.placed ? std::optional(entry.placed->sha256) : std::nullopt);
-    row.boolean("wasThere", entry.placed && entry.placed->wasThere);
+    row.boolean("wasThere", entry.wasThere());
+    row.boolean("readable", entry.path && !entry.isUnreadable());
     row.text("notConverted", entry.notConverted);
     row.objects("candidates", entry.candidates, addCandidate);
 }
@@ -78,7 +80,8 @@ std::string summaryLine(const ExtractReport& report) {
     row.objects("audio", report.audio, [&timeline](JsonRow& item, const AudioEntry& entry) {
         addEntry(item, entry, timeline);
     });
-    row.integer("notPlayed", report.unused ? std::optional(integer(*report.unused)) : std::nullopt);
+    row.integer("notPlayed",
+                report.unused ? std::optional(integer(report.unused->count)) : std::nullopt);
     row.integer("losses", integer(timeline.unsupportedFeatures.size()));
     row.integer("changes", integer(report.inspection.changes.size()));
     return row.line();

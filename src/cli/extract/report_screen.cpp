@@ -1,11 +1,11 @@
 // The summary for a person: what is where, then what is missing, then what to do next.
 #include "report.h"
+#include "report_table.h"
 #include "shown_text.h"
-#include "sources.h"
-#include "table.h"
 #include "timeline_text.h"
 
 #include <algorithm>
+#include <map>
 
 namespace trellant::cli {
 
@@ -16,17 +16,6 @@ constexpr std::size_t listedCandidates = 10;
 
 std::string counted(std::size_t count, std::string_view one, std::string_view many) {
     return std::to_string(count) + " " + std::string(count == 1 ? one : many);
-}
-
-void appendPart(std::string& text, const std::string& part) {
-    if (!text.empty()) {
-        text += ", ";
-    }
-    text += part;
-}
-
-std::string bitsText(const std::optional<std::int64_t>& bits) {
-    return bits ? std::to_string(*bits) : "";
 }
 
 class Screen {
@@ -41,7 +30,7 @@ class Screen {
         text_ = painted(shownText(report_.file), Paint::bold, colour_) + "\n";
         addHead();
         if (!report_.audio.empty()) {
-            text_ += "\n" + aligned(table(), columns_, colour_);
+            text_ += "\n" + fittingTable(report_, columns_, colour_);
         }
         addMissing();
         addAdvice();
@@ -57,19 +46,24 @@ class Screen {
     }
 
     [[nodiscard]] std::string audioText() const {
-        std::string text;
-        for (const AudioState state :
-             {AudioState::takenOut, AudioState::converted, AudioState::found, AudioState::missing,
-              AudioState::undecided, AudioState::failed}) {
-            if (const std::size_t count = report_.count(state); count != 0) {
-                appendPart(text, std::to_string(count) + " " + std::string(stateText(state)));
-            }
+        // Each file once: in what this run has done, or as one that was there.
+        std::map<AudioState, std::size_t> counts;
+        std::size_t wereThere = 0;
+        for (const AudioEntry& entry : report_.audio) {
+            ++(entry.wasThere() ? wereThere : counts[entry.state]);
         }
-        const auto wereThere = static_cast<std::size_t>(std::count_if(
-            report_.audio.begin(), report_.audio.end(),
-            [](const AudioEntry& entry) { return entry.placed && entry.placed->wasThere; }));
+        std::string text;
+        for (const auto& [state, count] : counts) {
+            appendPart(text, std::to_string(count) + " " + std::string(stateText(state)));
+        }
         if (wereThere != 0) {
             appendPart(text, std::to_string(wereThere) + " already there");
+        }
+        const auto unreadable =
+            std::count_if(report_.audio.begin(), report_.audio.end(),
+                          [](const AudioEntry& entry) { return entry.isUnreadable(); });
+        if (unreadable != 0) {
+            appendPart(text, std::to_string(unreadable) + " of them no readable audio");
         }
         return text.empty() ? "none" : text;
     }
@@ -83,57 +77,19 @@ class Screen {
                               report_.manifest.name);
     }
 
-    [[nodiscard]] std::string sourceNames(const AudioEntry& entry) const {
-        std::string names;
-        for (const std::size_t index : entry.essences) {
-            appendPart(names, shownText(sourceName(timeline_.essences[index])));
-        }
-        return names;
-    }
-
-    [[nodiscard]] std::string lengthOf(const std::optional<AudioFacts>& facts) const {
-        const auto length = facts ? seconds(*facts) : std::nullopt;
-        return length ? lengthText(timeline_, *length) : "";
-    }
-
-    [[nodiscard]] Table table() const {
-        Table table{.columns = {{"Audio file", Align::left, true},
-                                {"Source", Align::left, true},
-                                {"Clips", Align::right},
-                                {"Length", Align::right},
-                                {"Rate", Align::right},
-                                {"Bits", Align::right},
-                                {"Channels"},
-                                {"State"}},
-                    .rows = {}};
-        for (const AudioEntry& entry : report_.audio) {
-            const AAFSourceEssence& essence = timeline_.essences[entry.essences.front()];
-            std::string file = entry.placed ? entry.placed->name : entry.path.value_or("");
-            std::string state(stateText(entry.state));
-            if (entry.placed && entry.placed->wasThere) {
-                state += ", was there";
-            }
-            table.rows.push_back(
-                {std::move(file), sourceNames(entry), std::to_string(entry.clips),
-                 lengthOf(entry.facts), plainRate(essence.sampleRate), bitsText(essence.bitDepth),
-                 entry.path ? channelsText(essence.channelCount) : "", std::move(state)});
-        }
-        return table;
-    }
-
     [[nodiscard]] std::string candidateText(const MediaCandidate& candidate) const {
         std::string text = shownText(candidate.path) + ": ";
         if (!candidate.facts) {
-            return text + "no readable audio file";
+            return text + candidate.misfit.value_or("");
         }
         const AudioFormatInfo& format = candidate.facts->format;
-        const std::string length = lengthOf(candidate.facts);
+        const std::string length = lengthOf(timeline_, candidate.facts);
         text += length.empty()
                     ? "length not known"
                     : length + " (" + std::to_string(*candidate.facts->frames) + " samples)";
         text += format.sampleRate ? ", " + plainRate(*format.sampleRate) + " Hz" : "";
         text += format.channels ? ", " + channelsText(*format.channels) : "";
-        return text + (candidate.fits ? ", fits" : ", does not fit");
+        return text + (candidate.misfit ? ", does not fit: " + *candidate.misfit : ", fits");
     }
 
     void addMissing() {
@@ -145,7 +101,8 @@ class Screen {
             const AAFSourceEssence& essence = timeline_.essences[entry.essences.front()];
             text_ += first ? "\n" + painted("Missing", Paint::yellow, colour_) + "\n" : "";
             first = false;
-            text_ += "  " + sourceNames(entry) + ", " + counted(entry.clips, "clip", "clips");
+            text_ +=
+                "  " + sourceNames(timeline_, entry) + ", " + counted(entry.clips, "clip", "clips");
             if (essence.originalPath) {
                 text_ += ", recorded as " + shownText(*essence.originalPath);
             }
@@ -171,11 +128,6 @@ class Screen {
             advice +=
                 "  Several files bear one name, or the one that does is another recording: "
                 "give a folder with the right one only by --media FOLDER\n";
-        }
-        if (report_.unused.value_or(0) != 0) {
-            advice += "  " +
-                      counted(*report_.unused, "more audio file is", "more audio files are") +
-                      " inside that no clip plays; not taken out\n";
         }
         if (const std::size_t losses = timeline_.unsupportedFeatures.size(); losses != 0) {
             advice += "  " + counted(losses, "thing was", "things were") +

@@ -2,9 +2,11 @@
 
 #include <trellant/io/errors.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <string_view>
 #include <sys/stat.h>
 #include <system_error>
 
@@ -12,7 +14,16 @@ namespace trellant::cli {
 
 namespace fs = std::filesystem;
 
-Staging::Staging(const std::string& directory) : path_(directory + "/.trellant-XXXXXX") {
+namespace {
+
+constexpr std::string_view namePrefix = ".trellant-";
+/// The system puts random letters there.
+constexpr std::string_view nameEnd = "XXXXXX";
+
+}  // namespace
+
+Staging::Staging(const std::string& directory)
+    : path_(directory + "/" + std::string(namePrefix) + std::string(nameEnd)) {
     if (::mkdtemp(path_.data()) == nullptr) {
         throw FileSystemError("write to", directory, errno);
     }
@@ -48,6 +59,22 @@ std::uint64_t Staging::bytes() const {
         sum += bytesOfFile(entry->path().native());
     }
     return sum;
+}
+
+std::vector<std::string> stagingFoldersIn(const std::string& directory) {
+    std::vector<std::string> names;
+    std::error_code ignored;
+    for (fs::directory_iterator entry(directory, ignored), end; entry != end;
+         entry.increment(ignored)) {
+        const std::string name = entry->path().filename().native();
+        std::error_code unknown;
+        if (name.size() == namePrefix.size() + nameEnd.size() && name.starts_with(namePrefix) &&
+            fs::is_directory(entry->symlink_status(unknown))) {
+            names.push_back(name);
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
 }
 
 std::uint64_t bytesOfFile(const std::string& path) noexcept {

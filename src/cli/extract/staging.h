@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace trellant::cli {
 
@@ -21,6 +22,8 @@ class Staging {
     Staging& operator=(Staging&&) = delete;
 
     [[nodiscard]] const std::string& path() const noexcept { return path_; }
+    /// Its own name.
+    [[nodiscard]] std::string name() const { return path_.substr(path_.rfind('/') + 1); }
     /// The path of a name in it.
     [[nodiscard]] std::string file(const std::string& name) const { return path_ + "/" + name; }
     /// Whether `path` names a regular file that lies directly in it.
@@ -37,6 +40,10 @@ class Staging {
   private:
     std::string path_;
 };
+
+/// The names of such folders that stand in `directory` already, ascending: of runs that were ended
+/// by force, or that are still at work.
+[[nodiscard]] std::vector<std::string> stagingFoldersIn(const std::string& directory);
 
 /// Bytes of the regular file at `path`; 0 for anything else.
 [[nodiscard]] std::uint64_t bytesOfFile(const std::string& path) noexcept;

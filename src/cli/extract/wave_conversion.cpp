@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view programName = "trellant-wav";
-constexpr std::array<std::string_view, 2> programFolders{".", "libexec/trellant"};
+constexpr std::array<std::string_view, 2> programFolders{".", "../libexec/trellant"};
 
 bool isRegularFile(const std::string& path) {
     std::error_code ignored;

@@ -13,8 +13,8 @@
 
 namespace trellant::cli {
 
-/// Where the program that writes WAVE lies: beside the command, else in "libexec/trellant" seen
-/// from there; absent when it is in neither place.
+/// Where the program that writes WAVE lies: beside the command, else in "../libexec/trellant"
+/// seen from its folder; absent when it is in neither place.
 [[nodiscard]] std::optional<std::string> installedWaveConverter();
 
 /// Runs `converter SOURCE DESTINATION`. Absent when there is a new file at `destination`; else the

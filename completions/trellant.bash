@@ -1,0 +1,108 @@
+# Completions of trellant for bash. They need nothing but bash itself.
+
+# The words of $1 that begin with $2.
+_trellant_words() {
+    local IFS=$' \t\n'
+    COMPREPLY=($(compgen -W "$1" -- "$2"))
+}
+
+# Names of folders, and of files whose name ends as the pattern $1 says, that begin with $2. The
+# replies are file names from here on: bash quotes them and puts a slash after folders.
+_trellant_paths() {
+    local name
+    compopt -o filenames 2>/dev/null
+    while IFS= read -r name; do
+        COMPREPLY+=("$name")
+    done < <(compgen -d -- "$2")
+    while IFS= read -r name; do
+        # Folders are there already.
+        [[ ! -d $name && $name == $1 ]] && COMPREPLY+=("$name")
+    done < <(compgen -f -- "$2")
+}
+
+_trellant() {
+    local anywhere="-h --help -q --quiet -v --verbose"
+    local lossy="--media --fail-on"
+    local output="-o --output --force"
+    # In any case: such files come from systems that do not tell the cases apart.
+    local omf='*.[oO][mM][fF]' omfi='*.[oO][mM][fF][iI]' json='*.[jJ][sS][oO][nN]'
+    local current="${COMP_WORDS[COMP_CWORD]}" previous="" command="" word
+    local -i index places=0
+    COMPREPLY=()
+
+    # bash makes "=" a word of its own.
+    [[ $current == = ]] && current=""
+    for ((index = 1; index < COMP_CWORD; index++)); do
+        word="${COMP_WORDS[index]}"
+        [[ $word == = ]] && continue
+        case $previous in
+            --media | --fail-on | --to | --output | -o | --object | --path)
+                previous=""
+                continue
+                ;;
+        esac
+        previous="$word"
+        case $word in
+            -?*) ;;
+            *)
+                if [[ -z $command ]]; then
+                    command="$word"
+                else
+                    places+=1
+                fi
+                ;;
+        esac
+    done
+
+    case $previous in
+        --media | --to)
+            _trellant_paths '' "$current"
+            return
+            ;;
+        --fail-on)
+            _trellant_words "missing render any" "$current"
+            return
+            ;;
+        -o | --output)
+            _trellant_paths '*' "$current"
+            return
+            ;;
+        --object | --path)
+            return
+            ;;
+    esac
+
+    if [[ -z $command ]]; then
+        if [[ $current == -* ]]; then
+            _trellant_words "$anywhere --version" "$current"
+        else
+            _trellant_words "info list extract dump validate" "$current"
+        fi
+        return
+    fi
+    if [[ $current == -* ]]; then
+        case $command in
+            info) _trellant_words "$anywhere --json $lossy $output" "$current" ;;
+            list) _trellant_words "$anywhere --csv --json $lossy $output" "$current" ;;
+            extract) _trellant_words "$anywhere --to $lossy --wav --force --json" "$current" ;;
+            dump) _trellant_words "$anywhere --toc --object --path --all" "$current" ;;
+            validate) _trellant_words "$anywhere --json" "$current" ;;
+        esac
+        return
+    fi
+    case $command in
+        list)
+            if ((places == 0)); then
+                _trellant_words "tracks clips sources losses" "$current"
+            elif ((places == 1)); then
+                _trellant_paths "@($omf|$omfi)" "$current"
+            fi
+            ;;
+        info) _trellant_paths "@($omf|$omfi)" "$current" ;;
+        extract) ((places == 0)) && _trellant_paths "@($omf|$omfi)" "$current" ;;
+        dump) ((places == 0)) && _trellant_paths '*' "$current" ;;
+        validate) _trellant_paths "$json" "$current" ;;
+    esac
+}
+
+complete -F _trellant trellant

@@ -1,0 +1,12 @@
+// What went wrong with a file, in words for an editor, with what to do next.
+#pragma once
+
+#include <exception>
+#include <string>
+
+namespace trellant::cli {
+
+/// The text for a failed inspection of `file`; looks at the file's head and end where that helps.
+[[nodiscard]] std::string failureText(const std::string& file, const std::exception& error);
+
+}  // namespace trellant::cli

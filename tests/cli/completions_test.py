@@ -1,0 +1,217 @@
+"""The completions offer what the command takes, in each place what fits there."""
+import re
+import shutil
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+
+from command_help import COMMANDS, TREE, options
+
+FOLDER = TREE / "completions"
+BASH = FOLDER / "trellant.bash"
+ZSH = FOLDER / "_trellant"
+FISH = FOLDER / "trellant.fish"
+
+COMPLETE = r"""
+source "$1"
+shift
+COMP_WORDS=("$@")
+COMP_CWORD=$(($# - 1))
+_trellant
+((${#COMPREPLY[@]} == 0)) || printf '%s\0' "${COMPREPLY[@]}"
+"""
+
+OPTIONS_OF_ALL = {"-h", "--help", "-q", "--quiet", "-v", "--verbose"}
+
+
+def expected_options(command):
+    """The command's own ones and those that may stand anywhere."""
+    return options(command) | OPTIONS_OF_ALL
+
+
+class Bash(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory(prefix="trellant-completions-")
+        self.addCleanup(folder.cleanup)
+        self.folder = Path(folder.name)
+        for name in ("mix.omf", "Reel 1.OMF", "old.Omfi", "mix.omf.txt", "omf", "notes.txt",
+                     "result.json", "OTHER.JSON"):
+            (self.folder / name).touch()
+        for name in ("audio", "bundle.omf"):
+            (self.folder / name).mkdir()
+
+    def replies(self, *words):
+        """What is offered for the last of the words that follow `trellant`."""
+        run = subprocess.run(["bash", "--norc", "--noprofile", "-c", COMPLETE, "bash", str(BASH),
+                              "trellant", *words], cwd=self.folder, stdout=subprocess.PIPE,
+                             stderr=subprocess.PIPE)
+        self.assertEqual(run.stderr, b"")
+        return sorted(run.stdout.decode().split("\0")[:-1])
+
+    def test_is_well_formed(self):
+        run = subprocess.run(["bash", "-n", str(BASH)], stdout=subprocess.PIPE,
+                             stderr=subprocess.STDOUT)
+        self.assertEqual((run.returncode, run.stdout), (0, b""))
+
+    def test_is_registered_for_the_command(self):
+        run = subprocess.run(["bash", "--norc", "--noprofile", "-c",
+                              'source "$1"; complete -p trellant', "bash", str(BASH)],
+                             stdout=subprocess.PIPE)
+        self.assertEqual(run.stdout, b"complete -F _trellant trellant\n")
+
+    def test_first_word_is_a_command(self):
+        self.assertEqual(self.replies(""), sorted(COMMANDS))
+        self.assertEqual(self.replies("ex"), ["extract"])
+        self.assertEqual(self.replies("-q", "l"), ["list"])
+        self.assertEqual(self.replies("x"), [])
+
+    def test_options_are_those_of_the_help(self):
+        self.assertEqual(self.replies("-"), sorted(options()))
+        for command in COMMANDS:
+            with self.subTest(command):
+                self.assertEqual(self.replies(command, "-"), sorted(expected_options(command)))
+
+    def test_options_may_follow_files(self):
+        self.assertEqual(self.replies("extract", "mix.omf", "--w"), ["--wav"])
+        self.assertEqual(self.replies("list", "clips", "mix.omf", "--cs"), ["--csv"])
+
+    def test_list_takes_what_and_then_one_file(self):
+        self.assertEqual(self.replies("list", ""), ["clips", "losses", "sources", "tracks"])
+        self.assertEqual(self.replies("list", "--json", "t"), ["tracks"])
+        self.assertEqual(self.replies("list", "clips", "m"), ["mix.omf"])
+        self.assertEqual(self.replies("list", "clips", "mix.omf", ""), [])
+
+    def test_files_end_in_omf_or_omfi_in_any_case_and_folders_lead_to_more(self):
+        found = ["Reel 1.OMF", "audio", "bundle.omf", "mix.omf", "old.Omfi"]
+        self.assertEqual(self.replies("info", ""), found)
+        self.assertEqual(self.replies("info", "mix.omf", ""), found)
+        self.assertEqual(self.replies("list", "clips", ""), found)
+        self.assertEqual(self.replies("extract", ""), found)
+        self.assertEqual(self.replies("extract", "mix.omf", ""), [])
+
+    def test_files_in_a_folder_keep_their_folder(self):
+        (self.folder / "audio" / "scene.omf").touch()
+        self.assertEqual(self.replies("info", "audio/"), ["audio/scene.omf"])
+
+    def test_dump_takes_any_one_file(self):
+        self.assertEqual(self.replies("dump", "no"), ["notes.txt"])
+        self.assertEqual(self.replies("dump", "--toc", "m"), ["mix.omf", "mix.omf.txt"])
+        self.assertEqual(self.replies("dump", "mix.omf", ""), [])
+
+    def test_validate_takes_json_files(self):
+        self.assertEqual(self.replies("validate", ""),
+                         ["OTHER.JSON", "audio", "bundle.omf", "result.json"])
+
+    def test_losses_are_offered_after_fail_on(self):
+        for command in ("info", "list", "extract"):
+            with self.subTest(command):
+                self.assertEqual(self.replies(command, "--fail-on", ""),
+                                 ["any", "missing", "render"])
+        self.assertEqual(self.replies("info", "--fail-on", "=", "m"), ["missing"])
+        self.assertEqual(self.replies("info", "--fail-on", "="), ["any", "missing", "render"])
+
+    def test_folders_alone_are_offered_where_a_folder_is_meant(self):
+        self.assertEqual(self.replies("extract", "mix.omf", "--to", ""), ["audio", "bundle.omf"])
+        for command in ("info", "list", "extract"):
+            with self.subTest(command):
+                self.assertEqual(self.replies(command, "--media", "a"), ["audio"])
+        self.assertEqual(self.replies("extract", "--to", "=", "a"), ["audio"])
+
+    def test_any_file_is_offered_for_the_output(self):
+        self.assertEqual(self.replies("info", "-o", "no"), ["notes.txt"])
+        self.assertEqual(self.replies("list", "--output", "no"), ["notes.txt"])
+
+    def test_nothing_is_offered_for_an_object_or_a_path(self):
+        self.assertEqual(self.replies("dump", "--object", ""), [])
+        self.assertEqual(self.replies("dump", "--path", ""), [])
+
+    def test_values_of_options_are_no_commands_and_no_files(self):
+        self.assertEqual(self.replies("list", "--fail-on", "any", "--media", "audio", "s"),
+                         ["sources"])
+        self.assertEqual(self.replies("list", "--media", "=", "audio", "s"), ["sources"])
+        self.assertEqual(self.replies("extract", "--to", "audio", "m"), ["mix.omf"])
+        self.assertEqual(self.replies("dump", "--object", "12", "mix.omf."), ["mix.omf.txt"])
+        self.assertEqual(self.replies("list", "-o", "list.csv", "l"), ["losses"])
+
+
+def zsh_options(source):
+    """The options in the specifications of `_arguments`, explanations and exclusions left out."""
+    plain = re.sub(r"\[[^]]*\]|'\([^)]*\)", "", source)
+    names = re.findall(r"(?<![\w-])--?[a-z][a-z-]*\+?=?(?=[,:}']|$)", plain, re.MULTILINE)
+    return {name.rstrip("=+") for name in names}
+
+
+class Zsh(unittest.TestCase):
+    @unittest.skipUnless(shutil.which("zsh"), "there is no zsh on this machine")
+    def test_is_well_formed(self):
+        run = subprocess.run(["zsh", "-f", "-n", str(ZSH)], stdout=subprocess.PIPE,
+                             stderr=subprocess.STDOUT)
+        self.assertEqual((run.returncode, run.stdout), (0, b""))
+
+    def test_is_registered_for_the_command(self):
+        self.assertEqual(ZSH.read_text().splitlines()[0], "#compdef trellant")
+
+    def test_options_are_those_of_the_help(self):
+        text = ZSH.read_text()
+        anywhere = zsh_options(re.search(r"anywhere=\((.*?)\n  \)", text, re.DOTALL).group(1))
+        self.assertEqual(anywhere, OPTIONS_OF_ALL)
+        first = re.search(r"_arguments -C -s -S \$anywhere(.*?)&& ret=0", text, re.DOTALL).group(1)
+        self.assertEqual(anywhere | zsh_options(first), options())
+        for command in COMMANDS:
+            with self.subTest(command):
+                case = re.search(rf"^ +{command}\)\n +_arguments -s -S \$anywhere (.*?)&& ret=0",
+                                 text, re.DOTALL | re.MULTILINE).group(1)
+                self.assertEqual(anywhere | zsh_options(case), expected_options(command))
+
+    def test_commands_are_those_of_the_help(self):
+        listed = re.search(r"commands=\((.*?)\n +\)", ZSH.read_text(), re.DOTALL).group(1)
+        self.assertEqual(tuple(re.findall(r"'([a-z]+):", listed)), COMMANDS)
+
+    def test_values_are_all_there(self):
+        text = ZSH.read_text()
+        self.assertEqual(text.count(":loss:(missing render any)"), 3)
+        self.assertEqual(text.count(":what:(tracks clips sources losses)"), 1)
+
+
+class Fish(unittest.TestCase):
+    @unittest.skipUnless(shutil.which("fish"), "there is no fish on this machine")
+    def test_is_well_formed(self):
+        run = subprocess.run(["fish", "--no-config", "-n", str(FISH)], stdout=subprocess.PIPE,
+                             stderr=subprocess.STDOUT)
+        self.assertEqual((run.returncode, run.stdout), (0, b""))
+
+    def lines(self, pattern):
+        return [line for line in FISH.read_text().splitlines()
+                if re.match(rf"complete -c trellant {pattern}", line)]
+
+    @staticmethod
+    def options_of(lines):
+        plain = re.sub(r"'[^']*'|\"[^\"]*\"", "", "\n".join(lines))
+        return ({"-" + name for name in re.findall(r" -s (\w)", plain)} |
+                {"--" + name for name in re.findall(r" -l ([a-z-]+)", plain)})
+
+    def test_options_are_those_of_the_help(self):
+        anywhere = self.options_of(self.lines("-[sl] "))
+        self.assertEqual(anywhere, OPTIONS_OF_ALL)
+        first = self.options_of(self.lines('-n "not __fish_seen_subcommand_from \\$commands" '))
+        self.assertEqual(anywhere | first, options())
+        for command in COMMANDS:
+            with self.subTest(command):
+                lines = self.lines(f"-n '__fish_seen_subcommand_from {command}' ")
+                self.assertEqual(anywhere | self.options_of(lines), expected_options(command))
+
+    def test_commands_are_those_of_the_help(self):
+        offered = [re.search(r" -a (\w+) ", line) for line in
+                   self.lines('-n "not __fish_seen_subcommand_from \\$commands" -a ')]
+        self.assertEqual(tuple(found.group(1) for found in offered), COMMANDS)
+        self.assertIn(f"set -l commands {' '.join(COMMANDS)}", FISH.read_text().splitlines())
+
+    def test_values_are_all_there(self):
+        text = FISH.read_text()
+        self.assertEqual(text.count("-l fail-on -x -a 'missing render any'"), 3)
+        self.assertIn("set -l contents tracks clips sources losses", text.splitlines())
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
