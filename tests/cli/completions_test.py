@@ -136,7 +136,7 @@ class Bash(unittest.TestCase):
 
 
 def zsh_options(source):
-    """The options in the specifications of `_arguments`, explanations and exclusions left out."""
+    """The options in the arguments of `_arguments`, explanations and exclusions left out."""
     plain = re.sub(r"\[[^]]*\]|'\([^)]*\)", "", source)
     names = re.findall(r"(?<![\w-])--?[a-z][a-z-]*\+?=?(?=[,:}']|$)", plain, re.MULTILINE)
     return {name.rstrip("=+") for name in names}
