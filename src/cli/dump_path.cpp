@@ -75,15 +75,13 @@ class Resolver {
             return;
         }
         text_ = shownText(text);
-        if (isFirst()) {
-            takeObject(*step);
-        } else if (step->label == "slot") {
+        if (!isFirst() && step->label == "slot") {
             takeSlot(*step);
-        } else if (step->label == "component" || step->label == "input") {
+        } else if (!isFirst() && (step->label == "component" || step->label == "input")) {
             takeIndexed(*step);
-        } else if (step->label == "FinalRendering") {
+        } else if (!isFirst() && step->label == "FinalRendering") {
             takeOnly("OMFI:EFFE:FinalRendering");
-        } else if (step->label == "FadeIn" || step->label == "FadeOut") {
+        } else if (!isFirst() && (step->label == "FadeIn" || step->label == "FadeOut")) {
             add(current(), "OMFI:SCLP:" + std::string(step->label) + "Length");
         } else {
             takeObject(*step);

@@ -26,7 +26,7 @@ std::string counted(std::size_t count, std::string_view one, std::string_view ma
     return std::to_string(count) + " " + std::string(count == 1 ? one : many);
 }
 
-void appendPart(std::string& text, std::string part) {
+void appendPart(std::string& text, const std::string& part) {
     if (!text.empty()) {
         text += ", ";
     }

@@ -181,7 +181,7 @@ Listing listLosses(const Inspection& inspection) {
             row.push_back(exactSecondsOf(time));
         }
         row.emplace_back(loss.plain.empty() ? feature.description : loss.plain);
-        row.push_back(feature.description);
+        row.emplace_back(feature.description);
         row.push_back(orNothing(feature.objectPath));
         listing.rows.push_back(std::move(row));
     }

@@ -124,7 +124,7 @@ ExitStatus runInfo(const InfoOptions& options, Console& console, const std::stop
                                ? infoLine(file, *inspection)
                                : infoScreen(file, *inspection, toConsole && console.outHasColour());
         if (!options.json && !first) {
-            text = "\n" + text;
+            text = std::string("\n").append(text);
         }
         first = false;
         if (toConsole) {

@@ -29,7 +29,7 @@ Sources::Sources(const AAFTimeline& timeline, const std::vector<std::string>& am
             state = SourceState::embedded;
         } else if (essence.fileURL) {
             state = SourceState::located;
-        } else if (several.count(essence.id) != 0) {
+        } else if (several.contains(essence.id)) {
             state = SourceState::severalCandidates;
         }
         byID_.emplace(essence.id, sources_.size());

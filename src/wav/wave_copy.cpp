@@ -37,7 +37,8 @@ ConversionError because(std::string_view words, std::string detail) {
         detail.pop_back();
     }
     detail = detail.empty() ? std::string() : " (" + detail + ")";
-    return ConversionError(std::string(words).append(detail));
+    const std::string text = std::string(words).append(detail);
+    return ConversionError{text};
 }
 
 /// How a kind of sample is called in a WAVE file, and what it takes there.

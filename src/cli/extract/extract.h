@@ -26,7 +26,7 @@ struct ExtractOptions {
 /// Takes the audio out and says on `console` what is where. A stop ends it soon; what is on disk
 /// then is told. Throws OutputClosed, and FileSystemError for standard output; all other failures
 /// are messages and a status.
-[[nodiscard]] ExitStatus runExtract(const ExtractOptions& options, Console& console,
+[[nodiscard]] ExitStatus runExtract(const ExtractOptions& given, Console& console,
                                     const std::stop_token& stop);
 
 }  // namespace trellant::cli

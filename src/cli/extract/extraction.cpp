@@ -34,7 +34,7 @@ std::optional<std::string> pathOf(const AAFSourceEssence& essence) {
 }
 
 struct FileCloser {
-    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+    void operator()(std::FILE* file) const noexcept { static_cast<void>(std::fclose(file)); }
 };
 
 void writeText(const std::string& path, const std::string& text) {
@@ -207,7 +207,7 @@ std::string Extraction::manifestText() const {
     }
     std::string text;
     for (const auto& [name, digest] : digests) {
-        text += digest + "  " + name + "\n";
+        text.append(digest).append("  ").append(name).append("\n");
     }
     return text;
 }

@@ -39,7 +39,7 @@ class Extraction {
     PlacedFile writeDocument(const std::string& name, const std::string& text);
     [[nodiscard]] std::string manifestText() const;
     [[nodiscard]] std::vector<AudioEntry> entries();
-    [[nodiscard]] AudioEntry entryOf(std::size_t essence) const;
+    [[nodiscard]] AudioEntry entryOf(std::size_t index) const;
 
     const ExtractOptions& options_;
     std::string directory_;

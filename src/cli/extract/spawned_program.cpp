@@ -14,7 +14,9 @@
 #include <unistd.h>
 #include <utility>
 
+#ifdef __APPLE__
 extern char** environ;
+#endif
 
 namespace trellant::cli {
 
@@ -95,6 +97,7 @@ class Setup {
 
     [[nodiscard]] pid_t start(std::vector<std::string> words) const {
         std::vector<char*> arguments;
+        arguments.reserve(words.size() + 1);
         for (std::string& word : words) {
             arguments.push_back(word.data());
         }
