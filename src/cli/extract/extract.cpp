@@ -3,6 +3,7 @@
 #include "extraction.h"
 #include "interrupts.h"
 #include "looking.h"
+#include "pasted_word.h"
 
 #include <trellant/client/errors.h>
 #include <trellant/io/errors.h>
@@ -135,7 +136,7 @@ void tellUnused(const ExtractReport& report, Console& console) {
                  (isOne ? "It is no part of the composition and was"
                         : "They are no part of the composition and were") +
                  " not taken out; to see what is inside: trellant dump " +
-                 shown(shellWord(report.file)));
+                 shown(pastedFileName(report.file)));
 }
 
 void tellNotConverted(const ExtractReport& report, Console& console) {

@@ -48,24 +48,4 @@ std::size_t ExtractReport::count(AudioState state) const {
                       [state](const AudioEntry& entry) { return entry.state == state; }));
 }
 
-std::string shellWord(const std::string& word) {
-    const auto isPlain = [](char letter) {
-        return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') ||
-               (letter >= '0' && letter <= '9') ||
-               std::string_view("_-./+:@%,=").find(letter) != std::string_view::npos;
-    };
-    if (!word.empty() && std::all_of(word.begin(), word.end(), isPlain)) {
-        return word;
-    }
-    std::string quoted = "'";
-    for (const char letter : word) {
-        if (letter == '\'') {
-            quoted += "'\\''";
-        } else {
-            quoted += letter;
-        }
-    }
-    return quoted + "'";
-}
-
 }  // namespace trellant::cli

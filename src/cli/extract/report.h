@@ -77,7 +77,4 @@ struct ExtractReport {
 /// The same facts as one JSON object and a line feed.
 [[nodiscard]] std::string summaryLine(const ExtractReport& report);
 
-/// `word` as a shell takes it for one word.
-[[nodiscard]] std::string shellWord(const std::string& word);
-
 }  // namespace trellant::cli

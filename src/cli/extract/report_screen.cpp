@@ -1,4 +1,5 @@
 // The summary for a person: what is where, then what is missing, then what to do next.
+#include "pasted_word.h"
 #include "report.h"
 #include "report_table.h"
 #include "shown_text.h"
@@ -118,11 +119,11 @@ class Screen {
     }
 
     void addAdvice() {
-        const std::string file = shownText(shellWord(report_.file));
+        const std::string file = shownText(pastedFileName(report_.file));
         std::string advice;
         if (report_.count(AudioState::missing) != 0) {
             advice += "  Where the missing audio files lie may be told: trellant extract " + file +
-                      " --to " + shownText(shellWord(report_.directory)) + " --media FOLDER\n";
+                      " --to " + shownText(pastedFileName(report_.directory)) + " --media FOLDER\n";
         }
         if (report_.count(AudioState::undecided) != 0) {
             advice +=
