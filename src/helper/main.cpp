@@ -1,6 +1,7 @@
 // trellant-omf: one process, one request. The request comes on standard input, the result goes to
 // standard output, progress and at most one log line to standard error; the exit status says which
 // of three outcomes happened. This is the one place where errors become texts.
+#include "confinement.h"
 #include "omf_reader.h"
 #include "standard_streams.h"
 
@@ -36,9 +37,14 @@ AAFWorkerProtocol::Request acceptedRequest(const std::string& input) {
 
 void serve(const AAFWorkerProtocol::Request& request) {
     emitProgress("opening", 0.05);
-    const auto result = OMFReader::process(request, [](double fraction) {
-        emitProgress(fraction < resolvingFrom ? "reconstructing" : "resolving", fraction);
-    });
+    const auto result = OMFReader::process(
+        request,
+        [](double fraction) {
+            emitProgress(fraction < resolvingFrom ? "reconstructing" : "resolving", fraction);
+        },
+        [](const std::optional<std::string>& writableDirectory) {
+            confine(sandboxFromEnvironment(), writableDirectory);
+        });
     emitProgress("finishing", 0.95);
     StandardOutput output;
     encodeResult(result, output);

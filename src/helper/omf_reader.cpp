@@ -30,7 +30,8 @@ std::string location(const std::string& path) {
 }  // namespace
 
 AAFWorkerProtocol::Result OMFReader::process(const AAFWorkerProtocol::Request& request,
-                                             const Progress& progress) {
+                                             const Progress& progress,
+                                             const BeforeReading& beforeReading) {
     // main has checked this already; callers beside it are protected too.
     if (request.protocolVersion != AAFWorkerProtocol::version) {
         throw OMFIOError::unsupported("worker protocol version " +
@@ -45,6 +46,7 @@ AAFWorkerProtocol::Result OMFReader::process(const AAFWorkerProtocol::Request& r
     if (places.extract) {
         createDirectories(places.workDirectory);
     }
+    beforeReading(places.extract ? std::optional(places.workDirectory) : std::nullopt);
     const OMFDocument document(places.sourcePath);
     progress(progressAfterOpening);
     Mapper mapper(document, std::move(places));

@@ -1,0 +1,45 @@
+#include "confinement.h"
+
+#include "confinement_layers.h"
+
+#include <trellant/model/system_error_text.h>
+
+#include <cstdlib>
+#include <string_view>
+
+namespace trellant {
+
+Sandbox sandboxFromEnvironment() {
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing in this program changes the environment.
+    const char* const value = std::getenv("TRELLANT_SANDBOX");
+    const std::string_view wish = value == nullptr ? "" : value;
+    if (wish.empty()) {
+        return Sandbox::wherePossible;
+    }
+    if (wish == "require") {
+        return Sandbox::required;
+    }
+    if (wish == "off") {
+        return Sandbox::off;
+    }
+    throw ConfinementError(R"(TRELLANT_SANDBOX is neither "require" nor "off")");
+}
+
+void confine(Sandbox sandbox, const std::optional<std::string>& writableDirectory) {
+    if (sandbox == Sandbox::off) {
+        return;
+    }
+    const auto layers = confinementLayers();
+    if (layers.empty() && sandbox == Sandbox::required) {
+        throw ConfinementError("cannot confine itself on this system");
+    }
+    for (const ConfinementLayer& layer : layers) {
+        const int reason = layer.enter(writableDirectory);
+        if (reason != 0 && sandbox == Sandbox::required) {
+            throw ConfinementError("cannot confine itself with " + std::string(layer.name) + ": " +
+                                   systemErrorText(reason));
+        }
+    }
+}
+
+}  // namespace trellant

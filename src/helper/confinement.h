@@ -1,0 +1,42 @@
+// Giving up what the process will not need, before the first byte of a stranger's file is read: a
+// fault in reading it can then do no harm beyond the one request. There is no way back, so only an
+// executable's main calls this.
+#pragma once
+
+#include <exception>
+#include <optional>
+#include <string>
+
+namespace trellant {
+
+/// How much is asked of the system.
+enum class Sandbox {
+    /// What the system cannot do is done without.
+    wherePossible,
+    /// What the system cannot do is an error.
+    required,
+    /// Nothing is given up.
+    off
+};
+
+/// A layer that was required and is not to be had, or a wish that is none.
+class ConfinementError final : public std::exception {
+  public:
+    explicit ConfinementError(std::string description) : description_(std::move(description)) {}
+    [[nodiscard]] const char* what() const noexcept override { return description_.c_str(); }
+
+  private:
+    std::string description_;
+};
+
+/// What TRELLANT_SANDBOX asks for: "require", "off", or nothing when unset or empty. Throws
+/// ConfinementError for any other value: a slip must not make the process quietly less safe.
+[[nodiscard]] Sandbox sandboxFromEnvironment();
+
+/// Confines the calling process for good, layer by layer: no new privileges, no core dump, files
+/// written only in `writableDirectory` (absolute, there already) and below, absent: nowhere, and
+/// only the system calls that reading takes. What is open stays usable. The process must have one
+/// thread. Throws ConfinementError when a required layer is missing; those before it hold then.
+void confine(Sandbox sandbox, const std::optional<std::string>& writableDirectory);
+
+}  // namespace trellant

@@ -1,0 +1,21 @@
+// What this system offers for confinement, in the order in which it is entered.
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace trellant {
+
+struct ConfinementLayer {
+    /// For a log line.
+    std::string_view name;
+    /// Enters it for good. 0, or the errno value of the refusal, after which it does not hold.
+    int (*enter)(const std::optional<std::string>& writableDirectory) noexcept;
+};
+
+/// Empty where there is none.
+[[nodiscard]] std::span<const ConfinementLayer> confinementLayers() noexcept;
+
+}  // namespace trellant

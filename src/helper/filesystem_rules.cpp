@@ -1,0 +1,110 @@
+// What is listed as handled is forbidden everywhere but where a rule allows it; reading is not
+// listed and so stays free, since media may lie anywhere. Each generation of the interface ("ABI")
+// knows more to handle, and a kernel refuses what it does not know:
+//
+//   1  executing, writing, removing, making each kind of file; links and moves between folders
+//      are forbidden without being listed
+//   2  those may be listed (not needed: listed or not, they are forbidden here)
+//   3  truncating
+//   4  TCP: binding and connecting
+//   5  ioctl on devices
+//   6  reaching abstract sockets of, and sending signals to, processes outside
+//
+// What an older kernel leaves open the filter of system calls closes, so that one of generation 1
+// is enough.
+#include "filesystem_rules.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <fcntl.h>
+#include <linux/landlock.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace trellant {
+
+namespace {
+
+/// As the kernel takes it from generation 6 on. An older one accepts the longer form as long as
+/// what it does not know is 0.
+struct RulesetAttributes {
+    std::uint64_t handledFileAccess;
+    std::uint64_t handledNetworkAccess;
+    std::uint64_t scoped;
+};
+
+// Of the kernel's own header <linux/landlock.h>, which is often older than the kernel that the
+// program meets.
+constexpr std::uint64_t accessTruncate = 1ULL << 14;
+constexpr std::uint64_t accessDeviceIoctl = 1ULL << 15;
+constexpr std::uint64_t networkBindTcp = 1ULL << 0;
+constexpr std::uint64_t networkConnectTcp = 1ULL << 1;
+constexpr std::uint64_t scopeAbstractSockets = 1ULL << 0;
+constexpr std::uint64_t scopeSignals = 1ULL << 1;
+
+/// A new file is created and written; one that stands in the way of the last number is removed.
+constexpr std::uint64_t allowedInDirectory =
+    LANDLOCK_ACCESS_FS_WRITE_FILE | LANDLOCK_ACCESS_FS_MAKE_REG | LANDLOCK_ACCESS_FS_REMOVE_FILE;
+
+RulesetAttributes attributesFor(long generation) noexcept {
+    RulesetAttributes attributes{
+        .handledFileAccess = allowedInDirectory | LANDLOCK_ACCESS_FS_EXECUTE |
+                             LANDLOCK_ACCESS_FS_REMOVE_DIR | LANDLOCK_ACCESS_FS_MAKE_CHAR |
+                             LANDLOCK_ACCESS_FS_MAKE_DIR | LANDLOCK_ACCESS_FS_MAKE_SOCK |
+                             LANDLOCK_ACCESS_FS_MAKE_FIFO | LANDLOCK_ACCESS_FS_MAKE_BLOCK |
+                             LANDLOCK_ACCESS_FS_MAKE_SYM,
+        .handledNetworkAccess = 0,
+        .scoped = 0};
+    if (generation >= 3) {
+        attributes.handledFileAccess |= accessTruncate;
+    }
+    if (generation >= 4) {
+        attributes.handledNetworkAccess = networkBindTcp | networkConnectTcp;
+    }
+    if (generation >= 5) {
+        attributes.handledFileAccess |= accessDeviceIoctl;
+    }
+    if (generation >= 6) {
+        attributes.scoped = scopeAbstractSockets | scopeSignals;
+    }
+    return attributes;
+}
+
+/// 0 or an errno value.
+int allowWritingBelow(int ruleset, const std::string& directory) noexcept {
+    const int folder = ::open(directory.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    if (folder < 0) {
+        return errno;
+    }
+    const landlock_path_beneath_attr rule{.allowed_access = allowedInDirectory,
+                                          .parent_fd = folder};
+    const bool isAdded =
+        ::syscall(SYS_landlock_add_rule, ruleset, LANDLOCK_RULE_PATH_BENEATH, &rule, 0) == 0;
+    const int reason = isAdded ? 0 : errno;
+    ::close(folder);
+    return reason;
+}
+
+}  // namespace
+
+int restrictFiles(const std::optional<std::string>& writableDirectory) noexcept {
+    const long generation =
+        ::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION);
+    if (generation < 0) {
+        return errno;
+    }
+    const RulesetAttributes attributes = attributesFor(generation);
+    const int ruleset =
+        static_cast<int>(::syscall(SYS_landlock_create_ruleset, &attributes, sizeof attributes, 0));
+    if (ruleset < 0) {
+        return errno;
+    }
+    int reason = writableDirectory ? allowWritingBelow(ruleset, *writableDirectory) : 0;
+    if (reason == 0 && ::syscall(SYS_landlock_restrict_self, ruleset, 0) != 0) {
+        reason = errno;
+    }
+    ::close(ruleset);
+    return reason;
+}
+
+}  // namespace trellant

@@ -1,0 +1,16 @@
+// The layer of files: Landlock.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace trellant {
+
+/// From here on the process reads as before; creates, writes and removes regular files only in
+/// `writableDirectory` and below (absent: nowhere); truncates, links between folders, makes any
+/// other kind of file and executes nowhere. Where the kernel knows how: no ioctl on devices, no
+/// TCP, no abstract socket and no signal to others. 0, or the errno value of the refusal, and then
+/// nothing has changed. Needs no_new_privs.
+[[nodiscard]] int restrictFiles(const std::optional<std::string>& writableDirectory) noexcept;
+
+}  // namespace trellant
