@@ -2,11 +2,14 @@
 #include "bento_contents.h"
 #include "bento_footer.h"
 #include "bento_toc.h"
+#include "large_pages.h"
 
 #include <trellant/io/bento_container.h>
 #include <trellant/io/errors.h>
 
 #include <algorithm>
+#include <iterator>
+#include <memory>
 
 namespace trellant {
 
@@ -25,11 +28,16 @@ BentoFooter readFooter(const RandomAccessFile& file) {
                              file.size());
 }
 
-std::vector<BentoPackedItem> readItems(const RandomAccessFile& file, const BentoFooter& footer) {
-    const Bytes toc = file.read(footer.tocOffset, static_cast<std::int64_t>(footer.tocSize));
+BentoItemList readItems(const RandomAccessFile& file, const BentoFooter& footer,
+                        EmptyPieces emptyPieces) {
+    // Not zeroed first, as a vector would be: the table may have hundreds of megabytes.
+    const auto storage = std::make_unique_for_overwrite<std::byte[]>(footer.tocSize);
+    const std::span<std::byte> toc(storage.get(), footer.tocSize);
+    preferLargePages(toc);
+    file.read(footer.tocOffset, toc);
     switch (footer.majorVersion) {
         case 2:
-            return decodeCompressedToc(toc, footer.byteOrder, footer.blockSize);
+            return decodeCompressedToc(toc, footer.byteOrder, footer.blockSize, emptyPieces);
         case 1:
             return decodeTocV1(toc, footer.byteOrder);
         default:
@@ -38,13 +46,16 @@ std::vector<BentoPackedItem> readItems(const RandomAccessFile& file, const Bento
     }
 }
 
+BentoTOCItem unpacked(const BentoPackedItem& item) {
+    return {item.object, item.property, item.type, item.generation, item.segment()};
+}
+
 }  // namespace
 
 BentoContainer::Contents::Contents(const std::string& path)
     : file(path),
       footer(readFooter(file)),
-      items(readItems(file, footer)),
-      index(items),
+      index(readItems(file, footer, EmptyPieces::dropped)),
       cache(file),
       propertyNames(readNames(propertyNameProperty)),
       typeNames(readNames(typeNameProperty)) {}
@@ -81,13 +92,13 @@ const BentoFooter& BentoContainer::footer() const noexcept {
     return contents_->footer;
 }
 
-std::size_t BentoContainer::itemCount() const noexcept {
-    return contents_->items.size();
-}
-
-BentoTOCItem BentoContainer::item(std::size_t index) const {
-    const BentoPackedItem& packed = contents_->items.at(index);
-    return {packed.object, packed.property, packed.type, packed.generation, packed.segment()};
+std::vector<BentoTOCItem> BentoContainer::tableItems() const {
+    const BentoItemList table = readItems(file(), footer(), EmptyPieces::kept);
+    std::vector<BentoTOCItem> result;
+    result.reserve(table.size());
+    std::transform(table.items().begin(), table.items().end(), std::back_inserter(result),
+                   unpacked);
+    return result;
 }
 
 std::vector<BentoTOCItem> BentoContainer::items(std::uint32_t object,
@@ -96,9 +107,7 @@ std::vector<BentoTOCItem> BentoContainer::items(std::uint32_t object,
     std::vector<BentoTOCItem> result;
     result.reserve(run.end - run.begin);
     for (std::size_t place = run.begin; place < run.end; ++place) {
-        const BentoPackedItem& packed = contents_->index.item(place);
-        result.push_back(
-            {packed.object, packed.property, packed.type, packed.generation, packed.segment()});
+        result.push_back(unpacked(contents_->index.item(place)));
     }
     return result;
 }

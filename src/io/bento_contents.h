@@ -4,13 +4,11 @@
 #include "bento_block_cache.h"
 #include "bento_item_index.h"
 #include "bento_names.h"
-#include "bento_packed_item.h"
 
 #include <trellant/io/bento_container.h>
 
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace trellant {
 
@@ -28,7 +26,6 @@ struct BentoContainer::Contents {
 
     RandomAccessFile file;
     BentoFooter footer;
-    std::vector<BentoPackedItem> items;
     BentoItemIndex index;
     mutable BentoBlockCache cache;
     BentoNames propertyNames;

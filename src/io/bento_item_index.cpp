@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <limits>
-#include <numeric>
 #include <tuple>
+#include <utility>
 
 namespace trellant {
 
@@ -12,95 +12,125 @@ namespace {
 /// Runs up to this length are walked rather than halved.
 constexpr std::size_t linearRun = 8;
 constexpr std::uint32_t noRank = std::numeric_limits<std::uint32_t>::max();
-/// The rank table may be this much larger than the items, and this much at any rate.
-constexpr std::uint64_t rankTableFactor = 8;
-constexpr std::uint64_t rankTableFloor = 65'536;
+/// The tables by object number may hold this many entries an object, and this many at any rate.
+constexpr std::uint64_t tableFactor = 8;
+constexpr std::uint64_t tableFloor = 65'536;
 
-bool inKeyOrder(const BentoPackedItem& left, const BentoPackedItem& right) {
-    return std::tie(left.object, left.property) <= std::tie(right.object, right.property);
+/// Runs up to this length are sorted by insertion: most objects have a handful of items.
+constexpr std::size_t shortRun = 32;
+
+bool byProperty(const BentoPackedItem& left, const BentoPackedItem& right) {
+    return left.property < right.property;
 }
 
-bool inObjectOrder(const BentoPackedItem& left, const BentoPackedItem& right) {
-    return left.object <= right.object;
+bool byObjectAndProperty(const BentoPackedItem& left, const BentoPackedItem& right) {
+    return std::tie(left.object, left.property) < std::tie(right.object, right.property);
 }
 
-template <typename Relation>
-bool holdsThroughout(std::span<const BentoPackedItem> items, Relation inOrder) {
-    return std::adjacent_find(items.begin(), items.end(), [&](const auto& left, const auto& right) {
-               return !inOrder(left, right);
-           }) == items.end();
+/// Orders the items of one object by property, those of one property as they stand.
+void sortRun(std::span<BentoPackedItem> run) {
+    if (run.size() > shortRun) {
+        std::stable_sort(run.begin(), run.end(), byProperty);
+        return;
+    }
+    for (std::size_t sorted = 1; sorted < run.size(); ++sorted) {
+        const BentoPackedItem item = run[sorted];
+        std::size_t place = sorted;
+        for (; place > 0 && byProperty(item, run[place - 1]); --place) {
+            run[place] = run[place - 1];
+        }
+        run[place] = item;
+    }
 }
 
 }  // namespace
 
-BentoItemIndex::BentoItemIndex(std::span<const BentoPackedItem> items) : items_(items) {
-    sortPlaces();
-    collectObjects();
-    buildRankTable();
+BentoItemIndex::BentoItemIndex(BentoItemList items) : items_(std::move(items)) {
+    if (!collectObjects()) {
+        const auto all = items_.items();
+        std::stable_sort(all.begin(), all.end(), byObjectAndProperty);
+        objects_.clear();
+        firstPlaces_.clear();
+        collectObjects();
+    }
+    buildTables();
 }
 
-void BentoItemIndex::sortPlaces() {
-    if (holdsThroughout(items_, inKeyOrder)) {
-        return;
-    }
-    order_.resize(items_.size());
-    std::iota(order_.begin(), order_.end(), 0U);
-    const auto byKey = [&](std::uint32_t left, std::uint32_t right) {
-        const BentoPackedItem& a = items_[left];
-        const BentoPackedItem& b = items_[right];
-        return std::tie(a.object, a.property, left) < std::tie(b.object, b.property, right);
-    };
-    if (!holdsThroughout(items_, inObjectOrder)) {
-        std::sort(order_.begin(), order_.end(), byKey);
-        return;
-    }
-    // Written files keep each object's items together: many short sorts instead of one long one.
-    for (auto begin = order_.begin(); begin != order_.end();) {
-        const std::uint32_t object = items_[*begin].object;
-        const auto end = std::find_if(begin, order_.end(), [&](std::uint32_t position) {
-            return items_[position].object != object;
-        });
-        std::sort(begin, end, byKey);
+bool BentoItemIndex::collectObjects() {
+    const auto items = items_.items();
+    for (std::size_t begin = 0; begin < items.size();) {
+        const std::uint32_t object = items[begin].object;
+        if (!objects_.empty() && objects_.back() > object) {
+            return false;
+        }
+        bool inOrder = true;
+        std::size_t end = begin + 1;
+        for (; end < items.size() && items[end].object == object; ++end) {
+            inOrder = inOrder && items[end - 1].property <= items[end].property;
+        }
+        if (!inOrder) {
+            sortRun(items.subspan(begin, end - begin));
+        }
+        objects_.push_back(object);
+        firstPlaces_.push_back(static_cast<std::uint32_t>(begin));
         begin = end;
     }
+    firstPlaces_.push_back(static_cast<std::uint32_t>(items.size()));
+    return true;
 }
 
-void BentoItemIndex::collectObjects() {
-    for (std::size_t place = 0; place < items_.size(); ++place) {
-        const std::uint32_t object = item(place).object;
-        if (objects_.empty() || objects_.back() != object) {
-            objects_.push_back(object);
-            firstPlaces_.push_back(static_cast<std::uint32_t>(place));
-        }
-    }
-    firstPlaces_.push_back(static_cast<std::uint32_t>(items_.size()));
-}
-
-void BentoItemIndex::buildRankTable() {
+void BentoItemIndex::buildTables() {
     if (objects_.empty()) {
         return;
     }
     const std::uint64_t span = std::uint64_t{objects_.back()} - objects_.front() + 1;
-    if (span > rankTableFactor * items_.size() + rankTableFloor) {
+    if (span > tableFactor * objects_.size() + tableFloor) {
         return;
     }
     rankTable_.assign(span, noRank);
     for (std::size_t rank = 0; rank < objects_.size(); ++rank) {
         rankTable_[objects_[rank] - objects_.front()] = static_cast<std::uint32_t>(rank);
     }
+    // Numbers without an object get an empty run, so that a lookup need not tell them apart.
+    std::vector<std::uint32_t> places(span + 1, firstPlaces_.back());
+    std::uint32_t place = firstPlaces_.back();
+    for (std::size_t number = span; number-- > 0;) {
+        if (rankTable_[number] != noRank) {
+            place = firstPlaces_[rankTable_[number]];
+        }
+        places[number] = place;
+    }
+    firstPlaces_ = std::move(places);
 }
 
 std::optional<std::size_t> BentoItemIndex::rank(std::uint32_t object) const noexcept {
-    if (objects_.empty() || object < objects_.front() || object > objects_.back()) {
-        return std::nullopt;
-    }
     if (!rankTable_.empty()) {
-        const std::uint32_t rank = rankTable_[object - objects_.front()];
-        return rank == noRank ? std::nullopt : std::optional<std::size_t>(rank);
+        // Numbers below the first wrap round to ones beyond the last.
+        const std::uint32_t number = object - objects_.front();
+        if (number >= rankTable_.size() || rankTable_[number] == noRank) {
+            return std::nullopt;
+        }
+        return rankTable_[number];
     }
     const auto found = std::lower_bound(objects_.begin(), objects_.end(), object);
-    return *found == object ? std::optional(static_cast<std::size_t>(found - objects_.begin()))
-                            : std::nullopt;
+    return found != objects_.end() && *found == object
+               ? std::optional(static_cast<std::size_t>(found - objects_.begin()))
+               : std::nullopt;
+}
+
+BentoItemIndex::Run BentoItemIndex::runOf(std::uint32_t object) const noexcept {
+    std::size_t entry = 0;
+    if (!rankTable_.empty()) {
+        entry = object - objects_.front();
+        if (entry >= rankTable_.size()) {
+            return {};
+        }
+    } else if (const auto found = rank(object)) {
+        entry = *found;
+    } else {
+        return {};
+    }
+    return {firstPlaces_[entry], firstPlaces_[entry + 1]};
 }
 
 std::size_t BentoItemIndex::firstPlaceNotBelow(Run run, std::uint32_t property) const noexcept {
@@ -120,11 +150,7 @@ std::size_t BentoItemIndex::firstPlaceNotBelow(Run run, std::uint32_t property) 
 
 BentoItemIndex::Run BentoItemIndex::find(std::uint32_t object,
                                          std::uint32_t property) const noexcept {
-    const std::optional<std::size_t> found = rank(object);
-    if (!found) {
-        return {};
-    }
-    const Run all{firstPlaces_[*found], firstPlaces_[*found + 1]};
+    const Run all = runOf(object);
     const std::size_t begin = firstPlaceNotBelow(all, property);
     if (begin == all.end || item(begin).property != property) {
         return {};

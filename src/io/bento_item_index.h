@@ -1,8 +1,8 @@
-// Finds the items of an object, and of one of its properties, in a table of contents. Holds
-// positions only; the items stay in table order.
+// The items of a table of contents, ordered so that those of an object, and of one of its
+// properties, lie together.
 #pragma once
 
-#include "bento_packed_item.h"
+#include "bento_item_list.h"
 
 #include <cstdint>
 #include <optional>
@@ -13,7 +13,7 @@ namespace trellant {
 
 class BentoItemIndex {
   public:
-    /// A run of the index; its places resolve through position().
+    /// A run of places, each of one item.
     struct Run {
         std::size_t begin = 0;
         std::size_t end = 0;
@@ -21,13 +21,13 @@ class BentoItemIndex {
     };
 
     BentoItemIndex() = default;
-    /// `items` must live, unmoved, as long as the index.
-    explicit BentoItemIndex(std::span<const BentoPackedItem> items);
+    /// Takes items in table order.
+    explicit BentoItemIndex(BentoItemList items);
 
     /// The items of one value, in table order; empty when there are none.
     [[nodiscard]] Run find(std::uint32_t object, std::uint32_t property) const noexcept;
     [[nodiscard]] const BentoPackedItem& item(std::size_t place) const noexcept {
-        return items_[order_.empty() ? place : order_[place]];
+        return items_.items()[place];
     }
 
     /// Every distinct object, ascending.
@@ -36,19 +36,22 @@ class BentoItemIndex {
     [[nodiscard]] std::optional<std::size_t> rank(std::uint32_t object) const noexcept;
 
   private:
-    void sortPlaces();
-    void collectObjects();
-    void buildRankTable();
+    /// Sorts each object's items and notes where they begin; false when the table does not keep
+    /// them together, in ascending order of objects.
+    bool collectObjects();
+    void buildTables();
+    /// The items of an object; empty when there are none.
+    [[nodiscard]] Run runOf(std::uint32_t object) const noexcept;
     [[nodiscard]] std::size_t firstPlaceNotBelow(Run run, std::uint32_t property) const noexcept;
 
-    std::span<const BentoPackedItem> items_;
-    /// Item positions by object, property and table position; empty when the table stands so.
-    std::vector<std::uint32_t> order_;
+    /// By object, property and place in the table.
+    BentoItemList items_;
     std::vector<std::uint32_t> objects_;
-    /// The first place of each object, and the end after the last.
-    std::vector<std::uint32_t> firstPlaces_;
     /// Object number, less the smallest, to rank; empty when the numbers lie too far apart.
     std::vector<std::uint32_t> rankTable_;
+    /// Where the items of each object begin, and the end after the last: by number, less the
+    /// smallest, when there is a rank table, else by rank.
+    std::vector<std::uint32_t> firstPlaces_;
 };
 
 }  // namespace trellant

@@ -32,6 +32,7 @@ namespace {
 constexpr std::uint8_t newObject = 1;
 constexpr std::uint8_t newProperty = 2;
 constexpr std::uint8_t explicitGeneration = 4;
+constexpr std::uint8_t emptyImmediate = 9;
 constexpr std::uint8_t endOfBlock = 24;
 constexpr std::uint8_t lastCode = 26;
 constexpr std::uint8_t padding = 0xFF;
@@ -39,36 +40,37 @@ constexpr std::uint8_t padding = 0xFF;
 constexpr std::array<std::uint8_t, lastCode + 1> payloadBytes{
     0, 12, 8, 4, 4, 8, 8, 12, 12, 0, 4, 4, 4, 4, 4, 4, 4, 4, 8, 8, 8, 12, 12, 12, 0, 16, 16};
 
-/// Items are reserved for at most this many at once, so that a table's size alone asks for little.
-constexpr std::size_t reservedItems = 1U << 20U;
-/// Bytes of table that an item takes in files as they are written.
+/// Bytes of table that an item takes in files as they are written. Room for that many items is set
+/// aside at once; what is never filled takes addresses but no memory.
 constexpr std::size_t typicalItemBytes = 12;
 
 class Decoder {
   public:
-    Decoder(ByteView toc, OMFByteOrder order, std::uint32_t blockSize)
-        : toc_(toc), order_(order), blockSize_(blockSize) {
-        items_.reserve(std::min(toc.size() / typicalItemBytes + 1, reservedItems));
+    Decoder(ByteView toc, OMFByteOrder order, std::uint32_t blockSize, EmptyPieces emptyPieces)
+        : toc_(toc), order_(order), blockSize_(blockSize), emptyPieces_(emptyPieces) {
+        items_.reserve(toc_.size() / typicalItemBytes + 1);
     }
 
-    std::vector<BentoPackedItem> decode() {
+    BentoItemList decode() {
         std::size_t position = 0;
         while (position < toc_.size()) {
-            const auto code = std::to_integer<std::uint8_t>(toc_[position]);
+            const std::byte* const token = toc_.data() + position;
+            const auto code = std::to_integer<std::uint8_t>(*token);
             if (code == padding) {
                 ++position;
             } else if (code == endOfBlock) {
                 position = std::min(toc_.size(), (position / blockSize_ + 1) * blockSize_);
             } else {
-                position = decodeToken(code, position);
+                position += decodeToken(code, token, position);
             }
         }
+        items_.trim();
         return std::move(items_);
     }
 
   private:
-    /// Acts on the token at `position` and gives the place of what follows it.
-    std::size_t decodeToken(std::uint8_t code, std::size_t position) {
+    /// Acts on the token at `position` and gives its size.
+    std::size_t decodeToken(std::uint8_t code, const std::byte* token, std::size_t position) {
         if (code == 0 || code > lastCode) {
             throw OMFIOError::malformed("invalid compressed TOC token " + std::to_string(code) +
                                         " at byte " + std::to_string(position));
@@ -77,13 +79,14 @@ class Decoder {
         if (toc_.size() - position - 1 < size) {
             throw OMFIOError::malformed("truncated compressed TOC token");
         }
-        const std::byte* payload = toc_.data() + position + 1;
         if (code <= explicitGeneration) {
-            changeState(code, payload);
-        } else {
-            appendItem(code, payload);
+            changeState(code, token + 1);
+            valueHasItem_ = false;
+        } else if (code != emptyImmediate || !valueHasItem_) {
+            appendItem(code, token + 1);
+            valueHasItem_ = emptyPieces_ == EmptyPieces::dropped;
         }
-        return position + 1 + size;
+        return 1 + size;
     }
 
     void changeState(std::uint8_t code, const std::byte* payload) {
@@ -105,7 +108,7 @@ class Decoder {
     }
 
     void appendItem(std::uint8_t code, const std::byte* payload) {
-        BentoPackedItem& item = items_.emplace_back(state_);
+        BentoPackedItem& item = items_.append(state_);
         switch (code) {
             case 5:
             case 6:
@@ -155,19 +158,22 @@ class Decoder {
     ByteView toc_;
     OMFByteOrder order_;
     std::size_t blockSize_;
+    EmptyPieces emptyPieces_;
+    /// That an empty item would follow another of the same value, and may be left out.
+    bool valueHasItem_ = false;
     /// What the following value tokens belong to.
     BentoPackedItem state_;
-    std::vector<BentoPackedItem> items_;
+    BentoItemList items_;
 };
 
 }  // namespace
 
-std::vector<BentoPackedItem> decodeCompressedToc(ByteView toc, OMFByteOrder order,
-                                                 std::uint32_t blockSize) {
+BentoItemList decodeCompressedToc(ByteView toc, OMFByteOrder order, std::uint32_t blockSize,
+                                  EmptyPieces emptyPieces) {
     if (blockSize == 0) {
         throw OMFIOError::malformed("invalid compressed TOC block size");
     }
-    return Decoder(toc, order, blockSize).decode();
+    return Decoder(toc, order, blockSize, emptyPieces).decode();
 }
 
 }  // namespace trellant

@@ -46,14 +46,14 @@ BentoPackedItem decodeEntry(const std::byte* entry, OMFByteOrder order) {
 
 }  // namespace
 
-std::vector<BentoPackedItem> decodeTocV1(ByteView toc, OMFByteOrder order) {
+BentoItemList decodeTocV1(ByteView toc, OMFByteOrder order) {
     if (toc.size() % entrySize != 0) {
         throw OMFIOError::malformed("Bento 1.0d4 TOC is not a multiple of 24 bytes");
     }
-    std::vector<BentoPackedItem> items;
+    BentoItemList items;
     items.reserve(toc.size() / entrySize);
     for (std::size_t offset = 0; offset < toc.size(); offset += entrySize) {
-        items.push_back(decodeEntry(toc.data() + offset, order));
+        items.append(decodeEntry(toc.data() + offset, order));
     }
     return items;
 }

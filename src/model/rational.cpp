@@ -23,6 +23,9 @@ constexpr double beyondInt64 = 9223372036854775808.0;
 
 /// At least 1, and capped at the largest 64-bit value so that it is a divisor of signed numbers.
 [[nodiscard]] std::int64_t commonDivisor(std::int64_t left, std::int64_t right) noexcept {
+    if (left == 1 || right == 1) {
+        return 1;
+    }
     const std::uint64_t divisor = std::gcd(magnitude(left), magnitude(right));
     return static_cast<std::int64_t>(
         std::clamp<std::uint64_t>(divisor, 1, static_cast<std::uint64_t>(largest)));

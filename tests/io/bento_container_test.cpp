@@ -53,10 +53,7 @@ TEST_F(BentoContainerOpening, GivesItemsInTableOrder) {
                                           {4, 6, 2, 0, {BentoReferenceList{77}, false}},
                                           {9, 5, 1, 0, {BentoImmediate{{'A', 'B'}, 2}, false}}};
     const BentoContainer container(write(fileOf(image, items)));
-    ASSERT_EQ(container.itemCount(), 3U);
-    for (std::size_t index = 0; index < items.size(); ++index) {
-        EXPECT_EQ(container.item(index), items[index]);
-    }
+    EXPECT_EQ(container.tableItems(), items);
     EXPECT_EQ(container.items(9, 5), (std::vector<BentoTOCItem>{items[0], items[2]}));
     EXPECT_TRUE(container.items(9, 6).empty());
     EXPECT_TRUE(container.items(5, 5).empty());
@@ -98,19 +95,31 @@ TEST_F(BentoContainerOpening, ReadsTailAndTableWithOneCallEach) {
     EXPECT_EQ(BentoContainer(write(image.bytes())).file().readCalls(), 2U);
 }
 
+TEST_F(BentoContainerOpening, EmptyPiecesBehindOthersOfAValueTakeNoMemory) {
+    ContainerImage image = ContainerImage::ofForm(TocForm::compressed, OMFByteOrder::big);
+    const BentoTOCItem empty{9, 5, 1, 0, {BentoImmediate{}, false}};
+    const BentoTOCItem letter{9, 5, 1, 0, {BentoImmediate{{'A'}, 1}, false}};
+    const BentoTOCItem other{9, 6, 1, 0, {BentoImmediate{}, false}};
+    const std::vector<BentoTOCItem> items{empty, empty, letter, empty, empty, other, other};
+    const BentoContainer container(write(fileOf(image, items)));
+    EXPECT_EQ(container.tableItems(), items);
+    EXPECT_EQ(container.items(9, 5), (std::vector<BentoTOCItem>{empty, letter}));
+    EXPECT_EQ(container.items(9, 6), std::vector<BentoTOCItem>{other});
+}
+
 TEST_F(BentoContainerOpening, FaultsOfTheTableAreThrown) {
     ContainerImage image = ContainerImage::ofForm(TocForm::compressed, OMFByteOrder::little);
     image.toc = hex("FF FF FF FF FF FF FF 00");
-    EXPECT_EQ(faultOf([&] { return BentoContainer(write(image.bytes())).itemCount(); }),
+    EXPECT_EQ(faultOf([&] { return BentoContainer(write(image.bytes())).objectIDs().size(); }),
               "Malformed OMF/Bento file: invalid compressed TOC token 0 at byte 7");
     image.footer.majorVersion = 1;
-    EXPECT_EQ(faultOf([&] { return BentoContainer(write(image.bytes())).itemCount(); }),
+    EXPECT_EQ(faultOf([&] { return BentoContainer(write(image.bytes())).objectIDs().size(); }),
               "Malformed OMF/Bento file: Bento 1.0d4 TOC is not a multiple of 24 bytes");
 }
 
 TEST_F(BentoContainerOpening, AMissingFileIsRefused) {
     const std::string path = folder_.file("missing");
-    EXPECT_EQ(refusalOf([&] { return BentoContainer(path).itemCount(); }),
+    EXPECT_EQ(refusalOf([&] { return BentoContainer(path).objectIDs().size(); }),
               "cannot open \"" + path + "\": No such file or directory");
 }
 

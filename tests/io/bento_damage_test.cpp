@@ -59,8 +59,9 @@ void readAllowingFaults(Read read) {
 
 void readEverything(const BentoContainer& container) {
     std::set<std::pair<std::uint32_t, std::uint32_t>> keys;
-    for (std::size_t index = 0; index < container.itemCount(); ++index) {
-        keys.emplace(container.item(index).object, container.item(index).property);
+    const std::vector<BentoTOCItem> items = container.tableItems();
+    for (const BentoTOCItem& item : items) {
+        keys.emplace(item.object, item.property);
     }
     for (const auto& key : keys) {
         const std::uint32_t object = key.first;
@@ -72,7 +73,7 @@ void readEverything(const BentoContainer& container) {
         const auto name = container.propertyName(property);
         if (name) {
             readAllowingFaults([&] { return container.valuePrefix(object, *name, 9); });
-            ASSERT_LE(container.valueSegments(object, *name).size(), container.itemCount());
+            ASSERT_LE(container.valueSegments(object, *name).size(), items.size());
         }
     }
 }

@@ -42,7 +42,7 @@ BentoFooter decodeFile(const Bytes& file) {
 std::string openFault(const Bytes& bytes) {
     const testing::TemporaryDirectory folder;
     const std::string path = testing::writeFile(folder.file("container"), bytes);
-    return faultOf([&] { return BentoContainer(path).itemCount(); });
+    return faultOf([&] { return BentoContainer(path).objectIDs().size(); });
 }
 
 TEST(BentoFooter, HoldsOrderVersionsBlockSizeAndTheTablesPlace) {

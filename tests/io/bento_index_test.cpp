@@ -25,6 +25,14 @@ BentoPackedItem item(std::uint32_t object, std::uint32_t property, std::uint64_t
     return result;
 }
 
+BentoItemIndex indexOf(const Items& items) {
+    BentoItemList list;
+    for (const BentoPackedItem& one : items) {
+        list.append(one);
+    }
+    return BentoItemIndex(std::move(list));
+}
+
 Lengths labels(const BentoItemIndex& index, std::uint32_t object, std::uint32_t property) {
     Lengths result;
     const BentoItemIndex::Run run = index.find(object, property);
@@ -40,7 +48,7 @@ std::vector<std::uint32_t> objectsOf(const BentoItemIndex& index) {
 
 /// Every key of `items`, and keys beside them, against a plain walk over the table.
 void expectAgreesWithTheTable(const Items& items) {
-    const BentoItemIndex index{items};
+    const BentoItemIndex index = indexOf(items);
     std::map<std::pair<std::uint32_t, std::uint32_t>, Lengths> expected;
     std::set<std::uint32_t> objects;
     for (const BentoPackedItem& one : items) {
@@ -73,7 +81,7 @@ Items randomItems(std::uint32_t seed, std::size_t count, std::uint32_t objectSte
 }
 
 TEST(BentoItemIndex, OfAnEmptyTableFindsNothing) {
-    const BentoItemIndex index{Items{}};
+    const BentoItemIndex index = indexOf({});
     EXPECT_TRUE(index.find(0, 0).empty());
     EXPECT_TRUE(index.objects().empty());
     EXPECT_EQ(index.rank(0), std::nullopt);
@@ -81,7 +89,7 @@ TEST(BentoItemIndex, OfAnEmptyTableFindsNothing) {
 
 TEST(BentoItemIndex, KeepsTableOrderWithinAKey) {
     const Items items{item(2, 5, 0), item(1, 9, 1), item(2, 5, 2), item(2, 4, 3), item(2, 5, 4)};
-    const BentoItemIndex index{items};
+    const BentoItemIndex index = indexOf(items);
     EXPECT_EQ(labels(index, 2, 5), (Lengths{0, 2, 4}));
     EXPECT_EQ(labels(index, 2, 4), (Lengths{3}));
     EXPECT_EQ(labels(index, 1, 9), (Lengths{1}));
@@ -92,7 +100,7 @@ TEST(BentoItemIndex, KeepsTableOrderWithinAKey) {
 TEST(BentoItemIndex, FindsTheExtremeNumbers) {
     const Items items{item(largest, largest, 0), item(0, 0, 1), item(largest, 0, 2),
                       item(0, largest, 3), item(largest, largest, 4)};
-    const BentoItemIndex index{items};
+    const BentoItemIndex index = indexOf(items);
     EXPECT_EQ(labels(index, largest, largest), (Lengths{0, 4}));
     EXPECT_EQ(labels(index, largest, 0), (Lengths{2}));
     EXPECT_EQ(labels(index, 0, largest), (Lengths{3}));
@@ -123,13 +131,21 @@ TEST(BentoItemIndex, AgreesWithAWalkWhenObjectNumbersLieFarApart) {
     }
 }
 
+TEST(BentoItemIndex, NumbersBesideThoseOfATableFindNothing) {
+    const BentoItemIndex index = indexOf({item(10, 1, 0), item(12, 1, 1)});
+    for (const std::uint32_t object : {0U, 9U, 11U, 13U, largest}) {
+        EXPECT_TRUE(index.find(object, 1).empty()) << object;
+        EXPECT_EQ(index.rank(object), std::nullopt) << object;
+    }
+}
+
 TEST(BentoItemIndex, AnObjectWithAMillionItemsIsNotWalked) {
     constexpr std::uint32_t count = 1'000'000;
     Items items;
     for (std::uint32_t index = 0; index < count; ++index) {
         items.push_back(item(7, count - index, index));
     }
-    const BentoItemIndex index{items};
+    const BentoItemIndex index = indexOf(items);
     // A walk for each of these would be 10^12 steps.
     for (std::uint32_t property = 1; property <= count; ++property) {
         const BentoItemIndex::Run run = index.find(7, property);

@@ -131,9 +131,10 @@ TEST_F(BentoRealLayout, MediaStartAtOddOffsets) {
 
 TEST_F(BentoRealLayout, ItemsAreSortedByObjectOnly) {
     bool propertiesAscend = true;
-    for (std::size_t index = 1; index < container_.itemCount(); ++index) {
-        const BentoTOCItem before = container_.item(index - 1);
-        const BentoTOCItem item = container_.item(index);
+    const std::vector<BentoTOCItem> items = container_.tableItems();
+    for (std::size_t index = 1; index < items.size(); ++index) {
+        const BentoTOCItem& before = items[index - 1];
+        const BentoTOCItem& item = items[index];
         ASSERT_LE(before.object, item.object);
         propertiesAscend &= before.object != item.object || before.property <= item.property;
     }

@@ -20,16 +20,16 @@ constexpr auto big = OMFByteOrder::big;
 
 using Items = std::vector<BentoTOCItem>;
 
-Items unpacked(const std::vector<BentoPackedItem>& packed) {
+Items unpacked(const BentoItemList& packed) {
     Items items;
-    for (const BentoPackedItem& item : packed) {
+    for (const BentoPackedItem& item : packed.items()) {
         items.push_back({item.object, item.property, item.type, item.generation, item.segment()});
     }
     return items;
 }
 
 Items compressed(const Bytes& toc, OMFByteOrder order = big, std::uint32_t blockSize = 1024) {
-    return unpacked(decodeCompressedToc(toc, order, blockSize));
+    return unpacked(decodeCompressedToc(toc, order, blockSize, EmptyPieces::kept));
 }
 
 Items v1(const Bytes& toc, OMFByteOrder order = big) {
@@ -115,7 +115,7 @@ TEST(BentoToc, ImmediateValuesTakeTheHeadOfTheirPayload) {
 }
 
 TEST(BentoToc, ImmediateBytesAreNeverSwapped) {
-    EXPECT_EQ(unpacked(decodeCompressedToc(hex("0D 41 42 43 44"), little, 1024)).front().segment,
+    EXPECT_EQ(compressed(hex("0D 41 42 43 44"), little).front().segment,
               (BentoValueSegment{immediate("ABCD"), false}));
 }
 

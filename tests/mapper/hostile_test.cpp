@@ -53,8 +53,7 @@ class DamagedSong : public ::testing::Test {
         const TemporaryDirectory folder;
         const BentoContainer container(writeFile(folder.file("song.omf"), image_));
         std::set<std::pair<ObjectID, ObjectID>> seen;
-        for (std::size_t index = 0; index < container.itemCount(); ++index) {
-            const BentoTOCItem item = container.item(index);
+        for (const BentoTOCItem& item : container.tableItems()) {
             const auto name = container.propertyName(item.property);
             if (name && name->starts_with("OMFI:") &&
                 seen.insert({item.object, item.property}).second) {

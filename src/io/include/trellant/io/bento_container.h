@@ -37,10 +37,11 @@ class BentoContainer {
     /// Its footer, checked against the file's size.
     [[nodiscard]] const BentoFooter& footer() const noexcept;
 
-    /// The items in table order, by position: `index` lies below itemCount().
-    [[nodiscard]] std::size_t itemCount() const noexcept;
-    [[nodiscard]] BentoTOCItem item(std::size_t index) const;
-    /// The items of one value in table order; empty when there are none.
+    /// Every item in table order, for a look at the table itself: it is read again for each call,
+    /// and takes 40 bytes an item. Throws as the constructor does.
+    [[nodiscard]] std::vector<BentoTOCItem> tableItems() const;
+    /// The items of one value in table order, without those that add no bytes and follow another
+    /// of the same value; empty when there are none.
     [[nodiscard]] std::vector<BentoTOCItem> items(std::uint32_t object,
                                                   std::uint32_t property) const;
     [[nodiscard]] std::vector<BentoTOCItem> items(std::uint32_t object,
