@@ -116,11 +116,31 @@ std::vector<BentoValueSegment> BentoContainer::valueSegments(std::uint32_t objec
 
 bool BentoContainer::copyValue(std::uint32_t object, std::string_view propertyName,
                                const std::string& destination) const {
-    const std::vector<BentoValueSegment> segments = valueSegments(object, propertyName);
-    if (segments.empty()) {
+    const std::optional<std::uint32_t> property = propertyID(propertyName);
+    if (!property) {
         return false;
     }
-    file().copy(segments, destination);
+    const BentoItemIndex& index = contents_->index;
+    const BentoItemIndex::Run run = index.find(object, *property);
+    // One piece at a time: a value may have millions.
+    std::size_t place = run.begin;
+    const auto toNextPiece = [&] {
+        while (place < run.end && index.item(place).kind == BentoPackedItem::Kind::referenceList) {
+            ++place;
+        }
+        return place < run.end;
+    };
+    if (!toNextPiece()) {
+        return false;
+    }
+    file().copy(
+        [&]() -> std::optional<BentoValueSegment> {
+            if (!toNextPiece()) {
+                return std::nullopt;
+            }
+            return index.item(place++).segment();
+        },
+        destination);
     return true;
 }
 

@@ -7,8 +7,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace trellant {
 
@@ -16,6 +18,11 @@ namespace {
 
 constexpr std::uint64_t chunkLimit = 4'194'304;
 constexpr std::size_t bufferSize = 262'144;
+/// The kernel moves whole pages from file to file at once; where pages do not fall on pages it goes
+/// through a pipe, and the buffer is the faster way.
+constexpr std::uint64_t pageSize = 4096;
+/// From here on a call of the kernel's own copy pays.
+constexpr std::uint64_t kernelWorthwhile = 65'536;
 
 int openNew(const std::string& path) {
     int descriptor = -1;
@@ -53,12 +60,14 @@ void refuseToReplaceSource(int source, const std::string& destination) {
 
 class NewFile {
   public:
-    explicit NewFile(const std::string& path) : path_(path) {
+    /// `source` is open for reading what goes into the new file.
+    NewFile(int source, const std::string& path) : path_(path) {
         if (path.find('\0') != std::string::npos) {
             throw FileSystemError("create", path, EINVAL);
         }
         descriptor_ = openNew(path);
         if (descriptor_ < 0 && errno == EEXIST) {
+            refuseToReplaceSource(source, path);
             removeExisting(path);
             descriptor_ = openNew(path);
         }
@@ -90,28 +99,77 @@ class NewFile {
     int descriptor_ = -1;
 };
 
+/// The pieces on their way out: short ones are gathered and written together.
+class Output {
+  public:
+    Output(int source, const std::string& path)
+        : file_(source, path), buffer_(std::make_unique_for_overwrite<std::byte[]>(bufferSize)) {}
+
+    /// Bytes that went in so far.
+    [[nodiscard]] std::uint64_t position() const noexcept { return written_ + filled_; }
+    [[nodiscard]] int descriptor() const noexcept { return file_.descriptor(); }
+
+    /// Room for the next bytes, never none; `take` says how many of it were filled.
+    std::span<std::byte> room() {
+        if (filled_ == bufferSize) {
+            flush();
+        }
+        return std::span(buffer_.get(), bufferSize).subspan(filled_);
+    }
+    void take(std::size_t count) noexcept { filled_ += count; }
+
+    void append(ByteView bytes) {
+        while (!bytes.empty()) {
+            const auto into = room();
+            const std::size_t count = std::min(into.size(), bytes.size());
+            std::copy_n(bytes.begin(), count, into.begin());
+            take(count);
+            bytes = bytes.subspan(count);
+        }
+    }
+    void flush() {
+        const std::size_t count = std::exchange(filled_, 0);
+        written_ += count;
+        file_.write(ByteView(buffer_.get(), count));
+    }
+    /// Bytes that went straight to the descriptor, with nothing left to flush.
+    void passedBy(std::uint64_t count) noexcept { written_ += count; }
+
+  private:
+    NewFile file_;
+    std::unique_ptr<std::byte[]> buffer_;
+    std::size_t filled_ = 0;
+    std::uint64_t written_ = 0;
+};
+
 /// One copy in progress: moves whole chunks whose bounds were checked.
 class ChunkCopier {
   public:
-    ChunkCopier(const RandomAccessFile& file, int source, const NewFile& destination,
+    ChunkCopier(const RandomAccessFile& file, int source, Output& output,
                 std::atomic<std::uint64_t>& readCalls)
-        : file_(file), source_(source), destination_(destination), readCalls_(readCalls) {}
+        : file_(file), source_(source), output_(output), readCalls_(readCalls) {}
 
     void copyChunk(std::uint64_t offset, std::uint64_t length) {
-        const std::uint64_t done = copyByKernel(offset, length);
+        const std::uint64_t done = suitsKernel(offset, length) ? copyByKernel(offset, length) : 0;
         if (done < length) {
             copyByBuffer(offset, length, done);
         }
     }
 
   private:
+    [[nodiscard]] bool suitsKernel(std::uint64_t offset, std::uint64_t length) const noexcept {
+        return kernelCopies_ && length >= kernelWorthwhile && offset % pageSize == 0 &&
+               output_.position() % pageSize == 0;
+    }
+
     /// How many bytes of the chunk the kernel moved.
     std::uint64_t copyByKernel(std::uint64_t offset, std::uint64_t length) {
+        output_.flush();
         std::uint64_t done = 0;
         while (kernelCopies_ && done < length) {
             auto position = static_cast<off_t>(offset + done);
             readCalls_.fetch_add(1, std::memory_order_relaxed);
-            const ssize_t moved = ::copy_file_range(source_, &position, destination_.descriptor(),
+            const ssize_t moved = ::copy_file_range(source_, &position, output_.descriptor(),
                                                     nullptr, length - done, 0);
             if (moved > 0) {
                 done += static_cast<std::uint64_t>(moved);
@@ -119,17 +177,18 @@ class ChunkCopier {
                 kernelCopies_ = false;
             }
         }
+        output_.passedBy(done);
         return done;
     }
 
     /// Moves the rest of a chunk of which `done` bytes are out already.
     void copyByBuffer(std::uint64_t offset, std::uint64_t length, std::uint64_t done) {
-        buffer_.resize(bufferSize);
         while (done < length) {
-            const auto wanted = std::min<std::uint64_t>(bufferSize, length - done);
+            const auto into = output_.room();
+            const auto wanted = std::min<std::uint64_t>(into.size(), length - done);
             readCalls_.fetch_add(1, std::memory_order_relaxed);
             const ssize_t got =
-                ::pread(source_, buffer_.data(), wanted, static_cast<off_t>(offset + done));
+                ::pread(source_, into.data(), wanted, static_cast<off_t>(offset + done));
             if (got == 0) {
                 throw OMFIOError(OMFIOError::ShortRead{static_cast<std::int64_t>(length),
                                                        static_cast<std::int64_t>(done)});
@@ -140,44 +199,67 @@ class ChunkCopier {
                 }
                 throw FileSystemError("read", file_.path(), errno);
             }
-            destination_.write(ByteView(buffer_).first(static_cast<std::size_t>(got)));
+            output_.take(static_cast<std::size_t>(got));
             done += static_cast<std::uint64_t>(got);
         }
     }
 
     const RandomAccessFile& file_;
     int source_;
-    const NewFile& destination_;
+    Output& output_;
     std::atomic<std::uint64_t>& readCalls_;
     bool kernelCopies_ = true;
-    Bytes buffer_;
 };
+
+void copySegment(const BentoValueSegment& segment, std::uint64_t fileSize, ChunkCopier& copier,
+                 Output& output) {
+    if (const auto* immediate = std::get_if<BentoImmediate>(&segment.storage)) {
+        const auto count = std::min<std::size_t>(immediate->count, immediate->bytes.size());
+        output.append(std::as_bytes(std::span(immediate->bytes)).first(count));
+    } else if (const auto* range = std::get_if<BentoRange>(&segment.storage)) {
+        std::uint64_t offset = range->offset;
+        std::uint64_t remaining = range->length;
+        while (remaining > 0) {
+            const std::uint64_t length = std::min(remaining, chunkLimit);
+            if (offset > fileSize || length > fileSize - offset) {
+                throw OMFIOError(OMFIOError::OutOfBounds{offset, length, fileSize});
+            }
+            copier.copyChunk(offset, length);
+            offset += length;
+            remaining -= length;
+        }
+    }
+}
 
 }  // namespace
 
 void RandomAccessFile::copy(std::span<const BentoValueSegment> segments,
                             const std::string& destination) const {
-    refuseToReplaceSource(descriptor_, destination);
-    const NewFile output(destination);
-    ChunkCopier copier(*this, descriptor_, output, readCalls_);
-    for (const BentoValueSegment& segment : segments) {
-        if (const auto* immediate = std::get_if<BentoImmediate>(&segment.storage)) {
-            const auto count = std::min<std::size_t>(immediate->count, immediate->bytes.size());
-            output.write(std::as_bytes(std::span(immediate->bytes)).first(count));
-        } else if (const auto* range = std::get_if<BentoRange>(&segment.storage)) {
-            std::uint64_t offset = range->offset;
-            std::uint64_t remaining = range->length;
-            while (remaining > 0) {
-                const std::uint64_t length = std::min(remaining, chunkLimit);
-                if (offset > size_ || length > size_ - offset) {
-                    throw OMFIOError(OMFIOError::OutOfBounds{offset, length, size_});
-                }
-                copier.copyChunk(offset, length);
-                offset += length;
-                remaining -= length;
+    copy(
+        [&]() -> std::optional<BentoValueSegment> {
+            if (segments.empty()) {
+                return std::nullopt;
             }
+            const BentoValueSegment next = segments.front();
+            segments = segments.subspan(1);
+            return next;
+        },
+        destination);
+}
+
+void RandomAccessFile::copy(const NextSegment& next, const std::string& destination) const {
+    Output output(descriptor_, destination);
+    ChunkCopier copier(*this, descriptor_, output, readCalls_);
+    try {
+        while (const auto segment = next()) {
+            copySegment(*segment, size_, copier, output);
         }
+    } catch (const OMFIOError&) {
+        // What came before the fault is left in the file.
+        output.flush();
+        throw;
     }
+    output.flush();
 }
 
 }  // namespace trellant

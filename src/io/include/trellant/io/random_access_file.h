@@ -6,6 +6,8 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -47,6 +49,11 @@ class RandomAccessFile {
     /// as `read` does for each chunk, and FileSystemError for the destination; a failure leaves the
     /// partly written file.
     void copy(std::span<const BentoValueSegment> segments, const std::string& destination) const;
+
+    /// The same for segments that are not all at hand: `next` gives one after the other, and
+    /// nothing after the last.
+    using NextSegment = std::function<std::optional<BentoValueSegment>()>;
+    void copy(const NextSegment& next, const std::string& destination) const;
 
     /// How often the system was asked to read, for tests of linear work.
     [[nodiscard]] std::uint64_t readCalls() const noexcept { return readCalls_; }
