@@ -13,7 +13,8 @@ namespace trellant {
 
 namespace {
 
-constexpr std::size_t readPiece = 65'536;
+/// Room on the stack; a request is short.
+constexpr std::size_t readPiece = 8192;
 
 /// 0, or the errno value of the write that failed.
 int writeAll(int descriptor, std::string_view text) noexcept {

@@ -67,6 +67,10 @@ class Filter {
         // Some kernels slow a filtered process down lest it spies on itself; it runs no code but
         // its own. One that does not know the wish refuses it, which is no loss.
         static_cast<void>(::seccomp_attr_set(rules_.get(), SCMP_FLTATR_CTL_SSB, 1));
+        // A tree of rules instead of a list: the kernel runs the filter once for each call that
+        // exists when it takes it over, which is half of what the filter costs.
+        constexpr std::uint32_t binaryTree = 2;
+        static_cast<void>(::seccomp_attr_set(rules_.get(), SCMP_FLTATR_CTL_OPTIMIZE, binaryTree));
     }
 
     void allow(std::span<const int> calls) noexcept {

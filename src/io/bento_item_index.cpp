@@ -14,7 +14,7 @@ constexpr std::size_t linearRun = 8;
 constexpr std::uint32_t noRank = std::numeric_limits<std::uint32_t>::max();
 /// The tables by object number may hold this many entries an object, and this many at any rate.
 constexpr std::uint64_t tableFactor = 8;
-constexpr std::uint64_t tableFloor = 65'536;
+constexpr std::uint64_t tableFloor = 1024;
 
 /// Runs up to this length are sorted by insertion: most objects have a handful of items.
 constexpr std::size_t shortRun = 32;

@@ -27,25 +27,25 @@ class BentoItemList {
     BentoItemList& operator=(const BentoItemList&) = delete;
     BentoItemList& operator=(BentoItemList&&) = delete;
 
-    /// Throws std::bad_alloc, as append does; the list is whole afterwards.
-    void reserve(std::size_t count) {
+    /// Sets room aside if it can be had: what comes may need less.
+    void reserve(std::size_t count) noexcept {
         if (count > capacity_) {
-            resizeStorage(count);
+            static_cast<void>(resizeStorage(count));
         }
     }
 
-    /// The reference holds until the next call.
+    /// The reference holds until the next call. Throws std::bad_alloc, the list as it was.
     BentoPackedItem& append(const BentoPackedItem& item) {
-        if (size_ == capacity_) {
-            resizeStorage(capacity_ + capacity_ / 2 + firstCapacity);
+        if (size_ == capacity_ && !resizeStorage(capacity_ + capacity_ / 2 + firstCapacity)) {
+            throw std::bad_alloc();
         }
         return *std::construct_at(storage_.get() + size_++, item);
     }
 
     /// Gives back what was reserved for nothing.
-    void trim() {
+    void trim() noexcept {
         if (size_ > 0 && size_ < capacity_) {
-            resizeStorage(size_);
+            static_cast<void>(resizeStorage(size_));
         }
     }
 
@@ -63,19 +63,21 @@ class BentoItemList {
         void operator()(BentoPackedItem* items) const noexcept { std::free(items); }
     };
 
-    void resizeStorage(std::size_t capacity) {
+    /// False when there is not so much memory; nothing has changed then.
+    [[nodiscard]] bool resizeStorage(std::size_t capacity) noexcept {
         if (capacity > static_cast<std::size_t>(-1) / sizeof(BentoPackedItem)) {
-            throw std::bad_alloc();
+            return false;
         }
         auto* const moved = static_cast<BentoPackedItem*>(
             std::realloc(storage_.get(), capacity * sizeof(BentoPackedItem)));
         if (moved == nullptr) {
-            throw std::bad_alloc();
+            return false;
         }
         static_cast<void>(storage_.release());
         storage_.reset(moved);
         capacity_ = capacity;
         preferLargePages(std::as_writable_bytes(std::span(moved, capacity)));
+        return true;
     }
 
     std::unique_ptr<BentoPackedItem, Freer> storage_;
