@@ -25,23 +25,21 @@ namespace trellant {
 
 namespace {
 
-/// Calls that this architecture does not have have a number below 0 and are left out.
+/// Calls that this architecture does not have have a number below 0 and are left out. Each costs
+/// two microseconds of every start.
 constexpr std::array allowedCalls{
     // Files: reading them, looking for them, writing to what is open.
-    SCMP_SYS(read), SCMP_SYS(readv), SCMP_SYS(pread64), SCMP_SYS(preadv), SCMP_SYS(write),
-    SCMP_SYS(writev), SCMP_SYS(close), SCMP_SYS(lseek), SCMP_SYS(_llseek), SCMP_SYS(fcntl),
-    SCMP_SYS(fcntl64), SCMP_SYS(fstat), SCMP_SYS(fstat64), SCMP_SYS(stat), SCMP_SYS(stat64),
-    SCMP_SYS(lstat), SCMP_SYS(lstat64), SCMP_SYS(newfstatat), SCMP_SYS(fstatat64), SCMP_SYS(statx),
-    SCMP_SYS(getdents), SCMP_SYS(getdents64), SCMP_SYS(readlink), SCMP_SYS(readlinkat),
-    SCMP_SYS(getcwd), SCMP_SYS(fadvise64), SCMP_SYS(fadvise64_64), SCMP_SYS(readahead),
-    SCMP_SYS(poll), SCMP_SYS(ppoll),
+    SCMP_SYS(read), SCMP_SYS(pread64), SCMP_SYS(write), SCMP_SYS(writev), SCMP_SYS(close),
+    SCMP_SYS(lseek), SCMP_SYS(_llseek), SCMP_SYS(fcntl), SCMP_SYS(fcntl64), SCMP_SYS(fstat),
+    SCMP_SYS(fstat64), SCMP_SYS(stat), SCMP_SYS(stat64), SCMP_SYS(lstat), SCMP_SYS(lstat64),
+    SCMP_SYS(newfstatat), SCMP_SYS(fstatat64), SCMP_SYS(statx), SCMP_SYS(getdents64),
+    SCMP_SYS(readlink), SCMP_SYS(readlinkat), SCMP_SYS(getcwd),
     // Memory.
     SCMP_SYS(brk), SCMP_SYS(mmap), SCMP_SYS(mmap2), SCMP_SYS(munmap), SCMP_SYS(mremap),
     SCMP_SYS(mprotect), SCMP_SYS(madvise),
     // Locks, clocks and chance, as the libraries of the language use them.
-    SCMP_SYS(futex), SCMP_SYS(sched_yield), SCMP_SYS(clock_gettime), SCMP_SYS(gettimeofday),
-    SCMP_SYS(getrandom), SCMP_SYS(getpid), SCMP_SYS(gettid), SCMP_SYS(sysinfo), SCMP_SYS(pipe),
-    SCMP_SYS(pipe2),
+    SCMP_SYS(futex), SCMP_SYS(sched_yield), SCMP_SYS(clock_gettime), SCMP_SYS(getrandom),
+    SCMP_SYS(getpid), SCMP_SYS(gettid), SCMP_SYS(pipe2),
     // Signals that arrive, going on after a stop, and the end.
     SCMP_SYS(rt_sigaction), SCMP_SYS(rt_sigprocmask), SCMP_SYS(rt_sigreturn), SCMP_SYS(sigreturn),
     SCMP_SYS(sigaltstack), SCMP_SYS(restart_syscall), SCMP_SYS(exit), SCMP_SYS(exit_group)};

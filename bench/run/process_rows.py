@@ -1,0 +1,112 @@
+"""Rows about whole processes: reading, memory, start, extraction, external media."""
+import shutil
+
+from measuring import Command
+from table import Row, seconds, size
+
+MEBI = 1 << 20
+
+
+def reading(bench, parts_file, positioned_read):
+    """CPU of a clip, growth, memory; the file of the middle size was used for the parts too."""
+    counts = [bench.size(n) for n in (10_000, 100_000, 1_000_000)]
+    small, middle, large = (bench.generate("real", n) if n != counts[1] else parts_file
+                            for n in counts)
+    samples = {}
+    samples[0], = bench.processes(bench.runs(30), bench.inspection(small))
+    samples[1], = bench.processes(bench.runs(9), bench.inspection(middle))
+    samples[2], = bench.processes(bench.runs(3), bench.inspection(large))
+    per_clip = samples[1].cpu / counts[1]
+    details = {str(n): samples[i].record() for i, n in enumerate(counts)}
+    return [
+        Row(f"inspect, {counts[1]:,} clips of real layout: CPU of a clip", seconds(per_clip),
+            f"one positioned read of 16 cached bytes, {seconds(positioned_read)}",
+            per_clip / positioned_read, 5, details=details),
+        Row(f"growth: CPU of {counts[2]:,} clips against {counts[0]:,}", seconds(samples[2].cpu),
+            seconds(samples[0].cpu), samples[2].cpu / samples[0].cpu, 220, details=details),
+        Row(f"memory: peak for each of {counts[2]:,} clips", size(samples[2].peak), "a clip",
+            samples[2].peak / counts[2] / 1e3, 1.6, figure=" KB", details=details),
+    ]
+
+
+def start(bench):
+    """The smallest example against programs that only read their input."""
+    example = min((bench.source / "examples").glob("*.omf"), key=lambda path: path.stat().st_size)
+    request = bench.request(example)
+    worker, static, dynamic = bench.processes(
+        bench.runs(300), Command(bench.worker, given=request), Command(bench.floor, given=request),
+        Command(bench.dynamic_floor, given=request))
+    details = {"worker": worker.record(), "static": static.record(), "dynamic": dynamic.record()}
+    return [
+        Row("smallest example, start to end: wall clock", seconds(worker.wall),
+            f"static program that reads its input, {seconds(static.wall)}",
+            worker.wall / static.wall, 1.6, details=details),
+        Row("the same", seconds(worker.wall), f"dynamic program, {seconds(dynamic.wall)}",
+            worker.wall / dynamic.wall, 1, details=details),
+        Row("smallest example: peak memory", size(worker.peak),
+            f"static program, {size(static.peak)}", worker.peak / 1e6, 4, figure=" MB",
+            details=details),
+    ]
+
+
+def _against_copy(bench, what, omf, copied, target, runs):
+    """Extraction of `omf` against the copying of what it takes out, which `copied` makes."""
+    out, copy = bench.folder / "work", bench.folder / "copy"
+    extraction = Command(bench.worker, given=bench.request(omf, extract=True), fresh=out)
+    first, = bench.processes(1, extraction)
+    originals = bench.folder / "originals"
+    shutil.rmtree(originals, ignore_errors=True)
+    shutil.move(out, originals)
+    worker, cp = bench.processes(runs, extraction, copied(originals, copy))
+    for folder in (out, copy, originals):
+        shutil.rmtree(folder)
+    return worker, Row(what, seconds(worker.wall), f"cp of the same bytes, {seconds(cp.wall)}",
+                       worker.wall / cp.wall, target,
+                       details={"worker": worker.record(), "cp": cp.record()})
+
+
+def extraction(bench):
+    big = bench.size(256 * MEBI)
+
+    def one_file(originals, copy):
+        return Command("cp", next(originals.iterdir()), copy / "copy.wav", fresh=copy)
+
+    def folder(originals, copy):
+        return Command("cp", "-r", f"{originals}/.", copy, fresh=copy)
+
+    rows = []
+    for remainder, name, target in ((0, "at a 4 KiB boundary", 1.05), (1, "elsewhere", 1.2)):
+        omf = bench.generate("embedded", 1, "--media-bytes", big, "--alignment", 4096,
+                             "--remainder", remainder)
+        inspected, = bench.processes(bench.runs(9), bench.inspection(omf))
+        worker, row = _against_copy(bench, f"extraction of {big // MEBI} MiB, {name}: wall clock",
+                                    omf, one_file, target, bench.runs(15))
+        above = worker.peak - inspected.peak
+        rows += [row, Row(f"the same: peak memory above inspect", size(worker.peak),
+                          f"inspect, {size(inspected.peak)}", above / 1e6, 8, figure=" MB")]
+        omf.unlink()
+    count = bench.size(500)
+    omf = bench.generate("embedded", count, "--media-bytes", 100_000)
+    _, row = _against_copy(bench, f"extraction of {count} values of 100 KB: wall clock", omf,
+                           folder, 1.05, bench.runs(15))
+    omf.unlink()
+    return rows + [row]
+
+
+def external(bench, omf, tree, files, sources, open_found):
+    """Every source of the composition stands somewhere in the tree. `open_found`: CPU seconds of
+    opening, reading and closing these files, which their headers ask for."""
+    worker, find = bench.processes(bench.runs(9), bench.inspection(omf, search=tree),
+                                   Command("find", tree))
+    without, = bench.processes(bench.runs(9), bench.inspection(omf))
+    details = {"worker": worker.record(), "find": find.record(),
+               "withoutSearch": without.record(), "openFoundCpuSeconds": open_found}
+    search = worker.cpu - without.cpu
+    both = find.cpu + open_found
+    return [
+        Row(f"{sources:,} sources in a folder of {files:,} files: CPU", seconds(worker.cpu),
+            f"find over it, {seconds(find.cpu)}", worker.cpu / find.cpu, 1.2, details=details),
+        Row("the same, what the search adds to inspect: CPU", seconds(search),
+            f"find, and the files found opened and read, {seconds(both)}", search / both,
+            details=details),
+    ]
