@@ -149,8 +149,12 @@ Essences::FoundMedia Essences::extract(const EmbeddedMedia& media, std::string_v
     if (!document_.bento().copyValue(number(media.object), nameOf(media.data), path)) {
         return {};
     }
-    search_.fileAppeared(path);
     FoundMedia found{.format = AudioProbe::probeFile(path)};
+    if (!found.format && !regularFileExists(path)) {
+        // Gone again, with its folder perhaps: a timeline names no file that is not there.
+        return {};
+    }
+    search_.fileAppeared(path);
     found.path = std::move(path);
     return found;
 }

@@ -2,6 +2,7 @@
 
 #include <trellant/io/text.h>
 
+#include <cerrno>
 #include <limits>
 #include <sys/stat.h>
 
@@ -14,9 +15,11 @@ constexpr std::size_t maximumCharacters = 120;
 constexpr std::size_t maximumNameBytes = 255;
 constexpr int lastNumber = 999;
 
-bool existsInAnyForm(const std::string& path) {
+/// Whether anything stands at the path, in any form. What cannot be looked at may be there: nothing
+/// is ever replaced because a look failed.
+bool mayExist(const std::string& path) {
     struct stat status {};
-    return ::lstat(path.c_str(), &status) == 0;
+    return ::lstat(path.c_str(), &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
 }
 
 }  // namespace
@@ -72,7 +75,7 @@ std::string UniqueNames::uniqueURL(std::string_view base, std::string_view exten
     auto& next = nextNumber_.try_emplace(plain, 1).first->second;
     for (; next <= lastNumber; ++next) {
         auto path = next == 1 ? plain : candidate(base, "_" + std::to_string(next), extension);
-        if (!existsInAnyForm(path)) {
+        if (!mayExist(path)) {
             return path;
         }
     }

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
@@ -70,6 +71,15 @@ bool leadsToFile(int folder, const char* name) {
     return ::fstatat(folder, name, &status, 0) == 0 && S_ISREG(status.st_mode);
 }
 
+/// -1 for a folder that cannot be opened.
+int openedFolder(int base, const std::string& path, int moreFlags) {
+    int descriptor = -1;
+    do {
+        descriptor = ::openat(base, path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | moreFlags);
+    } while (descriptor < 0 && errno == EINTR);
+    return descriptor;
+}
+
 struct DirectoryCloser {
     void operator()(DIR* directory) const noexcept { ::closedir(directory); }
 };
@@ -107,7 +117,7 @@ std::optional<std::string> MediaSearch::locate(const std::string& lowerCasedName
     if (match == matchByName_.end() || match->second.ambiguous) {
         return std::nullopt;
     }
-    return match->second.path;
+    return joined(folders_[match->second.folder], match->second.name);
 }
 
 void MediaSearch::fileAppeared(const std::string& path) {
@@ -117,17 +127,26 @@ void MediaSearch::fileAppeared(const std::string& path) {
     }
     const auto name = lastPathComponent(path);
     if (!isHidden(name) && isAudioFileName(name)) {
-        add(name, joined(*workDirectoryInSearch_, name));
+        add(name, *workDirectoryInSearch_);
     }
 }
 
-void MediaSearch::add(std::string_view fileName, std::string path) {
-    const auto [match, isNew] = matchByName_.try_emplace(lowerCased(fileName));
-    if (isNew) {
-        match->second.path = std::move(path);
-    } else if (match->second.path != path) {
+void MediaSearch::add(std::string_view fileName, std::size_t folder) {
+    const std::string lower = lowerCased(fileName);
+    const auto match = matchByName_.find(lower);
+    if (match == matchByName_.end()) {
+        const std::string_view name = kept(fileName);
+        matchByName_.emplace(lower == fileName ? name : kept(lower),
+                             Match{.name = name, .folder = folder});
+    } else if (match->second.folder != folder || match->second.name != fileName) {
         match->second.ambiguous = true;
     }
+}
+
+std::string_view MediaSearch::kept(std::string_view text) {
+    auto* const memory = static_cast<char*>(memory_.allocate(text.size(), 1));
+    std::copy(text.begin(), text.end(), memory);
+    return {memory, text.size()};
 }
 
 void MediaSearch::readDirectory() {
@@ -135,7 +154,7 @@ void MediaSearch::readDirectory() {
     if (!workDirectory_.empty() && ::stat(workDirectory_.c_str(), &status) == 0) {
         workIdentity_ = Identity{status.st_dev, status.st_ino};
     }
-    const int root = ::open(directory_->c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int root = openedFolder(AT_FDCWD, *directory_, 0);
     if (root < 0) {
         return;
     }
@@ -150,13 +169,14 @@ void MediaSearch::readDirectory() {
 
 void MediaSearch::readFolder(int root, const std::string& relative,
                              std::vector<std::string>& pending) {
-    const auto directory = opened(::openat(root, relative.empty() ? "." : relative.c_str(),
-                                           O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
+    const auto directory =
+        opened(openedFolder(root, relative.empty() ? "." : relative, O_NOFOLLOW));
     if (directory == nullptr) {
         return;
     }
     const int descriptor = ::dirfd(directory.get());
-    const auto folder = relative.empty() ? *directory_ : joined(*directory_, relative);
+    const std::size_t folder = folders_.size();
+    folders_.push_back(relative.empty() ? *directory_ : joined(*directory_, relative));
     struct stat status {};
     if (workIdentity_ && ::fstat(descriptor, &status) == 0 &&
         Identity{status.st_dev, status.st_ino} == *workIdentity_) {
@@ -174,7 +194,7 @@ void MediaSearch::readFolder(int root, const std::string& relative,
             pending.push_back(relative.empty() ? std::string(name) : joined(relative, name));
         } else if (kind != EntryKind::other && isAudioFileName(name) &&
                    (kind == EntryKind::file || leadsToFile(descriptor, entry->d_name))) {
-            add(name, joined(folder, name));
+            add(name, folder);
         }
     }
 }

@@ -2,6 +2,8 @@
 // in the file system.
 #pragma once
 
+#include <cstddef>
+#include <memory_resource>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -33,8 +35,10 @@ class MediaSearch {
     void fileAppeared(const std::string& path);
 
   private:
+    /// A file by its name and the place of its folder in `folders_`.
     struct Match {
-        std::string path;
+        std::string_view name;
+        std::size_t folder = 0;
         bool ambiguous = false;
     };
 
@@ -47,15 +51,22 @@ class MediaSearch {
 
     void readDirectory();
     void readFolder(int root, const std::string& relative, std::vector<std::string>& pending);
-    void add(std::string_view fileName, std::string path);
+    void add(std::string_view fileName, std::size_t folder);
+    /// The same text, in memory that lasts.
+    [[nodiscard]] std::string_view kept(std::string_view text);
 
     std::optional<std::string> directory_;
     std::string workDirectory_;
     bool wasRead_ = false;
     std::optional<Identity> workIdentity_;
-    /// The work directory as the search sees it; absent when it lies elsewhere.
-    std::optional<std::string> workDirectoryInSearch_;
-    std::unordered_map<std::string, Match> matchByName_;
+    /// The place of the work directory in `folders_`; absent when it lies elsewhere.
+    std::optional<std::size_t> workDirectoryInSearch_;
+    /// The folders that were read, by the path that led to them.
+    std::vector<std::string> folders_;
+    /// Names and matches one after the other, without an allocation for each: a library of sounds
+    /// has hundreds of thousands.
+    std::pmr::monotonic_buffer_resource memory_;
+    std::pmr::unordered_map<std::string_view, Match> matchByName_{&memory_};
 };
 
 }  // namespace trellant

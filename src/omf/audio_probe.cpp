@@ -29,7 +29,11 @@ constexpr std::size_t chunkHeadSize = 8;
 constexpr std::size_t waveFormatSize = 16;
 constexpr std::size_t aiffCommonSize = 18;
 constexpr std::size_t aifcCommonSize = 22;
+/// What AIFC adds to the common chunk of AIFF.
+constexpr std::size_t compressionSize = aifcCommonSize - aiffCommonSize;
 constexpr std::uint64_t probedBytes = 1'048'576;
+/// In nearly every file the format stands within these bytes.
+constexpr std::uint64_t usualHead = 4096;
 
 struct Chunk {
     /// As its head says; the file may be shorter.
@@ -172,7 +176,15 @@ std::optional<AudioFormatInfo> AudioProbe::probe(ByteView data) {
 std::optional<AudioFormatInfo> AudioProbe::probeFile(const std::string& path) {
     try {
         const RandomAccessFile file(path);
-        Bytes data(std::min(file.size(), probedBytes));
+        const std::uint64_t probed = std::min(file.size(), probedBytes);
+        Bytes data(std::min<std::uint64_t>(probed, usualHead));
+        data.resize(file.readAvailable(0, data));
+        // A format that ends right at the end of what was read may go on behind it.
+        if (data.size() < usualHead || probed == usualHead ||
+            probe(ByteView(data).first(data.size() - compressionSize))) {
+            return probe(data);
+        }
+        data.resize(probed);
         data.resize(file.readAvailable(0, data));
         return probe(data);
     } catch (const FileSystemError&) {

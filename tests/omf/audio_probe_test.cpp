@@ -208,6 +208,27 @@ TEST(AudioProbeFile, LooksAtTheFirstMebibyteOnly) {
               std::nullopt);
 }
 
+TEST(AudioProbeFile, AFormatAcrossTheEndOfTheFirstReadIsReadWhole) {
+    const TemporaryDirectory folder;
+    // Head 12, chunk head 8, padding; COMM's head 8 and its 22 bytes. The first read takes 4096
+    // bytes: it ends before, within and behind the chunk in turn.
+    for (std::size_t end = 4080; end <= 4130; end += 2) {
+        const Bytes padding(end - 12 - 8 - 8 - 22);
+        const Bytes aifc = aiffImage({.formType = "AIFC",
+                                      .compressionType = "sowt",
+                                      .samples = Bytes(10'000),
+                                      .leadingChunks = {{"FVER", padding}}});
+        EXPECT_EQ(AudioProbe::probeFile(writeFile(folder.file("a.aifc"), aifc)),
+                  format(48'000, 1, 16, "sowt"))
+            << end;
+        const Bytes wave =
+            waveImage({.samples = Bytes(9000), .leadingChunks = {{"LIST", padding}}});
+        EXPECT_EQ(AudioProbe::probeFile(writeFile(folder.file("a.wav"), wave)),
+                  format(48'000, 1, 16, "PCM"))
+            << end;
+    }
+}
+
 TEST(AudioProbeFile, WhatCannotBeReadIsAbsent) {
     const TemporaryDirectory folder;
     EXPECT_EQ(AudioProbe::probeFile(folder.file("missing.wav")), std::nullopt);

@@ -1,0 +1,124 @@
+// Small files that describe compositions without end: subtrees that are shared.
+//
+// Bound: 10,000,000 visits. After 262,144 of them the rest is counted before anything more is kept;
+// what is kept until then are drafts of 104 bytes in a list that doubles its room, twice that while
+// it does, or records with paths, at most 1 KiB. Compositions that stay below the visits take
+// memory for what they hold: for a clip a draft of 104 bytes, an event of 264 in a list that
+// doubles its room, and 80 for the texts of two identifiers, 712 in all, not counting its values in
+// the table.
+#include "bounds_fixture.h"
+#include "growing_file.h"
+#include "worker_fixture.h"
+
+namespace trellant::testing {
+namespace {
+
+constexpr std::uint64_t visitsBeforeCheck = 262'144;
+constexpr std::string_view tooManySegments =
+    "Unsupported OMF/Bento feature: composition expands to more than 10000000 segments";
+
+class Expansion : public BoundsTest {
+  protected:
+    Expansion() {
+        omf_.audioFile({.id = tone_, .name = "Tone.wav", .media = toneWave(), .length = 480});
+    }
+    ObjectID clip() { return omf_.clip({.length = 480, .source = tone_}); }
+    /// `levels` sequences, each listing the next ten times, around `innermost`.
+    ObjectID fan(ObjectID innermost, int levels) {
+        for (int level = 0; level < levels; ++level) {
+            innermost = omf_.sequence(std::vector<ObjectID>(10, innermost));
+        }
+        return innermost;
+    }
+    void write(ObjectID segment) {
+        const ObjectID slot = omf_.slot({.editRate = Ratio{48'000}, .segment = segment});
+        omf_.composition({.name = "Piece", .slots = {slot}});
+        const Bytes image = omf_.build();
+        EXPECT_LT(image.size(), 16 * kibibyte);
+        writeFile(file(), image);
+    }
+    void expectTooMany(std::string_view shape, std::uint64_t bound) const {
+        const auto run = inspect(2 * bound + addressBase);
+        expectFailed(run, openingLines() + openSlotLines(), tooManySegments);
+        expectPeak(run, shape, bound);
+    }
+
+    OmfBuilder omf_;
+
+  private:
+    static constexpr MobID tone_{1, 2, 3};
+};
+
+TEST_F(Expansion, OfFillersWithoutEndTakesNoMemory) {
+    write(fan(omf_.filler(0), 8));
+    expectTooMany("FillersWithoutEnd", base);
+}
+
+TEST_F(Expansion, OfClipsWithoutEndIsKeptUntilItIsCounted) {
+    write(fan(clip(), 8));
+    expectTooMany("ClipsWithoutEnd", visitsBeforeCheck * 104 * 2 + base);
+}
+
+TEST_F(Expansion, OfEffectsWithoutEndTakesNoMemory) {
+    // Inputs that are one clip at one time become one draft.
+    ObjectID segment = clip();
+    for (int level = 0; level < 8; ++level) {
+        segment = omf_.effect({.effectID = "omfi:effect:MonoAudioGain",
+                               .slots = std::vector<EffectSlotSpec>(10, {-1, segment})});
+    }
+    write(segment);
+    expectTooMany("EffectsWithoutEnd", base);
+}
+
+TEST_F(Expansion, OfRecordsWithoutEndIsKeptUntilItIsCounted) {
+    // A sequence that lists itself twice: 2 to the power of 24 ways to a level too deep.
+    const ObjectBuilder sequence = omf_.sequence({});
+    omf_.at(sequence).refs("OMFI:SEQU:Components", {sequence, sequence});
+    write(sequence);
+    expectTooMany("RecordsWithoutEnd", visitsBeforeCheck * kibibyte + base);
+}
+
+TEST_F(Expansion, ToAMillionClipsTakesWhatAMillionClipsTake) {
+    write(fan(clip(), sanitized ? 5 : 6));
+    constexpr std::uint64_t count = sanitized ? 100'000 : 1'000'000;
+    constexpr std::uint64_t bound = count * (104 + 2 * 264 + 80) + base;
+    const auto run = inspect(2 * bound + addressBase);
+    EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_EQ(run.events, count);
+    expectPeak(run, "SharedClips", bound);
+    expectOutOfMemory(inspect(bound / 4));
+}
+
+TEST_F(Expansion, OfTheLongestListInItselfEndsWithItsSeventeenthCopy) {
+    // 4,194,303 times itself and a clip: 16 copies hold 67,108,864 references, which is allowed.
+    constexpr std::uint64_t listBytes = 16 * mebibyte;
+    const ObjectID inner = clip();
+    const ObjectID sequence = omf_.sequence({});
+    omf_.at(sequence).without("OMFI:SEQU:Components");
+    const ObjectID slot = omf_.slot({.editRate = Ratio{48'000}, .segment = sequence});
+    omf_.composition({.name = "Piece", .slots = {slot}});
+    const auto components = omf_.container().propertyID("OMFI:SEQU:Components");
+    GrowingFile list(file(), omf_.image());
+    const auto reference = [](ObjectID object) {
+        return textOf(ByteWriter(OMFByteOrder::little).u32(object).written());
+    };
+    const auto itself = reference(sequence);
+    const auto offset = list.value(itself);
+    for (std::uint64_t i = 2; i < listBytes / 4; ++i) {
+        list.value(itself);
+    }
+    list.value(reference(inner));
+    list.object(sequence, components);
+    list.range(offset, listBytes);
+    list.finish();
+    // The copies, and the bytes of the last.
+    constexpr std::uint64_t bound = 18 * listBytes + base;
+    const auto run = inspect(bound + addressBase);
+    expectFailed(run, openingLines() + openSlotLines(),
+                 "Unsupported OMF/Bento feature: composition holds more than 67108864 entries in "
+                 "its lists");
+    expectPeak(run, "LongestListInItself", bound);
+}
+
+}  // namespace
+}  // namespace trellant::testing
