@@ -16,6 +16,16 @@ install(TARGETS
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
     FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT BUILD_SHARED_LIBS AND CMAKE_OBJCOPY)
+    set(trellant_archives "")
+    foreach(library model io omf mapper protocol client)
+        list(APPEND trellant_archives
+            "\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/$<TARGET_FILE_NAME:trellant_${library}>")
+    endforeach()
+    install(CODE "set(OBJCOPY \"${CMAKE_OBJCOPY}\")
+        set(ARCHIVES \"${trellant_archives}\")
+        include(\"${PROJECT_SOURCE_DIR}/cmake/strip_archives.cmake\")")
+endif()
 install(EXPORT trellantTargets NAMESPACE trellant:: DESTINATION ${trellant_cmake_dir})
 
 set(TRELLANT_STATIC_LIBRARIES ON)
@@ -67,7 +77,8 @@ endif()
 install(DIRECTORY ${TRELLANT_CATALOGUES}/ DESTINATION ${CMAKE_INSTALL_LOCALEDIR}
     FILES_MATCHING PATTERN trellant.mo)
 # Laid out as in the source tree: the documents link to one another.
-install(FILES README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+include(${CMAKE_CURRENT_LIST_DIR}/TrellantSbom.cmake)
+install(FILES README.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs FILES_MATCHING PATTERN *.md)
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
     FILES_MATCHING PATTERN *.md PATTERN *.omf PATTERN *.json PATTERN *.wav)

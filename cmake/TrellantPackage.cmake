@@ -1,4 +1,5 @@
-# One package, as .deb and as .tar.gz: `cpack` in the build folder, or the preset `package`.
+# One package, as .deb and as .tar.gz: `cpack` in the build folder, or the preset `package`. Programs in
+# it are stripped; their debug symbols make a package of their own (.ddeb), found by build-id.
 set(CPACK_GENERATOR DEB TGZ)
 set(CPACK_PACKAGE_NAME trellant)
 set(CPACK_PACKAGE_VENDOR Trellant)
@@ -12,6 +13,7 @@ set(CPACK_PACKAGE_CHECKSUM SHA256)
 set(CPACK_PACKAGE_FILE_NAME
     "trellant-${PROJECT_VERSION}-${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR}")
 set(CPACK_STRIP_FILES ON)
+set(CPACK_PROJECT_CONFIG_FILE ${CMAKE_CURRENT_LIST_DIR}/package_kinds.cmake)
 set(CPACK_THREADS 0)
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -28,6 +30,13 @@ if(BUILD_SHARED_LIBS OR NOT TRELLANT_STATIC_WORKER OR TRELLANT_COMMAND)
     else()
         set(CPACK_DEBIAN_PACKAGE_DEPENDS "libc6, libstdc++6")
     endif()
+endif()
+# What tells stripped programs from others is not on every machine.
+find_program(TRELLANT_FILE file)
+mark_as_advanced(TRELLANT_FILE)
+if((TRELLANT_DEBUG_SYMBOLS OR CMAKE_BUILD_TYPE MATCHES "Deb") AND TRELLANT_FILE AND CMAKE_OBJCOPY)
+    set(CPACK_DEBIAN_DEBUGINFO_PACKAGE ON)
+    set(CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/mend_symbol_packages.cmake)
 endif()
 if(BUILD_SHARED_LIBS)
     set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)

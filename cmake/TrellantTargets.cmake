@@ -1,4 +1,5 @@
-# One way to make a target: the same warnings, sanitizers and tidy for all.
+# One way to make a target: the same warnings, hardening, sanitizers and tidy for all.
+include(${CMAKE_CURRENT_LIST_DIR}/TrellantSupply.cmake)
 
 set(TRELLANT_WARNINGS
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wcast-align
@@ -23,11 +24,11 @@ function(trellant_target_settings target)
     # A shared library shows what its public headers declare, nothing else.
     set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON
         CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
-    if(TRELLANT_HARDEN)
-        # Undefined first: some compilers set a level of their own.
-        target_compile_options(${target} PRIVATE -fstack-protector-strong -U_FORTIFY_SOURCE
-            -D_FORTIFY_SOURCE=2)
-        target_link_options(${target} PRIVATE -Wl,-z,relro,-z,now)
+    target_compile_options(${target} PRIVATE ${TRELLANT_RELEASE_COMPILE})
+    target_link_options(${target} PRIVATE ${TRELLANT_RELEASE_LINK})
+    get_target_property(type ${target} TYPE)
+    if(type STREQUAL "EXECUTABLE")
+        target_link_options(${target} PRIVATE ${TRELLANT_RELEASE_PROGRAM})
     endif()
     if(TRELLANT_SANITIZE)
         target_compile_options(${target} PRIVATE -fsanitize=${TRELLANT_SANITIZE}

@@ -10,6 +10,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
 #include <limits>
 
 #define JSON_NO_IO 1
@@ -47,10 +50,8 @@ class Decoder {
             const std::stop_token& stop)
         : text_(text), root_(root), checks_(checks), stop_(stop) {}
 
-    /// To be called for each event of the text.
-    void heedStop() {
-        constexpr std::uint32_t eventsBetweenLooks = 1024;
-        if (++events_ % eventsBetweenLooks == 0 && stop_.stop_requested()) {
+    void heedStop() const {
+        if (stop_.stop_requested()) {
             throw JsonDecodingStopped();
         }
     }
@@ -222,7 +223,6 @@ class Decoder {
     ValueSlot root_;
     TimelineChecks checks_;
     const std::stop_token& stop_;
-    std::uint32_t events_ = 0;
     std::array<Frame, maxDepth> frames_;
     std::size_t depth_ = 0;
     /// The place of the member whose key came last.
@@ -252,23 +252,19 @@ class Events {
     explicit Events(Decoder& decoder) : decoder_(decoder) {}
 
     bool null() {
-        decoder_.heedStop();
         decoder_.null();
         return true;
     }
     bool boolean(bool value) {
-        decoder_.heedStop();
         decoder_.boolean(value);
         return true;
     }
     bool number_integer(std::int64_t value) {
-        decoder_.heedStop();
         // Only texts with a minus come here, so a zero is minus zero.
         decoder_.number(value == 0 ? JsonNumber(std::string_view("-0.0")) : JsonNumber(value));
         return true;
     }
     bool number_unsigned(std::uint64_t value) {
-        decoder_.heedStop();
         if (value <= static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) {
             decoder_.number(JsonNumber(static_cast<std::int64_t>(value)));
         } else {
@@ -278,7 +274,6 @@ class Events {
         return true;
     }
     bool number_float(UnusedDouble /*converted*/, const std::string& read) {
-        decoder_.heedStop();
         // The library has put the locale's decimal separator in the place of the point.
         std::string text = read;
         const std::size_t separator = text.find_first_not_of("0123456789+-eE");
@@ -289,7 +284,6 @@ class Events {
         return true;
     }
     bool string(std::string& text) {
-        decoder_.heedStop();
         decoder_.string(text);
         return true;
     }
@@ -297,7 +291,6 @@ class Events {
         preconditionFailure("JSON text holds no binary values");
     }
     bool start_object(std::size_t /*count*/) {
-        decoder_.heedStop();
         decoder_.beginObject();
         return true;
     }
@@ -310,7 +303,6 @@ class Events {
         return true;
     }
     bool start_array(std::size_t /*count*/) {
-        decoder_.heedStop();
         decoder_.beginArray();
         return true;
     }
@@ -327,6 +319,37 @@ class Events {
     Decoder& decoder_;
 };
 
+/// Hands the text to the library and heeds a stop meanwhile: by bytes, since one string or one run
+/// of blanks may be as long as the text.
+class TextReader {
+  public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = char;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const char*;
+    using reference = const char&;
+
+    TextReader(const Decoder& decoder, const char* at) noexcept : decoder_(&decoder), at_(at) {}
+    [[nodiscard]] const char& operator*() const noexcept { return *at_; }
+    TextReader& operator++() {
+        ++at_;
+        if (++bytes_ % bytesBetweenLooks == 0) {
+            decoder_->heedStop();
+        }
+        return *this;
+    }
+    [[nodiscard]] bool operator==(const TextReader& other) const noexcept {
+        return at_ == other.at_;
+    }
+
+  private:
+    static constexpr std::uint32_t bytesBetweenLooks = 1'024;
+
+    const Decoder* decoder_;
+    const char* at_;
+    std::uint32_t bytes_ = 0;
+};
+
 }  // namespace
 
 void decodeInto(std::string_view text, ValueSlot root, TimelineChecks checks,
@@ -339,7 +362,8 @@ void decodeInto(std::string_view text, ValueSlot root, TimelineChecks checks,
     }
     Events events(decoder);
     try {
-        JsonLibrary::sax_parse(text.begin(), text.end(), &events);
+        JsonLibrary::sax_parse(TextReader(decoder, text.data()),
+                               TextReader(decoder, text.data() + text.size()), &events);
     } catch (const ValueFault& fault) {
         throw JsonDecodingError(decoder.keyPath(), fault.reason);
     }

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <linux/close_range.h>
 #include <mutex>
 #include <stdexcept>
 #include <sys/personality.h>
@@ -130,6 +131,9 @@ void leaveReadable() {
     for (int stream = 0; stream < static_cast<int>(streams.size()); ++stream) {
         ::dup2(streams[static_cast<std::size_t>(stream)], stream);
     }
+    // What the test was started with beside its streams is not the worker's: it would count against
+    // the limits set here.
+    ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
     std::signal(SIGPIPE, SIG_DFL);
     leaveReadable();
     ::personality(ADDR_NO_RANDOMIZE);

@@ -252,5 +252,16 @@ TEST(JsonDecode, AStopEndsALongDecoding) {
                  JsonDecodingStopped);
 }
 
+TEST(JsonDecode, AStopEndsOneLongStringAndOneLongRunOfBlanks) {
+    std::stop_source stop;
+    stop.request_stop();
+    for (const std::string& text :
+         {"\"" + std::string(2000, 'x') + "\"", std::string(2000, ' ') + "\"x\""}) {
+        EXPECT_THROW(
+            (void)decodeJson<std::string>(text, TimelineChecks::validate, stop.get_token()),
+            JsonDecodingStopped);
+    }
+}
+
 }  // namespace
 }  // namespace trellant

@@ -28,7 +28,8 @@ foreach(file
         share/man/man1/trellant-omf.1 share/man/man1/trellant.1
         share/bash-completion/completions/trellant share/zsh/vendor-completions/_trellant
         share/fish/vendor_completions.d/trellant.fish libexec/trellant/trellant-wav
-        share/doc/trellant/docs/embedding.md
+        share/doc/trellant/docs/embedding.md share/doc/trellant/SECURITY.md
+        share/doc/trellant/sbom.spdx.json
         share/trellant/schema/request.schema.json share/trellant/schema/progress.schema.json
         share/trellant/schema/result.schema.json share/trellant/schema/timeline.schema.json)
     if(NOT EXISTS ${prefix}/${file})

@@ -1,6 +1,7 @@
 #include "behaviours.h"
 #include "life.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <string>
@@ -69,6 +70,32 @@ int actAsTold() {
     writePieces(textUnder(request, "aafPath"));
     writeAll(STDOUT_FILENO, decoded(textUnder(request, "workDirectory")));
     return end(textUnder(request, "mediaSearchDirectory"));
+}
+
+int repeatAsTold() {
+    announce();
+    const std::string request = readRequest();
+    const std::string parts = textUnder(request, "aafPath");
+    const std::size_t first = parts.find('|');
+    const std::size_t second = parts.find('|', first + 1);
+    const std::string unit = decoded(parts.substr(first + 1, second - first - 1));
+    std::size_t count =
+        std::strtoull(textUnder(request, "mediaSearchDirectory").c_str(), nullptr, 10);
+
+    constexpr std::size_t pieceSize = 65'536;
+    const std::size_t unitsInPiece = pieceSize / unit.size() + 1;
+    std::string piece;
+    for (std::size_t units = 0; units < unitsInPiece; ++units) {
+        piece += unit;
+    }
+    writeAll(STDOUT_FILENO, decoded(parts.substr(0, first)));
+    while (count > 0) {
+        const std::size_t units = std::min(count, unitsInPiece);
+        writeAll(STDOUT_FILENO, std::string_view(piece).substr(0, units * unit.size()));
+        count -= units;
+    }
+    writeAll(STDOUT_FILENO, decoded(parts.substr(second + 1)));
+    return 0;
 }
 
 }  // namespace trellant::testing::odd

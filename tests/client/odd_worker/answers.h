@@ -39,6 +39,8 @@ namespace trellant::testing {
 
 /// Bytes of each flood, on each stream.
 inline constexpr std::size_t floodSize = 200'000'000;
+/// Bytes of the flood of the error stream that has no line feed.
+inline constexpr std::size_t lineFloodSize = std::size_t{1} << 28;
 /// What follows a flood of the error stream. Lines of one letter are never cut in two, wherever a
 /// reader's piece ends.
 inline constexpr std::string_view linesAfterFlood = "\na\nb\nc\nd\ne\nf\ng\nh\n";

@@ -4,7 +4,6 @@
 #include "life.h"
 
 #include <csignal>
-#include <functional>
 #include <initializer_list>
 #include <limits>
 #include <string>
@@ -26,17 +25,6 @@ int answerEcho(const std::string& request) {
 [[noreturn]] void announceAndSleep() {
     announce();
     sleepForever();
-}
-
-/// Lets a process of its own do `work`, with this one's pipes.
-void startGrandchild(const std::function<void()>& work) {
-    const pid_t process = ::fork();
-    if (process == 0) {
-        limitLife();
-        work();
-        ::_exit(0);
-    }
-    announceGrandchild(process);
 }
 
 int floodAndFail() {
@@ -192,6 +180,9 @@ int behave(std::string_view name) {
             sleepForever();
         });
         return answerEcho(request);
+    }
+    if (const auto status = behaveBadly(name)) {
+        return *status;
     }
     return sleepingBehaviour(name);
 }

@@ -76,6 +76,16 @@ void limitLife() {
     ::alarm(lifeSeconds);
 }
 
+void startGrandchild(const std::function<void()>& work) {
+    const pid_t process = ::fork();
+    if (process == 0) {
+        limitLife();
+        work();
+        ::_exit(0);
+    }
+    announceGrandchild(process);
+}
+
 std::string readRequest() {
     std::string request;
     std::array<char, 65'536> piece{};

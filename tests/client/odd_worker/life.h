@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <sys/types.h>
@@ -27,6 +28,9 @@ void noteSignal();
 [[noreturn]] void sleepForever();
 /// Ends this process by an alarm in a few minutes, whatever it hangs in.
 void limitLife();
+
+/// Lets a process of its own do `work`, with this one's pipes.
+void startGrandchild(const std::function<void()>& work);
 
 /// All of standard input.
 [[nodiscard]] std::string readRequest();

@@ -35,7 +35,8 @@ struct AAFWorkerClient {
     /// Takes each progress record in the order written, on the call's own thread (where all signals
     /// are blocked except those of faults). Nothing of the worker is read and no stop is heeded
     /// meanwhile: return soon. What it throws ends the worker and comes out of the future. May be
-    /// empty.
+    /// empty. The record is as the worker wrote it: a fraction is any finite number, a phase any
+    /// text of up to 64 KiB.
     using Progress = std::function<void(const AAFWorkerProtocol::Progress&)>;
 
     /// The bound for one answer, in bytes: about a thousand times what a feature film needs.
@@ -45,7 +46,10 @@ struct AAFWorkerClient {
     /// Empty counts as one that finds nothing.
     HelperURLProvider helperURLProvider = bundledHelper;
     /// Bytes; a worker that writes more is ended, and the call fails with `invalidResponse`. While
-    /// an answer is decoded, memory of about three times its size is in use.
+    /// an answer is decoded, memory of about three times its size is in use; one that was made to
+    /// take as much as it can (a list of empty strings) takes up to 36 times its size. A host that
+    /// trusts its worker less sets the limit by that. What a worker writes to standard error takes
+    /// at most 8 MiB, however much it is.
     std::uint64_t resultLimit = defaultResultLimit;
 
     /// The client for a file, told by its name's extension in any case: "trellant-omf" for "omf"
