@@ -9,11 +9,11 @@
 #include <array>
 #include <cerrno>
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <poll.h>
 #include <string_view>
 #include <unistd.h>
-#include <vector>
 
 namespace trellant {
 
@@ -56,7 +56,10 @@ class StopNotice {
 class Conversation {
   public:
     explicit Conversation(const WorkerCall& call)
-        : call_(call), stopNotice_(call.stop), lines_(call.progress), chunk_(chunkSize) {}
+        : call_(call),
+          stopNotice_(call.stop),
+          lines_(call.progress),
+          chunk_(std::make_unique_for_overwrite<char[]>(chunkSize)) {}
 
     std::string answer() {
         start();
@@ -160,9 +163,9 @@ class Conversation {
 
     /// One read; what came is in the chunk until the next.
     Reading readChunk(FileDescriptor& from, std::string_view& chunk) {
-        const auto count = ::read(from.number(), chunk_.data(), chunk_.size());
+        const auto count = ::read(from.number(), chunk_.get(), chunkSize);
         if (count > 0) {
-            chunk = std::string_view(chunk_.data(), static_cast<std::size_t>(count));
+            chunk = std::string_view(chunk_.get(), static_cast<std::size_t>(count));
             return Reading::more;
         }
         if (count < 0 && (errno == EAGAIN || errno == EINTR)) {
@@ -201,7 +204,7 @@ class Conversation {
     const WorkerCall& call_;
     StopNotice stopNotice_;
     ErrorLines lines_;
-    std::vector<char> chunk_;
+    std::unique_ptr<char[]> chunk_;
     FileDescriptor inputEnd_;
     FileDescriptor outputEnd_;
     FileDescriptor errorsEnd_;

@@ -247,6 +247,10 @@ void Mapper::Assembly::buildTrack(const Slot& slot, EventDrafts& drafts,
             slot.path);
     }
     std::size_t built = 0;
+    if (const auto most = timeline_.events.size() + drafts.size();
+        most > timeline_.events.capacity()) {
+        timeline_.events.reserve(std::max(most, 2 * timeline_.events.capacity()));
+    }
     for (auto& draft : drafts) {
         if (buildEvent(slot, pan.role, draft)) {
             ++built;

@@ -1,6 +1,7 @@
 #include <trellant/model/json_writer.h>
 #include <trellant/model/precondition.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -59,19 +60,21 @@ constexpr std::array<char, 256> escapeLetters = [] {
 
 }  // namespace
 
-JsonWriter::JsonWriter(JsonSink& sink)
-    : sink_(sink), buffer_(std::make_unique_for_overwrite<std::array<char, bufferSize>>()) {}
+JsonWriter::JsonWriter(JsonSink& sink, std::size_t room)
+    : sink_(sink),
+      room_(std::max(room, shortBufferSize)),
+      buffer_(std::make_unique_for_overwrite<char[]>(room_)) {}
 
 void JsonWriter::flush() {
     const std::size_t count = used_;
     used_ = 0;
     if (count > 0) {
-        sink_.write({buffer_->data(), count});
+        sink_.write({buffer_.get(), count});
     }
 }
 
 void JsonWriter::append(std::string_view bytes) {
-    if (bytes.size() > bufferSize) {
+    if (bytes.size() > room_) {
         flush();
         sink_.write(bytes);
         return;

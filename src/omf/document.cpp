@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <unordered_map>
+#include <utility>
 
 namespace trellant {
 
@@ -107,17 +108,17 @@ std::vector<OMFObject> OMFDocument::objects(std::string_view ofClass) const {
 
 OMFDocument::MobMap OMFDocument::mapOf(std::initializer_list<OMFClass> classes,
                                        OMFProperty uidName) const {
-    MobMap result;
+    std::vector<MobMap::value_type> entries;
     for (const auto id : bento_.objectIDs()) {
         const OMFObject object{id};
         if (std::find(classes.begin(), classes.end(), classOf(object)) == classes.end()) {
             continue;
         }
         if (const auto mobID = uid(object, {uidName})) {
-            result.insert_or_assign(*mobID, object);
+            entries.emplace_back(*mobID, object);
         }
     }
-    return result;
+    return MobMap(std::move(entries));
 }
 
 OMFDocument::MobMap OMFDocument::mobMap() const {

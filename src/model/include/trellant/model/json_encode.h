@@ -226,7 +226,7 @@ template <Record R>
 template <Record R>
 [[nodiscard]] std::string declaredJson(const R& record) {
     StringSink sink;
-    JsonWriter writer(sink);
+    JsonWriter writer(sink, JsonWriter::shortBufferSize);
     encodeDeclared(writer, record);
     writer.flush();
     return std::move(sink.text);

@@ -40,8 +40,11 @@ class JsonWriter {
     /// except for long strings without escapes, which are handed on as they are.
     static constexpr std::size_t bufferSize = 65536;
 
-    /// `sink` must outlive the writer.
-    explicit JsonWriter(JsonSink& sink);
+    /// The same for documents that are short anyhow, such as a progress line.
+    static constexpr std::size_t shortBufferSize = 512;
+
+    /// `sink` must outlive the writer. `room`: bytes to gather, at least shortBufferSize.
+    explicit JsonWriter(JsonSink& sink, std::size_t room = bufferSize);
 
     void beginObject() { open('{'); }
     void endObject() { close('}'); }
@@ -94,18 +97,19 @@ class JsonWriter {
         *reserve(1) = byte;
         ++used_;
     }
-    /// Room for `count` bytes (at most bufferSize) at the returned place; `used_` is the caller's.
+    /// Room for `count` bytes (at most `room_`) at the returned place; `used_` is the caller's.
     char* reserve(std::size_t count) {
-        if (count > bufferSize - used_) {
+        if (count > room_ - used_) {
             flush();
         }
-        return buffer_->data() + used_;
+        return buffer_.get() + used_;
     }
     void append(std::string_view bytes);
     void quoted(std::string_view text);
 
     JsonSink& sink_;
-    std::unique_ptr<std::array<char, bufferSize>> buffer_;
+    std::size_t room_;
+    std::unique_ptr<char[]> buffer_;
     std::size_t used_ = 0;
     bool needsComma_ = false;
 };

@@ -7,13 +7,13 @@
 #pragma once
 
 #include <trellant/io/bento_container.h>
+#include <trellant/omf/mob_map.h>
 #include <trellant/omf/names.h>
 #include <trellant/omf/values.h>
 
 #include <array>
 #include <cstdint>
 #include <initializer_list>
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,8 +26,7 @@ class OMFDocument {
   public:
     /// Names of one value, the preferred first.
     using Candidates = std::initializer_list<OMFProperty>;
-    /// Ordered: identifiers are chosen by whoever wrote the file, and no choice makes it slow.
-    using MobMap = std::map<OMFUID, OMFObject>;
+    using MobMap = OMFMobMap;
 
     /// Opens the file at `path`, reads every object's class once and settles header and byte
     /// order. Throws what the container throws, unsupported for a container that is no OMF 2.x
