@@ -9,7 +9,8 @@
 
 namespace trellant {
 
-/// What becomes of items that add no bytes to a value of which an item is already there.
+/// What becomes of items that add no bytes to a value of which a piece (no reference list) is
+/// already there.
 enum class EmptyPieces {
     /// Each is an item.
     kept,

@@ -33,6 +33,7 @@ constexpr std::uint8_t newObject = 1;
 constexpr std::uint8_t newProperty = 2;
 constexpr std::uint8_t explicitGeneration = 4;
 constexpr std::uint8_t emptyImmediate = 9;
+constexpr std::uint8_t referenceList = 15;
 constexpr std::uint8_t endOfBlock = 24;
 constexpr std::uint8_t lastCode = 26;
 constexpr std::uint8_t padding = 0xFF;
@@ -84,7 +85,9 @@ class Decoder {
             valueHasItem_ = false;
         } else if (code != emptyImmediate || !valueHasItem_) {
             appendItem(code, token + 1);
-            valueHasItem_ = emptyPieces_ == EmptyPieces::dropped;
+            // A reference list is no piece, so it cannot stand for the empty one.
+            valueHasItem_ =
+                valueHasItem_ || (code != referenceList && emptyPieces_ == EmptyPieces::dropped);
         }
         return 1 + size;
     }

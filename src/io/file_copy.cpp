@@ -264,7 +264,7 @@ void RandomAccessFile::copy(const NextSegment& next, const std::string& destinat
         while (const auto segment = next()) {
             copySegment(*segment, size_, copier, output);
         }
-    } catch (const OMFIOError&) {
+    } catch (...) {
         // What came before the fault is left in the file.
         output.flush();
         throw;

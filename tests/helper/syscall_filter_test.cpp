@@ -102,6 +102,17 @@ TEST_F(SyscallFilter, OtherProcessesAreOutOfReach) {
               "ENOSYS");
 }
 
+TEST_F(SyscallFilter, DescriptorsCannotBeMadeToSendSignals) {
+    for (const int command : {F_SETFL, F_SETOWN, F_SETSIG, F_SETLEASE, F_NOTIFY}) {
+        SCOPED_TRACE(command);
+        const auto attempt = [&] { return static_cast<long>(::fcntl(STDIN_FILENO, command, 0)); };
+        EXPECT_EQ(triedReading(attempt), "ENOSYS");
+        EXPECT_EQ(triedWriting(attempt), "ENOSYS");
+    }
+    EXPECT_EQ(triedReading([] { return static_cast<long>(::fcntl(STDIN_FILENO, F_GETFL)); }),
+              "works");
+}
+
 TEST_F(SyscallFilter, SystemCannotBeChanged) {
     expectAbsent({{"mount", SYS_mount},
                   {"umount2", SYS_umount2},

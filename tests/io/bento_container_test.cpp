@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <trellant_testing/byte_writer.h>
 #include <trellant_testing/container_builder.h>
 #include <trellant_testing/temporary_directory.h>
@@ -105,6 +106,24 @@ TEST_F(BentoContainerOpening, EmptyPiecesBehindOthersOfAValueTakeNoMemory) {
     EXPECT_EQ(container.tableItems(), items);
     EXPECT_EQ(container.items(9, 5), (std::vector<BentoTOCItem>{empty, letter}));
     EXPECT_EQ(container.items(9, 6), std::vector<BentoTOCItem>{other});
+}
+
+TEST_F(BentoContainerOpening, AnEmptyPieceBehindAReferenceListIsStillAPiece) {
+    const BentoTOCItem empty{9, 5, 1, 0, {BentoImmediate{}, false}};
+    const BentoTOCItem list{9, 5, 1, 0, {BentoReferenceList{77}, false}};
+    const BentoTOCItem name{5, 24, 2, 0, {BentoImmediate{{'A', 'u'}, 2}, false}};
+    const std::vector<std::vector<BentoTOCItem>> values{
+        {list, empty}, {list, empty, empty}, {empty, list, empty}};
+    for (const std::vector<BentoTOCItem>& value : values) {
+        std::vector<BentoTOCItem> items{name};
+        items.insert(items.end(), value.begin(), value.end());
+        ContainerImage image = ContainerImage::ofForm(TocForm::compressed, OMFByteOrder::big);
+        const BentoContainer container(write(fileOf(image, items)));
+        EXPECT_EQ(container.valueSegments(9, "Au"), std::vector<BentoValueSegment>{empty.segment});
+        const std::string copy = folder_.file("copy");
+        EXPECT_TRUE(container.copyValue(9, "Au", copy));
+        EXPECT_EQ(std::filesystem::file_size(copy), 0U);
+    }
 }
 
 TEST_F(BentoContainerOpening, FaultsOfTheTableAreThrown) {

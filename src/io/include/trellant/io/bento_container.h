@@ -41,7 +41,7 @@ class BentoContainer {
     /// and takes 40 bytes an item. Throws as the constructor does.
     [[nodiscard]] std::vector<BentoTOCItem> tableItems() const;
     /// The items of one value in table order, without those that add no bytes and follow another
-    /// of the same value; empty when there are none.
+    /// of the same value that is no reference list; empty when there are none.
     [[nodiscard]] std::vector<BentoTOCItem> items(std::uint32_t object,
                                                   std::uint32_t property) const;
     [[nodiscard]] std::vector<BentoTOCItem> items(std::uint32_t object,
