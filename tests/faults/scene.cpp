@@ -24,23 +24,23 @@ Bytes toneWave(std::uint32_t frequency, std::uint32_t frameCount = frames) {
 
 }  // namespace
 
-Scene::Scene(const SceneSpec& spec)
-    : embeddedAudio_(textOf(toneWave(440, spec.suitsKernelCopy ? manyFrames : frames))) {
+Scene::Scene(const SceneOptions& options)
+    : embeddedAudio_(textOf(toneWave(440, options.suitsKernelCopy ? manyFrames : frames))) {
     constexpr mode_t everybodyMayLook = 0755;
     ::chmod(folder_.path().c_str(), everybodyMayLook);
     std::filesystem::create_directory(search());
     std::filesystem::create_directory(folder_.file("named"));
     writeFile(searchedFile(), toneWave(880));
     writeFile(namedFile(), toneWave(220));
-    Bytes source = document(spec, pageSize);
-    if (spec.suitsKernelCopy) {
+    Bytes source = document(options, pageSize);
+    if (options.suitsKernelCopy) {
         const std::size_t offset = textOf(source).find(embeddedAudio_);
-        source = document(spec, 2 * pageSize - offset % pageSize);
+        source = document(options, 2 * pageSize - offset % pageSize);
     }
     writeFile(this->source(), source);
 }
 
-Bytes Scene::document(const SceneSpec& spec, std::size_t bytesBefore) const {
+Bytes Scene::document(const SceneOptions& options, std::size_t bytesBefore) const {
     constexpr MobID tone{1, 0, 0};
     constexpr MobID rain{2, 0, 0};
     constexpr MobID door{3, 0, 0};
@@ -60,7 +60,7 @@ Bytes Scene::document(const SceneSpec& spec, std::size_t bytesBefore) const {
     for (const MobID& id : {tone, rain, door}) {
         clips.push_back(omf.clip({.length = frames, .source = id}));
     }
-    for (int more = 0; more < spec.moreClips; ++more) {
+    for (int more = 0; more < options.moreClips; ++more) {
         clips.push_back(omf.clip({.length = frames, .source = tone}));
     }
     const ObjectID track = omf.track({.name = "A"});

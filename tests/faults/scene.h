@@ -11,7 +11,7 @@
 
 namespace trellant::testing {
 
-struct SceneSpec {
+struct SceneOptions {
     /// Clips of the embedded source beside the three that play each source once.
     int moreClips = 0;
     /// The embedded audio is long, and lies where the kernel copies it to a file of its own.
@@ -20,7 +20,7 @@ struct SceneSpec {
 
 class Scene {
   public:
-    explicit Scene(const SceneSpec& spec = {});
+    explicit Scene(const SceneOptions& options = {});
 
     [[nodiscard]] std::string source() const { return folder_.file("scene.omf"); }
     [[nodiscard]] std::string work() const { return folder_.file("work"); }
@@ -43,7 +43,7 @@ class Scene {
     [[nodiscard]] std::map<std::string, std::string> everything() const;
 
   private:
-    [[nodiscard]] Bytes document(const SceneSpec& spec, std::size_t bytesBefore) const;
+    [[nodiscard]] Bytes document(const SceneOptions& options, std::size_t bytesBefore) const;
 
     TemporaryDirectory folder_;
     std::string embeddedAudio_;
