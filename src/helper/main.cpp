@@ -2,6 +2,7 @@
 // standard output, progress and at most one log line to standard error; the exit status says which
 // of three outcomes happened. This is the one place where errors become texts.
 #include "confinement.h"
+#include "memory_allowance.h"
 #include "omf_reader.h"
 #include "standard_streams.h"
 
@@ -54,6 +55,7 @@ void serve(const AAFWorkerProtocol::Request& request) {
 ExitStatus run() {
     prepareStandardStreams();
     try {
+        keepWithinMemory();
         serve(acceptedRequest(readStandardInput()));
     } catch (const OMFIOError& error) {
         fail(error.errorDescription(), ExitStatus::processingFailed);

@@ -144,6 +144,19 @@ bool BentoContainer::copyValue(std::uint32_t object, std::string_view propertyNa
     return true;
 }
 
+std::uint64_t BentoContainer::copiedBytes(std::uint32_t object,
+                                          std::string_view propertyName) const {
+    const std::optional<std::uint32_t> property = propertyID(propertyName);
+    const BentoItemIndex::Run run =
+        property ? contents_->index.find(object, *property) : BentoItemIndex::Run{};
+    const std::uint64_t fileSize = file().size();
+    std::uint64_t total = 0;
+    for (std::size_t place = run.begin; place < run.end; ++place) {
+        total = saturatingSum(total, std::min(contents_->index.item(place).byteCount(), fileSize));
+    }
+    return total;
+}
+
 std::optional<std::span<const std::byte>> BentoContainer::smallValue(
     std::uint32_t object, std::uint32_t property, std::span<std::byte> into) const noexcept {
     const BentoItemIndex::Run run = contents_->index.find(object, property);

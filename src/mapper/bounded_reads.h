@@ -1,8 +1,8 @@
 // Reads of lists and texts, which may be long, with a bound on all of them together.
 //
 // Values may lie over one another in a file: many small objects can each claim the same long list
-// or text, and a file of a megabyte could ask for work without end. Short ones need no bound: each
-// costs its object.
+// or text, and a file of a megabyte could ask for work without end. Short lists need no bound: each
+// costs its object. Texts do: an object in ten million places is named ten million times.
 #pragma once
 
 #include <trellant/omf/document.h>
@@ -23,9 +23,14 @@ class BoundedReads {
     /// Bytes in all texts of more than `longText` bytes.
     static constexpr std::uint64_t maximumLongTextBytes = 268'435'456;
     static constexpr std::size_t longText = 4096;
+    /// Bytes in all texts, beyond as many as the file has: texts that do not lie over one another,
+    /// in objects of one place each, never reach that.
+    static constexpr std::uint64_t maximumExtraTextBytes = 1'073'741'824;
 
     /// `document` must outlive this.
-    explicit BoundedReads(const OMFDocument& document) : document_(document) {}
+    explicit BoundedReads(const OMFDocument& document)
+        : document_(document),
+          maximumTextBytes_(document.bento().file().size() + maximumExtraTextBytes) {}
 
     [[nodiscard]] const OMFDocument& document() const noexcept { return document_; }
 
@@ -37,10 +42,14 @@ class BoundedReads {
 
     /// Counts what was read from a list once and is given out again.
     void countReferences(std::uint64_t count);
+    /// The same for a text, of so many bytes.
+    void countText(std::uint64_t size);
 
   private:
     const OMFDocument& document_;
+    std::uint64_t maximumTextBytes_;
     std::uint64_t references_ = 0;
+    std::uint64_t textBytes_ = 0;
     std::uint64_t longTextBytes_ = 0;
 };
 

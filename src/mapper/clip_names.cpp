@@ -24,6 +24,7 @@ std::optional<std::string> ClipNames::attributeString(OMFObject unter, int tiefe
     }
     const auto key = std::uint64_t{number(unter)} << 2U | static_cast<std::uint64_t>(tiefe);
     if (const auto known = remembered_.find(key); known != remembered_.end()) {
+        reads_.countText(known->second ? known->second->size() : 0);
         return known->second;
     }
     const auto lookedBefore = looked_;

@@ -5,6 +5,7 @@
 #include <trellant/model/url.h>
 
 #include <algorithm>
+#include <limits>
 
 namespace trellant {
 
@@ -18,6 +19,11 @@ constexpr std::int64_t fallbackSampleRate = 48'000;
 /// Descriptors have one or two locators. Mobs may share a descriptor, and then following more than
 /// these again for each would cost mobs times locators.
 constexpr std::size_t fewLocators = 16;
+
+/// Embedded media may lie over one another: what is taken out of a file has at most so many times
+/// its bytes, and these. Two media that share one value are no rarity.
+constexpr std::uint64_t mostTimesTheFile = 16;
+constexpr std::uint64_t freeBytes = 67'108'864;
 
 /// The file that a locator's path names when it can be tried as it stands.
 std::optional<std::string> directPath(const std::string& locator) {
@@ -146,6 +152,7 @@ Essences::FoundMedia Essences::takeEmbedded(const EmbeddedMedia& media, const OM
 Essences::FoundMedia Essences::extract(const EmbeddedMedia& media, std::string_view name) {
     const auto base = safeName(withoutExtension(lastPathComponent(name)));
     auto path = names_.uniqueURL(base, media.extension);
+    countExtracted(media);
     if (!document_.bento().copyValue(number(media.object), nameOf(media.data), path)) {
         return {};
     }
@@ -157,6 +164,22 @@ Essences::FoundMedia Essences::extract(const EmbeddedMedia& media, std::string_v
     search_.fileAppeared(path);
     found.path = std::move(path);
     return found;
+}
+
+void Essences::countExtracted(const EmbeddedMedia& media) {
+    const auto& bento = document_.bento();
+    const std::uint64_t fileSize = bento.file().size();
+    constexpr auto largest = std::numeric_limits<std::uint64_t>::max();
+    const std::uint64_t most = fileSize > (largest - freeBytes) / mostTimesTheFile
+                                   ? largest
+                                   : mostTimesTheFile * fileSize + freeBytes;
+    const std::uint64_t count = bento.copiedBytes(number(media.object), nameOf(media.data));
+    if (count > most - extractedBytes_) {
+        throw OMFIOError::unsupported("embedded audio lies over itself: more than " +
+                                      std::to_string(most) + " bytes to extract from a file of " +
+                                      std::to_string(fileSize));
+    }
+    extractedBytes_ += count;
 }
 
 Essences::FoundMedia Essences::findExternal(OMFObject descriptor,
@@ -185,6 +208,7 @@ Essences::FoundMedia Essences::resolveExternal(OMFObject descriptor,
 
 Essences::FoundMedia Essences::followLocators(OMFObject descriptor) {
     if (const auto known = manyLocators_.find(descriptor); known != manyLocators_.end()) {
+        reads_.countText(known->second.originalPath ? known->second.originalPath->size() : 0);
         return known->second;
     }
     FoundMedia found;

@@ -12,6 +12,7 @@
 #include <trellant/omf/audio_probe.h>
 #include <trellant/omf/document.h>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -27,7 +28,8 @@ class Essences {
 
     /// The essence of a source, made at the first call for its mob; null (with the reason in the
     /// notes) when the mob describes no media. An essence whose media cannot be found is returned
-    /// without a file. Throws what the copy out of the container throws.
+    /// without a file. Throws what the copy out of the container throws, and
+    /// unsupported for a file whose embedded audio, lying over itself, would fill a disk.
     [[nodiscard]] const AAFSourceEssence* makeEssence(const ResolvedSource& source);
 
     /// All essences made, by ascending id.
@@ -47,6 +49,8 @@ class Essences {
     [[nodiscard]] FoundMedia takeEmbedded(const EmbeddedMedia& media, const OMFUID& mobID,
                                           const std::optional<std::string>& name);
     [[nodiscard]] FoundMedia extract(const EmbeddedMedia& media, std::string_view name);
+    /// Throws OMFIOError unsupported when all that is taken out would be too much for such a file.
+    void countExtracted(const EmbeddedMedia& media);
     [[nodiscard]] FoundMedia findExternal(OMFObject descriptor,
                                           const std::optional<std::string>& name);
     /// Path and original path; the format is left open.
@@ -61,6 +65,7 @@ class Essences {
     const OMFDocument::MobMap& mediaMap_;
     MappingNotes& notes_;
     bool extract_;
+    std::uint64_t extractedBytes_ = 0;
     UniqueNames names_;
     MediaSearch search_;
     std::unordered_map<OMFObject, AAFSourceEssence> essenceCache_;

@@ -1,9 +1,16 @@
 #include "mapping_notes.h"
 
+#include <trellant/io/errors.h>
+
 namespace trellant {
 
 void MappingNotes::add(std::string_view id, AAFUnsupportedFeature::Severity severity,
                        const Loss& loss, std::string message, std::string at) {
+    recordBytes_ += message.size() + at.size();
+    if (recordBytes_ > maximumRecordBytes) {
+        throw OMFIOError::unsupported("composition loses more than records of " +
+                                      std::to_string(maximumRecordBytes) + " bytes can tell");
+    }
     unsupported_.push_back({.id = std::string(id) + std::to_string(unsupported_.size()),
                             .severity = severity,
                             .description = std::move(message),

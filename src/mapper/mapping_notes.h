@@ -8,6 +8,7 @@
 #include <trellant/model/timeline.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <unordered_set>
@@ -27,13 +28,19 @@ class MappingNotes {
     /// A record's place in the list, to say more about it later.
     using RecordIndex = std::size_t;
 
+    /// Bytes of words and paths in all records. Shared subtrees let a file of a few kilobytes lose
+    /// millions of clips, each with a path of a kilobyte; a million losses of a real composition
+    /// take a tenth of this.
+    static constexpr std::uint64_t maximumRecordBytes = 1'073'741'824;
+
     /// `placesLosses`: keep a place beside every record.
     explicit MappingNotes(bool placesLosses = false) : placesLosses_(placesLosses) {}
 
     /// Records that material was dropped: "omf-loss-N", informational.
     void addLoss(const Loss& loss, std::string message, const ObjectPath& at);
     /// Records that material is not rendered as meant: "omf-unsupported-N", render-affecting.
-    /// N counts the records of both kinds. Neither removes duplicates.
+    /// N counts the records of both kinds. Neither removes duplicates. All that record throw
+    /// OMFIOError unsupported past `maximumRecordBytes`.
     void addUnsupported(const Loss& loss, std::string message, const ObjectPath& at);
     /// The same, unless an earlier call of this function recorded that path. Only this function
     /// writes such paths, so no other record can hold one. Nothing when it was recorded before.
@@ -82,6 +89,7 @@ class MappingNotes {
     std::vector<LossPlace> places_;
     std::vector<std::string> diagnostics_;
     std::unordered_set<std::string> pathsRecordedOnce_;
+    std::uint64_t recordBytes_ = 0;
 };
 
 }  // namespace trellant

@@ -6,6 +6,7 @@
 
 #include <trellant/omf/values.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -29,11 +30,23 @@ class ObjectPath {
 
     [[nodiscard]] std::string text() const {
         std::string result;
+        // Exactly: a hostile composition keeps millions of paths.
+        result.reserve(size());
         appendTo(result);
         return result;
     }
 
   private:
+    [[nodiscard]] std::size_t size() const {
+        std::size_t total = label_.size() + (parent_ != nullptr ? parent_->size() + 1 : 0);
+        if (number_) {
+            total += 3;
+            for (std::uint64_t rest = *number_ / 10; rest != 0; rest /= 10) {
+                ++total;
+            }
+        }
+        return total;
+    }
     void appendTo(std::string& text) const {
         if (parent_ != nullptr) {
             parent_->appendTo(text);

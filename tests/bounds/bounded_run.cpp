@@ -119,7 +119,7 @@ class OutputReader {
 };
 
 pid_t start(const MemoryFile& input, int output, const MemoryFile& errors, const MemoryFile& report,
-            std::uint64_t addressSpace) {
+            std::uint64_t addressSpace, std::string group) {
     posix_spawn_file_actions_t actions{};
     ::posix_spawn_file_actions_init(&actions);
     ::posix_spawn_file_actions_adddup2(&actions, input.number(), STDIN_FILENO);
@@ -130,8 +130,8 @@ pid_t start(const MemoryFile& input, int output, const MemoryFile& errors, const
     std::string space = std::to_string(sanitized ? 0 : addressSpace);
     std::string seconds(processorSeconds);
     std::string worker = workerPath();
-    std::array<char*, 5> arguments{limiter.data(), space.data(), seconds.data(), worker.data(),
-                                   nullptr};
+    std::array<char*, 6> arguments{limiter.data(), space.data(),  seconds.data(),
+                                   group.data(),   worker.data(), nullptr};
     pid_t child = 0;
     const int failure =
         ::posix_spawn(&child, limiter.c_str(), &actions, nullptr, arguments.data(), environ);
@@ -161,7 +161,8 @@ void readReport(const std::string& report, BoundedRun& run) {
 
 }  // namespace
 
-BoundedRun runBounded(const std::string& request, std::uint64_t addressSpace) {
+BoundedRun runBounded(const std::string& request, std::uint64_t addressSpace,
+                      const std::string& groupProcesses) {
     BoundedRun run;
     const MemoryFile input(request);
     const MemoryFile errors;
@@ -174,7 +175,7 @@ BoundedRun runBounded(const std::string& request, std::uint64_t addressSpace) {
     pid_t child = 0;
     {
         const Descriptor writing(ends[1]);
-        child = start(input, writing.number(), errors, report, addressSpace);
+        child = start(input, writing.number(), errors, report, addressSpace, groupProcesses);
     }
     if (!OutputReader(run).readAll(reading.number())) {
         ::kill(child, SIGKILL);

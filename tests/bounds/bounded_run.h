@@ -32,8 +32,10 @@ struct BoundedRun {
 };
 
 /// Runs the worker with `request` on its standard input and at most `addressSpace` bytes, 0 for any
-/// amount. More than a minute of processor time, where the worst file takes seconds, ends it by a
-/// signal.
-[[nodiscard]] BoundedRun runBounded(const std::string& request, std::uint64_t addressSpace);
+/// amount, in the control group of which `groupProcesses` is the list of processes, empty for the
+/// test's own. More than a minute of processor time, where the worst file takes seconds, ends it by
+/// a signal.
+[[nodiscard]] BoundedRun runBounded(const std::string& request, std::uint64_t addressSpace,
+                                    const std::string& groupProcesses = {});
 
 }  // namespace trellant::testing

@@ -33,8 +33,10 @@ std::string openSlotLines() {
     return progressLineText("reconstructing", "0.15") + progressLineText("reconstructing", "0.15");
 }
 
-BoundedRun BoundsTest::run(std::string_view operation, std::uint64_t addressSpace) const {
-    auto run = runBounded(requestFor(operation, file(), work()).json(), addressSpace);
+BoundedRun BoundsTest::run(std::string_view operation, std::uint64_t addressSpace,
+                           const std::string& groupProcesses) const {
+    auto run =
+        runBounded(requestFor(operation, file(), work()).json(), addressSpace, groupProcesses);
     expectOrderly(run);
     return run;
 }

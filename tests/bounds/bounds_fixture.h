@@ -44,7 +44,8 @@ class BoundsTest : public ::testing::Test {
     [[nodiscard]] BoundedRun extract(std::uint64_t addressSpace) const {
         return run("extractAndInspect", addressSpace);
     }
-    [[nodiscard]] BoundedRun run(std::string_view operation, std::uint64_t addressSpace) const;
+    [[nodiscard]] BoundedRun run(std::string_view operation, std::uint64_t addressSpace,
+                                 const std::string& groupProcesses = {}) const;
 
     /// The answer for the small document, of which the file holds all.
     [[nodiscard]] std::string smallAnswer() const;

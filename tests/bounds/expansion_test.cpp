@@ -10,6 +10,12 @@
 #include "growing_file.h"
 #include "worker_fixture.h"
 
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
 namespace trellant::testing {
 namespace {
 
@@ -22,7 +28,9 @@ class Expansion : public BoundsTest {
     Expansion() {
         omf_.audioFile({.id = tone_, .name = "Tone.wav", .media = toneWave(), .length = 480});
     }
-    ObjectID clip() { return omf_.clip({.length = 480, .source = tone_}); }
+    ObjectID clip(std::optional<std::string> name = {}) {
+        return omf_.clip({.length = 480, .source = tone_, .name = std::move(name)});
+    }
     /// `levels` sequences, each listing the next ten times, around `innermost`.
     ObjectID fan(ObjectID innermost, int levels) {
         for (int level = 0; level < levels; ++level) {
@@ -87,6 +95,39 @@ TEST_F(Expansion, ToAMillionClipsTakesWhatAMillionClipsTake) {
     EXPECT_EQ(run.events, count);
     expectPeak(run, "SharedClips", bound);
     expectOutOfMemory(inspect(bound / 4));
+}
+
+TEST_F(Expansion, ToAMillionLongNamesEndsWithAGibibyteOfThem) {
+    // A name of 4000 bytes, short enough not to count as a long one: 268,435 of them are a
+    // gibibyte, and one or two fit into what the file has. The drafts of all clips come first.
+    write(fan(clip(std::string(4'000, 'n')), 6));
+    constexpr std::uint64_t bound = 1'000'000 * 2 * 104 + 268'437 * (4'016 + 2 * 264 + 80) + base;
+    const auto run = inspect(bound + addressBase);
+    EXPECT_TRUE(run.errors.ends_with(logLineText(
+        "Unsupported OMF/Bento feature: composition holds more than " +
+        std::to_string(1'073'741'824 + std::filesystem::file_size(file())) + " bytes of texts")))
+        << run.errors;
+    EXPECT_EQ(run.status, 2);
+    expectPeak(run, "LongNames", bound);
+}
+
+TEST_F(Expansion, ToMillionsOfLossesEndsWithAGibibyteOfRecords) {
+    // 22 sequences, each with the next twice, around what no program knows: 4,194,304 losses in
+    // 8,388,608 places, each told with a path of 22 levels.
+    ObjectID segment = omf_.segment("XYZW", 480);
+    for (int level = 0; level < 22; ++level) {
+        segment = omf_.sequence({segment, segment});
+    }
+    write(segment);
+    // Each record has 34 bytes of words and 22 levels of at least 21, as "/SEQU[9]/component[0]";
+    // around these 128 in a list that doubles its room, and 80 for three texts.
+    constexpr std::uint64_t gibibyte = 1024 * mebibyte;
+    constexpr std::uint64_t bound = gibibyte + gibibyte / (34 + 22 * 21) * (3 * 128 + 80) + base;
+    const auto run = inspect(bound + addressBase);
+    expectFailed(run, openingLines() + openSlotLines(),
+                 "Unsupported OMF/Bento feature: composition loses more than records of "
+                 "1073741824 bytes can tell");
+    expectPeak(run, "MillionsOfLosses", bound);
 }
 
 TEST_F(Expansion, OfTheLongestListInItselfEndsWithItsSeventeenthCopy) {

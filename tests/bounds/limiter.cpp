@@ -1,13 +1,14 @@
 // Runs a program under limits and tells what it cost. Arguments: bytes of address space, 0 for no
-// limit; seconds of processor time; the program. Descriptor 3 gets the line "STATUS SIGNAL PEAK
-// TIME", -1 where there is none, the peak of resident memory in KiB, the processor time in
-// milliseconds.
+// limit; seconds of processor time; the list of processes of a control group to enter, empty for
+// none; the program. Descriptor 3 gets the line "STATUS SIGNAL PEAK TIME", -1 where there is none,
+// the peak of resident memory in KiB, the processor time in milliseconds.
 //
 // A program of its own since a process begins with the peak of the one that it was forked from:
 // this one is small, a test that has built a large file is not.
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -29,6 +30,18 @@ void limit(decltype(RLIMIT_AS) resource, const char* text) {
     }
 }
 
+void enterGroup(const char* processes) {
+    if (*processes == '\0') {
+        return;
+    }
+    const int list = ::open(processes, O_WRONLY | O_CLOEXEC);
+    // Zero is the process that writes it.
+    if (list < 0 || ::write(list, "0", 1) != 1) {
+        ::_exit(cannotStart);
+    }
+    ::close(list);
+}
+
 long milliseconds(const timeval& time) {
     return time.tv_sec * 1000 + time.tv_usec / 1000;
 }
@@ -36,7 +49,7 @@ long milliseconds(const timeval& time) {
 }  // namespace
 
 int main(int count, char** arguments) {
-    if (count != 4) {
+    if (count != 5) {
         return cannotStart;
     }
     const pid_t child = ::fork();
@@ -45,7 +58,8 @@ int main(int count, char** arguments) {
         ::close(reportDescriptor);
         limit(RLIMIT_CPU, arguments[2]);
         limit(RLIMIT_AS, arguments[1]);
-        ::execv(arguments[3], arguments + 3);
+        enterGroup(arguments[3]);
+        ::execv(arguments[4], arguments + 4);
         ::_exit(cannotStart);
     }
     // So that the reader sees the end when the program closes them.

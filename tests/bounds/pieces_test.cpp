@@ -1,4 +1,5 @@
-// Taking media out: at most 8 MiB above what looking takes, whatever the size of a value.
+// Taking media out: at most 8 MiB of memory above what looking takes, whatever the size of a value,
+// and at most 16 times the file and 64 MiB of disk.
 #include "bounds_fixture.h"
 #include "generated_file.h"
 #include "growing_file.h"
@@ -46,6 +47,82 @@ TEST_F(Extraction, OfALongValueTakesNoMoreThanLooking) {
     source.range(offset, size);
     source.finish();
     expectNoMore("LongValue", "Tone.wav", size, base);
+}
+
+/// A WAVE whose audio is `pieces` times the same mebibyte of the file.
+class AudioOverItself : public BoundsTest {
+  protected:
+    void write(std::uint64_t pieces) {
+        OmfBuilder omf = oneClipDocument();
+        constexpr ObjectID media = 2;
+        omf.at(media).without("OMFI:WAVE:AudioData");
+        const auto data = omf.container().propertyID("OMFI:WAVE:AudioData");
+        GrowingFile source(file(), omf.image());
+        const auto offset = source.zeros(mebibyte);
+        source.object(media, data);
+        for (std::uint64_t i = 0; i < pieces; ++i) {
+            source.range(offset, mebibyte);
+        }
+        source.finish();
+    }
+    /// What may be taken out of a file of this size.
+    [[nodiscard]] std::uint64_t most() const {
+        return 16 * std::filesystem::file_size(file()) + 64 * mebibyte;
+    }
+};
+
+TEST_F(AudioOverItself, IsTakenOutWhileItIsLittleForSuchAFile) {
+    // 80 MiB, of which 64 are free and 16 are 16 times the audio that the file has.
+    write(80);
+    ASSERT_GE(most(), 80 * mebibyte);
+    const auto run = extract(0);
+    EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_EQ(std::filesystem::file_size(work() + "/Tone.wav"), 80 * mebibyte);
+}
+
+TEST_F(AudioOverItself, ThatWouldFillADiskIsRefusedBeforeItIsWritten) {
+    write(82);
+    ASSERT_LT(most(), 82 * mebibyte);
+    const auto run = extract(0);
+    EXPECT_EQ(run.status, 2);
+    EXPECT_TRUE(run.errors.ends_with(
+        logLineText("Unsupported OMF/Bento feature: embedded audio lies over itself: more than " +
+                    std::to_string(most()) + " bytes to extract from a file of " +
+                    std::to_string(std::filesystem::file_size(file())))))
+        << run.errors;
+    EXPECT_TRUE(std::filesystem::is_empty(work()));
+    EXPECT_EQ(inspect(0).status, 0);
+}
+
+TEST_F(AudioOverItself, CountsOverAllMedia) {
+    // Nine media of ten mebibytes each, over the same one: eight fit.
+    OmfBuilder omf;
+    std::vector<ObjectID> clips;
+    std::vector<ObjectID> media;
+    for (std::uint32_t number = 1; number <= 9; ++number) {
+        const MobID id{1, 2, number};
+        omf.audioFile({.id = id, .name = "Take", .length = 480});
+        media.push_back(omf.waveMedia(id, {}));
+        omf.at(media.back()).without("OMFI:WAVE:AudioData");
+        clips.push_back(omf.clip({.length = 480, .source = id}));
+    }
+    const ObjectID slot = omf.slot({.editRate = Ratio{48'000}, .segment = omf.sequence(clips)});
+    omf.composition({.name = "Piece", .slots = {slot}});
+    const auto data = omf.container().propertyID("OMFI:WAVE:AudioData");
+    GrowingFile source(file(), omf.image());
+    const auto offset = source.zeros(mebibyte);
+    for (const ObjectID object : media) {
+        source.object(object, data);
+        for (int i = 0; i < 10; ++i) {
+            source.range(offset, mebibyte);
+        }
+    }
+    source.finish();
+    const auto run = extract(0);
+    EXPECT_EQ(run.status, 2);
+    EXPECT_NE(run.errors.find("embedded audio lies over itself"), std::string::npos) << run.errors;
+    EXPECT_TRUE(std::filesystem::exists(work() + "/Take_8.wav"));
+    EXPECT_FALSE(std::filesystem::exists(work() + "/Take_9.wav"));
 }
 
 }  // namespace

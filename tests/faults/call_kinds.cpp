@@ -12,11 +12,11 @@ namespace trellant::testing {
 namespace {
 
 constexpr std::array<const char*, static_cast<std::size_t>(CallKind::unknown) + 1> names{
-    "startup",     "memory",      "signals",        "streamCheck", "requestRead", "lineWrite",
-    "resultWrite", "confinement", "folderCreation", "folderLook",  "sourceOpen",  "sourceLook",
-    "sourceRead",  "nameLook",    "fileCreation",   "kernelCopy",  "fileWrite",   "probeOpen",
-    "probeLook",   "probeRead",   "mediaLook",      "searchOpen",  "searchLook",  "searchRead",
-    "closing",     "infallible",  "unknown"};
+    "startup",     "memory",     "signals",     "streamCheck", "memoryLook",     "memoryRead",
+    "requestRead", "lineWrite",  "resultWrite", "confinement", "folderCreation", "folderLook",
+    "sourceOpen",  "sourceLook", "sourceRead",  "nameLook",    "fileCreation",   "kernelCopy",
+    "fileWrite",   "probeOpen",  "probeLook",   "probeRead",   "mediaLook",      "searchOpen",
+    "searchLook",  "searchRead", "closing",     "infallible",  "unknown"};
 
 /// Where a call has its path; absent for calls that name none.
 std::optional<std::size_t> pathArgument(std::uint64_t number) {
@@ -83,6 +83,8 @@ std::optional<CallKind> plainKind(std::uint64_t number) {
             return CallKind::searchRead;
         case SYS_close:
             return CallKind::closing;
+        case SYS_sysinfo:
+            return CallKind::memoryLook;
         case SYS_exit_group:
         case SYS_getpid:
             return CallKind::infallible;
@@ -146,7 +148,9 @@ CallKind CallReader::kindOf(const SystemCall& call, const std::string& path) {
         case SYS_openat:
             return openingKind(path, arguments[2]);
         case SYS_read:
-            return arguments[0] == STDIN_FILENO ? CallKind::requestRead : CallKind::unknown;
+            return arguments[0] == STDIN_FILENO           ? CallKind::requestRead
+                   : isOpenAs(arguments[0], Role::memory) ? CallKind::memoryRead
+                                                          : CallKind::unknown;
         case SYS_write:
             return arguments[0] == STDERR_FILENO   ? CallKind::lineWrite
                    : arguments[0] == STDOUT_FILENO ? CallKind::resultWrite
@@ -188,6 +192,10 @@ CallKind CallReader::openingKind(const std::string& path, std::uint64_t flags) {
         opening_ = Opened{Role::folder, path};
         return CallKind::searchOpen;
     }
+    if (path == "/proc/self/cgroup" || path.starts_with("/sys/fs/cgroup/")) {
+        opening_ = Opened{Role::memory, path};
+        return CallKind::memoryLook;
+    }
     if (path == places_.source) {
         opening_ = Opened{Role::source, path};
         return CallKind::sourceOpen;
@@ -206,6 +214,11 @@ CallKind CallReader::lookKind(const std::string& path, std::uint64_t flags) cons
     return CallKind::mediaLook;
 }
 
+bool CallReader::isOpenAs(std::uint64_t descriptor, Role role) const {
+    const auto known = opened_.find(descriptor);
+    return known != opened_.end() && known->second.role == role;
+}
+
 CallKind CallReader::descriptorKind(std::uint64_t descriptor, CallKind ofSource, CallKind ofFolder,
                                     CallKind ofAudio) const {
     const auto known = opened_.find(descriptor);
@@ -219,6 +232,8 @@ CallKind CallReader::descriptorKind(std::uint64_t descriptor, CallKind ofSource,
             return ofFolder;
         case Role::audio:
             return ofAudio;
+        case Role::memory:
+            break;
     }
     return CallKind::unknown;
 }

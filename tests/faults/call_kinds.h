@@ -16,6 +16,9 @@ enum class CallKind {
     signals,
     /// Whether an output is open.
     streamCheck,
+    /// How much memory there is, by asking and by opening and reading the files of control groups.
+    memoryLook,
+    memoryRead,
     requestRead,
     /// To standard error.
     lineWrite,
@@ -84,7 +87,7 @@ class CallReader {
     void returned(std::int64_t result);
 
   private:
-    enum class Role { source, folder, audio };
+    enum class Role { source, folder, audio, memory };
     struct Opened {
         Role role = Role::audio;
         std::string path{};
@@ -93,6 +96,7 @@ class CallReader {
     [[nodiscard]] CallKind kindOf(const SystemCall& call, const std::string& path);
     [[nodiscard]] CallKind openingKind(const std::string& path, std::uint64_t flags);
     [[nodiscard]] CallKind lookKind(const std::string& path, std::uint64_t flags) const;
+    [[nodiscard]] bool isOpenAs(std::uint64_t descriptor, Role role) const;
     [[nodiscard]] CallKind descriptorKind(std::uint64_t descriptor, CallKind ofSource,
                                           CallKind ofFolder, CallKind ofAudio) const;
 

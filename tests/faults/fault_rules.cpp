@@ -81,6 +81,9 @@ std::vector<int> errorsOf(const SeenCall& seen) {
             return {EINVAL};
         case CallKind::streamCheck:
             return {EBADF};
+        case CallKind::memoryLook:
+        case CallKind::memoryRead:
+            return {EINTR, EACCES, EPERM, EMFILE, ENFILE, EIO, ENOMEM, ENOENT, ENODEV};
         case CallKind::confinement:
             return {ENOSYS, EPERM, EINVAL, ENOMEM, EACCES, EMFILE};
         case CallKind::requestRead:
@@ -136,6 +139,8 @@ AssertionResult judge(const Scene& scene, const Undisturbed& undisturbed,
         case CallKind::memory:
             return judgeMemory(judged);
         case CallKind::signals:
+        case CallKind::memoryLook:
+        case CallKind::memoryRead:
         case CallKind::confinement:
         case CallKind::kernelCopy:
         case CallKind::closing:

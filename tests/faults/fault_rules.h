@@ -4,6 +4,7 @@
 //   startup (C library)         the same result, or an end without a word on standard output
 //   memory                      the same result, the searched file not found, or "out of memory"
 //   signals, confinement,       the same result
+//     memoryLook, memoryRead,
 //     closing, kernelCopy
 //   streamCheck                 status 2, not a word
 //   requestRead                 what was read counts: status 1 when nothing was

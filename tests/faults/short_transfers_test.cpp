@@ -10,9 +10,9 @@ namespace trellant::testing {
 
 namespace {
 
-constexpr std::array transfers{CallKind::requestRead, CallKind::lineWrite,  CallKind::resultWrite,
-                               CallKind::sourceRead,  CallKind::kernelCopy, CallKind::fileWrite,
-                               CallKind::probeRead};
+constexpr std::array transfers{CallKind::memoryRead,  CallKind::requestRead, CallKind::lineWrite,
+                               CallKind::resultWrite, CallKind::sourceRead,  CallKind::kernelCopy,
+                               CallKind::fileWrite,   CallKind::probeRead};
 constexpr std::array openings{CallKind::sourceOpen, CallKind::fileCreation, CallKind::probeOpen,
                               CallKind::searchOpen};
 

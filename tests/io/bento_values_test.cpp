@@ -267,6 +267,27 @@ TEST_F(BentoValues, AValueOfJustAReferenceListHasNothingToCopy) {
     EXPECT_FALSE(fs::exists(folder_.file("copy")));
 }
 
+TEST_F(BentoValues, BytesToCopyAreThoseOfAllPieces) {
+    builder_.addItem(1, "OMFI:A", immediate("ABC"));
+    builder_.addItem(1, "OMFI:A", BentoReferenceList{7});
+    builder_.addItem(1, "OMFI:A", BentoRange{0, 20});
+    builder_.addItem(1, "OMFI:A", BentoRange{10, 20});
+    builder_.addItem(1, "OMFI:B", BentoReferenceList{7});
+    const BentoContainer& container = open();
+    EXPECT_EQ(container.copiedBytes(1, "OMFI:A"), 43U);
+    EXPECT_EQ(container.copiedBytes(1, "OMFI:B"), 0U);
+    EXPECT_EQ(container.copiedBytes(1, "OMFI:C"), 0U);
+    EXPECT_EQ(container.copiedBytes(2, "OMFI:A"), 0U);
+}
+
+TEST_F(BentoValues, BytesToCopyOfAPieceAreNoMoreThanTheFileHas) {
+    builder_.addItem(1, "OMFI:A", BentoRange{1'000'000, largest});
+    builder_.addItem(1, "OMFI:A", BentoRange{0, largest});
+    builder_.addItem(1, "OMFI:A", BentoRange{0, 4});
+    const BentoContainer& container = open();
+    EXPECT_EQ(container.copiedBytes(1, "OMFI:A"), 2 * fs::file_size(path_) + 4);
+}
+
 TEST_F(BentoValues, CopiesAreTheWholeValue) {
     builder_.setPieces(1, "OMFI:A", {patternBytes(5'000'001), bytesOf("tail")});
     EXPECT_TRUE(open().copyValue(1, "OMFI:A", folder_.file("copy")));

@@ -1,6 +1,7 @@
 // How much a request may read from lists and texts that lie over one another.
 #include "bounded_reads.h"
 
+#include "clip_names.h"
 #include "song.h"
 
 #include <trellant/io/errors.h>
@@ -66,6 +67,51 @@ TEST_F(Bounds, LongTextsCountShortOnesDoNot) {
               "Unsupported OMF/Bento feature: composition holds more than 268435456 bytes of long "
               "texts");
     EXPECT_EQ(refusal([&] { return name(shortName); }), "");
+}
+
+TEST_F(Bounds, AllTextsCountLongOrShort) {
+    // A gibibyte and the file's own bytes: 262,144 texts of 4096 bytes, and what the file has.
+    const ObjectBuilder named = omf_.track({.name = std::string(4096, 'a')});
+    const ObjectBuilder shortest = omf_.track({.name = "b"});
+    open();
+    const std::uint64_t fileSize = document_->bento().file().size();
+    ASSERT_GT(fileSize, 4096U);
+    ASSERT_LT(fileSize, 2U * 4096U);
+    BoundedReads reads(*document_);
+    const auto name = [&](const ObjectBuilder& track) {
+        return reads.string(static_cast<OMFObject>(track.id()), {OMFProperty::trackName});
+    };
+    for (int i = 0; i < 262'144 + 1; ++i) {
+        ASSERT_EQ(name(named).value_or("").size(), 4096U);
+    }
+    for (std::uint64_t i = 0; i < fileSize - 4096; ++i) {
+        ASSERT_EQ(name(shortest), "b");
+    }
+    EXPECT_EQ(refusal([&] { return name(shortest); }),
+              "Unsupported OMF/Bento feature: composition holds more than " +
+                  std::to_string(1'073'741'824 + fileSize) + " bytes of texts");
+}
+
+TEST_F(Bounds, NamesThatWereLookedUpBeforeCountAgain) {
+    // A search of 17 attributes is remembered; 4096 + 16 * 6 + 4 bytes are read once.
+    std::vector<ObjectID> attributes(16, omf_.attribute("Colour", "red"));
+    attributes.push_back(omf_.attribute("Name", std::string(4096, 'n')));
+    const ObjectBuilder clip = omf_.clip({.length = 1});
+    omf_.at(clip).ref("OMFI:CPNT:Attributes", omf_.attributeList(attributes));
+    open();
+    BoundedReads reads(*document_);
+    ClipNames names(reads);
+    const auto count = [&] {
+        return names.nameOf(static_cast<OMFObject>(clip.id())).value().size();
+    };
+    const std::uint64_t most = 1'073'741'824 + document_->bento().file().size();
+    std::uint64_t before = 0;
+    EXPECT_EQ(count(), 4096U);
+    for (before = 4096 + 16 * 6 + 4; before + 4096 <= most; before += 4096) {
+        ASSERT_EQ(count(), 4096U);
+    }
+    EXPECT_EQ(refusal(count), "Unsupported OMF/Bento feature: composition holds more than " +
+                                  std::to_string(most) + " bytes of texts");
 }
 
 TEST_F(Bounds, EachClipsAutomationPointsCount) {

@@ -78,6 +78,10 @@ class BentoContainer {
     /// there are no pieces to copy. Throws as the copy does.
     [[nodiscard]] bool copyValue(std::uint32_t object, std::string_view propertyName,
                                  const std::string& destination) const;
+    /// How many bytes copyValue would write at most; 0 when there is nothing to copy. A piece
+    /// counts no more than the file's size, since none that reaches beyond its end is copied.
+    [[nodiscard]] std::uint64_t copiedBytes(std::uint32_t object,
+                                            std::string_view propertyName) const;
 
     /// The fast path for small values: the whole value into `into`, served from cached blocks.
     /// Gives the value's bytes, or nothing when it is absent, longer than `into` or unreadable.

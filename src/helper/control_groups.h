@@ -1,0 +1,17 @@
+// What the control groups of a process leave it of memory.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace trellant {
+
+/// Bytes that the groups named in the file `membership` (/proc/self/cgroup) can still take, of all
+/// levels the fewest; pages of files, which they give back when asked, count as free. Absent where
+/// no group has a limit or none can be found. `root`: where the groups are mounted
+/// (/sys/fs/cgroup), in either version of their interface.
+[[nodiscard]] std::optional<std::uint64_t> controlGroupRoom(const std::string& membership,
+                                                            const std::string& root);
+
+}  // namespace trellant
