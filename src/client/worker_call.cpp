@@ -20,7 +20,7 @@ namespace trellant {
 namespace {
 
 /// What a pipe holds, so that one read takes all that is there.
-constexpr std::size_t chunkSize = 65'536;
+using Chunk = std::array<char, 65'536>;
 /// How often to look after the worker where the system does not tell of its end.
 constexpr int lookMilliseconds = 5;
 /// Reads that empty the largest pipe; more would come from somebody who outlived the worker.
@@ -59,7 +59,7 @@ class Conversation {
         : call_(call),
           stopNotice_(call.stop),
           lines_(call.progress),
-          chunk_(std::make_unique_for_overwrite<char[]>(chunkSize)) {}
+          chunk_(std::make_unique_for_overwrite<Chunk>()) {}
 
     std::string answer() {
         start();
@@ -163,9 +163,9 @@ class Conversation {
 
     /// One read; what came is in the chunk until the next.
     Reading readChunk(FileDescriptor& from, std::string_view& chunk) {
-        const auto count = ::read(from.number(), chunk_.get(), chunkSize);
+        const auto count = ::read(from.number(), chunk_->data(), chunk_->size());
         if (count > 0) {
-            chunk = std::string_view(chunk_.get(), static_cast<std::size_t>(count));
+            chunk = std::string_view(chunk_->data(), static_cast<std::size_t>(count));
             return Reading::more;
         }
         if (count < 0 && (errno == EAGAIN || errno == EINTR)) {
@@ -204,7 +204,7 @@ class Conversation {
     const WorkerCall& call_;
     StopNotice stopNotice_;
     ErrorLines lines_;
-    std::unique_ptr<char[]> chunk_;
+    std::unique_ptr<Chunk> chunk_;
     FileDescriptor inputEnd_;
     FileDescriptor outputEnd_;
     FileDescriptor errorsEnd_;

@@ -14,6 +14,8 @@ namespace trellant {
 
 namespace {
 
+constexpr auto npos = std::string_view::npos;
+
 /// The longest of the files has some two kilobytes.
 using Buffer = std::array<char, 8192>;
 
@@ -94,20 +96,20 @@ Membership membershipIn(std::string_view text) {
     while (!text.empty()) {
         const std::string_view line = nextLine(text);
         const std::size_t first = line.find(':');
-        const std::size_t second = first == line.npos ? line.npos : line.find(':', first + 1);
-        if (second == line.npos) {
+        const std::size_t second = first == npos ? npos : line.find(':', first + 1);
+        if (second == npos) {
             continue;
         }
         const std::string controllers =
             "," + std::string(line.substr(first + 1, second - first - 1)) + ",";
-        const bool namesMemory = controllers.find(",memory,") != controllers.npos;
+        const bool namesMemory = controllers.find(",memory,") != npos;
         if (namesMemory || (found.interface == nullptr && line.starts_with("0::"))) {
             found = {namesMemory ? &firstVersion : &secondVersion,
                      std::string(line.substr(second + 1))};
         }
     }
     // Outside of what is mounted here: only the topmost group can be asked.
-    if (found.path == "/" || found.path.find("/..") != std::string::npos) {
+    if (found.path == "/" || found.path.find("/..") != npos) {
         found.path.clear();
     }
     return found;
@@ -161,7 +163,7 @@ std::optional<std::uint64_t> controlGroupRoom(const std::string& membership,
             return least;
         }
         const std::size_t slash = path.find_last_of('/');
-        path.resize(slash == std::string::npos ? 0 : slash);
+        path.resize(slash == npos ? 0 : slash);
     }
 }
 

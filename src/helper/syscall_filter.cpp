@@ -117,7 +117,7 @@ class Filter {
 bool hasMemoryForRules() noexcept {
     constexpr std::size_t enough = 122'880;
     // Volatile, or a compiler may see that nothing is done with it and leave it out.
-    std::byte* volatile memory = new (std::nothrow) std::byte[enough];
+    auto* volatile memory = new (std::nothrow) std::byte[enough];
     const bool isThere = memory != nullptr;
     delete[] memory;
     return isThere;

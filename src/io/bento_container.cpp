@@ -31,6 +31,7 @@ BentoFooter readFooter(const RandomAccessFile& file) {
 BentoItemList readItems(const RandomAccessFile& file, const BentoFooter& footer,
                         EmptyPieces emptyPieces) {
     // Not zeroed first, as a vector would be: the table may have hundreds of megabytes.
+    // NOLINTNEXTLINE(modernize-avoid-c-arrays): only the file says how many.
     const auto storage = std::make_unique_for_overwrite<std::byte[]>(footer.tocSize);
     const std::span<std::byte> toc(storage.get(), footer.tocSize);
     preferLargePages(toc);

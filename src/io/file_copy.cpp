@@ -5,6 +5,7 @@
 #include <trellant/io/random_access_file.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <memory>
@@ -104,8 +105,8 @@ class Output {
   public:
     Output(int source, const std::string& path)
         : file_(source, path),
-          storage_(std::make_unique_for_overwrite<std::byte[]>(bufferSize + pageSize)),
-          buffer_(onPage(storage_.get())) {}
+          storage_(std::make_unique_for_overwrite<Storage>()),
+          buffer_(onPage(*storage_)) {}
 
     /// Bytes that went in so far.
     [[nodiscard]] std::uint64_t position() const noexcept { return written_ + filled_; }
@@ -138,14 +139,17 @@ class Output {
     void passedBy(std::uint64_t count) noexcept { written_ += count; }
 
   private:
-    static std::byte* onPage(std::byte* bytes) noexcept {
-        void* start = bytes;
-        std::size_t room = bufferSize + pageSize;
+    /// With room to begin the buffer on a page.
+    using Storage = std::array<std::byte, bufferSize + pageSize>;
+
+    static std::byte* onPage(Storage& storage) noexcept {
+        void* start = storage.data();
+        std::size_t room = storage.size();
         return static_cast<std::byte*>(std::align(pageSize, bufferSize, start, room));
     }
 
     NewFile file_;
-    std::unique_ptr<std::byte[]> storage_;
+    std::unique_ptr<Storage> storage_;
     /// Starts on a page: between pages the processor copies at twice the speed.
     std::byte* buffer_;
     std::size_t filled_ = 0;

@@ -63,6 +63,7 @@ constexpr std::array<char, 256> escapeLetters = [] {
 JsonWriter::JsonWriter(JsonSink& sink, std::size_t room)
     : sink_(sink),
       room_(std::max(room, shortBufferSize)),
+      // NOLINTNEXTLINE(modernize-avoid-c-arrays): the size is the caller's.
       buffer_(std::make_unique_for_overwrite<char[]>(room_)) {}
 
 void JsonWriter::flush() {

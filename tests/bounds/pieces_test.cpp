@@ -6,9 +6,33 @@
 #include "worker_fixture.h"
 
 #include <filesystem>
+#include <string>
+#include <vector>
 
 namespace trellant::testing {
 namespace {
+
+/// The media object of the small document.
+constexpr ObjectID onlyMedia = 2;
+
+/// Writes the document with audio for each of `media`: `pieces` times the same `size` zeros of the
+/// file, which take no room on the disk until they are taken out.
+void writeAudio(const std::string& path, OmfBuilder& omf, const std::vector<ObjectID>& media,
+                std::uint64_t size, std::uint64_t pieces) {
+    for (const ObjectID object : media) {
+        omf.at(object).without("OMFI:WAVE:AudioData");
+    }
+    const auto data = omf.container().propertyID("OMFI:WAVE:AudioData");
+    GrowingFile source(path, omf.image());
+    const auto offset = source.zeros(size);
+    for (const ObjectID object : media) {
+        source.object(object, data);
+        for (std::uint64_t i = 0; i < pieces; ++i) {
+            source.range(offset, size);
+        }
+    }
+    source.finish();
+}
 
 class Extraction : public BoundsTest {
   protected:
@@ -35,17 +59,9 @@ TEST_F(Extraction, OfAMillionPiecesTakesNoMoreThanLooking) {
 }
 
 TEST_F(Extraction, OfALongValueTakesNoMoreThanLooking) {
-    // A hole in the file, which is nowhere on the disk until it is taken out.
     constexpr std::uint64_t size = (sanitized ? 16 : 128) * mebibyte;
     OmfBuilder omf = oneClipDocument();
-    constexpr ObjectID media = 2;
-    omf.at(media).without("OMFI:WAVE:AudioData");
-    const auto data = omf.container().propertyID("OMFI:WAVE:AudioData");
-    GrowingFile source(file(), omf.image());
-    const auto offset = source.zeros(size);
-    source.object(media, data);
-    source.range(offset, size);
-    source.finish();
+    writeAudio(file(), omf, {onlyMedia}, size, 1);
     expectNoMore("LongValue", "Tone.wav", size, base);
 }
 
@@ -54,16 +70,7 @@ class AudioOverItself : public BoundsTest {
   protected:
     void write(std::uint64_t pieces) {
         OmfBuilder omf = oneClipDocument();
-        constexpr ObjectID media = 2;
-        omf.at(media).without("OMFI:WAVE:AudioData");
-        const auto data = omf.container().propertyID("OMFI:WAVE:AudioData");
-        GrowingFile source(file(), omf.image());
-        const auto offset = source.zeros(mebibyte);
-        source.object(media, data);
-        for (std::uint64_t i = 0; i < pieces; ++i) {
-            source.range(offset, mebibyte);
-        }
-        source.finish();
+        writeAudio(file(), omf, {onlyMedia}, mebibyte, pieces);
     }
     /// What may be taken out of a file of this size.
     [[nodiscard]] std::uint64_t most() const {
@@ -103,21 +110,11 @@ TEST_F(AudioOverItself, CountsOverAllMedia) {
         const MobID id{1, 2, number};
         omf.audioFile({.id = id, .name = "Take", .length = 480});
         media.push_back(omf.waveMedia(id, {}));
-        omf.at(media.back()).without("OMFI:WAVE:AudioData");
         clips.push_back(omf.clip({.length = 480, .source = id}));
     }
     const ObjectID slot = omf.slot({.editRate = Ratio{48'000}, .segment = omf.sequence(clips)});
     omf.composition({.name = "Piece", .slots = {slot}});
-    const auto data = omf.container().propertyID("OMFI:WAVE:AudioData");
-    GrowingFile source(file(), omf.image());
-    const auto offset = source.zeros(mebibyte);
-    for (const ObjectID object : media) {
-        source.object(object, data);
-        for (int i = 0; i < 10; ++i) {
-            source.range(offset, mebibyte);
-        }
-    }
-    source.finish();
+    writeAudio(file(), omf, media, mebibyte, 10);
     const auto run = extract(0);
     EXPECT_EQ(run.status, 2);
     EXPECT_NE(run.errors.find("embedded audio lies over itself"), std::string::npos) << run.errors;

@@ -293,6 +293,7 @@ TEST(EssenceOfMob, WithoutADescriptorIsNoneWithAReason) {
     EXPECT_EQ(essences.makeEssence({.mob = static_cast<OMFObject>(mob.id()), .mobID = {1, 2, 3}}),
               nullptr);
     EXPECT_EQ(notes.verlustGrund, "the Source Mob carries no media descriptor");
+    EXPECT_EQ(notes.reasonKind, LossKind::clipMediaUndescribed);
     EXPECT_THAT(essences.takeSorted(), IsEmpty());
 }
 

@@ -1,5 +1,4 @@
 // Where the losses of tracks, clips and sources lie, and what a place says beside its range.
-#include "essences.h"
 #include "placed_losses.h"
 
 #include <gmock/gmock.h>
@@ -161,21 +160,6 @@ TEST_F(LossPlaces, EachTrackHasItsOwn) {
     EXPECT_EQ(number(losses_.at(1).track->slot), second);
     EXPECT_EQ(losses_.at(1).track->index, 1);
     EXPECT_EQ(losses_.at(1).track->name, std::nullopt);
-}
-
-TEST(LossReasons, SourceWithoutADescriptorIsOneOfThem) {
-    const TemporaryDirectory folder;
-    OmfBuilder omf;
-    const ObjectBuilder mob = omf.sourceMob({.id = {1, 2, 3}, .name = "Bare"});
-    const OMFDocument document(writeFile(folder.file("song.omf"), omf.build()));
-    const OMFDocument::MobMap media = document.mediaDataMap();
-    const MappingPlaces places;
-    MappingNotes notes;
-    BoundedReads reads(document);
-    Essences essences(reads, media, places, notes);
-    EXPECT_EQ(essences.makeEssence({.mob = static_cast<OMFObject>(mob.id()), .mobID = {1, 2, 3}}),
-              nullptr);
-    EXPECT_EQ(notes.reasonKind, LossKind::clipMediaUndescribed);
 }
 
 /// The reads of a mapping with `count` clips that are lost, beside one that is not.

@@ -1,3 +1,4 @@
+#include "repair_lines.h"
 #include "sample_timeline.h"
 
 #include <trellant/model/validation.h>
@@ -41,17 +42,6 @@ std::string verdictAfter(const Change& change) {
     return verdict(timeline);
 }
 
-AAFTimecodeAddress uncheckedAddress(std::int64_t hours, std::int64_t minutes, std::int64_t seconds,
-                                    std::int64_t frames, const AAFTimecodeRate& rate) {
-    AAFTimecodeAddress address;
-    address.hours = hours;
-    address.minutes = minutes;
-    address.seconds = seconds;
-    address.frames = frames;
-    address.rate = rate;
-    return address;
-}
-
 AAFTimecodeRate uncheckedRate(AAFRational exact, std::int64_t nominal, bool drop) {
     AAFTimecodeRate rate;
     rate.exactRate = exact;
@@ -85,7 +75,7 @@ const std::vector<Case>& cases() {
         {"invalid-timecode-label (clock)", [](auto& t) { t.clock.timelineZero.hours = 24; }},
         {"skipped-drop-frame-label (clock)",
          [](auto& t) {
-             t.clock.timelineZero = uncheckedAddress(0, 1, 0, 1, AAFTimecodeRate::fps2997DF());
+             t.clock.timelineZero = test::label(0, 1, 0, 1, AAFTimecodeRate::fps2997DF());
          }},
         {"invalid-timecode-rate (program-start)",
          [](auto& t) { t.explicitProgramStart->rate.exactRate = AAFRational(-1); }},
@@ -215,7 +205,7 @@ TEST(TimelineValidation, SkippedDropFrameLabelOfTheClock) {
     const auto zeroAt = [](std::int64_t minutes, std::int64_t seconds, std::int64_t frames) {
         return verdictAfter([=](auto& t) {
             t.clock.timelineZero =
-                uncheckedAddress(0, minutes, seconds, frames, AAFTimecodeRate::fps2997DF());
+                test::label(0, minutes, seconds, frames, AAFTimecodeRate::fps2997DF());
         });
     };
     EXPECT_EQ(zeroAt(1, 0, 0), "skipped-drop-frame-label (clock)");
@@ -228,7 +218,7 @@ TEST(TimelineValidation, SkippedDropFrameLabelOfTheClock) {
 TEST(TimelineValidation, DropFrameAt60SkipsFourLabels) {
     const auto zeroAt = [](std::int64_t frames) {
         return verdictAfter([=](auto& t) {
-            t.clock.timelineZero = uncheckedAddress(0, 1, 0, frames, AAFTimecodeRate::fps5994DF());
+            t.clock.timelineZero = test::label(0, 1, 0, frames, AAFTimecodeRate::fps5994DF());
         });
     };
     EXPECT_EQ(zeroAt(3), "skipped-drop-frame-label (clock)");
@@ -255,7 +245,7 @@ TEST(TimelineValidation, TimecodeLabelsHaveLimits) {
                              std::int64_t frames) {
         return verdictAfter([=](auto& t) {
             t.clock.timelineZero =
-                uncheckedAddress(hours, minutes, seconds, frames, AAFTimecodeRate::fps25());
+                test::label(hours, minutes, seconds, frames, AAFTimecodeRate::fps25());
         });
     };
     EXPECT_EQ(withZero(23, 59, 59, 24), "valid");

@@ -109,6 +109,7 @@ class JsonWriter {
 
     JsonSink& sink_;
     std::size_t room_;
+    // NOLINTNEXTLINE(modernize-avoid-c-arrays): the size is the caller's.
     std::unique_ptr<char[]> buffer_;
     std::size_t used_ = 0;
     bool needsComma_ = false;
