@@ -4,8 +4,8 @@
 
 namespace trellant {
 
-/// Lowers the process's limit of data to what the machine has and to what its control groups leave
-/// it; never raises it. What cannot be found out limits nothing. The limit is inherited, so only an
+/// Lowers the process's limit of data to what the machine and its control groups have left; never
+/// raises it. What cannot be found out limits nothing. The limit is inherited, so only an
 /// executable's main calls this.
 void keepWithinMemory();
 

@@ -1,5 +1,5 @@
-#include "control_groups.h"
 #include "memory_allowance.h"
+#include "memory_room.h"
 
 #include <algorithm>
 #include <limits>
@@ -11,19 +11,24 @@ namespace trellant {
 
 namespace {
 
-/// A request for a small file ends well within this much. With less, the system decides.
-constexpr std::uint64_t leastAllowance = 16'777'216;
+/// What a process has when it starts; with less it could not even say that memory is out.
+constexpr std::uint64_t leastAllowance = 1'048'576;
 
 /// Of what a group has left, the system takes a part for page tables and for pages of files that
 /// are not written back yet: an eighth stays for these.
 constexpr std::uint64_t systemShare = 8;
+
+/// Nobody needs more: then what is free beside the pages of files will do, which costs no file to
+/// read.
+constexpr std::uint64_t plenty = 8'589'934'592;
 
 std::optional<std::uint64_t> memoryOfMachine() {
     struct sysinfo system {};
     if (::sysinfo(&system) != 0) {
         return std::nullopt;
     }
-    return (std::uint64_t{system.totalram} + system.totalswap) * system.mem_unit;
+    const std::uint64_t free = (std::uint64_t{system.freeram} + system.freeswap) * system.mem_unit;
+    return free >= plenty ? free : machineRoom("/proc/meminfo");
 }
 
 }  // namespace

@@ -7,6 +7,8 @@
 
 #include <trellant/io/bento_container.h>
 
+#include <atomic>
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -21,6 +23,13 @@ struct BentoContainer::Contents {
     /// Appends `length` bytes of the file, whose bounds it checks before growing `bytes`.
     void appendRange(Bytes& bytes, std::uint64_t offset, std::uint64_t length) const;
 
+    /// Counts a read of so many bytes from so many pieces, when it is long.
+    void countRead(std::uint64_t bytes, std::uint64_t pieces) const noexcept {
+        if (bytes > shortValue || pieces > fewPieces) {
+            longReads.fetch_add(bytes + pieces * bytesOfPiece, std::memory_order_relaxed);
+        }
+    }
+
     /// Fills `into` from byte `offset`; false when the file's errors stand in the way.
     [[nodiscard]] bool readSmall(std::uint64_t offset, std::span<std::byte> into) const noexcept;
 
@@ -28,10 +37,16 @@ struct BentoContainer::Contents {
     BentoFooter footer;
     BentoItemIndex index;
     mutable BentoBlockCache cache;
+    mutable std::atomic<std::uint64_t> longReads = 0;
     BentoNames propertyNames;
     BentoNames typeNames;
 
   private:
+    static constexpr std::uint64_t shortValue = 64;
+    static constexpr std::uint64_t fewPieces = 8;
+    /// What it takes to look at a piece, as bytes.
+    static constexpr std::uint64_t bytesOfPiece = 16;
+
     [[nodiscard]] BentoNames readNames(std::uint32_t property) const;
 };
 

@@ -48,6 +48,7 @@ Bytes BentoContainer::Contents::value(BentoItemIndex::Run run, std::int64_t maxB
     for (std::size_t place = run.begin; place < run.end; ++place) {
         total = saturatingSum(total, index.item(place).byteCount());
     }
+    countRead(0, run.end - run.begin);
     if (maxBytes < 0 || total > static_cast<std::uint64_t>(maxBytes)) {
         throw OMFIOError::unsupported("property value larger than in-memory limit");
     }
@@ -62,6 +63,7 @@ Bytes BentoContainer::Contents::value(BentoItemIndex::Run run, std::int64_t maxB
             append(bytes, item.immediate());
         }
     }
+    countRead(bytes.size(), 0);
     return bytes;
 }
 
@@ -100,7 +102,12 @@ std::optional<Bytes> BentoContainer::valuePrefix(std::uint32_t object,
             append(bytes, item.immediate().first(count));
         }
     }
+    contents_->countRead(bytes.size(), run.end - run.begin);
     return bytes;
+}
+
+std::uint64_t BentoContainer::longReads() const noexcept {
+    return contents_->longReads.load(std::memory_order_relaxed);
 }
 
 std::vector<BentoValueSegment> BentoContainer::valueSegments(std::uint32_t object,
@@ -168,6 +175,7 @@ std::optional<std::span<const std::byte>> BentoContainer::smallValue(
         const BentoPackedItem& item = contents_->index.item(place);
         const std::uint64_t count = item.byteCount();
         if (count > into.size() - filled) {
+            contents_->countRead(filled, place - run.begin);
             return std::nullopt;
         }
         const std::span<std::byte> target = into.subspan(filled, count);
@@ -179,6 +187,7 @@ std::optional<std::span<const std::byte>> BentoContainer::smallValue(
         }
         filled += count;
     }
+    contents_->countRead(filled, run.end - run.begin);
     return into.first(filled);
 }
 

@@ -2,6 +2,9 @@
 
 #include <trellant/io/errors.h>
 
+#include <limits>
+#include <string>
+
 namespace trellant {
 
 namespace {
@@ -14,8 +17,22 @@ void hold(std::uint64_t total, std::uint64_t most, const char* what) {
 
 }  // namespace
 
+std::uint64_t allowanceFor(const OMFDocument& document, std::uint64_t times, std::uint64_t extra) {
+    constexpr auto largest = std::numeric_limits<std::uint64_t>::max();
+    const std::uint64_t size = document.bento().file().size();
+    return size > (largest - extra) / times ? largest : times * size + extra;
+}
+
+BoundedReads::BoundedReads(const OMFDocument& document)
+    : document_(document),
+      maximumLongTextBytes_(allowanceFor(document, 1, extraLongTextBytes)),
+      maximumTextBytes_(allowanceFor(document, 1, extraTextBytes)),
+      maximumLongReads_(allowanceFor(document, timesTheFile, extraLongReads)),
+      longReadsBefore_(document.bento().longReads()) {}
+
 std::vector<OMFObject> BoundedReads::objectRefs(OMFObject object, OMFDocument::Candidates names) {
     auto references = document_.objectRefs(object, names);
+    checkWork();
     if (references.size() > longList) {
         countReferences(references.size());
     }
@@ -24,6 +41,7 @@ std::vector<OMFObject> BoundedReads::objectRefs(OMFObject object, OMFDocument::C
 
 std::optional<std::string> BoundedReads::string(OMFObject object, OMFDocument::Candidates names) {
     auto text = document_.string(object, names);
+    checkWork();
     if (text) {
         countText(text->size());
     }
@@ -39,9 +57,18 @@ void BoundedReads::countText(std::uint64_t size) {
     textBytes_ += size;
     if (size > longText) {
         longTextBytes_ += size;
-        hold(longTextBytes_, maximumLongTextBytes, " bytes of long texts");
+        hold(longTextBytes_, maximumLongTextBytes_, " bytes of long texts");
     }
     hold(textBytes_, maximumTextBytes_, " bytes of texts");
+}
+
+void BoundedReads::checkWork() const {
+    const std::uint64_t done = document_.bento().longReads() - longReadsBefore_;
+    if (done > maximumLongReads_) {
+        throw OMFIOError::unsupported("composition asks for more than " +
+                                      std::to_string(maximumLongReads_) +
+                                      " bytes of its long values");
+    }
 }
 
 }  // namespace trellant

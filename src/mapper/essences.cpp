@@ -5,7 +5,6 @@
 #include <trellant/model/url.h>
 
 #include <algorithm>
-#include <limits>
 
 namespace trellant {
 
@@ -168,16 +167,12 @@ Essences::FoundMedia Essences::extract(const EmbeddedMedia& media, std::string_v
 
 void Essences::countExtracted(const EmbeddedMedia& media) {
     const auto& bento = document_.bento();
-    const std::uint64_t fileSize = bento.file().size();
-    constexpr auto largest = std::numeric_limits<std::uint64_t>::max();
-    const std::uint64_t most = fileSize > (largest - freeBytes) / mostTimesTheFile
-                                   ? largest
-                                   : mostTimesTheFile * fileSize + freeBytes;
+    const std::uint64_t most = allowanceFor(document_, mostTimesTheFile, freeBytes);
     const std::uint64_t count = bento.copiedBytes(number(media.object), nameOf(media.data));
     if (count > most - extractedBytes_) {
         throw OMFIOError::unsupported("embedded audio lies over itself: more than " +
                                       std::to_string(most) + " bytes to extract from a file of " +
-                                      std::to_string(fileSize));
+                                      std::to_string(bento.file().size()));
     }
     extractedBytes_ += count;
 }

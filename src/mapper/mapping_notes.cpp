@@ -2,15 +2,28 @@
 
 #include <trellant/io/errors.h>
 
+#include <string>
+#include <utility>
+
 namespace trellant {
+
+void MappingNotes::count(std::uint64_t bytes) {
+    noteBytes_ += bytesOfNote + bytes;
+    if (noteBytes_ > maximumNoteBytes) {
+        throw OMFIOError::unsupported("composition gives more than " +
+                                      std::to_string(maximumNoteBytes) +
+                                      " bytes of losses and diagnostics");
+    }
+}
+
+void MappingNotes::diagnose(std::string line) {
+    count(line.size());
+    diagnostics_.push_back(std::move(line));
+}
 
 void MappingNotes::add(std::string_view id, AAFUnsupportedFeature::Severity severity,
                        const Loss& loss, std::string message, std::string at) {
-    recordBytes_ += message.size() + at.size();
-    if (recordBytes_ > maximumRecordBytes) {
-        throw OMFIOError::unsupported("composition loses more than records of " +
-                                      std::to_string(maximumRecordBytes) + " bytes can tell");
-    }
+    count(message.size() + at.size());
     unsupported_.push_back({.id = std::string(id) + std::to_string(unsupported_.size()),
                             .severity = severity,
                             .description = std::move(message),

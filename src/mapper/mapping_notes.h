@@ -28,10 +28,11 @@ class MappingNotes {
     /// A record's place in the list, to say more about it later.
     using RecordIndex = std::size_t;
 
-    /// Bytes of words and paths in all records. Shared subtrees let a file of a few kilobytes lose
-    /// millions of clips, each with a path of a kilobyte; a million losses of a real composition
-    /// take a tenth of this.
-    static constexpr std::uint64_t maximumRecordBytes = 1'073'741'824;
+    /// Bytes of all records and diagnostics, `bytesOfNote` for each and its words and path. Shared
+    /// subtrees let a file of a few kilobytes lose millions of clips, each with a path of a
+    /// kilobyte; a million losses of a real composition take a third of this.
+    static constexpr std::uint64_t maximumNoteBytes = 1'073'741'824;
+    static constexpr std::uint64_t bytesOfNote = 256;
 
     /// `placesLosses`: keep a place beside every record.
     explicit MappingNotes(bool placesLosses = false) : placesLosses_(placesLosses) {}
@@ -39,8 +40,8 @@ class MappingNotes {
     /// Records that material was dropped: "omf-loss-N", informational.
     void addLoss(const Loss& loss, std::string message, const ObjectPath& at);
     /// Records that material is not rendered as meant: "omf-unsupported-N", render-affecting.
-    /// N counts the records of both kinds. Neither removes duplicates. All that record throw
-    /// OMFIOError unsupported past `maximumRecordBytes`.
+    /// N counts the records of both kinds. Neither removes duplicates. All that record
+    /// or diagnose throw OMFIOError unsupported past `maximumNoteBytes`.
     void addUnsupported(const Loss& loss, std::string message, const ObjectPath& at);
     /// The same, unless an earlier call of this function recorded that path. Only this function
     /// writes such paths, so no other record can hold one. Nothing when it was recorded before.
@@ -61,7 +62,7 @@ class MappingNotes {
     /// Says why the clip in hand is lost.
     void giveReason(LossKind kind, std::string text);
 
-    void diagnose(std::string line) { diagnostics_.push_back(std::move(line)); }
+    void diagnose(std::string line);
 
     [[nodiscard]] const std::vector<std::string>& diagnostics() const noexcept {
         return diagnostics_;
@@ -77,6 +78,7 @@ class MappingNotes {
     LossKind reasonKind = LossKind::clipUnresolved;
 
   private:
+    void count(std::uint64_t bytes);
     void add(std::string_view id, AAFUnsupportedFeature::Severity severity, const Loss& loss,
              std::string message, std::string at);
 
@@ -89,7 +91,7 @@ class MappingNotes {
     std::vector<LossPlace> places_;
     std::vector<std::string> diagnostics_;
     std::unordered_set<std::string> pathsRecordedOnce_;
-    std::uint64_t recordBytes_ = 0;
+    std::uint64_t noteBytes_ = 0;
 };
 
 }  // namespace trellant

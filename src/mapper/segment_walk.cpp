@@ -8,6 +8,7 @@ namespace trellant {
 
 void SegmentWalk::countVisit() {
     ++visits_;
+    reads_.checkWork();
     if (visits_ > maximumVisits) {
         throw OMFIOError::unsupported("composition expands to more than " +
                                       std::to_string(maximumVisits) + " segments");

@@ -3,54 +3,10 @@
 #include "bounds_fixture.h"
 #include "worker_fixture.h"
 
-#include <filesystem>
-#include <fstream>
-#include <optional>
-#include <unistd.h>
-#include <utility>
+#include <trellant_testing/limited_group.h>
 
 namespace trellant::testing {
 namespace {
-
-/// A group below the topmost one of the first version, or of the second, removed at the end.
-class LimitedGroup {
-  public:
-    explicit LimitedGroup(std::uint64_t limit) {
-        for (const auto& [root, file] :
-             {std::pair("/sys/fs/cgroup/memory", "memory.limit_in_bytes"),
-              std::pair("/sys/fs/cgroup", "memory.max")}) {
-            const std::filesystem::path path =
-                std::filesystem::path(root) / ("trellant-test-" + std::to_string(::getpid()));
-            std::error_code failure;
-            if (!std::filesystem::create_directory(path, failure)) {
-                continue;
-            }
-            std::ofstream limitFile(path / file);
-            limitFile << limit << std::flush;
-            if (limitFile.good() && std::filesystem::exists(path / "cgroup.procs")) {
-                path_ = path;
-                return;
-            }
-            ::rmdir(path.c_str());
-        }
-    }
-    LimitedGroup(const LimitedGroup&) = delete;
-    LimitedGroup& operator=(const LimitedGroup&) = delete;
-    LimitedGroup(LimitedGroup&&) = delete;
-    LimitedGroup& operator=(LimitedGroup&&) = delete;
-    ~LimitedGroup() {
-        if (path_) {
-            ::rmdir(path_->c_str());
-        }
-    }
-
-    /// False where the test may make no groups.
-    [[nodiscard]] bool exists() const noexcept { return path_.has_value(); }
-    [[nodiscard]] std::string processes() const { return (*path_ / "cgroup.procs").string(); }
-
-  private:
-    std::optional<std::filesystem::path> path_;
-};
 
 class ControlGroup : public BoundsTest {
   protected:
@@ -76,7 +32,8 @@ class ControlGroup : public BoundsTest {
 
 TEST_F(ControlGroup, WithTooLittleMemoryIsALineAndAStatus) {
     // A million clips shared from one place take more than 400 MiB.
-    for (const std::uint64_t size : {20U, 32U, 64U, 100U, 128U, 200U, 256U, 300U, 400U}) {
+    for (const std::uint64_t size :
+         {8U, 10U, 12U, 14U, 16U, 20U, 32U, 64U, 100U, 128U, 200U, 256U, 300U, 400U}) {
         const LimitedGroup group(size * mebibyte);
         ASSERT_TRUE(group.exists());
         const auto starved = run("extractAndInspect", 0, group.processes());

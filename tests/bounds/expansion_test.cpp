@@ -111,7 +111,7 @@ TEST_F(Expansion, ToAMillionLongNamesEndsWithAGibibyteOfThem) {
     expectPeak(run, "LongNames", bound);
 }
 
-TEST_F(Expansion, ToMillionsOfLossesEndsWithAGibibyteOfRecords) {
+TEST_F(Expansion, ToMillionsOfLossesEndsWithAGibibyteOfThem) {
     // 22 sequences, each with the next twice, around what no program knows: 4,194,304 losses in
     // 8,388,608 places, each told with a path of 22 levels.
     ObjectID segment = omf_.segment("XYZW", 480);
@@ -119,15 +119,56 @@ TEST_F(Expansion, ToMillionsOfLossesEndsWithAGibibyteOfRecords) {
         segment = omf_.sequence({segment, segment});
     }
     write(segment);
-    // Each record has 34 bytes of words and 22 levels of at least 21, as "/SEQU[9]/component[0]";
-    // around these 128 in a list that doubles its room, and 80 for three texts.
+    // Each record has 34 bytes of words and 22 levels of at least 21, as "/SEQU[9]/component[0]",
+    // and counts 256 more; around these it takes 128 in a list that doubles its room, and 80 for
+    // three texts.
     constexpr std::uint64_t gibibyte = 1024 * mebibyte;
-    constexpr std::uint64_t bound = gibibyte + gibibyte / (34 + 22 * 21) * (3 * 128 + 80) + base;
+    constexpr std::uint64_t texts = 34 + 22 * 21;
+    constexpr std::uint64_t bound = gibibyte / (256 + texts) * (texts + 3 * 128 + 80) + base;
     const auto run = inspect(bound + addressBase);
     expectFailed(run, openingLines() + openSlotLines(),
-                 "Unsupported OMF/Bento feature: composition loses more than records of "
-                 "1073741824 bytes can tell");
+                 "Unsupported OMF/Bento feature: composition gives more than 1073741824 bytes of "
+                 "losses and diagnostics");
     expectPeak(run, "MillionsOfLosses", bound);
+}
+
+TEST_F(Expansion, ToMillionsOfClipsWithoutASourceEndsWithAGibibyteOfNotes) {
+    // Three million clips, each with a loss and a diagnostic.
+    const ObjectID lost = omf_.clip({.length = 480, .source = MobID{9, 9, 9}});
+    write(omf_.sequence({fan(lost, 6), fan(lost, 6), fan(lost, 6)}));
+    // Twice 256 are counted for each clip, and the words; it takes a draft of 104 in a list that
+    // doubles its room, three times 128 for the record in its list and 32 for the diagnostic in
+    // its, the words, and 112 around them.
+    constexpr std::uint64_t gibibyte = 1024 * mebibyte;
+    constexpr std::uint64_t bound =
+        3'000'000 * 2 * 104 + gibibyte + gibibyte / (2 * 256) * (3 * (128 + 32) + 112 - 512) + base;
+    const auto run = inspect(2 * bound + addressBase);
+    EXPECT_TRUE(run.errors.ends_with(
+        logLineText("Unsupported OMF/Bento feature: composition gives more than 1073741824 bytes "
+                    "of losses and diagnostics")))
+        << run.errors;
+    EXPECT_EQ(run.status, 2);
+    expectPeak(run, "ClipsWithoutASource", bound);
+}
+
+TEST_F(Expansion, OfLongRubbishInsteadOfNamesEndsSoon) {
+    // A name of a mebibyte of control characters, of which nothing stays, in a million places.
+    Bytes rubbish(mebibyte);
+    for (std::size_t i = 0; i < rubbish.size(); i += 2) {
+        rubbish[i] = std::byte{1};
+    }
+    const ObjectID unnamed = clip();
+    omf_.at(unnamed).bytes("OMFI:CPNT:Name", rubbish);
+    const ObjectID slot = omf_.slot({.editRate = Ratio{48'000}, .segment = fan(unnamed, 6)});
+    omf_.composition({.name = "Piece", .slots = {slot}});
+    writeFile(file(), omf_.build());
+    const auto run = inspect(0);
+    EXPECT_TRUE(run.errors.ends_with(
+        logLineText("Unsupported OMF/Bento feature: composition asks for more than " +
+                    std::to_string(2'147'483'648 + 16 * std::filesystem::file_size(file())) +
+                    " bytes of its long values")))
+        << run.errors;
+    EXPECT_EQ(run.status, 2);
 }
 
 TEST_F(Expansion, OfTheLongestListInItselfEndsWithItsSeventeenthCopy) {

@@ -7,9 +7,11 @@
 
 #include <cerrno>
 #include <cstdint>
+#include <fstream>
 #include <string>
 #include <sys/resource.h>
 #include <sys/sysinfo.h>
+#include <trellant_testing/limited_group.h>
 
 namespace trellant::testing {
 namespace {
@@ -20,10 +22,14 @@ std::string limitOfData() {
     return std::to_string(data.rlim_cur) + " of " + std::to_string(data.rlim_max);
 }
 
-/// The limit of data in a child that kept itself within what there is, after `limit` was set.
-std::string limitAfter(rlimit limit) {
+/// The limit of data in a child that kept itself within what there is, after `limit` was set and
+/// the group with the list `processes` entered, if any.
+std::string limitAfter(rlimit limit, const std::string& processes = {}) {
     return reportFromChild(
-        [limit] {
+        [limit, processes] {
+            if (!processes.empty()) {
+                std::ofstream(processes) << "0" << std::flush;
+            }
             if (::setrlimit(RLIMIT_DATA, &limit) != 0) {
                 return EINVAL;
             }
@@ -51,8 +57,28 @@ TEST_F(MemoryAllowance, IsNoMoreThanTheMachineHas) {
     const auto bytes = (std::uint64_t{machine.totalram} + machine.totalswap) * machine.mem_unit;
     const std::string limit = limitAfter(own_);
     EXPECT_LE(std::stoull(limit), bytes);
-    EXPECT_GE(std::stoull(limit), 16'777'216U);
+    EXPECT_GE(std::stoull(limit), 1'048'576U);
     EXPECT_TRUE(limit.ends_with(" of " + std::to_string(own_.rlim_max))) << limit;
+}
+
+TEST_F(MemoryAllowance, IsSevenEighthsOfWhatTheGroupHasLeft) {
+    constexpr std::uint64_t mebibyte = 1'048'576;
+    const LimitedGroup group(64 * mebibyte);
+    if (!group.exists()) {
+        GTEST_SKIP() << "needs the right to make control groups";
+    }
+    const auto limit = std::stoull(limitAfter(own_, group.processes()));
+    // The child itself takes some of it, pages that it shares with nobody.
+    EXPECT_LE(limit, 56 * mebibyte);
+    EXPECT_GE(limit, 48 * mebibyte);
+}
+
+TEST_F(MemoryAllowance, IsNeverTooLittleForAWord) {
+    const LimitedGroup group(4 * 1'048'576);
+    if (!group.exists()) {
+        GTEST_SKIP() << "needs the right to make control groups";
+    }
+    EXPECT_GE(std::stoull(limitAfter(own_, group.processes())), 1'048'576U);
 }
 
 TEST_F(MemoryAllowance, LeavesASmallerLimitAlone) {

@@ -52,21 +52,79 @@ TEST_F(Bounds, LongListsCountShortOnesDoNot) {
 }
 
 TEST_F(Bounds, LongTextsCountShortOnesDoNot) {
-    // 268435456 bytes hold 256 texts of a mebibyte less one byte, with 256 bytes left.
+    // 268435456 bytes and the file's own hold 257 texts of a mebibyte less one byte, not 258.
     const ObjectBuilder longName = omf_.track({.name = std::string(1'048'575, 'a')});
     const ObjectBuilder shortName = omf_.track({.name = std::string(4096, 'b')});
     open();
+    const std::uint64_t fileSize = document_->bento().file().size();
+    ASSERT_LT(fileSize, 1'048'575U + 8'192U);
     BoundedReads reads(*document_);
     const auto name = [&](const ObjectBuilder& track) {
         return reads.string(static_cast<OMFObject>(track.id()), {OMFProperty::trackName});
     };
-    for (int i = 0; i < 256; ++i) {
+    for (int i = 0; i < 257; ++i) {
         ASSERT_EQ(name(longName).value_or("").size(), 1'048'575U);
     }
     EXPECT_EQ(refusal([&] { return name(longName); }),
-              "Unsupported OMF/Bento feature: composition holds more than 268435456 bytes of long "
-              "texts");
+              "Unsupported OMF/Bento feature: composition holds more than " +
+                  std::to_string(268'435'456 + fileSize) + " bytes of long texts");
     EXPECT_EQ(refusal([&] { return name(shortName); }), "");
+}
+
+TEST_F(Bounds, ReadsThatGiveNothingCountToo) {
+    // A text that ends at once, and a list of nothing, each a piece of a mebibyte.
+    const ObjectBuilder silent = omf_.track({});
+    omf_.at(silent).bytes("OMFI:TRKD:TrackName", Bytes(1'048'576));
+    const ObjectBuilder hollow = omf_.sequence({});
+    omf_.at(hollow).without("OMFI:SEQU:Components");
+    omf_.at(hollow).bytes("OMFI:SEQU:Components", Bytes(1'048'576));
+    open();
+    BoundedReads reads(*document_);
+    const std::uint64_t most = 2'147'483'648 + 16 * document_->bento().file().size();
+    const auto name = [&] {
+        return reads.string(static_cast<OMFObject>(silent.id()), {OMFProperty::trackName});
+    };
+    const auto list = [&] {
+        return reads.objectRefs(static_cast<OMFObject>(hollow.id()),
+                                {OMFProperty::sequenceComponents});
+    };
+    // Bytes, and 16 for the piece.
+    const std::uint64_t fitting = most / (1'048'576 + 16);
+    for (std::uint64_t i = 0; i + 1 < fitting; i += 2) {
+        ASSERT_EQ(name(), std::nullopt);
+        ASSERT_TRUE(list().empty());
+    }
+    if (fitting % 2 != 0) {
+        ASSERT_EQ(name(), std::nullopt);
+    }
+    const std::string expected = "Unsupported OMF/Bento feature: composition asks for more than " +
+                                 std::to_string(most) + " bytes of its long values";
+    EXPECT_EQ(refusal(list), expected);
+    EXPECT_EQ(refusal(name), expected);
+}
+
+TEST_F(Bounds, ValuesOfManyEmptyPiecesCountByTheirPieces) {
+    // 100000 ranges of nothing: 1600000 for each look at the length.
+    const ObjectBuilder clip = omf_.filler(1);
+    omf_.at(clip).without("OMFI:CPNT:Length");
+    for (int i = 0; i < 100'000; ++i) {
+        omf_.container().addItem(clip.id(), "OMFI:CPNT:Length", BentoRange{0, 0});
+    }
+    open();
+    BoundedReads reads(*document_);
+    const std::uint64_t most = 2'147'483'648 + 16 * document_->bento().file().size();
+    const auto look = [&] {
+        EXPECT_EQ(
+            document_->int64(static_cast<OMFObject>(clip.id()), {OMFProperty::componentLength}),
+            std::nullopt);
+        reads.checkWork();
+        return 0;
+    };
+    for (std::uint64_t i = 0; i < most / 1'600'000; ++i) {
+        ASSERT_EQ(look(), 0);
+    }
+    EXPECT_EQ(refusal(look), "Unsupported OMF/Bento feature: composition asks for more than " +
+                                 std::to_string(most) + " bytes of its long values");
 }
 
 TEST_F(Bounds, AllTextsCountLongOrShort) {

@@ -88,6 +88,10 @@ class BentoContainer {
     [[nodiscard]] std::optional<std::span<const std::byte>> smallValue(
         std::uint32_t object, std::uint32_t property, std::span<std::byte> into) const noexcept;
 
+    /// How much was read of long values so far: bytes, and 16 for each piece, of all reads above
+    /// of more than 64 bytes or 8 pieces. For those who bound the work that a file asks for.
+    [[nodiscard]] std::uint64_t longReads() const noexcept;
+
   private:
     struct Contents;
     std::unique_ptr<Contents> contents_;

@@ -1,4 +1,4 @@
-#include "control_groups.h"
+#include "memory_room.h"
 
 #include <algorithm>
 #include <array>
@@ -165,6 +165,27 @@ std::optional<std::uint64_t> controlGroupRoom(const std::string& membership,
         const std::size_t slash = path.find_last_of('/');
         path.resize(slash == npos ? 0 : slash);
     }
+}
+
+std::optional<std::uint64_t> machineRoom(const std::string& statistics) {
+    constexpr std::uint64_t kibibyte = 1024;
+    Buffer buffer;
+    std::optional<std::uint64_t> available;
+    std::uint64_t swap = 0;
+    for (auto rest = textOf(statistics, buffer); !rest.empty();) {
+        std::string_view line = nextLine(rest);
+        const bool isAvailable = line.starts_with("MemAvailable:");
+        if (!isAvailable && !line.starts_with("SwapFree:")) {
+            continue;
+        }
+        line.remove_prefix(line.find(':') + 1);
+        line.remove_prefix(std::min(line.find_first_not_of(' '), line.size()));
+        const auto count = numberOf(line);
+        if (count && *count < noLimit / kibibyte) {
+            (isAvailable ? available.emplace() : swap) = *count * kibibyte;
+        }
+    }
+    return available ? std::optional(*available + swap) : std::nullopt;
 }
 
 }  // namespace trellant

@@ -1,5 +1,5 @@
 // What control groups leave a process, from files as the kernel writes them.
-#include "control_groups.h"
+#include "memory_room.h"
 
 #include <gtest/gtest.h>
 
@@ -130,6 +130,34 @@ TEST_F(ControlGroups, WithDamagedNumbersLimitNothing) {
     write("a/memory.stat",
           "inactive_file 18446744073709551615\nactive_file 18446744073709551615\nfile\n 5\n\n");
     EXPECT_EQ(room("0::/a"), 1'000U);
+}
+
+class Machine : public ::testing::Test {
+  protected:
+    [[nodiscard]] std::optional<std::uint64_t> room(std::string_view statistics) const {
+        std::ofstream(folder_.path() / "statistics", std::ios::binary) << statistics;
+        return machineRoom(folder_.file("statistics"));
+    }
+
+  private:
+    TemporaryDirectory folder_;
+};
+
+TEST_F(Machine, HasWhatIsAvailableAndSwap) {
+    EXPECT_EQ(room("MemTotal:        8000000 kB\nMemFree:          100000 kB\n"
+                   "MemAvailable:    3000000 kB\nBuffers:           5 kB\nSwapTotal:   2000 kB\n"
+                   "SwapFree:           1000 kB\n"),
+              3'001'000U * 1024U);
+    EXPECT_EQ(room("MemAvailable: 7 kB"), 7U * 1024U);
+}
+
+TEST_F(Machine, ThatDoesNotSayLimitsNothing) {
+    EXPECT_EQ(room("MemTotal: 8000000 kB\nSwapFree: 1000 kB\n"), std::nullopt);
+    EXPECT_EQ(room("MemAvailable: many kB\n"), std::nullopt);
+    EXPECT_EQ(room("MemAvailable:\n"), std::nullopt);
+    EXPECT_EQ(room("MemAvailable: 18446744073709551615 kB\n"), std::nullopt);
+    EXPECT_EQ(room(""), std::nullopt);
+    EXPECT_EQ(machineRoom("/nowhere"), std::nullopt);
 }
 
 }  // namespace

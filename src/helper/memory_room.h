@@ -1,4 +1,4 @@
-// What the control groups of a process leave it of memory.
+// What memory the machine and the control groups of a process have left.
 #pragma once
 
 #include <cstdint>
@@ -13,5 +13,9 @@ namespace trellant {
 /// (/sys/fs/cgroup), in either version of their interface.
 [[nodiscard]] std::optional<std::uint64_t> controlGroupRoom(const std::string& membership,
                                                             const std::string& root);
+
+/// Bytes that the machine can give without ending anybody, and of swap, as the file `statistics`
+/// (/proc/meminfo) says. Absent where it does not.
+[[nodiscard]] std::optional<std::uint64_t> machineRoom(const std::string& statistics);
 
 }  // namespace trellant
