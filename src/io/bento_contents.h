@@ -23,10 +23,12 @@ struct BentoContainer::Contents {
     /// Appends `length` bytes of the file, whose bounds it checks before growing `bytes`.
     void appendRange(Bytes& bytes, std::uint64_t offset, std::uint64_t length) const;
 
-    /// Counts a read of so many bytes from so many pieces, when it is long.
+    /// Counts what was read, if it was long: bytes, and pieces looked at.
     void countRead(std::uint64_t bytes, std::uint64_t pieces) const noexcept {
-        if (bytes > shortValue || pieces > fewPieces) {
-            longReads.fetch_add(bytes + pieces * bytesOfPiece, std::memory_order_relaxed);
+        const std::uint64_t work =
+            (bytes > shortValue ? bytes : 0) + (pieces > fewPieces ? pieces * bytesOfPiece : 0);
+        if (work > 0) {
+            longReads.fetch_add(work, std::memory_order_relaxed);
         }
     }
 

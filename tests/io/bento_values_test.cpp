@@ -11,6 +11,7 @@
 #include <trellant_testing/byte_writer.h>
 #include <trellant_testing/container_builder.h>
 #include <trellant_testing/temporary_directory.h>
+#include <utility>
 #include <vector>
 
 namespace trellant {
@@ -265,6 +266,35 @@ TEST_F(BentoValues, AValueOfJustAReferenceListHasNothingToCopy) {
     EXPECT_TRUE(container.valueSegments(1, "OMFI:A").empty());
     EXPECT_FALSE(container.copyValue(1, "OMFI:A", folder_.file("copy")));
     EXPECT_FALSE(fs::exists(folder_.file("copy")));
+}
+
+TEST_F(BentoValues, LongReadsAreCounted) {
+    builder_.setInFile(1, "OMFI:A", patternBytes(64));
+    builder_.setInFile(2, "OMFI:A", patternBytes(65));
+    for (int piece = 0; piece < 9; ++piece) {
+        builder_.addItem(3, "OMFI:A", BentoRange{0, 0});
+    }
+    const BentoContainer& container = open();
+    std::uint64_t before = container.longReads();
+    const auto counted = [&] {
+        const std::uint64_t after = container.longReads();
+        return after - std::exchange(before, after);
+    };
+    ASSERT_TRUE(container.valueData(1, "OMFI:A").has_value());
+    EXPECT_EQ(small(container, 1, "OMFI:A", 64), patternBytes(64));
+    EXPECT_EQ(counted(), 0U);
+    ASSERT_TRUE(container.valueData(2, "OMFI:A").has_value());
+    EXPECT_EQ(counted(), 65U);
+    ASSERT_TRUE(container.valuePrefix(2, "OMFI:A", 65).has_value());
+    EXPECT_EQ(counted(), 65U);
+    EXPECT_EQ(small(container, 2, "OMFI:A", 65), patternBytes(65));
+    EXPECT_EQ(counted(), 65U);
+    EXPECT_EQ(small(container, 2, "OMFI:A", 64), std::nullopt);
+    EXPECT_EQ(counted(), 0U);
+    EXPECT_EQ(small(container, 3, "OMFI:A", 4), Bytes{});
+    EXPECT_EQ(counted(), 144U);
+    EXPECT_EQ(container.valueData(3, "OMFI:A"), Bytes{});
+    EXPECT_EQ(counted(), 144U);
 }
 
 TEST_F(BentoValues, BytesToCopyAreThoseOfAllPieces) {

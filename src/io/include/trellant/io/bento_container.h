@@ -88,8 +88,9 @@ class BentoContainer {
     [[nodiscard]] std::optional<std::span<const std::byte>> smallValue(
         std::uint32_t object, std::uint32_t property, std::span<std::byte> into) const noexcept;
 
-    /// How much was read of long values so far: bytes, and 16 for each piece, of all reads above
-    /// of more than 64 bytes or 8 pieces. For those who bound the work that a file asks for.
+    /// How much was read of long values so far, by all reads above: the bytes of those of more than
+    /// 64, and 16 for each piece where there are more than 8. For those who bound the work that a
+    /// file asks for.
     [[nodiscard]] std::uint64_t longReads() const noexcept;
 
   private:
