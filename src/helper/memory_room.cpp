@@ -70,7 +70,7 @@ struct Interface {
     std::array<std::string_view, 3> reclaimable;
 };
 
-constexpr std::string_view statistics = "/memory.stat";
+constexpr std::string_view groupStatistics = "/memory.stat";
 constexpr Interface firstVersion{.folder = "/memory",
                                  .limit = "/memory.limit_in_bytes",
                                  .usage = "/memory.usage_in_bytes",
@@ -118,7 +118,7 @@ Membership membershipIn(std::string_view text) {
 std::uint64_t reclaimable(const std::string& group, const Interface& interface) {
     Buffer buffer;
     std::uint64_t total = 0;
-    for (auto rest = textOf(group + std::string(statistics), buffer); !rest.empty();) {
+    for (auto rest = textOf(group + std::string(groupStatistics), buffer); !rest.empty();) {
         const std::string_view line = nextLine(rest);
         const std::size_t space = std::min(line.find(' '), line.size());
         const auto& names = interface.reclaimable;
