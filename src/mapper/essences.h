@@ -28,8 +28,8 @@ class Essences {
 
     /// The essence of a source, made at the first call for its mob; null (with the reason in the
     /// notes) when the mob describes no media. An essence whose media cannot be found is returned
-    /// without a file. Throws what the copy out of the container throws, and
-    /// unsupported for a file whose embedded audio, lying over itself, would fill a disk.
+    /// without a file. Throws what the copy out of the container throws, and unsupported for a file
+    /// whose embedded audio, lying over itself, would fill a disk.
     [[nodiscard]] const AAFSourceEssence* makeEssence(const ResolvedSource& source);
 
     /// All essences made, by ascending id.
