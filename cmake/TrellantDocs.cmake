@@ -2,7 +2,7 @@
 find_package(Doxygen QUIET)
 if(DOXYGEN_FOUND)
     set(trellant_docs_input "")
-    foreach(folder model io omf mapper protocol client)
+    foreach(folder base json model io omf mapper protocol client)
         string(APPEND trellant_docs_input " \"${PROJECT_SOURCE_DIR}/src/${folder}/include\"")
     endforeach()
     string(APPEND trellant_docs_input " \"${PROJECT_BINARY_DIR}/include\"")

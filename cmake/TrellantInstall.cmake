@@ -9,7 +9,7 @@ set(trellant_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/trellant)
 set(trellant_pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 install(TARGETS
-        trellant_model trellant_io trellant_omf trellant_mapper trellant_protocol trellant_client
+        trellant_base trellant_json trellant_model trellant_io trellant_omf trellant_mapper trellant_protocol trellant_client
         trellant_reader trellant-omf
     EXPORT trellantTargets
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
@@ -18,7 +18,7 @@ install(TARGETS
     FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT BUILD_SHARED_LIBS AND CMAKE_OBJCOPY)
     set(trellant_archives "")
-    foreach(library model io omf mapper protocol client)
+    foreach(library base json model io omf mapper protocol client)
         list(APPEND trellant_archives
             "\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/$<TARGET_FILE_NAME:trellant_${library}>")
     endforeach()

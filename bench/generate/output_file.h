@@ -2,7 +2,7 @@
 // whatever the size of the file.
 #pragma once
 
-#include <trellant/io/byte_order.h>
+#include <trellant/base/byte_order.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -2,7 +2,7 @@
 #include "require.h"
 #include "targets.h"
 
-#include <trellant/io/text.h>
+#include <trellant/base/text.h>
 #include <trellant/omf/audio_probe.h>
 
 namespace trellant::fuzzing {

@@ -2,9 +2,9 @@
 #include "require.h"
 #include "targets.h"
 
+#include <trellant/base/text.h>
 #include <trellant/io/bento_container.h>
 #include <trellant/io/errors.h>
-#include <trellant/io/text.h>
 
 #include <algorithm>
 #include <array>

@@ -2,8 +2,8 @@
 #include "require.h"
 #include "targets.h"
 
+#include <trellant/base/text.h>
 #include <trellant/io/errors.h>
-#include <trellant/io/text.h>
 #include <trellant/mapper/compositions.h>
 #include <trellant/omf/document.h>
 

@@ -4,8 +4,8 @@
 #include "require.h"
 #include "targets.h"
 
-#include <trellant/io/text.h>
-#include <trellant/model/url.h>
+#include <trellant/base/text.h>
+#include <trellant/base/url.h>
 
 #include <filesystem>
 #include <string>

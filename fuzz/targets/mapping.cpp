@@ -5,10 +5,10 @@
 #include "round_trip.h"
 #include "targets.h"
 
+#include <trellant/base/text.h>
 #include <trellant/io/errors.h>
-#include <trellant/io/text.h>
 #include <trellant/mapper/mapper.h>
-#include <trellant/model/json_encode.h>
+#include <trellant/model/timeline_json.h>
 #include <trellant/protocol/messages.h>
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "require.h"
 #include "targets.h"
 
-#include <trellant/io/text.h>
+#include <trellant/base/text.h>
 #include <trellant/protocol/messages.h>
 
 namespace trellant::fuzzing {

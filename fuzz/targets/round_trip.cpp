@@ -3,10 +3,9 @@
 #include "require.h"
 
 #include <trellant/model/audibility.h>
-#include <trellant/model/json_decode.h>
-#include <trellant/model/json_encode.h>
 #include <trellant/model/record_fields.h>
 #include <trellant/model/repair.h>
+#include <trellant/model/timeline_json.h>
 #include <trellant/model/validation.h>
 
 namespace trellant::fuzzing {

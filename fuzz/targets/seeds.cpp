@@ -6,8 +6,8 @@
 #include "targets.h"
 
 #include <trellant/mapper/mapper.h>
-#include <trellant/model/json_encode.h>
 #include <trellant/model/record_fields.h>
+#include <trellant/model/timeline_json.h>
 #include <trellant/protocol/messages.h>
 
 #include <trellant_testing/aiff_builder.h>

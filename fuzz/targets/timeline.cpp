@@ -2,9 +2,9 @@
 #include "round_trip.h"
 #include "targets.h"
 
-#include <trellant/io/text.h>
-#include <trellant/model/json_decode.h>
+#include <trellant/base/text.h>
 #include <trellant/model/record_fields.h>
+#include <trellant/model/timeline_json.h>
 
 namespace trellant::fuzzing {
 

@@ -2,9 +2,9 @@
 // console; nothing but OutputClosed is thrown for it.
 #pragma once
 
-#include "console.h"
-#include "exit_status.h"
 #include "options.h"
+#include "terminal/console.h"
+#include "terminal/exit_status.h"
 
 #include <stop_token>
 

@@ -1,9 +1,9 @@
 // trellant: the command for people.
 #include "commands.h"
-#include "dump.h"
+#include "dump/dump.h"
 #include "extract/extract.h"
-#include "inspection.h"
-#include "interrupts.h"
+#include "look/inspection.h"
+#include "terminal/interrupts.h"
 
 #include <exception>
 #include <sstream>
@@ -26,13 +26,8 @@ ExitStatus perform(const Call& call, Console& console) {
                 return runList(options, console, stop);
             } else if constexpr (std::is_same_v<Options, ValidateOptions>) {
                 return runValidate(options, console);
-            } else if constexpr (std::is_same_v<Options, DumpCall>) {
-                return runDump({.file = options.file,
-                                .toc = options.toc,
-                                .object = options.object,
-                                .path = options.path,
-                                .all = options.all},
-                               console);
+            } else if constexpr (std::is_same_v<Options, DumpOptions>) {
+                return runDump(options, console);
             } else {
                 static_assert(std::is_same_v<Options, ExtractCall>);
                 const Cancellable heeded;

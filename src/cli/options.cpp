@@ -1,6 +1,6 @@
 #include "options.h"
 
-#include <trellant/model/printable_text.h>
+#include <trellant/base/printable_text.h>
 #include <trellant/version.h>
 
 #include <CLI/CLI.hpp>
@@ -277,7 +277,7 @@ class Parser {
     InfoOptions infoOptions_;
     ListOptions listOptions_;
     ExtractCall extractCall_;
-    DumpCall dumpCall_;
+    DumpOptions dumpCall_;
     ValidateOptions validateOptions_;
     bool quiet_ = false;
     bool verbose_ = false;

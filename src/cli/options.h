@@ -1,35 +1,19 @@
 // The command line, read.
 #pragma once
 
-#include "console.h"
-#include "exit_status.h"
+#include "dump/dump.h"
+#include "extract/extract.h"
+#include "look/fail_on.h"
+#include "terminal/console.h"
+#include "terminal/destination.h"
+#include "terminal/exit_status.h"
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <variant>
 #include <vector>
 
 namespace trellant::cli {
-
-/// Which losses make a command end with ExitStatus::lossesFound.
-enum class FailOn {
-    nothing,
-    /// An audio file was not found.
-    missing,
-    /// Something was kept that does not sound as meant.
-    render,
-    /// Any of both, or anything dropped.
-    any
-};
-
-/// Where the data of a command goes.
-struct Destination {
-    /// A file, or "-" for standard output.
-    std::string path = "-";
-    /// An existing file may be replaced.
-    bool force = false;
-};
 
 struct InfoOptions {
     std::vector<std::string> files;
@@ -50,31 +34,13 @@ struct ListOptions {
     Destination destination;
 };
 
-struct ExtractCall {
-    std::string file;
-    std::string directory;
-    std::vector<std::string> mediaFolders;
-    bool wav = false;
-    bool force = false;
-    bool json = false;
-    FailOn failOn = FailOn::nothing;
-};
-
-struct DumpCall {
-    std::string file;
-    bool toc = false;
-    std::optional<std::uint32_t> object;
-    std::optional<std::string> path;
-    bool all = false;
-};
-
 struct ValidateOptions {
     /// "-" is standard input.
     std::vector<std::string> files;
     bool json = false;
 };
 
-using Call = std::variant<InfoOptions, ListOptions, ExtractCall, DumpCall, ValidateOptions>;
+using Call = std::variant<InfoOptions, ListOptions, ExtractCall, DumpOptions, ValidateOptions>;
 
 struct CommandLine {
     Verbosity verbosity = Verbosity::normal;

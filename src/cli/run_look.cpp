@@ -1,13 +1,13 @@
 // `trellant info` and `trellant list`.
 #include "commands.h"
-#include "deliver.h"
-#include "info.h"
-#include "looking.h"
-#include "loss_blocks.h"
-#include "rows.h"
-#include "timeline_text.h"
+#include "look/info.h"
+#include "look/looking.h"
+#include "look/loss_blocks.h"
+#include "look/rows.h"
+#include "look/timeline_text.h"
+#include "terminal/deliver.h"
 
-#include <trellant/model/precondition.h>
+#include <trellant/base/precondition.h>
 
 #include <algorithm>
 

@@ -1,13 +1,14 @@
 // `trellant validate`: is this JSON a timeline that programs may rely on?
-#include "changes.h"
 #include "commands.h"
+#include "look/changes.h"
 
+#include <trellant/base/printable_text.h>
+#include <trellant/base/text.h>
 #include <trellant/io/errors.h>
 #include <trellant/io/random_access_file.h>
-#include <trellant/model/json_decode.h>
-#include <trellant/model/json_writer.h>
-#include <trellant/model/printable_text.h>
+#include <trellant/json/json_writer.h>
 #include <trellant/model/repair.h>
+#include <trellant/model/timeline_json.h>
 #include <trellant/model/validation.h>
 #include <trellant/protocol/messages.h>
 
@@ -126,7 +127,7 @@ std::string forPrograms(const std::string& file, const Finding& finding) {
         writer.string(value);
     };
     writer.beginObject();
-    text("file", isWellFormedText(file) ? file : printableText(file, file.size()));
+    text("file", isValidUTF8(file) ? file : printableText(file, file.size()));
     writer.plainKey("valid");
     writer.boolean(finding.valid);
     if (finding.failure) {

@@ -1,5 +1,5 @@
+#include <trellant/base/executable_location.h>
 #include <trellant/client/worker_client.h>
-#include <trellant/model/executable_location.h>
 
 #include <array>
 #include <string_view>

@@ -1,8 +1,8 @@
 #include "child_process.h"
 
+#include <trellant/base/printable_text.h>
+#include <trellant/base/system_error_text.h>
 #include <trellant/client/errors.h>
-#include <trellant/model/printable_text.h>
-#include <trellant/model/system_error_text.h>
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,7 @@
 #include "error_lines.h"
 
-#include <trellant/model/printable_text.h>
+#include <trellant/base/printable_text.h>
+#include <trellant/base/text.h>
 #include <trellant/protocol/lines.h>
 
 #include <algorithm>
@@ -21,7 +22,7 @@ std::optional<AAFWorkerProtocol::Progress> progressIn(std::string_view json) {
 }  // namespace
 
 void ErrorLines::take(std::string_view chunk) {
-    if (!isWellFormedText(chunk)) {
+    if (!isValidUTF8(chunk)) {
         return;
     }
     while (!chunk.empty()) {

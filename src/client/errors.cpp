@@ -1,5 +1,5 @@
+#include <trellant/base/localization.h>
 #include <trellant/client/errors.h>
-#include <trellant/model/localization.h>
 
 #include <utility>
 

@@ -1,7 +1,7 @@
 #include "file_descriptor.h"
 
+#include <trellant/base/system_error_text.h>
 #include <trellant/client/errors.h>
-#include <trellant/model/system_error_text.h>
 
 #include <array>
 #include <cerrno>

@@ -4,7 +4,7 @@
 #include "error_lines.h"
 #include "file_descriptor.h"
 
-#include <trellant/model/system_error_text.h>
+#include <trellant/base/system_error_text.h>
 
 #include <array>
 #include <cerrno>

@@ -1,9 +1,10 @@
 #include "worker_call.h"
 
+#include <trellant/base/printable_text.h>
+#include <trellant/base/system_error_text.h>
+#include <trellant/base/text.h>
+#include <trellant/base/url.h>
 #include <trellant/client/worker_client.h>
-#include <trellant/model/printable_text.h>
-#include <trellant/model/system_error_text.h>
-#include <trellant/model/url.h>
 #include <trellant/model/validation.h>
 
 #include <algorithm>
@@ -49,11 +50,11 @@ class SignalsBlocked {
 
 std::string encoded(const Request& request) {
     for (const std::string* text : {&request.aafPath, &request.workDirectory}) {
-        if (!isWellFormedText(*text)) {
+        if (!isValidUTF8(*text)) {
             failText(*text);
         }
     }
-    if (request.mediaSearchDirectory && !isWellFormedText(*request.mediaSearchDirectory)) {
+    if (request.mediaSearchDirectory && !isValidUTF8(*request.mediaSearchDirectory)) {
         failText(*request.mediaSearchDirectory);
     }
     return encodeRequest(request);

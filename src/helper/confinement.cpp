@@ -2,7 +2,7 @@
 
 #include "confinement_layers.h"
 
-#include <trellant/model/system_error_text.h>
+#include <trellant/base/system_error_text.h>
 
 #include <cstdlib>
 #include <string_view>

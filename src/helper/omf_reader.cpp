@@ -2,9 +2,9 @@
 
 #include "directories.h"
 
+#include <trellant/base/url.h>
 #include <trellant/io/errors.h>
 #include <trellant/mapper/mapper.h>
-#include <trellant/model/url.h>
 #include <trellant/omf/document.h>
 
 #include <cerrno>

@@ -2,7 +2,7 @@
 // nothing waits when the process ends.
 #pragma once
 
-#include <trellant/model/json_writer.h>
+#include <trellant/json/json_writer.h>
 
 #include <cstdint>
 #include <string>

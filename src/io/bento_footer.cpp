@@ -17,8 +17,7 @@
 //   16      8     table size
 #include "bento_footer.h"
 
-#include "byte_load.h"
-
+#include <trellant/base/byte_load.h>
 #include <trellant/io/errors.h>
 
 #include <algorithm>

@@ -16,8 +16,8 @@
 //   24      0        end of block: the table goes on at the next block boundary
 //   25, 26  16       range: offset (8), length (8); 26 continued
 #include "bento_toc.h"
-#include "byte_load.h"
 
+#include <trellant/base/byte_load.h>
 #include <trellant/io/errors.h>
 
 #include <algorithm>

@@ -9,8 +9,8 @@
 //   20      2     generation
 //   22      2     flags: bit 0 immediate value, bit 1 continued
 #include "bento_toc.h"
-#include "byte_load.h"
 
+#include <trellant/base/byte_load.h>
 #include <trellant/io/errors.h>
 
 namespace trellant {

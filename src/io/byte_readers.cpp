@@ -1,8 +1,7 @@
-#include "byte_load.h"
-
+#include <trellant/base/byte_load.h>
+#include <trellant/base/text.h>
 #include <trellant/io/byte_readers.h>
 #include <trellant/io/errors.h>
-#include <trellant/io/text.h>
 
 #include <algorithm>
 #include <string_view>

@@ -1,6 +1,6 @@
 // The texts of the errors, each made in one place.
+#include <trellant/base/text.h>
 #include <trellant/io/errors.h>
-#include <trellant/io/text.h>
 
 #include <system_error>
 #include <utility>

@@ -1,6 +1,6 @@
 #include "data_kinds.h"
 
-#include <trellant/io/text.h>
+#include <trellant/base/text.h>
 
 namespace trellant {
 

@@ -2,7 +2,7 @@
 // played where the file carries one; everything else is reported and silent.
 #include "walk_parts.h"
 
-#include <trellant/io/text.h>
+#include <trellant/base/text.h>
 
 #include <algorithm>
 #include <cmath>

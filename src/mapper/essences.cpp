@@ -1,8 +1,8 @@
 #include "essences.h"
 
+#include <trellant/base/text.h>
+#include <trellant/base/url.h>
 #include <trellant/io/errors.h>
-#include <trellant/io/text.h>
-#include <trellant/model/url.h>
 
 #include <algorithm>
 

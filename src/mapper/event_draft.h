@@ -1,7 +1,7 @@
 // What the walk over a slot's segments leaves behind: one draft per Source Clip reached.
 #pragma once
 
-#include <trellant/model/boxed.h>
+#include <trellant/base/boxed.h>
 #include <trellant/model/timeline.h>
 #include <trellant/omf/values.h>
 

@@ -1,7 +1,7 @@
 // Fades: those that a Source Clip states, and the plain linear dissolve that becomes two of them.
 #include "walk_parts.h"
 
-#include <trellant/io/text.h>
+#include <trellant/base/text.h>
 
 namespace trellant {
 

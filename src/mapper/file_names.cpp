@@ -1,6 +1,6 @@
 #include "file_names.h"
 
-#include <trellant/io/text.h>
+#include <trellant/base/text.h>
 
 #include <cerrno>
 #include <limits>

@@ -9,10 +9,10 @@
 #include "source_resolution.h"
 #include "track_pan.h"
 
+#include <trellant/base/text.h>
+#include <trellant/base/url.h>
 #include <trellant/io/errors.h>
-#include <trellant/io/text.h>
 #include <trellant/mapper/mapper.h>
-#include <trellant/model/url.h>
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,7 @@
 
 #include "file_names.h"
 
-#include <trellant/io/text.h>
+#include <trellant/base/text.h>
 
 #include <algorithm>
 #include <array>

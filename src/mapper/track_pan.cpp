@@ -1,6 +1,6 @@
 #include "track_pan.h"
 
-#include <trellant/io/text.h>
+#include <trellant/base/text.h>
 
 #include <algorithm>
 #include <array>

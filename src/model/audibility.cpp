@@ -1,5 +1,5 @@
+#include <trellant/base/precondition.h>
 #include <trellant/model/audibility.h>
-#include <trellant/model/precondition.h>
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include <trellant/model/precondition.h>
+#include <trellant/base/precondition.h>
 #include <trellant/model/rational.h>
 
 #include <algorithm>

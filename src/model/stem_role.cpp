@@ -1,5 +1,5 @@
-#include <trellant/model/localization.h>
-#include <trellant/model/precondition.h>
+#include <trellant/base/localization.h>
+#include <trellant/base/precondition.h>
 #include <trellant/model/stem_role.h>
 
 namespace trellant {

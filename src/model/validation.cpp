@@ -1,5 +1,4 @@
-#include "int128.h"
-
+#include <trellant/base/int128.h>
 #include <trellant/model/validation.h>
 
 #include <cmath>

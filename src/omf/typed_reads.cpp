@@ -1,7 +1,7 @@
 // Typed reads of property values. Numbers are small and read without an allocation; each read has
 // a cap, so that a corrupt length cannot make a small read allocate much.
+#include <trellant/base/text.h>
 #include <trellant/io/errors.h>
-#include <trellant/io/text.h>
 #include <trellant/omf/document.h>
 
 #include <algorithm>

@@ -1,4 +1,5 @@
-#include <trellant/model/printable_text.h>
+#include <trellant/base/printable_text.h>
+#include <trellant/base/text.h>
 #include <trellant/protocol/lines.h>
 #include <trellant/protocol/messages.h>
 
@@ -7,7 +8,7 @@
 namespace trellant {
 
 std::string progressLine(std::string_view phase, double fraction) {
-    if (!std::isfinite(fraction) || !isWellFormedText(phase)) {
+    if (!std::isfinite(fraction) || !isValidUTF8(phase)) {
         return {};
     }
     const AAFWorkerProtocol::Progress progress{std::string(phase), fraction, std::nullopt};

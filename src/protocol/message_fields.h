@@ -1,7 +1,7 @@
 // The field tables of the messages.
 #pragma once
 
-#include <trellant/model/record_traits.h>
+#include <trellant/json/record_traits.h>
 #include <trellant/protocol/messages.h>
 
 #include <tuple>

@@ -1,6 +1,6 @@
-#include "bar_line.h"
+#include "terminal/bar_line.h"
 
-#include "table.h"
+#include "terminal/table.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Data, messages, colour and bar, on terminals, pipes and streams that are gone.
-#include "console.h"
+#include "terminal/console.h"
 
 #include "said.h"
 

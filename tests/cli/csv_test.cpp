@@ -1,5 +1,5 @@
 // Records for sheets: quotes, and cells that must not become formulas.
-#include "listing.h"
+#include "look/listing.h"
 
 #include <gtest/gtest.h>
 

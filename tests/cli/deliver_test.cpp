@@ -1,4 +1,4 @@
-#include "deliver.h"
+#include "terminal/deliver.h"
 
 #include "said.h"
 

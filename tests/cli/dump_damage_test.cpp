@@ -1,6 +1,6 @@
 // Where damaged files stop making sense, and what other files look like.
-#include "dump_object.h"
-#include "dump_overview.h"
+#include "dump/dump_object.h"
+#include "dump/dump_overview.h"
 #include "dumped.h"
 
 #include <gtest/gtest.h>

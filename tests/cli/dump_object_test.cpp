@@ -1,5 +1,5 @@
 // Objects with their properties, and values by their types.
-#include "dump_values.h"
+#include "dump/dump_values.h"
 #include "dumped.h"
 
 #include <gtest/gtest.h>

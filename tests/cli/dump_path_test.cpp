@@ -1,5 +1,5 @@
 // Paths of loss records, followed step by step.
-#include "dump_path.h"
+#include "dump/dump_path.h"
 
 #include "dumped.h"
 

@@ -1,5 +1,5 @@
 // The whole command: files that cannot be opened, readers that go, files of real workstations.
-#include "dump.h"
+#include "dump/dump.h"
 
 #include "dumped.h"
 

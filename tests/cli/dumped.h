@@ -1,8 +1,8 @@
 // Dumps a file of given bytes, and gathers what it says.
 #pragma once
 
-#include "dump.h"
-#include "dump_contents.h"
+#include "dump/dump.h"
+#include "dump/dump_contents.h"
 #include "said.h"
 
 #include <trellant/io/byte_readers.h>

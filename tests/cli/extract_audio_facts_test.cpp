@@ -1,5 +1,5 @@
 // The length of an audio file by its header, and what is no audio file.
-#include "audio_facts.h"
+#include "extract/audio_facts.h"
 #include "extract_fixture.h"
 
 #include <gmock/gmock.h>

@@ -1,7 +1,7 @@
 // What an extraction that does not come to its end leaves, and what it says.
 #include "extract_fixture.h"
 
-#include <trellant/model/json_encode.h>
+#include <trellant/model/timeline_json.h>
 #include <trellant/protocol/messages.h>
 
 #include <gmock/gmock.h>

@@ -1,8 +1,8 @@
 #include "extract_fixture.h"
 
-#include <trellant/model/json_decode.h>
+#include <trellant/base/url.h>
 #include <trellant/model/record_fields.h>
-#include <trellant/model/url.h>
+#include <trellant/model/timeline_json.h>
 
 #include <algorithm>
 #include <cstdio>

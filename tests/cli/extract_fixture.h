@@ -1,7 +1,7 @@
 // `trellant extract` over documents that a test makes, with the real worker and converter.
 #pragma once
 
-#include "extract.h"
+#include "extract/extract.h"
 #include "said.h"
 
 #include <trellant/model/timeline.h>

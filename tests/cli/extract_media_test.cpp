@@ -1,7 +1,7 @@
 // Audio files beside the interchange file: which of those that bear the name is taken.
+#include "extract/missing_media.h"
 #include "extract_fixture.h"
-#include "media_folders.h"
-#include "missing_media.h"
+#include "look/media_folders.h"
 
 #include <gmock/gmock.h>
 

@@ -1,8 +1,8 @@
 // Final names: what is kept, what gives way, and that nothing is replaced unasked.
-#include "numbered_name.h"
-#include "placement.h"
+#include "extract/numbered_name.h"
+#include "extract/placement.h"
+#include "extract/staging.h"
 #include "said.h"
-#include "staging.h"
 
 #include <trellant/client/errors.h>
 #include <trellant/io/errors.h>

@@ -1,6 +1,6 @@
 // The bar of a long step, and its end by a stop.
+#include "look/step_progress.h"
 #include "said.h"
-#include "step_progress.h"
 
 #include <trellant/client/errors.h>
 

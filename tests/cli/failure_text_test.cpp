@@ -1,4 +1,4 @@
-#include "failure_text.h"
+#include "look/failure_text.h"
 
 #include <trellant/client/errors.h>
 

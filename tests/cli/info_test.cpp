@@ -1,8 +1,8 @@
 // What the summary and the lists tell of odd timelines: nameless tracks, silent clips, repairs,
 // sources that are not there.
-#include "info.h"
+#include "look/info.h"
 
-#include "rows.h"
+#include "look/rows.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

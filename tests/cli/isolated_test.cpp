@@ -1,5 +1,5 @@
 // Work in a child: its answer, its exceptions, and every way in which it can fail to give one.
-#include "isolated.h"
+#include "process/isolated.h"
 
 #include <trellant/io/errors.h>
 

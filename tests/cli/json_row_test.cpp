@@ -1,5 +1,5 @@
 // Lines of JSON, written member by member.
-#include "json_row.h"
+#include "look/json_row.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "listing.h"
+#include "look/listing.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

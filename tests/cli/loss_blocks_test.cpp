@@ -1,8 +1,8 @@
 // Losses as paragraphs: whole on a page, wrapped on a terminal.
-#include "loss_blocks.h"
+#include "look/loss_blocks.h"
 
-#include "console.h"
-#include "wrapped_text.h"
+#include "terminal/console.h"
+#include "terminal/wrapped_text.h"
 
 #include <gtest/gtest.h>
 

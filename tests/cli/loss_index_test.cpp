@@ -1,4 +1,4 @@
-#include "loss_index.h"
+#include "look/loss_index.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "pasted_word.h"
+#include "terminal/pasted_word.h"
 
 #include <gtest/gtest.h>
 

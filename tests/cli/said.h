@@ -2,7 +2,7 @@
 // pseudo-terminals, and gathers what it said.
 #pragma once
 
-#include "console.h"
+#include "terminal/console.h"
 
 #include <functional>
 #include <map>

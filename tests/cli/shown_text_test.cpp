@@ -1,7 +1,7 @@
 // Cells of texts, and texts made harmless.
-#include "shown_text.h"
+#include "terminal/shown_text.h"
 
-#include "table.h"
+#include "terminal/table.h"
 
 #include <gtest/gtest.h>
 

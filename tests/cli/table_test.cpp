@@ -1,7 +1,7 @@
 // Columns for people: alignment, wide characters, narrow and wide terminals.
-#include "table.h"
+#include "terminal/table.h"
 
-#include "console.h"
+#include "terminal/console.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "timeline_text.h"
+#include "look/timeline_text.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

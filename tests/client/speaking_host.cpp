@@ -1,7 +1,7 @@
 // Shows each text that a person can get to see. Arguments: "locale" to take the language from the
 // environment as hosts do, or "plain"; then the folder of the catalogues, if it is to be told.
+#include <trellant/base/localization.h>
 #include <trellant/client/errors.h>
-#include <trellant/model/localization.h>
 #include <trellant/model/stem_role.h>
 
 #include <clocale>

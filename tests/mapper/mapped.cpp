@@ -1,7 +1,7 @@
 #include "mapped.h"
 
 #include <trellant/io/errors.h>
-#include <trellant/model/json_encode.h>
+#include <trellant/model/timeline_json.h>
 #include <trellant/omf/document.h>
 
 #include <array>

@@ -1,9 +1,9 @@
 // What a mapping of a document leaves, in forms that a test can write down by hand.
 #pragma once
 
+#include <trellant/base/boxed.h>
 #include <trellant/io/byte_readers.h>
 #include <trellant/mapper/mapper.h>
-#include <trellant/model/boxed.h>
 #include <trellant/model/timeline.h>
 
 #include <cstdint>

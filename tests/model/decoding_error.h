@@ -1,7 +1,7 @@
 // The text of a decoding that must fail.
 #pragma once
 
-#include <trellant/model/json_decode.h>
+#include <trellant/model/timeline_json.h>
 
 #include <string>
 #include <string_view>

@@ -2,8 +2,7 @@
 #include "kept_json.h"
 #include "sample_timeline.h"
 
-#include <trellant/model/json_decode.h>
-#include <trellant/model/json_encode.h>
+#include <trellant/model/timeline_json.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "kept_json.h"
 #include "sample_timeline.h"
 
-#include <trellant/model/json_encode.h>
+#include <trellant/model/timeline_json.h>
 
 #include <gtest/gtest.h>
 

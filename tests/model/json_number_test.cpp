@@ -1,6 +1,6 @@
 #include "decoding_error.h"
 
-#include <trellant/model/json_decode.h>
+#include <trellant/model/timeline_json.h>
 
 #include <gtest/gtest.h>
 

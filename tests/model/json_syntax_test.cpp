@@ -1,7 +1,7 @@
 // What is JSON at all, whatever record is read from it.
 #include "decoding_error.h"
 
-#include <trellant/model/json_decode.h>
+#include <trellant/model/timeline_json.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // Encoding whose outcome is kept for the tests of the schemas.
 #pragma once
 
-#include <trellant/model/json_encode.h>
+#include <trellant/model/timeline_json.h>
 
 #include <string>
 #include <string_view>

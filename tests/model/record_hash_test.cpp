@@ -1,6 +1,7 @@
 #include "sample_timeline.h"
 
-#include <trellant/model/record_hash.h>
+#include <trellant/json/record_hash.h>
+#include <trellant/model/record_fields.h>
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,7 @@
 // leave their field absent.
 #include "decoding_error.h"
 
-#include <trellant/model/json_decode.h>
-#include <trellant/model/json_encode.h>
+#include <trellant/model/timeline_json.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "sample_timeline.h"
 
-#include <trellant/model/precondition.h>
+#include <trellant/base/precondition.h>
 
 namespace trellant::test {
 

@@ -1,4 +1,4 @@
-#include <trellant/model/json_encode.h>
+#include <trellant/model/timeline_json.h>
 #include <trellant/model/validation.h>
 #include <trellant/protocol/messages.h>
 

@@ -1,9 +1,10 @@
 // What holds for any file of a workstation, whatever is in it.
 #include "real_files.h"
 
-#include <trellant/model/url.h>
+#include <trellant/base/url.h>
 #include <trellant/omf/audio_probe.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace trellant::testing {
@@ -100,6 +101,25 @@ TEST_F(EveryRealFile, StaysAsItIs) {
         ASSERT_EQ(RealFileRun("extractAndInspect", path).run().status, 0);
         EXPECT_TRUE(readFile(path) == before);
         EXPECT_EQ(std::filesystem::last_write_time(path), written);
+    }
+}
+
+TEST(RealFilesOfVersion1, AreRefusedWithoutATrace) {
+    const auto files = realFilesOfVersion1();
+    if (!files) {
+        GTEST_SKIP() << "TRELLANT_REAL_FILES is not set";
+    }
+    for (const std::string& path : *files) {
+        SCOPED_TRACE(path);
+        const Bytes before = readFile(path);
+        const RealFileRun refused("extractAndInspect", path);
+        EXPECT_EQ(refused.run().status, 2);
+        EXPECT_EQ(refused.run().output, "");
+        EXPECT_TRUE(refused.run().errors.ends_with(
+            "\ntrellant-omf: Unsupported OMF/Bento feature: not an OMF 2.x object model "
+            "(OMFI:OOBJ:ObjClass registry entry missing)\n"));
+        EXPECT_THAT(refused.workFiles(), ::testing::Optional(::testing::IsEmpty()));
+        EXPECT_TRUE(readFile(path) == before);
     }
 }
 

@@ -23,20 +23,38 @@ std::optional<std::filesystem::path> folder() {
                                               : std::nullopt;
 }
 
-}  // namespace
+/// OMF 1.x does not know the property by which 2.x names the class of an object.
+bool isVersion1(const std::filesystem::path& file) {
+    constexpr std::string_view name = "OMFI:OOBJ:ObjClass";
+    const Bytes bytes = readFile(file.string());
+    return std::search(bytes.begin(), bytes.end(), name.begin(), name.end(),
+                       [](std::byte byte, char character) {
+                           return static_cast<char>(byte) == character;
+                       }) == bytes.end();
+}
 
-std::optional<std::vector<std::string>> realFiles() {
+std::optional<std::vector<std::string>> filesOfVersion(bool wantsVersion1) {
     const auto place = folder();
     if (!place) {
         return std::nullopt;
     }
     std::vector<std::string> files;
     for (const std::string& name : namesIn(*place)) {
-        if (name.ends_with(".omf")) {
+        if (name.ends_with(".omf") && isVersion1(*place / name) == wantsVersion1) {
             files.push_back((*place / name).string());
         }
     }
     return files;
+}
+
+}  // namespace
+
+std::optional<std::vector<std::string>> realFiles() {
+    return filesOfVersion(false);
+}
+
+std::optional<std::vector<std::string>> realFilesOfVersion1() {
+    return filesOfVersion(true);
 }
 
 std::optional<std::string> realFile(std::string_view name) {

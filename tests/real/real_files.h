@@ -12,8 +12,10 @@
 
 namespace trellant::testing {
 
-/// Every "*.omf" of the folder, in order; absent when no folder is named.
+/// Every "*.omf" of the folder that is OMF 2, in order; absent when no folder is named.
 [[nodiscard]] std::optional<std::vector<std::string>> realFiles();
+/// Those that are OMF 1.
+[[nodiscard]] std::optional<std::vector<std::string>> realFilesOfVersion1();
 /// The file of that name; absent when it is not there.
 [[nodiscard]] std::optional<std::string> realFile(std::string_view name);
 

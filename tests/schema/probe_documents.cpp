@@ -1,7 +1,6 @@
 #include "probe.h"
 
-#include <trellant/model/json_decode.h>
-#include <trellant/model/json_encode.h>
+#include <trellant/model/timeline_json.h>
 #include <trellant/protocol/messages.h>
 
 #include <istream>

@@ -3,7 +3,7 @@
 #include "message_fields.h"
 #include "probe.h"
 
-#include <trellant/model/json_writer.h>
+#include <trellant/json/json_writer.h>
 #include <trellant/model/record_fields.h>
 #include <trellant/protocol/messages.h>
 

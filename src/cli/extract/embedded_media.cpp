@@ -1,10 +1,10 @@
 #include "embedded_media.h"
 
-#include "isolated.h"
 #include "numbered_name.h"
+#include "process/isolated.h"
 
-#include <trellant/model/printable_text.h>
-#include <trellant/model/url.h>
+#include <trellant/base/printable_text.h>
+#include <trellant/base/url.h>
 #include <trellant/omf/document.h>
 
 #include <algorithm>

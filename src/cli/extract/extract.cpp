@@ -1,14 +1,14 @@
 #include "extract.h"
 
 #include "extraction.h"
-#include "interrupts.h"
-#include "looking.h"
-#include "pasted_word.h"
+#include "look/looking.h"
+#include "terminal/interrupts.h"
+#include "terminal/pasted_word.h"
 
+#include <trellant/base/printable_text.h>
+#include <trellant/base/url.h>
 #include <trellant/client/errors.h>
 #include <trellant/io/errors.h>
-#include <trellant/model/printable_text.h>
-#include <trellant/model/url.h>
 
 #include <cerrno>
 #include <filesystem>

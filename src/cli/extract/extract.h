@@ -4,17 +4,28 @@
 // to their final names. So whatever ends the run, what is on disk is whole.
 #pragma once
 
-#include "console.h"
-#include "exit_status.h"
-#include "options.h"
+#include "look/fail_on.h"
+#include "terminal/console.h"
+#include "terminal/exit_status.h"
 
 #include <trellant/client/worker_client.h>
 
 #include <optional>
 #include <stop_token>
 #include <string>
+#include <vector>
 
 namespace trellant::cli {
+
+struct ExtractCall {
+    std::string file;
+    std::string directory;
+    std::vector<std::string> mediaFolders;
+    bool wav = false;
+    bool force = false;
+    bool json = false;
+    FailOn failOn = FailOn::nothing;
+};
 
 struct ExtractOptions {
     ExtractCall call;

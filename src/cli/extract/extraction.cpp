@@ -1,9 +1,9 @@
 #include "extraction.h"
 
+#include <trellant/base/url.h>
 #include <trellant/io/errors.h>
-#include <trellant/model/json_encode.h>
 #include <trellant/model/record_fields.h>
-#include <trellant/model/url.h>
+#include <trellant/model/timeline_json.h>
 #include <trellant/model/validation.h>
 
 #include <algorithm>

@@ -4,10 +4,10 @@
 
 #include "embedded_media.h"
 #include "extract.h"
+#include "look/step_progress.h"
 #include "placement.h"
 #include "report.h"
 #include "staging.h"
-#include "step_progress.h"
 #include "wave_conversion.h"
 
 #include <optional>

@@ -1,8 +1,8 @@
 #include "missing_media.h"
 
-#include "timeline_text.h"
+#include "look/timeline_text.h"
 
-#include <trellant/model/url.h>
+#include <trellant/base/url.h>
 #include <trellant/model/validation.h>
 
 #include <algorithm>

@@ -6,7 +6,7 @@
 #pragma once
 
 #include "audio_facts.h"
-#include "media_folders.h"
+#include "look/media_folders.h"
 
 #include <trellant/model/timeline.h>
 

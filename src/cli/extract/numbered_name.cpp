@@ -1,6 +1,6 @@
 #include "numbered_name.h"
 
-#include <trellant/io/text.h>
+#include <trellant/base/text.h>
 
 #include <charconv>
 #include <limits>

@@ -2,8 +2,8 @@
 // byte for byte, is kept; another one of the same name is never replaced unless that was asked for.
 #pragma once
 
+#include "look/step_progress.h"
 #include "numbered_name.h"
-#include "step_progress.h"
 
 #include <cstddef>
 #include <string>

@@ -1,6 +1,6 @@
 #include "report.h"
 
-#include <trellant/model/precondition.h>
+#include <trellant/base/precondition.h>
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 
 #include "audio_facts.h"
 #include "embedded_media.h"
-#include "inspection.h"
+#include "look/inspection.h"
 #include "missing_media.h"
 #include "placement.h"
 

@@ -1,10 +1,10 @@
 // The summary for a machine.
-#include "json_row.h"
+#include "look/json_row.h"
+#include "look/sources.h"
+#include "look/timeline_text.h"
 #include "report.h"
-#include "sources.h"
-#include "timeline_text.h"
 
-#include <trellant/model/url.h>
+#include <trellant/base/url.h>
 
 namespace trellant::cli {
 

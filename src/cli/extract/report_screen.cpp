@@ -1,9 +1,9 @@
 // The summary for a person: what is where, then what is missing, then what to do next.
-#include "pasted_word.h"
+#include "look/timeline_text.h"
 #include "report.h"
 #include "report_table.h"
-#include "shown_text.h"
-#include "timeline_text.h"
+#include "terminal/pasted_word.h"
+#include "terminal/shown_text.h"
 
 #include <algorithm>
 #include <map>

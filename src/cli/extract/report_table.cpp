@@ -1,10 +1,10 @@
 #include "report_table.h"
 
-#include "console.h"
-#include "shown_text.h"
-#include "sources.h"
-#include "table.h"
-#include "timeline_text.h"
+#include "look/sources.h"
+#include "look/timeline_text.h"
+#include "terminal/console.h"
+#include "terminal/shown_text.h"
+#include "terminal/table.h"
 
 #include <algorithm>
 #include <array>

@@ -2,11 +2,11 @@
 
 #include "audio_facts.h"
 #include "numbered_name.h"
-#include "spawned_program.h"
+#include "process/spawned_program.h"
 
+#include <trellant/base/executable_location.h>
+#include <trellant/base/url.h>
 #include <trellant/io/errors.h>
-#include <trellant/model/executable_location.h>
-#include <trellant/model/url.h>
 
 #include <array>
 #include <filesystem>

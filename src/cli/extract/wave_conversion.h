@@ -1,8 +1,8 @@
 // AIFC files made into WAVE files by the program for it, one process a file.
 #pragma once
 
+#include "look/step_progress.h"
 #include "staging.h"
-#include "step_progress.h"
 
 #include <trellant/model/timeline.h>
 

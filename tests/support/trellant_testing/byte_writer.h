@@ -1,7 +1,7 @@
 // Bytes of fixtures, written as a reader of the format would name them.
 #pragma once
 
-#include <trellant/io/byte_order.h>
+#include <trellant/base/byte_order.h>
 #include <trellant/io/byte_readers.h>
 
 #include <cstddef>

@@ -1,7 +1,7 @@
 // Audible samples, the same on every machine: whole-number arithmetic only.
 #pragma once
 
-#include <trellant/io/byte_order.h>
+#include <trellant/base/byte_order.h>
 #include <trellant/io/byte_readers.h>
 
 #include <cstdint>

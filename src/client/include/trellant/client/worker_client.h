@@ -4,8 +4,8 @@
 #pragma once
 
 #include <trellant/client/errors.h>
-#include <trellant/model/json_decode.h>
 #include <trellant/model/timeline.h>
+#include <trellant/model/timeline_json.h>
 #include <trellant/protocol/messages.h>
 
 #include <cstdint>

@@ -1,7 +1,7 @@
 // What a table of contents holds: items, each one piece of one property value of one object.
 #pragma once
 
-#include <trellant/io/byte_order.h>
+#include <trellant/base/byte_order.h>
 
 #include <array>
 #include <cstdint>

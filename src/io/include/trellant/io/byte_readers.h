@@ -1,19 +1,12 @@
 // Integers and text in a buffer of bytes. Every read is checked against the buffer.
 #pragma once
 
-#include <trellant/io/byte_order.h>
+#include <trellant/base/bytes.h>
 
-#include <cstddef>
 #include <cstdint>
-#include <span>
 #include <string>
-#include <vector>
 
 namespace [[gnu::visibility("default")]] trellant {
-
-/// Bytes with their owner, and bytes of somebody else's, to be used before that one changes.
-using Bytes = std::vector<std::byte>;
-using ByteView = std::span<const std::byte>;
 
 /// The number at `offset` (bytes from the buffer's first). Throws OMFIOError malformed
 /// ("u16 beyond buffer", "u32 ...", "u64 ...") unless it lies wholly inside the buffer.

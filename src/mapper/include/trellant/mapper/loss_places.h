@@ -3,7 +3,7 @@
 // (MappingPlaces::placesLosses) keeps both side by side.
 #pragma once
 
-#include <trellant/model/boxed.h>
+#include <trellant/base/boxed.h>
 #include <trellant/model/rational.h>
 #include <trellant/omf/values.h>
 

@@ -2,15 +2,44 @@
 // added to a record is added here and nowhere else.
 #pragma once
 
-#include <trellant/model/record_traits.h>
+#include <trellant/json/record_traits.h>
+#include <trellant/model/enum_names.h>
+#include <trellant/model/rational.h>
 #include <trellant/model/timecode.h>
 #include <trellant/model/timeline.h>
+#include <trellant/model/validation.h>
 
 #include <array>
+#include <cstdint>
+#include <optional>
 #include <string_view>
 #include <tuple>
 
 namespace [[gnu::visibility("default")]] trellant {
+
+template <>
+struct IntegerPair<AAFRational> {
+    using Parts = std::array<std::int64_t, 2>;
+    static constexpr std::array<std::string_view, 2> keys{"numerator", "denominator"};
+    [[nodiscard]] static Parts parts(const AAFRational& value) noexcept {
+        return {value.numerator(), value.denominator()};
+    }
+    [[nodiscard]] static std::optional<IntegerPairFault> fault(const Parts& parts) {
+        if (parts[1] != 0) {
+            return std::nullopt;
+        }
+        return IntegerPairFault{1, "AAFRational denominator must not be zero"};
+    }
+    [[nodiscard]] static AAFRational made(const Parts& parts) {
+        return AAFRational(parts[0], parts[1]);
+    }
+};
+
+/// A timeline that was read from JSON is valid, or the reading fails.
+template <>
+struct RecordCheck<AAFTimeline> {
+    static void check(const AAFTimeline& timeline) { AAFRawTimelineValidation::validate(timeline); }
+};
 
 template <>
 struct RecordFields<AAFTimecodeRate> {

@@ -4,10 +4,10 @@
 // level unchanged), pans run from 0 (left) to 1 (right).
 #pragma once
 
-#include <trellant/model/boxed.h>
+#include <trellant/base/boxed.h>
+#include <trellant/base/url.h>
 #include <trellant/model/rational.h>
 #include <trellant/model/timecode.h>
-#include <trellant/model/url.h>
 
 #include <cstdint>
 #include <optional>

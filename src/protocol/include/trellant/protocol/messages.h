@@ -4,10 +4,10 @@
 // a byte after it.
 #pragma once
 
+#include <trellant/json/json_writer.h>
 #include <trellant/model/enum_names.h>
-#include <trellant/model/json_decode.h>
-#include <trellant/model/json_writer.h>
 #include <trellant/model/timeline.h>
+#include <trellant/model/timeline_json.h>
 
 #include <array>
 #include <cstdint>

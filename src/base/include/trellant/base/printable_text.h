@@ -1,0 +1,14 @@
+// Text that came from outside, made fit for one line of a message.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace [[gnu::visibility("default")]] trellant {
+
+/// `text` with control characters (below 0x20, and 0x7f) as `\u00xx` and every byte that is not
+/// UTF-8 as U+FFFD; cut with "..." when more than `maxBytes` of `text` would be shown.
+[[nodiscard]] std::string printableText(std::string_view text, std::size_t maxBytes = 120);
+
+}  // namespace trellant

@@ -1,0 +1,67 @@
+#include "dump_object.h"
+
+#include "dump_values.h"
+#include "terminal/shown_text.h"
+#include "terminal/table.h"
+
+#include <algorithm>
+
+namespace trellant::cli {
+
+namespace {
+
+constexpr std::size_t mostProperties = 200;
+/// Values stand in one column as long as the names before them are no longer.
+constexpr std::size_t widestName = 32;
+constexpr std::size_t longestLabel = 120;
+constexpr std::string_view margin = "  ";
+
+std::string countText(std::size_t count) {
+    return std::to_string(count) + (count == 1 ? " property" : " properties");
+}
+
+std::string objectTitle(const DumpContents& contents, std::uint32_t object, std::size_t count) {
+    const std::string label = shownText(contents.classOf(object));
+    return "Object " + std::to_string(object) + ", " +
+           (label.empty() ? std::string("no class") : "class " + label) + ", " + countText(count);
+}
+
+}  // namespace
+
+std::string propertyLabel(const DumpContents& contents, std::uint32_t property) {
+    const std::string_view name = contents.propertyName(property);
+    return name.empty() ? "property " + std::to_string(property)
+                        : cutToCells(shownText(name), longestLabel);
+}
+
+void dumpObject(const DumpContents& contents, std::uint32_t object, bool all, DumpOutput& output) {
+    const auto properties = contents.propertiesOf(object);
+    const std::size_t shown = all ? properties.size() : std::min(properties.size(), mostProperties);
+    std::vector<std::string> labels;
+    std::size_t widest = 0;
+    for (std::size_t i = 0; i < shown; ++i) {
+        labels.push_back(propertyLabel(contents, properties[i]));
+        widest = std::max(widest, std::min(displayWidth(labels.back()), widestName));
+    }
+    output.heading(objectTitle(contents, object, properties.size()));
+    const ValueBounds bounds = all ? ValueBounds::none() : ValueBounds{};
+    for (std::size_t i = 0; i < shown; ++i) {
+        const ValueText text = valueText(contents, object, properties[i], bounds);
+        const std::size_t width = displayWidth(labels[i]);
+        const std::string padding(widest > width ? widest - width : 0, ' ');
+        output.line(std::string(margin).append(labels[i]).append(padding).append("  ") + text.line);
+        for (const std::string& row : text.listing) {
+            output.line(std::string(margin).append(margin) + row);
+        }
+        if (text.isCut) {
+            output.cut();
+        }
+    }
+    if (shown < properties.size()) {
+        output.line(std::string(margin) + "and " + std::to_string(properties.size() - shown) +
+                    " more properties");
+        output.cut();
+    }
+}
+
+}  // namespace trellant::cli

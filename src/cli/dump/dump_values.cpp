@@ -1,0 +1,164 @@
+#include "dump_values.h"
+
+#include "dump_bytes.h"
+#include "dump_value_kind.h"
+#include "terminal/shown_text.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace trellant::cli {
+
+namespace {
+
+constexpr std::uint32_t typeNameProperty = 23;
+constexpr std::uint32_t propertyNameProperty = 24;
+constexpr std::size_t longestReferences = 16'777'216;
+
+ValueText bytesText(const ValueLook& look) {
+    const bool isWhole = look.head.size() == look.byteCount;
+    if (isWhole && look.head.empty()) {
+        return {.line = "empty"};
+    }
+    if (isWhole && look.head.size() <= hexRowBytes) {
+        return {.line = hexAndText(look.head)};
+    }
+    ValueText text{.line = std::to_string(look.byteCount) + " bytes"};
+    if (look.pieces > 1) {
+        text.line += " in " + std::to_string(look.pieces) + " pieces";
+    }
+    if (look.leavesFile) {
+        text.line += ", not all of them in the file";
+    }
+    if (!isWhole && !look.head.empty()) {
+        text.line += ", the first " + std::to_string(look.head.size());
+    }
+    text.line += look.head.empty() ? "" : ":";
+    text.listing = hexListing(look.head);
+    text.isCut = !isWhole && !look.leavesFile;
+    return text;
+}
+
+std::string classLabel(const DumpContents& contents, std::uint32_t object) {
+    if (!contents.has(object)) {
+        return "not in the file";
+    }
+    const std::string label = shownText(contents.classOf(object));
+    return label.empty() ? "no class" : label;
+}
+
+std::optional<std::string> referenceText(const DumpContents& contents, ByteView bytes) {
+    if (bytes.size() != 4) {
+        return std::nullopt;
+    }
+    const std::uint32_t target = u32(bytes, 0, contents.valueOrder());
+    return target == 0 ? "no object"
+                       : "object " + std::to_string(target) + ", " + classLabel(contents, target);
+}
+
+ValueText textText(const ValueLook& look, OMFByteOrder order) {
+    ValueText text{.line = "\"" + storedText(look.head, order) + "\""};
+    if (look.head.size() < look.byteCount) {
+        text.line += " and more, " + std::to_string(look.byteCount) + " bytes in all";
+        text.isCut = true;
+    }
+    return text;
+}
+
+/// Every reference in a list's bytes, those to none too; absent when the bytes are no list.
+std::optional<std::vector<std::uint32_t>> listOf(const ValueLook& look, OMFByteOrder order) {
+    if (look.head.size() != look.byteCount || look.head.size() < 2) {
+        return std::nullopt;
+    }
+    const std::size_t counted = std::size_t{u16(look.head, 0, order)} * 4;
+    const std::size_t first = counted == look.head.size() - 2 ? 2 : 0;
+    if ((look.head.size() - first) % 4 != 0) {
+        return std::nullopt;
+    }
+    std::vector<std::uint32_t> references;
+    for (std::size_t place = first; place < look.head.size(); place += 4) {
+        references.push_back(u32(look.head, static_cast<std::int64_t>(place), order));
+    }
+    return references;
+}
+
+ValueText referencesText(const DumpContents& contents, const std::vector<std::uint32_t>& targets,
+                         std::size_t most) {
+    const auto nones = static_cast<std::size_t>(std::count(targets.begin(), targets.end(), 0U));
+    const std::size_t count = targets.size() - nones;
+    ValueText text{.line = std::to_string(count) + (count == 1 ? " object" : " objects")};
+    std::size_t shown = 0;
+    for (const std::uint32_t target : targets) {
+        if (target == 0 || shown == most) {
+            continue;
+        }
+        text.line += (shown++ == 0 ? ": " : ", ") + std::to_string(target) + " " +
+                     classLabel(contents, target);
+    }
+    if (shown < count) {
+        text.line += " and " + std::to_string(count - shown) + " more";
+        text.isCut = true;
+    }
+    if (nones > 0) {
+        text.line += ", " + std::to_string(nones) + " to none";
+    }
+    return text;
+}
+
+ValueKind kindOf(const DumpContents& contents, std::uint32_t object, std::uint32_t property) {
+    if (property == typeNameProperty || property == propertyNameProperty) {
+        return ValueKind::text;
+    }
+    const auto items = contents.itemsOf(object, property);
+    return valueKind(items.empty() ? std::string_view() : contents.typeName(items.front().type),
+                     contents.propertyName(property));
+}
+
+}  // namespace
+
+ValueText valueText(const DumpContents& contents, std::uint32_t object, std::uint32_t property,
+                    const ValueBounds& bounds) {
+    const ValueKind kind = kindOf(contents, object, property);
+    if (kind == ValueKind::references) {
+        if (const auto look = contents.value(object, property, longestReferences)) {
+            if (const auto list = listOf(*look, contents.valueOrder())) {
+                return referencesText(contents, *list, bounds.references);
+            }
+        }
+    }
+    const ValueLook look = contents.value(object, property, bounds.bytes).value_or(ValueLook{});
+    if (look.leavesFile) {
+        return bytesText(look);
+    }
+    if (kind == ValueKind::text) {
+        return textText(look, contents.valueOrder());
+    }
+    if (look.head.size() == look.byteCount) {
+        auto text = kind == ValueKind::reference
+                        ? referenceText(contents, look.head)
+                        : plainText(kind, look.head, contents.valueOrder());
+        if (text) {
+            return {.line = std::move(*text)};
+        }
+    }
+    return bytesText(look);
+}
+
+std::vector<std::uint32_t> referencesOf(const DumpContents& contents, std::uint32_t object,
+                                        std::uint32_t property) {
+    const ValueKind kind = kindOf(contents, object, property);
+    if (kind != ValueKind::reference && kind != ValueKind::references) {
+        return {};
+    }
+    const auto look = contents.value(object, property, longestReferences);
+    std::vector<std::uint32_t> targets;
+    if (look && kind == ValueKind::reference && look->head.size() >= 4) {
+        targets.push_back(u32(look->head, 0, contents.valueOrder()));
+    } else if (look && kind == ValueKind::references) {
+        targets = listOf(*look, contents.valueOrder()).value_or(std::vector<std::uint32_t>());
+    }
+    targets.erase(std::remove(targets.begin(), targets.end(), 0U), targets.end());
+    return targets;
+}
+
+}  // namespace trellant::cli

@@ -1,0 +1,93 @@
+#include "failure_text.h"
+
+#include "dump/dump_file_kind.h"
+
+#include <trellant/base/printable_text.h>
+#include <trellant/base/text.h>
+#include <trellant/client/errors.h>
+#include <trellant/io/random_access_file.h>
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+#include <variant>
+
+namespace trellant::cli {
+
+namespace {
+
+constexpr std::string_view workerPrefix = "trellant-omf: ";
+constexpr std::string_view systemPrefix = "unexpected failure: ";
+/// How the reader begins what it says of a file that has no container in it.
+constexpr std::string_view noContainer = "Malformed OMF/Bento file: Bento footer signature";
+/// How it says that the container's object model is the older one.
+constexpr std::string_view olderModel = "OMFI:OOBJ:ObjClass";
+
+std::optional<std::string> looksLike(const std::string& path) {
+    try {
+        return fileKind(RandomAccessFile(path));
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+}
+
+/// The worker's own last line, without its name.
+std::string lastWords(const std::string& logLines) {
+    const std::size_t at = logLines.rfind(workerPrefix);
+    return at == std::string::npos ? logLines : logLines.substr(at + workerPrefix.size());
+}
+
+std::string ofWorker(const std::string& path, const std::string& logLines) {
+    std::string words = lastWords(logLines);
+    if (words.starts_with(systemPrefix)) {
+        return words.substr(systemPrefix.size());
+    }
+    if (words.starts_with(noContainer)) {
+        const auto kind = looksLike(path);
+        return "this is no OMF file that can be read" +
+               (kind ? ", it looks like " + *kind : std::string()) + " (" + words + ")";
+    }
+    if (words.find(olderModel) != std::string::npos) {
+        return "this is an OMF 1.x file: export the session as OMF 2 to read it (" + words + ")";
+    }
+    return words;
+}
+
+struct Explain {
+    const std::string& path;
+
+    std::string operator()(const AAFWorkerClientError::LaunchFailed& fault) const {
+        if (!isValidUTF8(path)) {
+            return "the file's name is not UTF-8. Rename the file or its folder and try again";
+        }
+        return "the program trellant-omf could not be started: " + fault.reason;
+    }
+    std::string operator()(const AAFWorkerClientError::NonZeroExit& fault) const {
+        if (fault.logLines.empty()) {
+            return "reading ended unexpectedly (trellant-omf: " + std::to_string(fault.status) +
+                   "). Please report this file as a fault";
+        }
+        return ofWorker(path, fault.logLines);
+    }
+    std::string operator()(const AAFWorkerClientError::InvalidResponse& fault) const {
+        return "trellant-omf gave no usable answer: " + fault.reason;
+    }
+    std::string operator()(const AAFWorkerClientError::HelperMissing&) const {
+        return "the program trellant-omf is missing. It belongs beside this one; please install "
+               "Trellant again";
+    }
+};
+
+}  // namespace
+
+std::string failureText(const std::string& file, const std::exception& error) {
+    if (const auto* const failed = dynamic_cast<const AAFWorkerClientError*>(&error)) {
+        return std::visit(Explain{file}, failed->fault());
+    }
+    if (dynamic_cast<const AAFCancellationError*>(&error) != nullptr) {
+        return "cancelled";
+    }
+    return error.what();
+}
+
+}  // namespace trellant::cli

@@ -1,0 +1,175 @@
+// The child's answer is one byte, which tells a text from an exception's, and the bytes of the text
+// to the end of the pipe. A child that was cut short ends by a signal or without the last status.
+#include "isolated.h"
+
+#include <trellant/base/system_error_text.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <exception>
+#include <fcntl.h>
+#include <optional>
+#include <string_view>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utility>
+
+#ifdef __linux__
+#include <sys/prctl.h>
+#endif
+
+namespace trellant::cli {
+
+namespace {
+
+constexpr char answerMark = 'A';
+constexpr char exceptionMark = 'E';
+constexpr int answeredStatus = 0;
+constexpr int cutShortStatus = 1;
+constexpr std::size_t readPiece = 65'536;
+
+struct Pipe {
+    int reading = -1;
+    int writing = -1;
+};
+
+IsolatedFailure systemFailure(const char* what, int errorNumber) {
+    return {IsolatedFailure::Kind::system,
+            std::string("cannot ") + what + ": " + systemErrorText(errorNumber)};
+}
+
+bool writeAll(int descriptor, std::string_view text) noexcept {
+    while (!text.empty()) {
+        const auto written = ::write(descriptor, text.data(), text.size());
+        if (written >= 0) {
+            text.remove_prefix(static_cast<std::size_t>(written));
+        } else if (errno != EINTR) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// What the parent arranged for itself is not the child's: a request to end ends it. What is
+/// ignored stays so: that is how nohup works.
+void prepareChild([[maybe_unused]] pid_t parent) noexcept {
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        if (std::signal(number, SIG_DFL) == SIG_IGN) {
+            static_cast<void>(std::signal(number, SIG_IGN));
+        }
+    }
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+    sigset_t none;
+    ::sigemptyset(&none);
+    ::pthread_sigmask(SIG_SETMASK, &none, nullptr);
+#ifdef __linux__
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (::getppid() != parent) {
+        ::_exit(cutShortStatus);
+    }
+#endif
+}
+
+[[noreturn]] void answer(const std::function<std::string()>& work, int descriptor) noexcept {
+    char mark = answerMark;
+    std::string text;
+    try {
+        text = work();
+    } catch (const std::exception& error) {
+        mark = exceptionMark;
+        text = error.what();
+    } catch (...) {
+        mark = exceptionMark;
+        text = "unknown failure";
+    }
+    const bool isWritten =
+        writeAll(descriptor, std::string_view(&mark, 1)) && writeAll(descriptor, text);
+    // Nothing of the parent's is flushed or destroyed a second time.
+    ::_exit(isWritten ? answeredStatus : cutShortStatus);
+}
+
+/// All that comes, or nothing when it is more than `maxBytes`.
+std::optional<std::string> readAll(int descriptor, std::size_t maxBytes) {
+    std::string text;
+    std::array<char, readPiece> piece;
+    for (;;) {
+        const auto count = ::read(descriptor, piece.data(), piece.size());
+        if (count > 0) {
+            const auto size = static_cast<std::size_t>(count);
+            if (size > maxBytes - text.size()) {
+                return std::nullopt;
+            }
+            text.append(piece.data(), size);
+        } else if (count == 0 || errno != EINTR) {
+            return text;
+        }
+    }
+}
+
+/// The child's end as waitpid tells it.
+int reap(pid_t child) noexcept {
+    int status = 0;
+    pid_t reaped = 0;
+    do {
+        reaped = ::waitpid(child, &status, 0);
+    } while (reaped < 0 && errno == EINTR);
+    // Ignored children are reaped by the system: that it answered is then all there is to know.
+    return reaped == child ? status : answeredStatus;
+}
+
+IsolatedAnswer judged(std::string text, int status) {
+    if (WIFSIGNALED(status)) {
+        const int signal = WTERMSIG(status);
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): the text is copied before anything else is asked.
+        const std::string name(::strsignal(signal));
+        return IsolatedFailure{IsolatedFailure::Kind::crashed,
+                               "ended by signal " + std::to_string(signal) + " (" + name + ")"};
+    }
+    if (WEXITSTATUS(status) != answeredStatus || text.empty()) {
+        return IsolatedFailure{IsolatedFailure::Kind::crashed,
+                               "ended early with status " + std::to_string(WEXITSTATUS(status))};
+    }
+    const bool isException = text.front() == exceptionMark;
+    text.erase(0, 1);
+    if (isException) {
+        return IsolatedFailure{IsolatedFailure::Kind::exception, std::move(text)};
+    }
+    return text;
+}
+
+}  // namespace
+
+IsolatedAnswer inChildProcess(const std::function<std::string()>& work, std::size_t maxBytes) {
+    std::array<int, 2> ends{};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
+        return systemFailure("make a pipe", errno);
+    }
+    const Pipe pipe{ends[0], ends[1]};
+    const pid_t parent = ::getpid();
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::close(pipe.reading);
+        prepareChild(parent);
+        answer(work, pipe.writing);
+    }
+    const int forkError = errno;
+    ::close(pipe.writing);
+    if (child < 0) {
+        ::close(pipe.reading);
+        return systemFailure("start a process", forkError);
+    }
+    // The mark comes on top of the text.
+    auto text = readAll(pipe.reading, maxBytes + 1);
+    ::close(pipe.reading);
+    if (!text) {
+        ::kill(child, SIGKILL);
+        reap(child);
+        return IsolatedFailure{IsolatedFailure::Kind::tooLong,
+                               "more than " + std::to_string(maxBytes) + " bytes"};
+    }
+    return judged(std::move(*text), reap(child));
+}
+
+}  // namespace trellant::cli

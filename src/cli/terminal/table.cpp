@@ -1,0 +1,182 @@
+// Aligned columns. A row costs what its cells are long, whatever strangers put in them.
+#include "table.h"
+
+#include "console.h"
+#include "shown_text.h"
+
+#include <trellant/base/precondition.h>
+
+#include <algorithm>
+#include <numeric>
+
+namespace trellant::cli {
+
+namespace {
+
+constexpr std::size_t gap = 2;
+/// A column is not cut below this: less of a name tells nothing.
+constexpr std::size_t narrowestCut = 4;
+/// Columns are left out before others become narrower than this.
+constexpr std::size_t readableCut = 8;
+
+struct Cell {
+    std::string text;
+    std::size_t cells = 0;
+};
+using Row = std::vector<Cell>;
+
+Row shownRow(const std::vector<std::string>& texts) {
+    Row row;
+    row.reserve(texts.size());
+    for (const std::string& text : texts) {
+        std::string shown = shownText(text);
+        const std::size_t cells = displayWidth(shown);
+        row.push_back({std::move(shown), cells});
+    }
+    return row;
+}
+
+std::vector<Row> shownRows(const Table& table) {
+    std::vector<std::string> titles;
+    for (const Column& column : table.columns) {
+        titles.push_back(column.title);
+    }
+    std::vector<Row> rows{shownRow(titles)};
+    for (const auto& row : table.rows) {
+        precondition(row.size() == table.columns.size(), "a row has a cell for each column");
+        rows.push_back(shownRow(row));
+    }
+    return rows;
+}
+
+std::vector<std::size_t> fullWidths(const std::vector<Row>& rows) {
+    std::vector<std::size_t> widths(rows.front().size());
+    for (const Row& row : rows) {
+        for (std::size_t i = 0; i < widths.size(); ++i) {
+            widths[i] = std::max(widths[i], row[i].cells);
+        }
+    }
+    return widths;
+}
+
+/// Takes from the widest shrinkable column, cell by cell, until the line fits or nothing gives.
+void shrink(std::vector<std::size_t>& widths, const std::vector<Column>& columns,
+            std::size_t lineCells) {
+    const std::size_t gaps = gap * (widths.size() - 1);
+    const std::size_t room = lineCells > gaps ? lineCells - gaps : 0;
+    for (std::size_t i = 0; i < widths.size(); ++i) {
+        if (columns[i].mayShrink && widths[i] > narrowestCut) {
+            widths[i] = std::min(widths[i], std::max(room, narrowestCut));
+        }
+    }
+    std::size_t total = std::accumulate(widths.begin(), widths.end(), std::size_t{0});
+    while (total > room) {
+        std::size_t widest = widths.size();
+        for (std::size_t i = 0; i < widths.size(); ++i) {
+            const bool gives = columns[i].mayShrink && widths[i] > narrowestCut;
+            if (gives && (widest == widths.size() || widths[i] > widths[widest])) {
+                widest = i;
+            }
+        }
+        if (widest == widths.size()) {
+            return;
+        }
+        --widths[widest];
+        --total;
+    }
+}
+
+std::string lineOf(const Row& row, const std::vector<Column>& columns,
+                   const std::vector<std::size_t>& widths) {
+    std::string line;
+    for (std::size_t i = 0; i < row.size(); ++i) {
+        const bool isCut = row[i].cells > widths[i];
+        const std::string text = isCut ? cutToCells(row[i].text, widths[i]) : row[i].text;
+        const std::size_t padding = widths[i] - (isCut ? displayWidth(text) : row[i].cells);
+        line.append(i == 0 ? 0 : gap, ' ');
+        line.append(columns[i].align == Align::right ? padding : 0, ' ');
+        line += text;
+        line.append(columns[i].align == Align::left ? padding : 0, ' ');
+    }
+    line.erase(line.find_last_not_of(' ') + 1);
+    return line;
+}
+
+/// Which columns stay: as many as fit at the width they can be read in, in order of rank up to the
+/// first that does not, so that nothing stands there in the place of something of more weight.
+std::vector<bool> fittingColumns(const std::vector<std::size_t>& widths,
+                                 const std::vector<Column>& columns, std::size_t lineCells) {
+    std::vector<std::size_t> order(columns.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::stable_sort(order.begin(), order.end(), [&columns](std::size_t left, std::size_t right) {
+        return columns[left].rank < columns[right].rank;
+    });
+    std::vector<bool> stays(columns.size(), false);
+    std::size_t used = 0;
+    for (const std::size_t i : order) {
+        used += columns[i].mayShrink ? std::min(widths[i], readableCut) : widths[i];
+        used += i == order.front() ? 0 : gap;
+        if (columns[i].rank != 0 && used > lineCells) {
+            break;
+        }
+        stays[i] = true;
+    }
+    return stays;
+}
+
+template <class T>
+std::vector<T> kept(std::vector<T> all, const std::vector<bool>& stays) {
+    std::vector<T> chosen;
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        if (stays[i]) {
+            chosen.push_back(std::move(all[i]));
+        }
+    }
+    return chosen;
+}
+
+std::string textOf(const std::vector<Row>& rows, const std::vector<Column>& columns,
+                   std::vector<std::size_t> widths, std::size_t lineCells, bool colour) {
+    if (lineCells != Console::unlimitedColumns) {
+        shrink(widths, columns, lineCells);
+    }
+    std::string text = painted(lineOf(rows.front(), columns, widths), Paint::bold, colour);
+    text += '\n';
+    for (auto row = rows.begin() + 1; row != rows.end(); ++row) {
+        text += lineOf(*row, columns, widths);
+        text += '\n';
+    }
+    return text;
+}
+
+}  // namespace
+
+std::string aligned(const Table& table, std::size_t columns, bool colour) {
+    if (table.columns.empty()) {
+        return {};
+    }
+    const std::vector<Row> rows = shownRows(table);
+    return textOf(rows, table.columns, fullWidths(rows), columns, colour);
+}
+
+FittedTable fitted(const Table& table, std::size_t columns, bool colour) {
+    if (columns == Console::unlimitedColumns || table.columns.empty()) {
+        return {aligned(table, columns, colour), {}};
+    }
+    std::vector<Row> rows = shownRows(table);
+    const std::vector<std::size_t> widths = fullWidths(rows);
+    const std::vector<bool> stays = fittingColumns(widths, table.columns, columns);
+    FittedTable result;
+    for (std::size_t i = 0; i < stays.size(); ++i) {
+        if (!stays[i]) {
+            result.leftOut.push_back(table.columns[i].title);
+        }
+    }
+    for (Row& row : rows) {
+        row = kept(std::move(row), stays);
+    }
+    result.text = textOf(rows, kept(table.columns, stays), kept(widths, stays), columns, colour);
+    return result;
+}
+
+}  // namespace trellant::cli

@@ -1,9 +1,0 @@
-#include <trellant/model/json_encode.h>
-
-namespace trellant {
-
-JsonEncodingError::JsonEncodingError(std::string keyPath)
-    : keyPath_(std::move(keyPath)),
-      description_("cannot encode " + keyPath_ + ": the number is not finite") {}
-
-}  // namespace trellant
