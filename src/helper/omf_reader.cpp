@@ -1,6 +1,7 @@
 #include "omf_reader.h"
 
 #include "directories.h"
+#include "extensions.h"
 
 #include <trellant/base/url.h>
 #include <trellant/io/errors.h>
@@ -8,6 +9,7 @@
 #include <trellant/omf/document.h>
 
 #include <cerrno>
+#include <utility>
 
 namespace trellant {
 
@@ -43,6 +45,7 @@ AAFWorkerProtocol::Result OMFReader::process(const AAFWorkerProtocol::Request& r
         places.mediaSearchDirectory = location(*request.mediaSearchDirectory);
     }
     places.extract = request.operation == AAFWorkerProtocol::Request::Operation::extractAndInspect;
+    places.placesLosses = asksFor(request, AAFWorkerExtensions::lossPlacesName);
     if (places.extract) {
         createDirectories(places.workDirectory);
     }
@@ -51,10 +54,12 @@ AAFWorkerProtocol::Result OMFReader::process(const AAFWorkerProtocol::Request& r
     progress(progressAfterOpening);
     Mapper mapper(document, std::move(places));
     auto timeline = mapper.makeTimeline(progress);
+    auto extensions = extensionsFor(request, document, mapper, timeline);
     return {.protocolVersion = AAFWorkerProtocol::version,
             .timeline = std::move(timeline),
             .diagnostics = mapper.diagnostics(),
-            .embeddedMediaSHA256 = std::nullopt};
+            .embeddedMediaSHA256 = std::nullopt,
+            .extensions = std::move(extensions)};
 }
 
 }  // namespace trellant

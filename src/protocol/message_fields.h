@@ -2,11 +2,69 @@
 #pragma once
 
 #include <trellant/json/record_traits.h>
+#include <trellant/model/record_fields.h>
 #include <trellant/protocol/messages.h>
 
 #include <tuple>
 
 namespace trellant {
+
+template <>
+struct RecordFields<AAFWorkerExtensions::LossPlace> {
+    using R = AAFWorkerExtensions::LossPlace;
+    static constexpr auto fields = std::tuple{field("kind", &R::kind),
+                                              field("trackID", &R::trackID),
+                                              field("trackName", &R::trackName),
+                                              field("trackIndex", &R::trackIndex),
+                                              field("start", &R::start),
+                                              field("duration", &R::duration),
+                                              field("cut", &R::cut),
+                                              field("clipObject", &R::clipObject),
+                                              field("clipName", &R::clipName)};
+};
+
+template <>
+struct RecordFields<AAFWorkerExtensions::LossPlaces> {
+    using R = AAFWorkerExtensions::LossPlaces;
+    static constexpr auto fields = std::tuple{field("places", &R::places)};
+};
+
+template <>
+struct RecordFields<AAFWorkerExtensions::Composition> {
+    using R = AAFWorkerExtensions::Composition;
+    static constexpr auto fields =
+        std::tuple{field("object", &R::object), field("name", &R::name), field("mobID", &R::mobID),
+                   field("slotCount", &R::slotCount), field("isRead", &R::isRead)};
+};
+
+template <>
+struct RecordFields<AAFWorkerExtensions::Compositions> {
+    using R = AAFWorkerExtensions::Compositions;
+    static constexpr auto fields = std::tuple{field("compositions", &R::compositions)};
+};
+
+template <>
+struct RecordFields<AAFWorkerExtensions::SeparateFile> {
+    using R = AAFWorkerExtensions::SeparateFile;
+    static constexpr auto fields =
+        std::tuple{field("essenceID", &R::essenceID), field("path", &R::path)};
+};
+
+template <>
+struct RecordFields<AAFWorkerExtensions::EmbeddedMedia> {
+    using R = AAFWorkerExtensions::EmbeddedMedia;
+    static constexpr auto fields =
+        std::tuple{field("unusedCount", &R::unusedCount), field("unusedNames", &R::unusedNames),
+                   field("separateFiles", &R::separateFiles)};
+};
+
+template <>
+struct RecordFields<AAFWorkerExtensions> {
+    using R = AAFWorkerExtensions;
+    static constexpr auto fields =
+        std::tuple{field("lossPlaces", &R::lossPlaces), field("compositions", &R::compositions),
+                   field("embeddedMedia", &R::embeddedMedia)};
+};
 
 template <>
 struct RecordFields<AAFWorkerProtocol::Request> {
@@ -19,7 +77,8 @@ struct RecordFields<AAFWorkerProtocol::Request> {
                    field("mediaSearchDirectory", &R::mediaSearchDirectory),
                    field("recoverProToolsTrueFades", &R::recoverProToolsTrueFades),
                    field("removeProToolsSampleAccurateEditFragments",
-                         &R::removeProToolsSampleAccurateEditFragments)};
+                         &R::removeProToolsSampleAccurateEditFragments),
+                   field("extensions", &R::extensions)};
 };
 
 template <>
@@ -32,10 +91,10 @@ struct RecordFields<AAFWorkerProtocol::Progress> {
 template <>
 struct RecordFields<AAFWorkerProtocol::Result> {
     using R = AAFWorkerProtocol::Result;
-    static constexpr auto fields =
-        std::tuple{field("protocolVersion", &R::protocolVersion), field("timeline", &R::timeline),
-                   field("diagnostics", &R::diagnostics),
-                   field("embeddedMediaSHA256", &R::embeddedMediaSHA256)};
+    static constexpr auto fields = std::tuple{
+        field("protocolVersion", &R::protocolVersion), field("timeline", &R::timeline),
+        field("diagnostics", &R::diagnostics),
+        field("embeddedMediaSHA256", &R::embeddedMediaSHA256), field("extensions", &R::extensions)};
 };
 
 }  // namespace trellant

@@ -1,9 +1,9 @@
 // Final names: what is kept, what gives way, and that nothing is replaced unasked.
-#include "extract/numbered_name.h"
 #include "extract/placement.h"
 #include "extract/staging.h"
 #include "said.h"
 
+#include <trellant/base/numbered_name.h>
 #include <trellant/client/errors.h>
 #include <trellant/io/errors.h>
 

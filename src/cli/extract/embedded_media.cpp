@@ -1,8 +1,8 @@
 #include "embedded_media.h"
 
-#include "numbered_name.h"
 #include "process/isolated.h"
 
+#include <trellant/base/numbered_name.h>
 #include <trellant/base/printable_text.h>
 #include <trellant/base/url.h>
 #include <trellant/omf/document.h>

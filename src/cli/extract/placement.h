@@ -3,8 +3,8 @@
 #pragma once
 
 #include "look/step_progress.h"
-#include "numbered_name.h"
 
+#include <trellant/base/numbered_name.h>
 #include <cstddef>
 #include <string>
 #include <unordered_map>

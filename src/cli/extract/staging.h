@@ -2,8 +2,8 @@
 // does not see half a file.
 #pragma once
 
-#include "numbered_name.h"
 
+#include <trellant/base/numbered_name.h>
 #include <cstdint>
 #include <string>
 #include <vector>

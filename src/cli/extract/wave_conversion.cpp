@@ -1,9 +1,9 @@
 #include "wave_conversion.h"
 
 #include "audio_facts.h"
-#include "numbered_name.h"
 #include "process/spawned_program.h"
 
+#include <trellant/base/numbered_name.h>
 #include <trellant/base/executable_location.h>
 #include <trellant/base/url.h>
 #include <trellant/io/errors.h>

@@ -8,6 +8,7 @@
 #include <trellant/model/enum_names.h>
 #include <trellant/model/timeline.h>
 #include <trellant/model/timeline_json.h>
+#include <trellant/protocol/extensions.h>
 
 #include <array>
 #include <cstdint>
@@ -47,6 +48,10 @@ struct AAFWorkerProtocol {
         /// Options of the host that travel with the request; the worker does not act on them.
         bool recoverProToolsTrueFades = false;
         bool removeProToolsSampleAccurateEditFragments = false;
+        /// What the answer is to hold beside the timeline, by name (AAFWorkerExtensions). Names
+        /// that the worker does not know are passed over. Absent: the answer has no extensions at
+        /// all.
+        std::optional<std::vector<std::string>> extensions{};
         bool operator==(const Request&) const = default;
     };
 
@@ -68,6 +73,8 @@ struct AAFWorkerProtocol {
         std::vector<std::string> diagnostics;
         /// A digest for each extracted file; the worker leaves it out.
         std::optional<std::map<std::string, std::string>> embeddedMediaSHA256;
+        /// There exactly when the request had the key, with those of its names that are known.
+        Boxed<AAFWorkerExtensions> extensions{};
         bool operator==(const Result&) const = default;
     };
 };

@@ -1,11 +1,10 @@
-#include "numbered_name.h"
-
+#include <trellant/base/numbered_name.h>
 #include <trellant/base/text.h>
 
 #include <charconv>
 #include <limits>
 
-namespace trellant::cli {
+namespace trellant {
 
 namespace {
 
@@ -48,4 +47,4 @@ std::string NumberedName::withNumber(std::uint64_t other) const {
            tail;
 }
 
-}  // namespace trellant::cli
+}  // namespace trellant

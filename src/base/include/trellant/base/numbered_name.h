@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace trellant::cli {
+namespace [[gnu::visibility("default")]] trellant {
 
 struct NumberedName {
     std::string stem;
@@ -26,4 +26,4 @@ struct NumberedName {
     [[nodiscard]] std::string text() const { return withNumber(number); }
 };
 
-}  // namespace trellant::cli
+}  // namespace trellant

@@ -1,0 +1,104 @@
+#include "extensions.h"
+
+#include <trellant/io/errors.h>
+#include <trellant/mapper/compositions.h>
+#include <trellant/mapper/embedded_media.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace trellant {
+
+namespace {
+
+using Extensions = AAFWorkerExtensions;
+
+Extensions::LossPlace described(const LossPlace& place) {
+    Extensions::LossPlace described{.kind = place.kind, .cut = place.cut};
+    if (place.track) {
+        described.trackID = place.track->id;
+        described.trackName = place.track->name;
+        described.trackIndex = place.track->index;
+    }
+    if (place.range) {
+        described.start = place.range->start;
+        described.duration = place.range->duration;
+    }
+    if (place.clip != OMFObject::none) {
+        described.clipObject = number(place.clip);
+    }
+    if (place.clipName) {
+        described.clipName = *place.clipName;
+    }
+    return described;
+}
+
+Extensions::LossPlaces lossPlacesOf(const Mapper& mapper) {
+    Extensions::LossPlaces result;
+    result.places.reserve(mapper.lossPlaces().size());
+    std::transform(mapper.lossPlaces().begin(), mapper.lossPlaces().end(),
+                   std::back_inserter(result.places), described);
+    return result;
+}
+
+/// Names beyond all bounds cost the list, not the answer.
+Boxed<Extensions::Compositions> compositionsOf(const OMFDocument& document) {
+    Extensions::Compositions result;
+    try {
+        for (const AAFComposition& composition : compositions(document)) {
+            result.compositions.push_back(
+                {.object = number(composition.object),
+                 .name = composition.name,
+                 .mobID = composition.mobID,
+                 .slotCount = static_cast<std::int64_t>(composition.slotCount),
+                 .isRead = composition.isRead});
+        }
+    } catch (const OMFIOError&) {
+        return {};
+    }
+    return result;
+}
+
+Extensions::EmbeddedMedia embeddedMediaOf(const OMFDocument& document, const AAFTimeline& timeline,
+                                          bool extract) {
+    UnusedMedia unused = unusedMedia(document, timeline);
+    Extensions::EmbeddedMedia result{.unusedCount = static_cast<std::int64_t>(unused.count),
+                                     .unusedNames = std::move(unused.names)};
+    if (extract) {
+        for (SeparatedSource& source : separateSources(document, timeline)) {
+            result.separateFiles.push_back(
+                {.essenceID = std::move(source.essenceID), .path = std::move(source.path)});
+        }
+    }
+    return result;
+}
+
+}  // namespace
+
+bool asksFor(const AAFWorkerProtocol::Request& request, std::string_view extension) {
+    return request.extensions && std::find(request.extensions->begin(), request.extensions->end(),
+                                           extension) != request.extensions->end();
+}
+
+Boxed<AAFWorkerExtensions> extensionsFor(const AAFWorkerProtocol::Request& request,
+                                         const OMFDocument& document, const Mapper& mapper,
+                                         const AAFTimeline& timeline) {
+    if (!request.extensions) {
+        return {};
+    }
+    Extensions extensions;
+    if (asksFor(request, Extensions::lossPlacesName)) {
+        extensions.lossPlaces = lossPlacesOf(mapper);
+    }
+    if (asksFor(request, Extensions::compositionsName)) {
+        extensions.compositions = compositionsOf(document);
+    }
+    if (asksFor(request, Extensions::embeddedMediaName)) {
+        extensions.embeddedMedia = embeddedMediaOf(
+            document, timeline,
+            request.operation == AAFWorkerProtocol::Request::Operation::extractAndInspect);
+    }
+    return extensions;
+}
+
+}  // namespace trellant

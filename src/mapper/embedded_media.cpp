@@ -1,0 +1,185 @@
+#include <trellant/base/numbered_name.h>
+#include <trellant/base/printable_text.h>
+#include <trellant/base/url.h>
+#include <trellant/io/errors.h>
+#include <trellant/mapper/embedded_media.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <map>
+#include <sys/stat.h>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace trellant {
+
+namespace {
+
+/// The number after the last that sources of one name are given.
+constexpr std::uint64_t firstFurtherNumber = 1'000;
+/// Unused media that are named; more would bury the message.
+constexpr std::size_t namedUnused = 5;
+constexpr std::size_t longestShownName = 80;
+/// Media may lie over one another in the file, so the sum of their sizes says little.
+constexpr std::uint64_t mostTimesTheFile = 16;
+constexpr std::uint64_t freeBytes = 67'108'864;
+
+struct Media {
+    OMFObject object = OMFObject::none;
+    OMFProperty data{};
+};
+
+std::optional<OMFProperty> dataProperty(OMFClass kind) {
+    if (kind == OMFClass::waveMedia) {
+        return OMFProperty::waveAudioData;
+    }
+    if (kind == OMFClass::aifcMedia) {
+        return OMFProperty::aifcAudioData;
+    }
+    return std::nullopt;
+}
+
+/// Audio media by the text of the mob's identifier.
+std::unordered_map<std::string, Media> audioMedia(const OMFDocument& document) {
+    std::unordered_map<std::string, Media> media;
+    for (const auto& [mobID, object] : document.mediaDataMap()) {
+        if (const auto data = dataProperty(document.classOf(object))) {
+            media.emplace(mobID.description(), Media{object, *data});
+        }
+    }
+    return media;
+}
+
+std::string nameOfMedia(const OMFDocument& document, const OMFDocument::MobMap& mobs,
+                        OMFObject object) {
+    const auto mobID = document.uid(object, {OMFProperty::mediaMobID});
+    const auto mob = mobID ? mobs.find(*mobID) : mobs.end();
+    const auto name =
+        mob == mobs.end() ? std::nullopt : document.string(mob->second, {OMFProperty::mobName});
+    return name ? printableText(*name, longestShownName)
+                : "object " + std::to_string(number(object));
+}
+
+bool isThere(const std::string& path) {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0;
+}
+
+/// The names beside a shared file, each given once.
+class FurtherNames {
+  public:
+    explicit FurtherNames(const std::string& shared)
+        : folder_(shared.substr(0, shared.rfind('/') + 1)),
+          name_(NumberedName::whole(shared.substr(folder_.size()))) {}
+
+    [[nodiscard]] std::string next() {
+        std::string path;
+        do {
+            // A source may be called by such a number itself.
+            path = folder_ + name_.withNumber(number_++);
+        } while (isThere(path));
+        return path;
+    }
+
+  private:
+    std::string folder_;
+    NumberedName name_;
+    std::uint64_t number_ = firstFurtherNumber;
+};
+
+/// Positions of embedded essences by the file that they name.
+std::map<std::string, std::vector<std::size_t>> sharers(const AAFTimeline& timeline) {
+    std::map<std::string, std::vector<std::size_t>> byPath;
+    for (std::size_t index = 0; index < timeline.essences.size(); ++index) {
+        const AAFSourceEssence& essence = timeline.essences[index];
+        const auto path = essence.fileURL ? pathOfFileURL(essence.fileURL->text) : std::nullopt;
+        if (essence.embedded && path) {
+            byPath[*path].push_back(index);
+        }
+    }
+    std::erase_if(byPath, [](const auto& entry) { return entry.second.size() < 2; });
+    return byPath;
+}
+
+class Separation {
+  public:
+    explicit Separation(const OMFDocument& document)
+        : document_(document), media_(audioMedia(document)) {
+        const std::uint64_t size = document.bento().file().size();
+        left_ = size > (UINT64_MAX - freeBytes) / mostTimesTheFile
+                    ? UINT64_MAX
+                    : size * mostTimesTheFile + freeBytes;
+    }
+
+    [[nodiscard]] SeparatedSource take(const AAFSourceEssence& essence, std::string path) {
+        SeparatedSource source{.essenceID = essence.id};
+        const auto found = media_.find(essence.mobID.value_or(""));
+        if (found != media_.end() && write(found->second, path)) {
+            source.path = std::move(path);
+        }
+        return source;
+    }
+
+  private:
+    [[nodiscard]] bool write(const Media& media, const std::string& path) {
+        const auto& bento = document_.bento();
+        const std::uint64_t bytes = bento.copiedBytes(number(media.object), nameOf(media.data));
+        if (bytes > left_) {
+            return false;
+        }
+        left_ -= bytes;
+        return bento.copyValue(number(media.object), nameOf(media.data), path);
+    }
+
+    const OMFDocument& document_;
+    std::unordered_map<std::string, Media> media_;
+    std::uint64_t left_ = 0;
+};
+
+}  // namespace
+
+UnusedMedia unusedMedia(const OMFDocument& document, const AAFTimeline& timeline) {
+    std::unordered_set<OMFObject> used;
+    const auto media = audioMedia(document);
+    for (const AAFSourceEssence& essence : timeline.essences) {
+        const auto found = media.find(essence.mobID.value_or(""));
+        if (essence.embedded && found != media.end()) {
+            used.insert(found->second.object);
+        }
+    }
+    UnusedMedia unused;
+    OMFDocument::MobMap mobs;
+    for (const char* const kind : {"WAVE", "AIFC"}) {
+        for (const OMFObject object : document.objects(kind)) {
+            if (used.contains(object)) {
+                continue;
+            }
+            if (unused.count == 0) {
+                mobs = document.mobMap();
+            }
+            if (unused.count++ < namedUnused) {
+                unused.names.push_back(nameOfMedia(document, mobs, object));
+            }
+        }
+    }
+    return unused;
+}
+
+std::vector<SeparatedSource> separateSources(const OMFDocument& document,
+                                             const AAFTimeline& timeline) {
+    std::vector<SeparatedSource> separated;
+    const auto shared = sharers(timeline);
+    if (shared.empty()) {
+        return separated;
+    }
+    Separation separation(document);
+    for (const auto& [path, positions] : shared) {
+        FurtherNames names(path);
+        for (const std::size_t index : positions) {
+            separated.push_back(separation.take(timeline.essences[index], names.next()));
+        }
+    }
+    return separated;
+}
+
+}  // namespace trellant

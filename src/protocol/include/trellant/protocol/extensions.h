@@ -1,0 +1,95 @@
+// What a worker adds to its answer when a request asks for it by name. Without such a wish nothing
+// of this is written, so older hosts see what they always saw; a name that a worker does not know
+// is passed over, so newer hosts ask and look what came.
+#pragma once
+
+#include <trellant/base/boxed.h>
+#include <trellant/model/loss_kind.h>
+#include <trellant/model/rational.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace [[gnu::visibility("default")]] trellant {
+
+struct AAFWorkerExtensions {
+    /// The names by which a request asks for them, which are also their keys in the answer.
+    static constexpr std::string_view lossPlacesName = "lossPlaces";
+    static constexpr std::string_view compositionsName = "compositions";
+    static constexpr std::string_view embeddedMediaName = "embeddedMedia";
+
+    /// Where on the timeline a loss lies.
+    struct LossPlace {
+        LossKind kind = LossKind::other;
+        /// The track, absent for what belongs to none: the id that its AAFTrackState has or would
+        /// have, its name, and its place among the composition's slots, from 0.
+        std::optional<std::string> trackID{};
+        std::optional<std::string> trackName{};
+        std::optional<std::int64_t> trackIndex{};
+        /// The stretch that does not sound as meant, in seconds from the timeline's zero.
+        std::optional<AAFRational> start{};
+        std::optional<AAFRational> duration{};
+        /// Of a transition that became a cut: where the cut lies, in the same seconds.
+        std::optional<AAFRational> cut{};
+        /// The Source Clip concerned, as an object number of the file, and its name.
+        std::optional<std::int64_t> clipObject{};
+        std::optional<std::string> clipName{};
+        bool operator==(const LossPlace&) const = default;
+    };
+
+    /// One place for each of the timeline's `unsupportedFeatures`, in their order.
+    struct LossPlaces {
+        std::vector<LossPlace> places{};
+        bool operator==(const LossPlaces&) const = default;
+    };
+
+    /// A composition of the file.
+    struct Composition {
+        /// Its object number.
+        std::int64_t object = 0;
+        std::optional<std::string> name{};
+        /// "0000002A-00000001-FFFFFFFF"; absent when it has none.
+        std::optional<std::string> mobID{};
+        /// Slots of all kinds, not only audio.
+        std::int64_t slotCount = 0;
+        /// The one that the timeline was made of.
+        bool isRead = false;
+        bool operator==(const Composition&) const = default;
+    };
+
+    /// All of them, the one that is read first. Absent where their names and lists of slots are
+    /// beyond the bounds of a request.
+    struct Compositions {
+        std::vector<Composition> compositions{};
+        bool operator==(const Compositions&) const = default;
+    };
+
+    /// A source that shared its file with others and was taken out once more, into one of its own.
+    struct SeparateFile {
+        std::string essenceID{};
+        /// In the work directory; absent when its audio could not be taken out.
+        std::optional<std::string> path{};
+        bool operator==(const SeparateFile&) const = default;
+    };
+
+    /// Audio inside the file that the timeline alone does not account for.
+    struct EmbeddedMedia {
+        /// How many pieces of audio no source of the timeline is, and the names of the first few
+        /// ("object 12" for one without).
+        std::int64_t unusedCount = 0;
+        std::vector<std::string> unusedNames{};
+        /// Of sources whose names left no free file name, so that one overwrote the other.
+        std::vector<SeparateFile> separateFiles{};
+        bool operator==(const EmbeddedMedia&) const = default;
+    };
+
+    Boxed<LossPlaces> lossPlaces{};
+    Boxed<Compositions> compositions{};
+    Boxed<EmbeddedMedia> embeddedMedia{};
+    bool operator==(const AAFWorkerExtensions&) const = default;
+};
+
+}  // namespace trellant
