@@ -2,8 +2,9 @@
 #include "commands.h"
 #include "dump/dump.h"
 #include "extract/extract.h"
-#include "look/inspection.h"
 #include "terminal/interrupts.h"
+
+#include <trellant/handoff/hand_off.h>
 
 #include <exception>
 #include <sstream>
@@ -31,7 +32,7 @@ ExitStatus perform(const Call& call, Console& console) {
             } else {
                 static_assert(std::is_same_v<Options, ExtractCall>);
                 const Cancellable heeded;
-                return runExtract({.call = options, .helperURLProvider = findWorker}, console,
+                return runExtract({.call = options, .helperURLProvider = installedWorker}, console,
                                   stop);
             }
         },

@@ -68,9 +68,14 @@ void addFailOn(CLI::App& command, FailOn& failOn) {
         {{"missing", FailOn::missing}, {"render", FailOn::render}, {"any", FailOn::any}});
 }
 
-void addMedia(CLI::App& command, std::optional<std::string>& folder) {
-    command.add_option("--media", folder, "Look for external audio files in this folder and below")
-        ->type_name("FOLDER");
+void addMedia(CLI::App& command, std::vector<std::string>& folders) {
+    command
+        .add_option("--media", folders,
+                    "Look for external audio files in this folder and below; may be given several "
+                    "times")
+        ->type_name("FOLDER")
+        ->expected(1)
+        ->take_all();
 }
 
 void addDestination(CLI::App& command, Destination& destination) {
@@ -146,7 +151,7 @@ class Parser {
                          "  trellant info --json *.omf | jq .clips");
         info_->add_option("FILE", infoOptions_.files, "OMF files")->required();
         info_->add_flag("--json", infoOptions_.json, "One JSON object a line for each file");
-        addMedia(*info_, infoOptions_.mediaFolder);
+        addMedia(*info_, infoOptions_.mediaFolders);
         addFailOn(*info_, infoOptions_.failOn);
         addDestination(*info_, infoOptions_.destination);
     }
@@ -167,7 +172,7 @@ class Parser {
         list_->add_option("FILE", listOptions_.file, "OMF file")->required()->type_name("");
         auto* const csvFlag = list_->add_flag("--csv", csv_, "Comma-separated, for sheets");
         list_->add_flag("--json", json_, "One JSON object a line")->excludes(csvFlag);
-        addMedia(*list_, listOptions_.mediaFolder);
+        addMedia(*list_, listOptions_.mediaFolders);
         addFailOn(*list_, listOptions_.failOn);
         addDestination(*list_, listOptions_.destination);
     }
@@ -182,13 +187,7 @@ class Parser {
         extract_->add_option("--to", extractCall_.directory, "Write here; created when missing")
             ->required()
             ->type_name("FOLDER");
-        extract_
-            ->add_option("--media", extractCall_.mediaFolders,
-                         "Look for external audio files in this folder and below; may be given "
-                         "several times")
-            ->type_name("FOLDER")
-            ->expected(1)
-            ->take_all();
+        addMedia(*extract_, extractCall_.mediaFolders);
         extract_->add_flag("--wav", extractCall_.wav, "Write AIFF audio as WAVE, sample by sample");
         extract_->add_flag("--force", extractCall_.force, "Replace existing files");
         extract_->add_flag("--json", extractCall_.json, "Summary as one JSON object");

@@ -17,7 +17,7 @@ namespace trellant::cli {
 
 struct InfoOptions {
     std::vector<std::string> files;
-    std::optional<std::string> mediaFolder;
+    std::vector<std::string> mediaFolders;
     bool json = false;
     FailOn failOn = FailOn::nothing;
     Destination destination;
@@ -28,7 +28,7 @@ struct ListOptions {
     enum class Form { people, csv, json };
     What what = What::clips;
     std::string file;
-    std::optional<std::string> mediaFolder;
+    std::vector<std::string> mediaFolders;
     Form form = Form::people;
     FailOn failOn = FailOn::nothing;
     Destination destination;

@@ -4,10 +4,10 @@
 #include "look/looking.h"
 #include "look/loss_blocks.h"
 #include "look/rows.h"
-#include "look/timeline_text.h"
 #include "terminal/deliver.h"
 
 #include <trellant/base/precondition.h>
+#include <trellant/handoff/timeline_text.h>
 
 #include <algorithm>
 
@@ -15,16 +15,16 @@ namespace trellant::cli {
 
 namespace {
 
-Listing listingOf(ListOptions::What what, const Inspection& inspection) {
+Listing listingOf(ListOptions::What what, const HandOff& handOff) {
     switch (what) {
         case ListOptions::What::tracks:
-            return listTracks(inspection);
+            return listTracks(handOff);
         case ListOptions::What::clips:
-            return listClips(inspection);
+            return listClips(handOff);
         case ListOptions::What::sources:
-            return listSources(inspection);
+            return listSources(handOff);
         case ListOptions::What::losses:
-            return listLosses(inspection);
+            return listLosses(handOff);
     }
     preconditionFailure("enumeration value outside its cases");
 }
@@ -51,7 +51,7 @@ std::string tableText(const Listing& listing, Console& console, bool toConsole) 
     return table.text;
 }
 
-std::string textOf(const ListOptions& options, const Inspection& inspection, const Listing& listing,
+std::string textOf(const ListOptions& options, const HandOff& handOff, const Listing& listing,
                    Console& console) {
     const bool toConsole = options.destination.path == "-";
     switch (options.form) {
@@ -61,7 +61,7 @@ std::string textOf(const ListOptions& options, const Inspection& inspection, con
             return jsonLines(listing);
         case ListOptions::Form::people:
             if (options.what == ListOptions::What::losses) {
-                return lossBlocks(inspection,
+                return lossBlocks(handOff,
                                   toConsole ? console.outColumns() : Console::unlimitedColumns,
                                   toConsole && console.outHasColour());
             }
@@ -71,21 +71,20 @@ std::string textOf(const ListOptions& options, const Inspection& inspection, con
 }
 
 /// Lists that tell timecodes of places tell of a clock that drifts from them.
-void tellRateDisagreement(const ListOptions& options, const Inspection& inspection,
-                          Console& console) {
+void tellRateDisagreement(const ListOptions& options, const HandOff& handOff, Console& console) {
     const bool tellsPlaces =
         options.what == ListOptions::What::clips || options.what == ListOptions::What::losses;
-    const auto disagreement = rateDisagreement(inspection.timeline.clock);
+    const auto disagreement = rateDisagreement(handOff.timeline.clock);
     if (tellsPlaces && disagreement) {
         console.note(*disagreement);
     }
 }
 
-std::string emptyListText(ListOptions::What what, const Inspection& inspection) {
+std::string emptyListText(ListOptions::What what, const HandOff& handOff) {
     if (what != ListOptions::What::losses) {
         return "there is nothing to list";
     }
-    const std::size_t odd = inspection.changes.size();
+    const std::size_t odd = handOff.changes.size();
     if (odd == 0) {
         return "nothing was lost";
     }
@@ -115,14 +114,14 @@ ExitStatus runInfo(const InfoOptions& options, Console& console, const std::stop
         if (stop.stop_requested()) {
             return ExitStatus::fileFailed;
         }
-        const auto inspection = look(file, options.mediaFolder, console, stop);
-        if (!inspection) {
+        const auto handOff = look(file, options.mediaFolders, console, stop);
+        if (!handOff) {
             status = ExitStatus::fileFailed;
             continue;
         }
         std::string text = options.json
-                               ? infoLine(file, *inspection)
-                               : infoScreen(file, *inspection, toConsole && console.outHasColour());
+                               ? infoLine(file, *handOff)
+                               : infoScreen(file, *handOff, toConsole && console.outHasColour());
         if (!options.json && !first) {
             text = std::string("\n").append(text);
         }
@@ -132,7 +131,7 @@ ExitStatus runInfo(const InfoOptions& options, Console& console, const std::stop
         } else {
             gathered += text;
         }
-        status = worse(status, verdict(*inspection, options.failOn));
+        status = worse(status, verdict(*handOff, options.failOn));
     }
     if (!toConsole && !deliver(options.destination, gathered, console)) {
         return ExitStatus::fileFailed;
@@ -144,20 +143,20 @@ ExitStatus runList(const ListOptions& options, Console& console, const std::stop
     if (!mayDeliver(options.destination, {options.file}, console)) {
         return ExitStatus::wrongUse;
     }
-    const auto inspection = look(options.file, options.mediaFolder, console, stop);
-    if (!inspection) {
+    const auto handOff = look(options.file, options.mediaFolders, console, stop);
+    if (!handOff) {
         return ExitStatus::fileFailed;
     }
-    const Listing listing = listingOf(options.what, *inspection);
+    const Listing listing = listingOf(options.what, *handOff);
     if (listing.rows.empty() && options.form == ListOptions::Form::people) {
-        console.note(emptyListText(options.what, *inspection));
-        return verdict(*inspection, options.failOn);
+        console.note(emptyListText(options.what, *handOff));
+        return verdict(*handOff, options.failOn);
     }
-    tellRateDisagreement(options, *inspection, console);
-    if (!deliver(options.destination, textOf(options, *inspection, listing, console), console)) {
+    tellRateDisagreement(options, *handOff, console);
+    if (!deliver(options.destination, textOf(options, *handOff, listing, console), console)) {
         return ExitStatus::fileFailed;
     }
-    return verdict(*inspection, options.failOn);
+    return verdict(*handOff, options.failOn);
 }
 
 }  // namespace trellant::cli

@@ -1,9 +1,9 @@
 // `trellant validate`: is this JSON a timeline that programs may rely on?
 #include "commands.h"
-#include "look/changes.h"
 
 #include <trellant/base/printable_text.h>
 #include <trellant/base/text.h>
+#include <trellant/handoff/changes.h>
 #include <trellant/io/errors.h>
 #include <trellant/io/random_access_file.h>
 #include <trellant/json/json_writer.h>
@@ -76,7 +76,7 @@ AAFTimeline timelineIn(const std::string& text) {
 struct Finding {
     bool valid = false;
     /// The failure of a timeline that could be decoded.
-    std::optional<ToldChange> failure{};
+    std::optional<DescribedChange> failure{};
     std::string place{};
     /// Why it could not even be decoded.
     std::string fault{};

@@ -1,6 +1,7 @@
 // The length of an audio file by its header, and what is no audio file.
-#include "extract/audio_facts.h"
 #include "extract_fixture.h"
+
+#include <trellant/handoff/audio_facts.h>
 
 #include <gmock/gmock.h>
 
@@ -13,8 +14,8 @@ namespace {
 
 class AudioFactsTest : public ::testing::Test {
   protected:
-    std::optional<cli::AudioFacts> facts(const Bytes& bytes) {
-        return cli::audioFacts(writeFile(folder_.file("a"), bytes));
+    std::optional<AudioFacts> facts(const Bytes& bytes) {
+        return audioFacts(writeFile(folder_.file("a"), bytes));
     }
     std::optional<std::uint64_t> frames(const Bytes& bytes) {
         const auto found = facts(bytes);
@@ -33,11 +34,11 @@ TEST_F(AudioFactsTest, FramesOfWaveAreBytesByBytesOfAFrame) {
 
 TEST_F(AudioFactsTest, FormatIsTheProbes) {
     const auto found = facts(waveImage({.channels = 2, .sampleRate = 44'100, .bitsPerSample = 16}));
-    EXPECT_EQ(found, (cli::AudioFacts{.format = {.sampleRate = AAFRational(44'100),
-                                                 .channels = 2,
-                                                 .bitDepth = 16,
-                                                 .codec = "PCM"},
-                                      .frames = 0}));
+    EXPECT_EQ(found, (AudioFacts{.format = {.sampleRate = AAFRational(44'100),
+                                            .channels = 2,
+                                            .bitDepth = 16,
+                                            .codec = "PCM"},
+                                 .frames = 0}));
 }
 
 TEST_F(AudioFactsTest, SizeBeyondTheEndOfTheFileCountsToTheEnd) {
@@ -70,8 +71,8 @@ TEST_F(AudioFactsTest, FramesOfAiffStandInItsHeader) {
 TEST_F(AudioFactsTest, WhatIsNoAudioFileHasNoFacts) {
     EXPECT_EQ(facts({}), std::nullopt);
     EXPECT_EQ(facts(bytesOf("RIFF of something else")), std::nullopt);
-    EXPECT_EQ(cli::audioFacts(folder_.file("nothing here")), std::nullopt);
-    EXPECT_EQ(cli::audioFacts(folder_.path().string()), std::nullopt);
+    EXPECT_EQ(audioFacts(folder_.file("nothing here")), std::nullopt);
+    EXPECT_EQ(audioFacts(folder_.path().string()), std::nullopt);
 }
 
 TEST_F(AudioFactsTest, CutAnywhereAFileHasFactsOrNone) {
@@ -83,17 +84,17 @@ TEST_F(AudioFactsTest, CutAnywhereAFileHasFactsOrNone) {
 }
 
 TEST(Seconds, NeedALengthAndARateAboveZero) {
-    cli::AudioFacts facts;
+    AudioFacts facts;
     facts.frames = 24'000;
-    EXPECT_EQ(cli::seconds(facts), std::nullopt);
+    EXPECT_EQ(seconds(facts), std::nullopt);
     facts.format.sampleRate = AAFRational(0);
-    EXPECT_EQ(cli::seconds(facts), std::nullopt);
+    EXPECT_EQ(seconds(facts), std::nullopt);
     facts.format.sampleRate = AAFRational(48'000);
-    EXPECT_EQ(cli::seconds(facts), AAFRational(1, 2));
+    EXPECT_EQ(seconds(facts), AAFRational(1, 2));
     facts.frames.reset();
-    EXPECT_EQ(cli::seconds(facts), std::nullopt);
+    EXPECT_EQ(seconds(facts), std::nullopt);
     facts.frames = 0x8000'0000'0000'0000U;
-    EXPECT_EQ(cli::seconds(facts), std::nullopt);
+    EXPECT_EQ(seconds(facts), std::nullopt);
 }
 
 }  // namespace

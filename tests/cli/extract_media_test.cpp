@@ -1,7 +1,8 @@
 // Audio files beside the interchange file: which of those that bear the name is taken.
-#include "extract/missing_media.h"
 #include "extract_fixture.h"
-#include "look/media_folders.h"
+
+#include <trellant/handoff/media_folders.h>
+#include <trellant/handoff/missing_media.h>
 
 #include <gmock/gmock.h>
 
@@ -185,104 +186,6 @@ TEST_F(ExtractMedia, FolderForTheAudioMayBeTheMediaFolder) {
     EXPECT_EQ(pathOfSource(1), kick);
     extractWell(call);
     EXPECT_THAT(namesIn(out()), ElementsAre("MANIFEST.sha256", "kick.wav", "timeline.json"));
-}
-
-class MediaFoldersTest : public ::testing::Test {
-  protected:
-    std::string file(const std::string& place) {
-        fs::create_directories(fs::path(folder_.file(place)).parent_path());
-        return writeFile(folder_.file(place), bytesOf(place));
-    }
-    cli::MediaFolders read(const std::vector<std::string>& folders,
-                           const std::vector<std::string>& ignored = {}) {
-        return cli::MediaFolders(folders, ignored, progress_);
-    }
-
-    TemporaryDirectory folder_;
-    cli::Console console_{cli::Verbosity::quiet};
-    cli::StepProgress progress_{console_, {}};
-};
-
-TEST_F(MediaFoldersTest, AudioFilesAreFoundByNameInAnyCase) {
-    const std::string first = file("Kick.WAV");
-    const std::string second = file("deep/er/kick.wav");
-    file("kick.txt");
-    file("kick");
-    EXPECT_THAT(read({folder_.path().string()}).named("kick.wav"), ElementsAre(first, second));
-    EXPECT_THAT(read({folder_.path().string()}).named("kick.txt"), IsEmpty());
-    EXPECT_THAT(read({folder_.path().string()}).named("kick"), IsEmpty());
-}
-
-TEST_F(MediaFoldersTest, EveryAudioExtensionCounts) {
-    for (const std::string extension : {"wav", "wave", "aif", "aiff", "AIFC"}) {
-        const std::string path = file("a." + extension);
-        EXPECT_THAT(read({folder_.path().string()}).named(cli::wantedFileName(path)),
-                    ElementsAre(path));
-    }
-}
-
-TEST_F(MediaFoldersTest, HiddenFilesAndFoldersArePassedOver) {
-    file(".hidden/kick.wav");
-    file(".kick.wav");
-    EXPECT_THAT(read({folder_.path().string()}).named("kick.wav"), IsEmpty());
-    EXPECT_THAT(read({folder_.path().string()}).named(".kick.wav"), IsEmpty());
-}
-
-TEST_F(MediaFoldersTest, FileThatTwoFoldersReachCountsOnce) {
-    const std::string path = file("deep/kick.wav");
-    fs::create_symlink(path, folder_.file("zzz.wav"));
-    const auto found = read({folder_.path().string(), folder_.file("deep")});
-    EXPECT_EQ(found.named("kick.wav").size() + found.named("zzz.wav").size(), 1U);
-}
-
-TEST_F(MediaFoldersTest, LinkToAFolderIsNotEntered) {
-    const TemporaryDirectory elsewhere;
-    writeFile(elsewhere.file("kick.wav"), bytesOf("a"));
-    fs::create_directory_symlink(elsewhere.path(), folder_.file("link"));
-    fs::create_directory_symlink(folder_.path(), folder_.file("loop"));
-    EXPECT_THAT(read({folder_.path().string()}).named("kick.wav"), IsEmpty());
-}
-
-TEST_F(MediaFoldersTest, IgnoredFilesAreNoFinds) {
-    const std::string ignored = file("a/kick.wav");
-    const std::string other = file("b/kick.wav");
-    EXPECT_THAT(read({folder_.path().string()}, {ignored}).named("kick.wav"), ElementsAre(other));
-}
-
-TEST_F(MediaFoldersTest, FolderThatIsNotThereHoldsNothing) {
-    EXPECT_THAT(read({folder_.file("nowhere")}).named("kick.wav"), IsEmpty());
-}
-
-TEST(WantedFileName, IsTheLowerCasedLastPartOfAnySystemsPath) {
-    EXPECT_EQ(cli::wantedFileName("D:\\Audio\\Kick 1.WAV"), "kick 1.wav");
-    EXPECT_EQ(cli::wantedFileName("/Volumes/Audio/Kick.wav"), "kick.wav");
-    EXPECT_EQ(cli::wantedFileName("file:///a/b/Kick.wav"), "kick.wav");
-    EXPECT_EQ(cli::wantedFileName("\xC3\x84tna.wav"), "\xC3\xA4tna.wav");
-    EXPECT_EQ(cli::wantedFileName("a/b//"), "b");
-    EXPECT_EQ(cli::wantedFileName("\\/"), "");
-    EXPECT_EQ(cli::wantedFileName(""), "");
-}
-
-TEST(Misfit, IsRateThenChannelsThenLength) {
-    const cli::SourceNeeds needs{.sampleRate = AAFRational(48'000), .channels = 2, .frames = 1'000};
-    cli::AudioFacts facts;
-    facts.format.sampleRate = AAFRational(48'000);
-    facts.format.channels = 2;
-    facts.frames = 1'000;
-    EXPECT_EQ(cli::misfit(facts, needs), std::nullopt);
-    facts.frames = 999;
-    EXPECT_EQ(cli::misfit(facts, needs), "too short, the clips need 1000 samples");
-    facts.frames.reset();
-    EXPECT_EQ(cli::misfit(facts, needs), "nobody knows whether it is long enough");
-    facts.frames = 1'001;
-    facts.format.channels = 1;
-    EXPECT_EQ(cli::misfit(facts, needs), "too few channels, the clips need 2");
-    facts.format.channels = 3;
-    EXPECT_EQ(cli::misfit(facts, needs), std::nullopt);
-    facts.format.sampleRate = AAFRational(44'100);
-    EXPECT_EQ(cli::misfit(facts, needs), "another rate, the clips need 48000 Hz");
-    facts.format.sampleRate.reset();
-    EXPECT_EQ(cli::misfit(facts, needs), "another rate, the clips need 48000 Hz");
 }
 
 }  // namespace

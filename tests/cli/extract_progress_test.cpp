@@ -1,8 +1,9 @@
 // The bar of a long step, and its end by a stop.
-#include "look/step_progress.h"
+#include "look/console_progress.h"
 #include "said.h"
 
 #include <trellant/client/errors.h>
+#include <trellant/handoff/work_progress.h>
 
 #include <gmock/gmock.h>
 
@@ -12,9 +13,9 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-TEST(StepProgress, BarMovesWithTheBytes) {
+TEST(ConsoleProgress, BarMovesWithTheBytes) {
     const Said heard = said({.errors = Listener::terminal}, [](cli::Console& console) {
-        cli::StepProgress progress(console, {});
+        cli::ConsoleProgress progress(console, {});
         progress.begin("Taking the audio out", 200);
         progress.at(50);
         progress.advance(100);
@@ -25,28 +26,28 @@ TEST(StepProgress, BarMovesWithTheBytes) {
     EXPECT_THAT(heard.errors, Not(HasSubstr(" 50%")));
 }
 
-TEST(StepProgress, MoreBytesThanExpectedAreAllOfThem) {
+TEST(ConsoleProgress, MoreBytesThanExpectedAreAllOfThem) {
     const Said heard = said({.errors = Listener::terminal}, [](cli::Console& console) {
-        cli::StepProgress progress(console, {});
+        cli::ConsoleProgress progress(console, {});
         progress.begin("Looking", 0);
         progress.at(1'000);
     });
     EXPECT_THAT(heard.errors, HasSubstr("100%"));
 }
 
-TEST(StepProgress, PipeHearsNothing) {
+TEST(ConsoleProgress, PipeHearsNothing) {
     const Said heard = said({}, [](cli::Console& console) {
-        cli::StepProgress progress(console, {});
+        cli::ConsoleProgress progress(console, {});
         progress.begin("Looking", 10);
         progress.at(5);
     });
     EXPECT_EQ(heard.errors, "");
 }
 
-TEST(StepProgress, StopEndsTheStep) {
+TEST(ConsoleProgress, StopEndsTheStep) {
     cli::Console console(cli::Verbosity::quiet);
     std::stop_source stop;
-    cli::StepProgress progress(console, stop.get_token());
+    cli::ConsoleProgress progress(console, stop.get_token());
     progress.begin("Looking", 10);
     EXPECT_NO_THROW(progress.check());
     stop.request_stop();

@@ -1,7 +1,7 @@
 // AIFC made into WAVE: sample for sample in every form, by the program of its own and by --wav.
-#include "extract/wave_conversion.h"
 #include "extract_fixture.h"
-#include "process/spawned_program.h"
+#include "spawned_program.h"
+#include "wave_conversion.h"
 #include "wave_copy.h"
 
 #include <trellant/client/errors.h>
@@ -48,7 +48,7 @@ class WaveCopy : public ::testing::Test {
     std::string converted(const AiffSpec& aiff) {
         const std::string source = writeFile(folder_.file("in.aifc"), aiffImage(aiff));
         const std::string destination = folder_.file("out.wav");
-        const cli::ProgramEnd end = cli::runProgram({TRELLANT_WAV, source, destination}, [] {});
+        const ProgramEnd end = runProgram({TRELLANT_WAV, source, destination}, [] {});
         EXPECT_EQ(end.status, 0) << end.errors;
         return destination;
     }
@@ -153,8 +153,7 @@ class WaveCopyRefuses : public WaveCopy {
     /// The program must refuse with this line, and leave nothing.
     void expectRefused(const Bytes& bytes, const std::string& reason) {
         const std::string source = writeFile(folder_.file("in.aifc"), bytes);
-        const cli::ProgramEnd end =
-            cli::runProgram({TRELLANT_WAV, source, folder_.file("out.wav")}, [] {});
+        const ProgramEnd end = runProgram({TRELLANT_WAV, source, folder_.file("out.wav")}, [] {});
         EXPECT_EQ(end.status, 2);
         EXPECT_EQ(end.errors, reason + "\n");
         EXPECT_FALSE(fs::exists(folder_.file("out.wav")));
@@ -172,7 +171,7 @@ TEST_F(WaveCopyRefuses, OtherKindsOfFiles) {
 }
 
 TEST_F(WaveCopyRefuses, WrongNumberOfArguments) {
-    const cli::ProgramEnd end = cli::runProgram({TRELLANT_WAV, "only one"}, [] {});
+    const ProgramEnd end = runProgram({TRELLANT_WAV, "only one"}, [] {});
     EXPECT_EQ(end.status, 1);
     EXPECT_EQ(end.errors, "usage: trellant-wav IN OUT\n");
 }
@@ -181,8 +180,7 @@ TEST_F(WaveCopyRefuses, FileInPlaceOfTheNewOneAndLeavesIt) {
     const std::string source =
         writeFile(folder_.file("in.aifc"), aiffImage({.samples = hex("0001")}));
     writeFile(folder_.file("out.wav"), bytesOf("mine"));
-    const cli::ProgramEnd end =
-        cli::runProgram({TRELLANT_WAV, source, folder_.file("out.wav")}, [] {});
+    const ProgramEnd end = runProgram({TRELLANT_WAV, source, folder_.file("out.wav")}, [] {});
     EXPECT_EQ(end.status, 2);
     EXPECT_EQ(end.errors, "no WAVE file could be created (File exists)\n");
     EXPECT_EQ(textOf(readFile(folder_.file("out.wav"))), "mine");
@@ -213,18 +211,17 @@ class SpawnedProgram : public ::testing::Test {
 };
 
 TEST_F(SpawnedProgram, StatusAndErrorsComeBack) {
-    const cli::ProgramEnd end = cli::runProgram({script("echo why >&2; exit 7")}, [] {});
+    const ProgramEnd end = runProgram({script("echo why >&2; exit 7")}, [] {});
     EXPECT_EQ(end.status, 7);
     EXPECT_EQ(end.errors, "why\n");
 }
 
 TEST_F(SpawnedProgram, SignalIsANegativeStatus) {
-    EXPECT_EQ(cli::runProgram({script("kill -9 $$")}, [] {}).status, -9);
+    EXPECT_EQ(runProgram({script("kill -9 $$")}, [] {}).status, -9);
 }
 
 TEST_F(SpawnedProgram, OnlyTheHeadOfManyErrorsIsKept) {
-    const cli::ProgramEnd end =
-        cli::runProgram({script("head -c 100000 /dev/zero | tr '\\0' x >&2")}, [] {});
+    const ProgramEnd end = runProgram({script("head -c 100000 /dev/zero | tr '\\0' x >&2")}, [] {});
     EXPECT_EQ(end.status, 0);
     EXPECT_EQ(end.errors, std::string(4'096, 'x'));
 }
@@ -232,13 +229,13 @@ TEST_F(SpawnedProgram, OnlyTheHeadOfManyErrorsIsKept) {
 TEST_F(SpawnedProgram, IsEndedWhenNobodyWaitsAnyMore) {
     struct Enough {};
     const std::string path = script("exec sleep 1000");
-    EXPECT_THAT([&] { static_cast<void>(cli::runProgram({path}, [] { throw Enough{}; })); },
+    EXPECT_THAT([&] { static_cast<void>(runProgram({path}, [] { throw Enough{}; })); },
                 ::testing::Throws<Enough>());
 }
 
 TEST_F(SpawnedProgram, ProgramThatIsNotThereIsTheSystemsError) {
     try {
-        static_cast<void>(cli::runProgram({folder_.file("none")}, [] {}));
+        static_cast<void>(runProgram({folder_.file("none")}, [] {}));
         FAIL() << "no error";
     } catch (const FileSystemError& error) {
         EXPECT_EQ(std::string(error.what()),
@@ -247,7 +244,7 @@ TEST_F(SpawnedProgram, ProgramThatIsNotThereIsTheSystemsError) {
 }
 
 TEST_F(SpawnedProgram, HasNoInputAndNoOutput) {
-    EXPECT_EQ(cli::runProgram({script("read line && exit 1; echo lost; exit 0")}, [] {}).status, 0);
+    EXPECT_EQ(runProgram({script("read line && exit 1; echo lost; exit 0")}, [] {}).status, 0);
 }
 
 class ExtractWave : public ExtractTest {

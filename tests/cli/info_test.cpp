@@ -16,10 +16,10 @@ using testing::HasSubstr;
 using testing::Not;
 
 /// One muted track without a name, one clip with varying gain of a file that is not there.
-Inspection odd() {
-    Inspection inspection;
+HandOff odd() {
+    HandOff handOff;
     const AAFTimecodeRate rate = AAFTimecodeRate::fps25();
-    AAFTimeline& timeline = inspection.timeline;
+    AAFTimeline& timeline = handOff.timeline;
     timeline.clock = {rate.exactRate, rate, AAFTimecodeAddress(1, 0, 0, 0, rate)};
     AAFTrackState track;
     track.id = "t";
@@ -43,7 +43,7 @@ Inspection odd() {
     clip.clipGainAutomation = AAFAutomationEnvelope{
         .points = {{AAFRational(0), 1}, {AAFRational(1, 2), 0.5}, {AAFRational(1), 1}}};
     timeline.events.push_back(clip);
-    return inspection;
+    return handOff;
 }
 
 TEST(ListClips, TellPeopleWhatIsOddAboutAClip) {
@@ -73,58 +73,67 @@ TEST(ListTracks, ATrackWithoutNameGoesByItsNumberForPeopleOnly) {
 }
 
 TEST(ListSources, SeveralFilesOfOneNameAreAState) {
-    Inspection inspection = odd();
-    inspection.ambiguousEssences = {"e"};
-    EXPECT_THAT(tableForPeople(listSources(inspection)).rows[0],
+    HandOff handOff = odd();
+    handOff.openChoices = {{"e", {{.path = "/a/Steps.wav"}, {.path = "/b/Steps.wav"}}}};
+    EXPECT_THAT(tableForPeople(listSources(handOff)).rows[0],
                 ElementsAre("Steps.wav", "several candidates", "48000", "2", "1"));
-    EXPECT_THAT(infoScreen("a.omf", inspection, false),
+    EXPECT_THAT(infoScreen("a.omf", handOff, false),
                 HasSubstr("  Several files bear one name: trellant extract lists them\n"));
 }
 
+TEST(ListSources, FilesOfWhichNoneFitsAreAState) {
+    HandOff handOff = odd();
+    handOff.openChoices = {{"e", {{.path = "/a/Steps.wav", .misfit = "another rate"}}}};
+    EXPECT_THAT(tableForPeople(listSources(handOff)).rows[0],
+                ElementsAre("Steps.wav", "does not fit", "48000", "2", "1"));
+    EXPECT_THAT(
+        infoScreen("a.omf", handOff, false),
+        HasSubstr("  Audio files do not fit what the clips need: trellant extract says why\n"));
+}
+
 TEST(Info, CountsWhatWasSetRight) {
-    Inspection inspection = odd();
-    EXPECT_THAT(infoScreen("a.omf", inspection, false), Not(HasSubstr("Repaired")));
-    inspection.changes = {{.code = "code",
-                           .object = "event[0]",
-                           .track = "Dialog",
-                           .clip = "Anna",
-                           .start = AAFRational(1),
-                           .what = "the gain is left out"}};
-    EXPECT_THAT(infoScreen("a.omf", inspection, false),
+    HandOff handOff = odd();
+    EXPECT_THAT(infoScreen("a.omf", handOff, false), Not(HasSubstr("Repaired")));
+    handOff.changes = {{.code = "code",
+                        .object = "event[0]",
+                        .track = "Dialog",
+                        .clip = "Anna",
+                        .start = AAFRational(1),
+                        .what = "the gain is left out"}};
+    EXPECT_THAT(infoScreen("a.omf", handOff, false),
                 HasSubstr("  Repaired      1 thing was odd and set right (told above)\n"));
-    EXPECT_THAT(infoLine("a.omf", inspection),
+    EXPECT_THAT(infoLine("a.omf", handOff),
                 HasSubstr("\"changes\":[{\"code\":\"code\",\"object\":\"event[0]\",\"what\":"
                           "\"the gain is left out\",\"track\":\"Dialog\",\"clip\":\"Anna\","
                           "\"timecode\":\"01:00:01:00\"}]"));
 }
 
 TEST(Info, NamesCannotTurnTheDirectionOfALine) {
-    Inspection inspection = odd();
-    inspection.timeline.compositionName = "a\u202eb";
-    inspection.compositions = {{.name = "x", .isRead = true}, {.name = "c\u2066d"}};
-    EXPECT_THAT(infoScreen("a\u202e.omf", inspection, false),
+    HandOff handOff = odd();
+    handOff.timeline.compositionName = "a\u202eb";
+    handOff.compositions = {{.name = "x", .isRead = true}, {.name = "c\u2066d"}};
+    EXPECT_THAT(infoScreen("a\u202e.omf", handOff, false),
                 AllOf(HasSubstr("a\uFFFDb"), HasSubstr("not read: c\uFFFDd"),
                       Not(HasSubstr("\u202e")), Not(HasSubstr("\u2066"))));
 }
 
 TEST(Info, AdviceIsSafeToPaste) {
-    Inspection inspection = odd();
-    inspection.timeline.unsupportedFeatures = {{.description = "lost"}};
-    inspection.losses = {{}};
-    EXPECT_THAT(infoScreen("-$(x).omf", inspection, false),
+    HandOff handOff = odd();
+    handOff.timeline.unsupportedFeatures = {{.description = "lost"}};
+    handOff.losses = {{}};
+    EXPECT_THAT(infoScreen("-$(x).omf", handOff, false),
                 HasSubstr("trellant list losses './-$(x).omf'\n"));
 }
 
 TEST(Info, TellsProgramsBothRatesAndTheirDrift) {
-    Inspection inspection = odd();
-    EXPECT_THAT(infoLine("a.omf", inspection),
+    HandOff handOff = odd();
+    EXPECT_THAT(infoLine("a.omf", handOff),
                 AllOf(HasSubstr("\"editRate\":\"25\",\"timecodeRate\":\"25\",\"tracks\""),
                       Not(HasSubstr("drift"))));
     // 3600 s * (1 - 50/25) = -3600 s
-    inspection.timeline.clock.editRate = AAFRational(50);
-    EXPECT_THAT(infoLine("a.omf", inspection),
-                HasSubstr("\"editRate\":\"50\",\"timecodeRate\":\"25\","
-                          "\"driftSecondsPerHour\":-3600,"));
+    handOff.timeline.clock.editRate = AAFRational(50);
+    EXPECT_THAT(infoLine("a.omf", handOff), HasSubstr("\"editRate\":\"50\",\"timecodeRate\":\"25\","
+                                                      "\"driftSecondsPerHour\":-3600,"));
 }
 
 }  // namespace

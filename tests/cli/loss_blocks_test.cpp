@@ -9,24 +9,24 @@
 namespace trellant::cli {
 namespace {
 
-Inspection twoLosses() {
-    Inspection inspection;
+HandOff twoLosses() {
+    HandOff handOff;
     const AAFTimecodeRate rate = AAFTimecodeRate::fps25();
-    inspection.timeline.clock = {rate.exactRate, rate, AAFTimecodeAddress(1, 0, 0, 0, rate)};
-    inspection.timeline.unsupportedFeatures = {
+    handOff.timeline.clock = {rate.exactRate, rate, AAFTimecodeAddress(1, 0, 0, 0, rate)};
+    handOff.timeline.unsupportedFeatures = {
         {.severity = AAFUnsupportedFeature::Severity::renderAffecting,
          .description = "effect not rendered",
          .objectPath = "CMOB[1]"},
         {.severity = AAFUnsupportedFeature::Severity::informational,
          .description = "clip dropped"}};
-    inspection.losses = {{.trackName = "Dialog",
-                          .trackNumber = 3,
-                          .clipName = "Anna",
-                          .start = AAFRational(1),
-                          .duration = AAFRational(2),
-                          .plain = "The effect is not applied."},
-                         {.trackNumber = 2}};
-    return inspection;
+    handOff.losses = {{.trackName = "Dialog",
+                       .trackNumber = 3,
+                       .clipName = "Anna",
+                       .start = AAFRational(1),
+                       .duration = AAFRational(2),
+                       .plain = "The effect is not applied."},
+                      {.trackNumber = 2}};
+    return handOff;
 }
 
 TEST(LossBlocks, TellPlaceMeaningAndOrigin) {
@@ -54,10 +54,10 @@ TEST(LossBlocks, WrapWithinTheLine) {
 }
 
 TEST(LossBlocks, DimTheTechnicalText) {
-    Inspection inspection = twoLosses();
-    inspection.timeline.unsupportedFeatures.erase(inspection.timeline.unsupportedFeatures.begin());
-    inspection.losses.erase(inspection.losses.begin());
-    EXPECT_EQ(lossBlocks(inspection, 80, true),
+    HandOff handOff = twoLosses();
+    handOff.timeline.unsupportedFeatures.erase(handOff.timeline.unsupportedFeatures.begin());
+    handOff.losses.erase(handOff.losses.begin());
+    EXPECT_EQ(lossBlocks(handOff, 80, true),
               "1  " + painted("track 2: dropped", Paint::bold, true) + "\n   " +
                   painted("clip dropped", Paint::dim, true) + "\n");
 }

@@ -31,7 +31,7 @@ TEST(Options, InfoTakesSeveralFiles) {
     const auto call = callOf<InfoOptions>({"info", "a.omf", "b.omf", "--json", "--media", "m"});
     EXPECT_THAT(call.files, ElementsAre("a.omf", "b.omf"));
     EXPECT_TRUE(call.json);
-    EXPECT_THAT(call.mediaFolder, Optional(Eq("m")));
+    EXPECT_THAT(call.mediaFolders, ElementsAre("m"));
     EXPECT_EQ(call.failOn, FailOn::nothing);
     EXPECT_EQ(call.destination.path, "-");
 }

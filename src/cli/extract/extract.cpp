@@ -1,13 +1,15 @@
 #include "extract.h"
 
-#include "extraction.h"
+#include "look/console_progress.h"
 #include "look/looking.h"
+#include "report.h"
 #include "terminal/interrupts.h"
 #include "terminal/pasted_word.h"
 
 #include <trellant/base/printable_text.h>
 #include <trellant/base/url.h>
 #include <trellant/client/errors.h>
+#include <trellant/extraction/extraction.h>
 #include <trellant/io/errors.h>
 
 #include <cerrno>
@@ -117,20 +119,21 @@ void tellLeftFolders(const ExtractOptions& options, const std::string& directory
     }
 }
 
-void tellUnused(const ExtractReport& report, Console& console) {
-    if (!report.unused || report.unused->count == 0) {
+void tellUnused(const ExtractionReport& report, Console& console) {
+    if (!report.embedded || report.embedded->unusedCount == 0) {
         return;
     }
-    const UnusedMedia& unused = *report.unused;
+    const AAFWorkerExtensions::EmbeddedMedia& embedded = *report.embedded;
+    const auto unusedCount = static_cast<std::size_t>(embedded.unusedCount);
     std::string names;
-    for (const std::string& name : unused.names) {
+    for (const std::string& name : embedded.unusedNames) {
         names += (names.empty() ? "" : ", ") + name;
     }
-    if (unused.names.size() < unused.count) {
-        names += " and " + std::to_string(unused.count - unused.names.size()) + " more";
+    if (embedded.unusedNames.size() < unusedCount) {
+        names += " and " + std::to_string(unusedCount - embedded.unusedNames.size()) + " more";
     }
-    const bool isOne = unused.count == 1;
-    console.note(shown(report.file) + ": " + std::to_string(unused.count) +
+    const bool isOne = unusedCount == 1;
+    console.note(shown(report.file) + ": " + std::to_string(unusedCount) +
                  (isOne ? " audio file inside is" : " audio files inside are") +
                  " not played by any clip: " + names + ". " +
                  (isOne ? "It is no part of the composition and was"
@@ -139,7 +142,7 @@ void tellUnused(const ExtractReport& report, Console& console) {
                  shown(pastedFileName(report.file)));
 }
 
-void tellNotConverted(const ExtractReport& report, Console& console) {
+void tellNotConverted(const ExtractionReport& report, Console& console) {
     for (const AudioEntry& entry : report.audio) {
         if (entry.notConverted) {
             console.note((entry.placed ? entry.placed->name : std::string()) +
@@ -148,18 +151,25 @@ void tellNotConverted(const ExtractReport& report, Console& console) {
     }
 }
 
-std::optional<ExtractReport> report(const ExtractOptions& options, Console& console,
-                                    const std::stop_token& stop) {
+std::optional<ExtractionReport> report(const ExtractOptions& options, Console& console,
+                                       const std::stop_token& stop) {
     const Cancellable heeded;
     std::size_t placed = 0;
     try {
         const Folder folder(options.call.directory);
         tellLeftFolders(options, folder.path(), console);
-        StepProgress progress(console, stop);
+        ConsoleProgress progress(console, stop);
         progress.check();
-        Extraction extraction(options, folder.path(), progress);
+        Extraction extraction({.file = options.call.file,
+                               .directory = options.call.directory,
+                               .directoryPath = folder.path(),
+                               .mediaFolders = options.call.mediaFolders,
+                               .force = options.call.force,
+                               .waveConverter = options.waveConverter,
+                               .helperURLProvider = options.helperURLProvider},
+                              progress);
         try {
-            ExtractReport made = extraction.run();
+            ExtractionReport made = extraction.run();
             console.endBar();
             return made;
         } catch (const std::exception& error) {
@@ -192,7 +202,9 @@ ExitStatus runExtract(const ExtractOptions& given, Console& console, const std::
         console.error(*message);
         return ExitStatus::wrongUse;
     }
-    if (options.call.wav && !options.waveConverter) {
+    if (!options.call.wav) {
+        options.waveConverter.reset();
+    } else if (!options.waveConverter) {
         options.waveConverter = installedWaveConverter();
         if (!options.waveConverter) {
             console.error(
@@ -205,7 +217,7 @@ ExitStatus runExtract(const ExtractOptions& given, Console& console, const std::
     if (!made) {
         return ExitStatus::fileFailed;
     }
-    tellChanges(options.call.file, made->inspection, console);
+    tellChanges(options.call.file, made->handOff, console);
     tellNotConverted(*made, console);
     tellUnused(*made, console);
     if (options.call.json) {
@@ -217,7 +229,7 @@ ExitStatus runExtract(const ExtractOptions& given, Console& console, const std::
         console.error(shown(options.call.file) + ": not all audio could be taken out");
         return ExitStatus::fileFailed;
     }
-    return verdict(made->inspection, options.call.failOn);
+    return verdict(made->handOff, options.call.failOn);
 }
 
 }  // namespace trellant::cli

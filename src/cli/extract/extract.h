@@ -9,6 +9,7 @@
 #include "terminal/exit_status.h"
 
 #include <trellant/client/worker_client.h>
+#include <trellant/handoff/hand_off.h>
 
 #include <optional>
 #include <stop_token>
@@ -29,7 +30,7 @@ struct ExtractCall {
 
 struct ExtractOptions {
     ExtractCall call;
-    AAFWorkerClient::HelperURLProvider helperURLProvider = bundledHelper;
+    AAFWorkerClient::HelperURLProvider helperURLProvider = installedWorker;
     /// The program that writes WAVE; absent: the one installed with the command.
     std::optional<std::string> waveConverter{};
 };

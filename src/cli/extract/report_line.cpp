@@ -1,10 +1,10 @@
 // The summary for a machine.
 #include "look/json_row.h"
-#include "look/sources.h"
-#include "look/timeline_text.h"
 #include "report.h"
 
 #include <trellant/base/url.h>
+#include <trellant/handoff/sources.h>
+#include <trellant/handoff/timeline_text.h>
 
 namespace trellant::cli {
 
@@ -70,8 +70,8 @@ void addEntry(JsonRow& row, const AudioEntry& entry, const AAFTimeline& timeline
 
 }  // namespace
 
-std::string summaryLine(const ExtractReport& report) {
-    const AAFTimeline& timeline = report.inspection.timeline;
+std::string summaryLine(const ExtractionReport& report) {
+    const AAFTimeline& timeline = report.handOff.timeline;
     JsonRow row;
     row.text("file", report.file);
     row.text("directory", report.directory);
@@ -81,9 +81,9 @@ std::string summaryLine(const ExtractReport& report) {
         addEntry(item, entry, timeline);
     });
     row.integer("notPlayed",
-                report.unused ? std::optional(integer(report.unused->count)) : std::nullopt);
+                report.embedded ? std::optional(report.embedded->unusedCount) : std::nullopt);
     row.integer("losses", integer(timeline.unsupportedFeatures.size()));
-    row.integer("changes", integer(report.inspection.changes.size()));
+    row.integer("changes", integer(report.handOff.changes.size()));
     return row.line();
 }
 

@@ -1,9 +1,11 @@
 // The summary for a person: what is where, then what is missing, then what to do next.
-#include "look/timeline_text.h"
 #include "report.h"
 #include "report_table.h"
+#include "terminal/console.h"
 #include "terminal/pasted_word.h"
 #include "terminal/shown_text.h"
+
+#include <trellant/handoff/timeline_text.h>
 
 #include <algorithm>
 #include <map>
@@ -21,11 +23,8 @@ std::string counted(std::size_t count, std::string_view one, std::string_view ma
 
 class Screen {
   public:
-    Screen(const ExtractReport& report, std::size_t columns, bool colour)
-        : report_(report),
-          timeline_(report.inspection.timeline),
-          columns_(columns),
-          colour_(colour) {}
+    Screen(const ExtractionReport& report, std::size_t columns, bool colour)
+        : report_(report), timeline_(report.handOff.timeline), columns_(columns), colour_(colour) {}
 
     std::string text() {
         text_ = painted(shownText(report_.file), Paint::bold, colour_) + "\n";
@@ -137,7 +136,7 @@ class Screen {
         text_ += advice.empty() ? "" : "\n" + advice;
     }
 
-    const ExtractReport& report_;
+    const ExtractionReport& report_;
     const AAFTimeline& timeline_;
     std::size_t columns_;
     bool colour_;
@@ -146,7 +145,7 @@ class Screen {
 
 }  // namespace
 
-std::string summaryScreen(const ExtractReport& report, std::size_t columns, bool colour) {
+std::string summaryScreen(const ExtractionReport& report, std::size_t columns, bool colour) {
     return Screen(report, columns, colour).text();
 }
 

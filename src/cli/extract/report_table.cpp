@@ -1,10 +1,11 @@
 #include "report_table.h"
 
-#include "look/sources.h"
-#include "look/timeline_text.h"
 #include "terminal/console.h"
 #include "terminal/shown_text.h"
 #include "terminal/table.h"
+
+#include <trellant/handoff/sources.h>
+#include <trellant/handoff/timeline_text.h>
 
 #include <algorithm>
 #include <array>
@@ -88,10 +89,10 @@ std::vector<std::string> rowOf(const AAFTimeline& timeline, const AudioEntry& en
     return row;
 }
 
-Table tableOf(const ExtractReport& report, const Form& form) {
+Table tableOf(const ExtractionReport& report, const Form& form) {
     Table table{.columns = columnsOf(form), .rows = {}};
     for (const AudioEntry& entry : report.audio) {
-        table.rows.push_back(rowOf(report.inspection.timeline, entry, form));
+        table.rows.push_back(rowOf(report.handOff.timeline, entry, form));
     }
     return table;
 }
@@ -129,7 +130,7 @@ std::string lengthOf(const AAFTimeline& timeline, const std::optional<AudioFacts
     return length ? lengthText(timeline, *length) : "";
 }
 
-std::string fittingTable(const ExtractReport& report, std::size_t columns, bool colour) {
+std::string fittingTable(const ExtractionReport& report, std::size_t columns, bool colour) {
     for (const Form& form : forms) {
         const Table table = tableOf(report, form);
         if (columns == Console::unlimitedColumns ||

@@ -17,7 +17,7 @@ void appendPart(std::string& text, const std::string& part);
 
 /// As wide as `columns` allows (see aligned()). On narrow terminals everything else gives way
 /// before the names of the files: first the sources are cut, then columns are left out.
-[[nodiscard]] std::string fittingTable(const ExtractReport& report, std::size_t columns,
+[[nodiscard]] std::string fittingTable(const ExtractionReport& report, std::size_t columns,
                                        bool colour);
 
 }  // namespace trellant::cli

@@ -1,9 +1,10 @@
 // The list of clips: everything that is known of each.
-#include "loss_index.h"
 #include "rows.h"
-#include "sources.h"
-#include "timeline_text.h"
+#include "short_text.h"
 
+#include <trellant/handoff/loss_index.h>
+#include <trellant/handoff/sources.h>
+#include <trellant/handoff/timeline_text.h>
 #include <trellant/model/audibility.h>
 #include <trellant/model/enum_names.h>
 #include <trellant/model/validation.h>
@@ -125,11 +126,11 @@ Value sourceLength(const AAFClipEvent& event, const Source* source) {
 
 class ClipRows {
   public:
-    explicit ClipRows(const Inspection& inspection)
-        : timeline_(inspection.timeline),
-          sources_(inspection.timeline, inspection.ambiguousEssences),
-          audibility_(inspection.timeline),
-          losses_(inspection.losses) {}
+    explicit ClipRows(const HandOff& handOff)
+        : timeline_(handOff.timeline),
+          sources_(handOff),
+          audibility_(handOff.timeline),
+          losses_(handOff.losses) {}
 
     [[nodiscard]] std::vector<Value> row(const AAFClipEvent& event) const {
         const AAFTrackState* const track = audibility_.track(event);
@@ -217,11 +218,11 @@ class ClipRows {
 
 }  // namespace
 
-Listing listClips(const Inspection& inspection) {
-    const ClipRows rows(inspection);
+Listing listClips(const HandOff& handOff) {
+    const ClipRows rows(handOff);
     Listing listing{.fields = clipFields(), .rows = {}};
-    listing.rows.reserve(inspection.timeline.events.size());
-    for (const AAFClipEvent& event : inspection.timeline.events) {
+    listing.rows.reserve(handOff.timeline.events.size());
+    for (const AAFClipEvent& event : handOff.timeline.events) {
         listing.rows.push_back(rows.row(event));
     }
     return listing;

@@ -6,7 +6,7 @@
 
 namespace trellant::cli {
 
-/// The text for a failed inspection of `file`; looks at the file's head and end where that helps.
+/// The text for a failed handOff of `file`; looks at the file's head and end where that helps.
 [[nodiscard]] std::string failureText(const std::string& file, const std::exception& error);
 
 }  // namespace trellant::cli

@@ -1,13 +1,13 @@
 #include "info.h"
 
-#include "summary.h"
 #include "terminal/console.h"
 #include "terminal/pasted_word.h"
 #include "terminal/shown_text.h"
-#include "timeline_text.h"
 
 #include <trellant/base/printable_text.h>
 #include <trellant/base/text.h>
+#include <trellant/handoff/summary.h>
+#include <trellant/handoff/timeline_text.h>
 #include <trellant/json/json_writer.h>
 
 #include <array>
@@ -37,8 +37,9 @@ void appendPart(std::string& text, const std::string& part) {
 /// "2 embedded, 1 missing".
 std::string statesText(const Summary& summary) {
     std::string text;
-    for (const SourceState state : {SourceState::embedded, SourceState::located,
-                                    SourceState::missing, SourceState::severalCandidates}) {
+    for (const SourceState state :
+         {SourceState::embedded, SourceState::located, SourceState::missing,
+          SourceState::severalCandidates, SourceState::misfit}) {
         if (const std::size_t count = summary.inState(state); count != 0) {
             appendPart(text, std::to_string(count) + " " + std::string(stateText(state)));
         }
@@ -79,11 +80,8 @@ std::string lossesText(const Summary& summary) {
 
 class Screen {
   public:
-    Screen(const Inspection& inspection, bool colour)
-        : inspection_(inspection),
-          timeline_(inspection.timeline),
-          summary_(inspection),
-          colour_(colour) {}
+    Screen(const HandOff& handOff, bool colour)
+        : handOff_(handOff), timeline_(handOff.timeline), summary_(handOff), colour_(colour) {}
 
     std::string text(const std::string& file) {
         text_ = painted(shownText(file), Paint::bold, colour_) + "\n";
@@ -107,14 +105,14 @@ class Screen {
     void addComposition() {
         line("Composition",
              timeline_.compositionName ? shownName(*timeline_.compositionName) : "(no name)");
-        if (inspection_.compositions.size() < 2) {
+        if (handOff_.compositions.size() < 2) {
             return;
         }
-        for (const AAFComposition& composition : inspection_.compositions) {
+        for (const AAFWorkerExtensions::Composition& composition : handOff_.compositions) {
             if (!composition.isRead) {
                 line("", "not read: " +
                              (composition.name ? shownName(*composition.name) : "(no name)") +
-                             ", object " + std::to_string(number(composition.object)));
+                             ", object " + std::to_string(composition.object));
             }
         }
     }
@@ -142,7 +140,7 @@ class Screen {
         line("Sample rates", ratesText(summary_));
         line("Bit depths", depthsText(summary_));
         line("Lost", lossesText(summary_));
-        if (const std::size_t odd = inspection_.changes.size(); odd != 0) {
+        if (const std::size_t odd = handOff_.changes.size(); odd != 0) {
             line("Repaired",
                  counted(odd, "thing was", "things were") + " odd and set right (told above)");
         }
@@ -163,9 +161,12 @@ class Screen {
         if (summary_.inState(SourceState::severalCandidates) != 0) {
             text_ += "  Several files bear one name: trellant extract lists them\n";
         }
+        if (summary_.inState(SourceState::misfit) != 0) {
+            text_ += "  Audio files do not fit what the clips need: trellant extract says why\n";
+        }
     }
 
-    const Inspection& inspection_;
+    const HandOff& handOff_;
     const AAFTimeline& timeline_;
     Summary summary_;
     bool colour_;
@@ -174,8 +175,8 @@ class Screen {
 
 class Line {
   public:
-    explicit Line(const Inspection& inspection)
-        : inspection_(inspection), timeline_(inspection.timeline), summary_(inspection) {}
+    explicit Line(const HandOff& handOff)
+        : handOff_(handOff), timeline_(handOff.timeline), summary_(handOff) {}
 
     std::string text(const std::string& file) {
         writer_.beginObject();
@@ -210,9 +211,10 @@ class Line {
     void writeCompositions() {
         writer_.plainKey("compositions");
         writer_.beginArray();
-        for (const AAFComposition& composition : inspection_.compositions) {
+        for (const AAFWorkerExtensions::Composition& composition : handOff_.compositions) {
             writer_.beginObject();
-            count("object", number(composition.object));
+            writer_.plainKey("object");
+            writer_.integer(composition.object);
             if (composition.name) {
                 text("name", *composition.name);
             }
@@ -259,6 +261,7 @@ class Line {
         count("located", summary_.inState(SourceState::located));
         count("missing", summary_.inState(SourceState::missing));
         count("severalCandidates", summary_.inState(SourceState::severalCandidates));
+        count("misfit", summary_.inState(SourceState::misfit));
         writer_.plainKey("sampleRates");
         writer_.beginObject();
         for (const auto& [rate, sources] : summary_.sampleRates) {
@@ -282,7 +285,7 @@ class Line {
     void writeChanges() {
         writer_.plainKey("changes");
         writer_.beginArray();
-        for (const ToldChange& change : inspection_.changes) {
+        for (const DescribedChange& change : handOff_.changes) {
             writer_.beginObject();
             text("code", change.code);
             text("object", change.object);
@@ -298,7 +301,7 @@ class Line {
         writer_.endArray();
     }
 
-    const Inspection& inspection_;
+    const HandOff& handOff_;
     const AAFTimeline& timeline_;
     Summary summary_;
     StringSink sink_;
@@ -307,12 +310,12 @@ class Line {
 
 }  // namespace
 
-std::string infoScreen(const std::string& file, const Inspection& inspection, bool colour) {
-    return Screen(inspection, colour).text(file);
+std::string infoScreen(const std::string& file, const HandOff& handOff, bool colour) {
+    return Screen(handOff, colour).text(file);
 }
 
-std::string infoLine(const std::string& file, const Inspection& inspection) {
-    return Line(inspection).text(file);
+std::string infoLine(const std::string& file, const HandOff& handOff) {
+    return Line(handOff).text(file);
 }
 
 }  // namespace trellant::cli

@@ -1,16 +1,15 @@
 // `trellant info`: one screen about a file.
 #pragma once
 
-#include "inspection.h"
+#include <trellant/handoff/hand_off.h>
 
 #include <string>
 
 namespace trellant::cli {
 
 /// For a person: the file's name, then a labelled line for each fact, then what to do next.
-[[nodiscard]] std::string infoScreen(const std::string& file, const Inspection& inspection,
-                                     bool colour);
+[[nodiscard]] std::string infoScreen(const std::string& file, const HandOff& handOff, bool colour);
 /// The same facts as one JSON object and a line feed.
-[[nodiscard]] std::string infoLine(const std::string& file, const Inspection& inspection);
+[[nodiscard]] std::string infoLine(const std::string& file, const HandOff& handOff);
 
 }  // namespace trellant::cli

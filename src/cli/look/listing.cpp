@@ -1,7 +1,6 @@
 #include "listing.h"
 
-#include "timeline_text.h"
-
+#include <trellant/handoff/timeline_text.h>
 #include <trellant/json/json_writer.h>
 
 #include <algorithm>

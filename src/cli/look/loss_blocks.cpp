@@ -2,7 +2,8 @@
 
 #include "terminal/console.h"
 #include "terminal/wrapped_text.h"
-#include "timeline_text.h"
+
+#include <trellant/handoff/timeline_text.h>
 
 #include <optional>
 
@@ -48,14 +49,14 @@ std::string headText(const AAFTimeline& timeline, const PlacedLoss& loss,
 
 }  // namespace
 
-std::string lossBlocks(const Inspection& inspection, std::size_t columns, bool colour) {
-    const AAFTimeline& timeline = inspection.timeline;
+std::string lossBlocks(const HandOff& handOff, std::size_t columns, bool colour) {
+    const AAFTimeline& timeline = handOff.timeline;
     const std::size_t count = timeline.unsupportedFeatures.size();
     const std::size_t indent = std::to_string(count).size() + 2;
     std::string text;
     for (std::size_t i = 0; i < count; ++i) {
         const AAFUnsupportedFeature& feature = timeline.unsupportedFeatures[i];
-        const PlacedLoss& loss = inspection.losses[i];
+        const PlacedLoss& loss = handOff.losses[i];
         const Paragraph paragraph{.indent = indent, .columns = columns, .hasColour = colour};
         std::string number = std::to_string(i + 1);
         number.insert(0, indent - 2 - number.size(), ' ');

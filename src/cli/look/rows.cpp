@@ -1,9 +1,8 @@
 #include "rows.h"
 
-#include "sources.h"
-#include "timeline_text.h"
-
 #include <trellant/base/url.h>
+#include <trellant/handoff/sources.h>
+#include <trellant/handoff/timeline_text.h>
 
 #include <map>
 #include <string_view>
@@ -78,8 +77,8 @@ std::unordered_map<std::string_view, TrackTotals> totalsByTrack(const AAFTimelin
 
 }  // namespace
 
-Listing listTracks(const Inspection& inspection) {
-    const AAFTimeline& timeline = inspection.timeline;
+Listing listTracks(const HandOff& handOff) {
+    const AAFTimeline& timeline = handOff.timeline;
     Listing listing{
         .fields = {{"track", "Track", everyone, Align::right},
                    {"", "Name", people, Align::left, true},
@@ -98,7 +97,7 @@ Listing listTracks(const Inspection& inspection) {
         .rows = {}};
     const auto totals = totalsByTrack(timeline);
     std::unordered_map<std::string_view, std::int64_t> losses;
-    for (const PlacedLoss& loss : inspection.losses) {
+    for (const PlacedLoss& loss : handOff.losses) {
         if (loss.trackID) {
             ++losses[*loss.trackID];
         }
@@ -117,8 +116,7 @@ Listing listTracks(const Inspection& inspection) {
     return listing;
 }
 
-Listing listSources(const Inspection& inspection) {
-    const AAFTimeline& timeline = inspection.timeline;
+Listing listSources(const HandOff& handOff) {
     Listing listing{
         .fields = {{"name", "Audio file", everyone, Align::left, true},
                    {"state", "State", everyone, Align::left, false, 1},
@@ -133,7 +131,7 @@ Listing listSources(const Inspection& inspection) {
                    {"recordedPath", "Recorded path"},
                    {"id", "Id"}},
         .rows = {}};
-    const Sources sources(timeline, inspection.ambiguousEssences);
+    const Sources sources(handOff);
     for (const Source& source : sources.all()) {
         const AAFSourceEssence& essence = *source.essence;
         listing.rows.push_back({sourceName(essence), std::string(stateText(source.state)),
@@ -146,8 +144,8 @@ Listing listSources(const Inspection& inspection) {
     return listing;
 }
 
-Listing listLosses(const Inspection& inspection) {
-    const AAFTimeline& timeline = inspection.timeline;
+Listing listLosses(const HandOff& handOff) {
+    const AAFTimeline& timeline = handOff.timeline;
     Listing listing{
         .fields = {{"loss", "No."},
                    {"effect", "Effect"},
@@ -167,7 +165,7 @@ Listing listLosses(const Inspection& inspection) {
         .rows = {}};
     for (std::size_t i = 0; i < timeline.unsupportedFeatures.size(); ++i) {
         const AAFUnsupportedFeature& feature = timeline.unsupportedFeatures[i];
-        const PlacedLoss& loss = inspection.losses[i];
+        const PlacedLoss& loss = handOff.losses[i];
         const bool dropped = feature.severity == AAFUnsupportedFeature::Severity::informational;
         std::vector<Value> row{
             static_cast<std::int64_t>(i + 1), std::string(dropped ? "dropped" : "sounds different"),

@@ -1,15 +1,15 @@
 // What `trellant list` lists: tracks, clips, audio files and losses, a row each.
 #pragma once
 
-#include "inspection.h"
 #include "listing.h"
 
+#include <trellant/handoff/hand_off.h>
 namespace trellant::cli {
 
-[[nodiscard]] Listing listTracks(const Inspection& inspection);
-[[nodiscard]] Listing listClips(const Inspection& inspection);
-[[nodiscard]] Listing listSources(const Inspection& inspection);
+[[nodiscard]] Listing listTracks(const HandOff& handOff);
+[[nodiscard]] Listing listClips(const HandOff& handOff);
+[[nodiscard]] Listing listSources(const HandOff& handOff);
 /// For sheets and programs; people read loss blocks.
-[[nodiscard]] Listing listLosses(const Inspection& inspection);
+[[nodiscard]] Listing listLosses(const HandOff& handOff);
 
 }  // namespace trellant::cli

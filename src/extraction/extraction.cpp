@@ -1,0 +1,294 @@
+#include "placement.h"
+#include "staging.h"
+#include "wave_conversion.h"
+
+#include <trellant/base/url.h>
+#include <trellant/extraction/extraction.h>
+#include <trellant/io/errors.h>
+#include <trellant/model/timeline_json.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <system_error>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+namespace trellant {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string absoluteText(const std::string& path) {
+    return fs::absolute(path).native();
+}
+
+std::optional<std::string> pathOf(const AAFSourceEssence& essence) {
+    return essence.fileURL ? pathOfFileURL(essence.fileURL->text) : std::nullopt;
+}
+
+struct FileCloser {
+    void operator()(std::FILE* file) const noexcept { static_cast<void>(std::fclose(file)); }
+};
+
+void writeText(const std::string& path, const std::string& text) {
+    std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "wbx"));
+    if (file == nullptr) {
+        throw FileSystemError("create", path, errno);
+    }
+    const bool isWritten = std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
+    if (std::fclose(file.release()) != 0 || !isWritten) {
+        throw FileSystemError("write", path, errno);
+    }
+}
+
+}  // namespace
+
+class Extraction::Run {
+  public:
+    Run(ExtractionRequest request, WorkProgress& progress)
+        : request_(std::move(request)),
+          progress_(progress),
+          staging_(request_.directoryPath),
+          placement_(request_.directoryPath, request_.force, progress) {}
+
+    [[nodiscard]] ExtractionReport all();
+    [[nodiscard]] const Staging& staging() const noexcept { return staging_; }
+    [[nodiscard]] const Placement& placement() const noexcept { return placement_; }
+
+  private:
+    void takeOut();
+    void separate();
+    void convert();
+    void placeAudio();
+    void search();
+    PlacedFile writeDocument(const std::string& name, const std::string& text);
+    [[nodiscard]] std::string manifestText() const;
+    [[nodiscard]] std::vector<AudioEntry> entries();
+    [[nodiscard]] AudioEntry entryOf(std::size_t index) const;
+
+    ExtractionRequest request_;
+    WorkProgress& progress_;
+    Staging staging_;
+    Placement placement_;
+    HandOff handOff_;
+    Boxed<AAFWorkerExtensions::EmbeddedMedia> embedded_;
+    WaveConversions conversions_;
+    /// By essence id.
+    std::unordered_map<std::string, PlacedFile> placedByEssence_;
+};
+
+ExtractionReport Extraction::Run::all() {
+    takeOut();
+    separate();
+    convert();
+    placeAudio();
+    search();
+    makeUsable(handOff_);
+    ExtractionReport report;
+    report.file = request_.file;
+    report.directory = request_.directory;
+    if (embedded_) {
+        const Boxed<AAFWorkerExtensions::EmbeddedMedia>& told = embedded_;
+        report.embedded = *told;
+    }
+    report.audio = entries();
+    report.timeline = writeDocument("timeline.json", sortedJson(handOff_.timeline) + "\n");
+    report.manifest = writeDocument("MANIFEST.sha256", manifestText());
+    report.handOff = std::move(handOff_);
+    return report;
+}
+
+/// The worker gets no media folder: it would take a file by its name alone, and what an earlier run
+/// wrote too. Our own search compares what is in the files.
+void Extraction::Run::takeOut() {
+    using Extensions = AAFWorkerExtensions;
+    progress_.begin("Taking the audio out", bytesOfFile(absoluteText(request_.file)));
+    AAFWorkerProtocol::Result answer =
+        askWorker({.file = request_.file,
+                   .operation = AAFWorkerProtocol::Request::Operation::extractAndInspect,
+                   .workDirectory = staging_.path(),
+                   .extensions = {std::string(Extensions::lossPlacesName),
+                                  std::string(Extensions::compositionsName),
+                                  std::string(Extensions::embeddedMediaName)},
+                   .helperURLProvider = request_.helperURLProvider},
+                  progress_.stop(), {}, [this] { progress_.at(staging_.bytes()); });
+    progress_.check();
+    if (const Boxed<Extensions>& extensions = answer.extensions) {
+        embedded_ = extensions->embeddedMedia;
+    }
+    handOff_ = handOffOf(std::move(answer));
+    // A file is moved from where the worker says it is: only what it was told to write is ours.
+    for (AAFSourceEssence& essence : handOff_.timeline.essences) {
+        const auto path = pathOf(essence);
+        if (essence.embedded && (!path || !staging_.holds(*path))) {
+            essence.fileURL.reset();
+        }
+    }
+}
+
+/// Sources that were written over one another get the files that hold the audio of each alone.
+void Extraction::Run::separate() {
+    if (!embedded_) {
+        return;
+    }
+    const Boxed<AAFWorkerExtensions::EmbeddedMedia>& told = embedded_;
+    std::unordered_map<std::string_view, const AAFWorkerExtensions::SeparateFile*> files;
+    for (const AAFWorkerExtensions::SeparateFile& file : told->separateFiles) {
+        files.emplace(file.essenceID, &file);
+    }
+    for (AAFSourceEssence& essence : handOff_.timeline.essences) {
+        const auto found = files.find(essence.id);
+        if (found == files.end() || !essence.embedded) {
+            continue;
+        }
+        const std::optional<std::string>& path = found->second->path;
+        essence.fileURL =
+            path && staging_.holds(*path) ? std::optional(fileURL(*path)) : std::nullopt;
+    }
+}
+
+void Extraction::Run::convert() {
+    if (request_.waveConverter) {
+        conversions_ = convertAll(*request_.waveConverter, handOff_.timeline, staging_, progress_);
+    }
+}
+
+void Extraction::Run::placeAudio() {
+    auto& essences = handOff_.timeline.essences;
+    std::unordered_set<std::string> names;
+    for (const AAFSourceEssence& essence : essences) {
+        if (const auto path = pathOf(essence); essence.embedded && path) {
+            names.insert(staging_.nameOf(*path));
+        }
+    }
+    progress_.begin("Checking the audio files", staging_.bytes());
+    for (AAFSourceEssence& essence : essences) {
+        const auto path = pathOf(essence);
+        if (!essence.embedded || !path) {
+            continue;
+        }
+        const std::string name = staging_.nameOf(*path);
+        // A number counts as one where the name without it is there, else it is part of the name.
+        NumberedName wanted = NumberedName::numbered(name);
+        if (!names.contains(wanted.withNumber(1))) {
+            wanted = NumberedName::whole(name);
+        }
+        const PlacedFile placed = placement_.place(*path, wanted);
+        essence.fileURL = fileURL(placed.path);
+        placedByEssence_.emplace(essence.id, placed);
+    }
+}
+
+void Extraction::Run::search() {
+    std::vector<std::string> written;
+    for (const PlacedFile& file : placement_.placed()) {
+        written.push_back(file.path);
+    }
+    findMedia(handOff_, request_.file, request_.mediaFolders, written, progress_);
+}
+
+PlacedFile Extraction::Run::writeDocument(const std::string& name, const std::string& text) {
+    const std::string staged = staging_.freeFile(NumberedName::whole(name));
+    writeText(staged, text);
+    const NumberedName wanted = NumberedName::whole(name);
+    PlacedFile placed = placement_.place(staged, wanted);
+    if (placed.renumbered) {
+        progress_.say(WorkProgress::Remark::note,
+                      name + " is there with other contents and stays; this one is " + placed.name);
+    }
+    return placed;
+}
+
+/// As sha256sum reads it. No name in it needs an escape: line feeds and backslashes are among what
+/// the worker replaces.
+std::string Extraction::Run::manifestText() const {
+    std::map<std::string, std::string> digests;
+    for (const PlacedFile& file : placement_.placed()) {
+        digests.emplace(file.name, file.sha256);
+    }
+    std::string text;
+    for (const auto& [name, digest] : digests) {
+        text.append(digest).append("  ").append(name).append("\n");
+    }
+    return text;
+}
+
+AudioEntry Extraction::Run::entryOf(std::size_t index) const {
+    const AAFSourceEssence& essence = handOff_.timeline.essences[index];
+    AudioEntry entry{.essences = {index}, .path = pathOf(essence)};
+    if (const auto placed = placedByEssence_.find(essence.id); placed != placedByEssence_.end()) {
+        entry.placed = placed->second;
+        entry.state = conversions_.converted.contains(essence.id) ? AudioState::converted
+                                                                  : AudioState::takenOut;
+    } else if (essence.embedded) {
+        entry.state = AudioState::failed;
+    } else if (entry.path) {
+        entry.state = AudioState::found;
+    } else if (const auto open = handOff_.openChoices.find(essence.id);
+               open != handOff_.openChoices.end()) {
+        entry.state = AudioState::undecided;
+        entry.candidates = open->second;
+    }
+    if (const auto why = conversions_.failures.find(essence.id);
+        why != conversions_.failures.end()) {
+        entry.notConverted = why->second;
+    }
+    if (entry.path) {
+        entry.facts = audioFacts(*entry.path);
+    }
+    return entry;
+}
+
+std::vector<AudioEntry> Extraction::Run::entries() {
+    const AAFTimeline& timeline = handOff_.timeline;
+    std::vector<AudioEntry> entries;
+    std::unordered_map<std::string, std::size_t> entryByPath;
+    std::unordered_map<std::string_view, std::size_t> entryByEssence;
+    for (std::size_t index = 0; index < timeline.essences.size(); ++index) {
+        const AAFSourceEssence& essence = timeline.essences[index];
+        const auto path = pathOf(essence);
+        const auto known = path ? entryByPath.find(*path) : entryByPath.end();
+        if (known != entryByPath.end()) {
+            entries[known->second].essences.push_back(index);
+            entryByEssence.emplace(essence.id, known->second);
+            continue;
+        }
+        if (path) {
+            entryByPath.emplace(*path, entries.size());
+        }
+        entryByEssence.emplace(essence.id, entries.size());
+        entries.push_back(entryOf(index));
+    }
+    for (const AAFClipEvent& event : timeline.events) {
+        if (const auto found = entryByEssence.find(event.essenceID);
+            found != entryByEssence.end()) {
+            ++entries[found->second].clips;
+        }
+    }
+    return entries;
+}
+
+Extraction::Extraction(ExtractionRequest request, WorkProgress& progress)
+    : run_(std::make_unique<Run>(std::move(request), progress)) {}
+
+Extraction::~Extraction() = default;
+
+ExtractionReport Extraction::run() {
+    return run_->all();
+}
+
+std::string Extraction::stagingName() const {
+    return run_->staging().name();
+}
+
+std::size_t Extraction::placedCount() const noexcept {
+    return run_->placement().placed().size();
+}
+
+}  // namespace trellant

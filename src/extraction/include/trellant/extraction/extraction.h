@@ -1,0 +1,66 @@
+// The audio of a hand-off, each piece in a file of its own.
+//
+// The worker writes into a fresh folder inside the wanted one, and only whole files move from there
+// to their final names. So whatever ends the run, what is on disk is whole.
+#pragma once
+
+#include <trellant/client/worker_client.h>
+#include <trellant/extraction/extraction_report.h>
+#include <trellant/handoff/hand_off.h>
+#include <trellant/handoff/work_progress.h>
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace [[gnu::visibility("default")]] trellant {
+
+struct ExtractionRequest {
+    std::string file{};
+    /// As a person names it, and where it lies: an existing folder, absolute.
+    std::string directory{};
+    std::string directoryPath{};
+    /// Searched for audio files that lie outside, beside the folder of `file` itself.
+    std::vector<std::string> mediaFolders{};
+    /// A file that is there with other bytes is replaced; else the new one gets another name.
+    bool force = false;
+    /// The program that makes AIFC files into WAVE files; absent: they stay as they are.
+    std::optional<std::string> waveConverter{};
+    AAFWorkerClient::HelperURLProvider helperURLProvider = installedWorker;
+};
+
+/// Where the program that writes WAVE lies: beside the command, else in "../libexec/trellant"
+/// seen from its folder; absent when it is in neither place.
+[[nodiscard]] std::optional<std::string> installedWaveConverter();
+
+/// The names of folders in `directory` in which an extraction was or is at work, ascending.
+[[nodiscard]] std::vector<std::string> stagingFoldersIn(const std::string& directory);
+
+/// One run. Its steps throw AAFWorkerClientError, AAFCancellationError after a stop and
+/// FileSystemError where the system refuses.
+class Extraction {
+  public:
+    /// Makes the hidden folder in which files come into being. `progress` must outlive this.
+    Extraction(ExtractionRequest request, WorkProgress& progress);
+    ~Extraction();
+    Extraction(const Extraction&) = delete;
+    Extraction& operator=(const Extraction&) = delete;
+    Extraction(Extraction&&) = delete;
+    Extraction& operator=(Extraction&&) = delete;
+
+    /// All of it; call once.
+    [[nodiscard]] ExtractionReport run();
+
+    /// The name of the hidden folder.
+    [[nodiscard]] std::string stagingName() const;
+    /// Audio files that have their final names by now.
+    [[nodiscard]] std::size_t placedCount() const noexcept;
+
+  private:
+    class Run;
+    std::unique_ptr<Run> run_;
+};
+
+}  // namespace trellant

@@ -1,0 +1,47 @@
+// From the folder where files come into being to their final names. A file that is there already,
+// byte for byte, is kept; another one of the same name is never replaced unless that was asked for.
+#pragma once
+
+#include <trellant/base/numbered_name.h>
+#include <trellant/extraction/placed_file.h>
+#include <trellant/handoff/work_progress.h>
+
+#include <cstddef>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+namespace trellant {
+
+class Placement {
+  public:
+    /// `directory` absolute; `force`: files with other bytes are replaced.
+    Placement(std::string directory, bool force, WorkProgress& progress)
+        : directory_(std::move(directory)), force_(force), progress_(progress) {}
+
+    /// Gives the file at `staged` the name `wanted` or the next free number of it. Two files placed
+    /// by one Placement never share a name. Throws FileSystemError, AAFCancellationError.
+    PlacedFile place(const std::string& staged, const NumberedName& wanted);
+
+    /// All placed so far, in order.
+    [[nodiscard]] const std::vector<PlacedFile>& placed() const noexcept { return placed_; }
+
+  private:
+    enum class Standing { nothing, same, other };
+
+    [[nodiscard]] Standing standingAt(const std::string& path, const std::string& staged,
+                                      const std::string& sha256);
+    [[nodiscard]] bool settle(const std::string& path, const std::string& staged, PlacedFile& file);
+    [[nodiscard]] std::string digest(const std::string& path);
+
+    std::string directory_;
+    bool force_;
+    WorkProgress& progress_;
+    std::vector<PlacedFile> placed_;
+    std::unordered_set<std::string> taken_;
+    /// Of files that were compared and found to be others.
+    std::unordered_map<std::string, std::string> digests_;
+};
+
+}  // namespace trellant

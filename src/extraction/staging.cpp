@@ -1,0 +1,89 @@
+#include "staging.h"
+
+#include <trellant/extraction/extraction.h>
+#include <trellant/io/errors.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <string_view>
+#include <sys/stat.h>
+#include <system_error>
+
+namespace trellant {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view namePrefix = ".trellant-";
+/// The system puts random letters there.
+constexpr std::string_view nameEnd = "XXXXXX";
+
+}  // namespace
+
+Staging::Staging(const std::string& directory)
+    : path_(directory + "/" + std::string(namePrefix) + std::string(nameEnd)) {
+    if (::mkdtemp(path_.data()) == nullptr) {
+        throw FileSystemError("write to", directory, errno);
+    }
+}
+
+Staging::~Staging() {
+    std::error_code ignored;
+    fs::remove_all(path_, ignored);
+}
+
+bool Staging::holds(const std::string& path) const {
+    struct stat status {};
+    return path.size() > path_.size() + 1 && path.starts_with(path_ + "/") &&
+           path.find('/', path_.size() + 1) == std::string::npos &&
+           ::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+std::string Staging::freeFile(const NumberedName& name) const {
+    struct stat status {};
+    std::uint64_t number = name.number;
+    std::string path = file(name.text());
+    while (::lstat(path.c_str(), &status) == 0) {
+        path = file(name.withNumber(++number));
+    }
+    return path;
+}
+
+std::uint64_t Staging::bytes() const {
+    std::uint64_t sum = 0;
+    std::error_code ignored;
+    for (fs::directory_iterator entry(path_, ignored), end; entry != end;
+         entry.increment(ignored)) {
+        sum += bytesOfFile(entry->path().native());
+    }
+    return sum;
+}
+
+std::vector<std::string> stagingFoldersIn(const std::string& directory) {
+    std::vector<std::string> names;
+    std::error_code ignored;
+    for (fs::directory_iterator entry(directory, ignored), end; entry != end;
+         entry.increment(ignored)) {
+        const std::string name = entry->path().filename().native();
+        std::error_code unknown;
+        if (name.size() == namePrefix.size() + nameEnd.size() && name.starts_with(namePrefix) &&
+            fs::is_directory(entry->symlink_status(unknown))) {
+            names.push_back(name);
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::uint64_t bytesOfFile(const std::string& path) noexcept {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return 0;
+    }
+    return static_cast<std::uint64_t>(status.st_size);
+}
+
+}  // namespace trellant

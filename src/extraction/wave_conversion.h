@@ -1,0 +1,35 @@
+// AIFC files made into WAVE files by the program for it, one process a file.
+#pragma once
+
+#include "staging.h"
+
+#include <trellant/handoff/work_progress.h>
+#include <trellant/model/timeline.h>
+
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace trellant {
+
+/// Runs `converter SOURCE DESTINATION`. Absent when there is a new file at `destination`; else the
+/// reason, in one line, and no file. Throws AAFCancellationError.
+[[nodiscard]] std::optional<std::string> convertToWave(const std::string& converter,
+                                                       const std::string& source,
+                                                       const std::string& destination,
+                                                       WorkProgress& progress);
+
+struct WaveConversions {
+    /// Essence ids.
+    std::unordered_set<std::string> converted{};
+    /// By essence id: why the file stays as it is.
+    std::unordered_map<std::string, std::string> failures{};
+};
+
+/// Converts every AIFC file in `staging` that a source of the timeline names, and lets the source
+/// name and describe the WAVE file instead. Throws AAFCancellationError.
+[[nodiscard]] WaveConversions convertAll(const std::string& converter, AAFTimeline& timeline,
+                                         const Staging& staging, WorkProgress& progress);
+
+}  // namespace trellant

@@ -1,0 +1,219 @@
+
+
+#include <trellant/base/precondition.h>
+#include <trellant/base/printable_text.h>
+#include <trellant/handoff/changes.h>
+#include <trellant/handoff/sources.h>
+#include <trellant/handoff/timeline_text.h>
+#include <trellant/model/validation.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+namespace trellant {
+
+namespace {
+
+struct FieldName {
+    std::string_view field;
+    std::string_view words;
+};
+
+constexpr std::array<FieldName, 22> fieldNames{{
+    {"id", "the id"},
+    {"trackID", "the track"},
+    {"essenceID", "the audio file"},
+    {"sourceChannel", "the channel number"},
+    {"sourceStartSample", "the start in the audio file"},
+    {"duration", "the length"},
+    {"fixedClipGain", "the gain"},
+    {"fixedGain", "the gain"},
+    {"fixedPan", "the pan"},
+    {"gainAutomation", "the gain automation"},
+    {"panAutomation", "the pan automation"},
+    {"clipGainAutomation", "the gain automation"},
+    {"fadeIn", "the fade in"},
+    {"fadeOut", "the fade out"},
+    {"sampleRate", "the sample rate"},
+    {"channelCount", "the number of channels"},
+    {"bitDepth", "the bit depth"},
+    {"editRate", "the edit rate"},
+    {"timecodeRate", "the timecode rate"},
+    {"timelineZero", "the timecode of the start"},
+    {"timelineZero.rate", "the timecode rate of the start"},
+    {"compositionLength", "the length of the composition"},
+}};
+
+std::string fieldWords(const std::string& field) {
+    constexpr std::string_view points = ".points";
+    const bool isPoints = std::string_view(field).ends_with(points);
+    const std::string_view owner =
+        std::string_view(field).substr(0, field.size() - (isPoints ? points.size() : 0));
+    const auto* const found =
+        std::find_if(fieldNames.begin(), fieldNames.end(),
+                     [owner](const FieldName& name) { return name.field == owner; });
+    const std::string words(found == fieldNames.end() ? owner : found->words);
+    return isPoints ? "points of " + words : words;
+}
+
+std::string_view actionWords(AAFRepairChange::Action action, bool plural) {
+    switch (action) {
+        case AAFRepairChange::Action::leftOut:
+            return plural ? "are left out" : "is left out";
+        case AAFRepairChange::Action::clamped:
+            return plural ? "are moved to the nearest possible value"
+                          : "is set to the nearest possible value";
+        case AAFRepairChange::Action::replaced:
+            return plural ? "are replaced by usable ones" : "is replaced by a usable one";
+        case AAFRepairChange::Action::reordered:
+            return plural ? "are put in order of time" : "is put in order of time";
+    }
+    preconditionFailure("enumeration value outside its cases");
+}
+
+/// What the whole object is called: "the clip".
+std::string objectWords(const std::string& object) {
+    if (object.starts_with("event")) {
+        return "the clip";
+    }
+    if (object.starts_with("essence")) {
+        return "the audio file";
+    }
+    if (object.starts_with("track")) {
+        return "the second track of that id";
+    }
+    return object == "program-start" ? "the program start" : "the " + object;
+}
+
+std::string sentence(const AAFRepairChange& change) {
+    // Two of them change what is heard, and say how.
+    if (change.code == "invalid-sample-rate") {
+        return change.action == AAFRepairChange::Action::clamped
+                   ? "the sample rate is taken as 384000 Hz"
+                   : "the sample rate is taken as 48000 Hz; clips whose place in the audio file "
+                     "hangs on it start at the head of the file";
+    }
+    if (change.code == "duplicate-identity" && change.object.starts_with("track")) {
+        return "the track is listed twice and the second listing is left out; its clips stand "
+               "twice on the first, one upon the other, and sound twice as loud";
+    }
+    if (change.field.empty()) {
+        return objectWords(change.object) + " " + std::string(actionWords(change.action, false));
+    }
+    const bool points = std::string_view(change.field).ends_with(".points");
+    std::string words = fieldWords(change.field);
+    if (points && change.count == 1) {
+        words.replace(0, std::string_view("points").size(), "1 point");
+    } else if (points) {
+        words.insert(0, std::to_string(change.count) + " ");
+    }
+    return words + " " + std::string(actionWords(change.action, points && change.count != 1));
+}
+
+class Places {
+  public:
+    explicit Places(const AAFTimeline& timeline) : timeline_(timeline) {
+        for (const AAFTrackState& track : timeline.tracks) {
+            tracks_.emplace(track.id, &track);
+        }
+        for (const AAFClipEvent& event : timeline.events) {
+            firstClips_.emplace(event.essenceID, &event);
+        }
+    }
+
+    [[nodiscard]] DescribedChange of(const std::string& object) const {
+        DescribedChange place{.object = object};
+        const auto position = positionIn(object);
+        if (!position) {
+            return place;
+        }
+        if (object.starts_with("event") && *position < timeline_.events.size()) {
+            placeClip(place, timeline_.events[*position]);
+        } else if (object.starts_with("essence") && *position < timeline_.essences.size()) {
+            const AAFSourceEssence& essence = timeline_.essences[*position];
+            place.audioFile = sourceName(essence);
+            if (const auto clip = firstClips_.find(essence.id); clip != firstClips_.end()) {
+                placeClip(place, *clip->second);
+            }
+        } else if (object.starts_with("track") && *position < timeline_.tracks.size()) {
+            place.track = nameOf(timeline_.tracks[*position]);
+        }
+        return place;
+    }
+
+  private:
+    /// People count tracks from 1.
+    [[nodiscard]] static std::string nameOf(const AAFTrackState& track) {
+        return track.name.value_or(std::to_string(track.index + 1));
+    }
+
+    void placeClip(DescribedChange& place, const AAFClipEvent& event) const {
+        const auto track = tracks_.find(event.trackID);
+        place.track = track == tracks_.end() ? event.trackID : nameOf(*track->second);
+        place.clip = event.clipName.value_or("(no name)");
+        place.start = event.timelineStart;
+    }
+
+    const AAFTimeline& timeline_;
+    std::unordered_map<std::string_view, const AAFTrackState*> tracks_;
+    /// By essence id.
+    std::unordered_map<std::string_view, const AAFClipEvent*> firstClips_;
+};
+
+}  // namespace
+
+std::optional<std::size_t> positionIn(const std::string& object) {
+    const std::size_t bracket = object.find('[');
+    if (bracket == std::string::npos) {
+        return std::nullopt;
+    }
+    std::size_t position = 0;
+    const char* const end = object.data() + object.size();
+    const auto [stop, failure] = std::from_chars(object.data() + bracket + 1, end, position);
+    if (failure != std::errc() || stop == end || *stop != ']') {
+        return std::nullopt;
+    }
+    return position;
+}
+
+DescribedChange placeOfObject(const AAFTimeline& timeline, const std::string& object) {
+    return Places(timeline).of(object);
+}
+
+std::vector<DescribedChange> describedChanges(const AAFTimeline& original,
+                                              const std::vector<AAFRepairChange>& changes) {
+    const Places places(original);
+    std::vector<DescribedChange> described;
+    described.reserve(changes.size());
+    for (const AAFRepairChange& change : changes) {
+        DescribedChange place = places.of(change.object);
+        place.code = change.code;
+        place.what = sentence(change);
+        described.push_back(std::move(place));
+    }
+    return described;
+}
+
+std::string placeText(const DescribedChange& change, const AAFTimeline& timeline) {
+    std::string text;
+    const auto add = [&text](std::string_view label, const std::optional<std::string>& name) {
+        if (name) {
+            text += text.empty() ? "" : ", ";
+            text += label;
+            text += printableText(*name);
+        }
+    };
+    add("track ", change.track);
+    add("clip ", change.clip);
+    add("audio file ", change.audioFile);
+    if (change.start) {
+        add("at ", timecodeText(timeline, *change.start));
+    }
+    return text;
+}
+
+}  // namespace trellant

@@ -1,0 +1,163 @@
+#include <trellant/base/executable_location.h>
+#include <trellant/handoff/hand_off.h>
+#include <trellant/handoff/loss_sentences.h>
+#include <trellant/handoff/media_folders.h>
+#include <trellant/model/repair.h>
+#include <trellant/model/validation.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+namespace trellant {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::chrono::milliseconds betweenLooks{100};
+
+using Extensions = AAFWorkerExtensions;
+
+std::string absoluteText(const std::string& path) {
+    return fs::absolute(path).string();
+}
+
+AAFWorkerProtocol::Request requestFor(const WorkerTask& task) {
+    AAFWorkerProtocol::Request sent;
+    sent.operation = task.operation;
+    sent.aafPath = absoluteText(task.file);
+    sent.workDirectory = absoluteText(task.workDirectory);
+    sent.extensions = task.extensions;
+    return sent;
+}
+
+PlacedLoss placedLoss(const AAFUnsupportedFeature& feature, const Extensions::LossPlace& place) {
+    PlacedLoss loss{.description = feature.description,
+                    .objectPath = feature.objectPath,
+                    .trackID = place.trackID,
+                    .trackName = place.trackName,
+                    .clipName = place.clipName,
+                    .start = place.start,
+                    .duration = place.duration,
+                    .plain = std::string(plainSentence(place.kind))};
+    if (place.trackIndex) {
+        loss.trackNumber = *place.trackIndex + 1;
+    }
+    return loss;
+}
+
+std::vector<PlacedLoss> lossesOf(const AAFTimeline& timeline,
+                                 const Boxed<Extensions::LossPlaces>& places) {
+    std::vector<PlacedLoss> losses;
+    losses.reserve(timeline.unsupportedFeatures.size());
+    for (std::size_t i = 0; i < timeline.unsupportedFeatures.size(); ++i) {
+        const AAFUnsupportedFeature& feature = timeline.unsupportedFeatures[i];
+        if (places && i < places->places.size()) {
+            losses.push_back(placedLoss(feature, places->places[i]));
+        } else {
+            losses.push_back(
+                {.description = feature.description, .objectPath = feature.objectPath});
+        }
+    }
+    return losses;
+}
+
+}  // namespace
+
+std::optional<fs::path> installedWorker(const std::string& name) {
+    if (auto bundled = bundledHelper(name)) {
+        return bundled;
+    }
+    if (const auto folder = executableDirectory()) {
+        fs::path beside = fs::path(*folder) / name;
+        std::error_code ignored;
+        if (fs::is_regular_file(beside, ignored)) {
+            return beside;
+        }
+    }
+    return std::nullopt;
+}
+
+AAFWorkerProtocol::Result askWorker(const WorkerTask& task, const std::stop_token& stop,
+                                    AAFWorkerClient::Progress progress,
+                                    const std::function<void()>& whileWaiting) {
+    // Whatever the file is called, only one worker reads such files.
+    AAFWorkerClient client;
+    client.helperName = "trellant-omf";
+    client.helperURLProvider = task.helperURLProvider;
+    auto answer = client.run(requestFor(task), std::move(progress), stop, TimelineChecks::none);
+    while (answer.wait_for(betweenLooks) != std::future_status::ready) {
+        if (whileWaiting) {
+            whileWaiting();
+        }
+    }
+    return answer.get();
+}
+
+HandOff handOffOf(AAFWorkerProtocol::Result answer) {
+    HandOff handOff;
+    handOff.timeline = std::move(answer.timeline);
+    handOff.diagnostics = std::move(answer.diagnostics);
+    const Boxed<Extensions> extensions = std::move(answer.extensions);
+    Boxed<Extensions::LossPlaces> places;
+    if (extensions) {
+        places = extensions->lossPlaces;
+        if (const Boxed<Extensions::Compositions>& all = extensions->compositions) {
+            handOff.compositions = all->compositions;
+        }
+    }
+    handOff.losses = lossesOf(handOff.timeline, places);
+    return handOff;
+}
+
+void findMedia(HandOff& handOff, const std::string& file, const std::vector<std::string>& folders,
+               const std::vector<std::string>& ignored, WorkProgress& progress) {
+    const auto& essences = handOff.timeline.essences;
+    const bool isComplete = std::all_of(
+        essences.begin(), essences.end(),
+        [](const AAFSourceEssence& essence) { return essence.embedded || essence.fileURL; });
+    if (isComplete) {
+        return;
+    }
+    progress.begin("Looking for audio files", 0);
+    MediaFolders media(ignored, progress);
+    media.addBeside(absoluteText(file));
+    for (const std::string& folder : folders) {
+        media.addFolder(absoluteText(folder));
+    }
+    if (media.incomplete()) {
+        progress.say(WorkProgress::Remark::note,
+                     "the media folders hold too many files; not all were looked at");
+    }
+    handOff.openChoices = findMissing(handOff.timeline, media);
+}
+
+void makeUsable(HandOff& handOff) {
+    try {
+        AAFRawTimelineValidation::validate(handOff.timeline);
+    } catch (const AAFRawTimelineValidation::Failure&) {
+        AAFRepair repair = repairedTimeline(handOff.timeline);
+        handOff.changes = describedChanges(handOff.timeline, repair.changes);
+        handOff.timeline = std::move(repair.timeline);
+    }
+}
+
+HandOff readHandOff(const HandOffRequest& request, WorkProgress& progress) {
+    HandOff handOff = handOffOf(
+        askWorker({.file = request.file,
+                   .extensions = {std::string(Extensions::lossPlacesName),
+                                  std::string(Extensions::compositionsName)},
+                   .helperURLProvider = request.helperURLProvider},
+                  progress.stop(), [&progress](const AAFWorkerProtocol::Progress& report) {
+                      progress.show(report.fraction, report.phase);
+                  }));
+    progress.check();
+    findMedia(handOff, request.file, request.mediaFolders, {}, progress);
+    makeUsable(handOff);
+    return handOff;
+}
+
+}  // namespace trellant

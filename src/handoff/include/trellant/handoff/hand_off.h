@@ -1,0 +1,100 @@
+// One look at a hand-off: what a host or a command needs of one file, read once by one worker. The
+// timeline is usable as it stands, what had to be changed for that is told, losses stand where
+// editors look for them, and external media have one verdict.
+#pragma once
+
+#include <trellant/client/worker_client.h>
+#include <trellant/handoff/changes.h>
+#include <trellant/handoff/missing_media.h>
+#include <trellant/handoff/work_progress.h>
+#include <trellant/model/timeline.h>
+#include <trellant/protocol/messages.h>
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace [[gnu::visibility("default")]] trellant {
+
+/// A loss where editors look for it.
+struct PlacedLoss {
+    /// Those of the record.
+    std::string description{};
+    std::optional<std::string> objectPath{};
+    std::optional<std::string> trackID{};
+    std::optional<std::string> trackName{};
+    /// The track's number in the composition, from 1.
+    std::optional<std::int64_t> trackNumber{};
+    std::optional<std::string> clipName{};
+    /// Timeline seconds.
+    std::optional<AAFRational> start{};
+    std::optional<AAFRational> duration{};
+    /// What it means, in one sentence; empty where the worker did not say of which kind it is.
+    std::string plain{};
+};
+
+struct HandOff {
+    /// Passes validation. External essences that a media folder had a fitting file for have its
+    /// place and format.
+    AAFTimeline timeline{};
+    std::vector<std::string> diagnostics{};
+    /// What was changed to make the timeline valid; empty for nearly every file.
+    std::vector<DescribedChange> changes{};
+    /// One for each of the timeline's unsupportedFeatures, in their order; where the place is not
+    /// known only the record's own texts are there.
+    std::vector<PlacedLoss> losses{};
+    /// The chosen one first; empty when they could not be listed.
+    std::vector<AAFWorkerExtensions::Composition> compositions{};
+    /// Files that bear the name of a source without a file, where not exactly one of them fits.
+    OpenChoices openChoices{};
+};
+
+/// Where an installed worker of that name lies: as bundledHelper has it, or in the folder of the
+/// running executable.
+[[nodiscard]] std::optional<std::filesystem::path> installedWorker(const std::string& name);
+
+struct HandOffRequest {
+    std::string file{};
+    /// Where audio files that the hand-off does not hold are looked for, beside the places that it
+    /// records and the folder that it lies in itself.
+    std::vector<std::string> mediaFolders{};
+    AAFWorkerClient::HelperURLProvider helperURLProvider = installedWorker;
+};
+
+/// Runs one worker and looks for external media. Throws AAFWorkerClientError, AAFCancellationError.
+[[nodiscard]] HandOff readHandOff(const HandOffRequest& request, WorkProgress& progress);
+
+/// What a worker is asked for.
+struct WorkerTask {
+    std::string file{};
+    AAFWorkerProtocol::Request::Operation operation =
+        AAFWorkerProtocol::Request::Operation::inspect;
+    std::string workDirectory = ".";
+    std::vector<std::string> extensions{};
+    AAFWorkerClient::HelperURLProvider helperURLProvider = installedWorker;
+};
+
+/// The worker's answer as it is, not validated. `whileWaiting`, called about ten times a second on
+/// this thread, may throw. Throws as readHandOff does.
+[[nodiscard]] AAFWorkerProtocol::Result askWorker(const WorkerTask& task,
+                                                  const std::stop_token& stop,
+                                                  AAFWorkerClient::Progress progress = {},
+                                                  const std::function<void()>& whileWaiting = {});
+
+/// The hand-off that an answer describes, its losses placed. Its timeline is as the worker wrote
+/// it: it may be invalid, and no media were looked for.
+[[nodiscard]] HandOff handOffOf(AAFWorkerProtocol::Result answer);
+
+/// Looks for the audio files that external essences of `handOff` lack: in the folder of `file` and
+/// close below it, and in `folders` and all folders below them. `ignored`: paths that are no finds.
+/// The timeline need not be valid. Throws AAFCancellationError.
+void findMedia(HandOff& handOff, const std::string& file, const std::vector<std::string>& folders,
+               const std::vector<std::string>& ignored, WorkProgress& progress);
+
+/// Makes the timeline valid where it is not, and says in `changes` what that took. Unusual but real
+/// files lead to timelines that no program may rely on; just the piece at fault goes.
+void makeUsable(HandOff& handOff);
+
+}  // namespace trellant

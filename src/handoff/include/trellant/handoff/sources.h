@@ -1,0 +1,55 @@
+// The audio files of a timeline: where each one's sound is to be had, and who plays it.
+#pragma once
+
+#include <trellant/handoff/hand_off.h>
+#include <trellant/model/timeline.h>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace [[gnu::visibility("default")]] trellant {
+
+enum class SourceState {
+    /// Inside the interchange file.
+    embedded,
+    /// A file of its own, found.
+    located,
+    /// A file of its own, not found.
+    missing,
+    /// Several files bear its name and fit, and none was taken.
+    severalCandidates,
+    /// Files bear its name, and none of them is what its clips need.
+    misfit
+};
+
+/// "embedded", "located", "missing", "several candidates", "does not fit".
+[[nodiscard]] std::string_view stateText(SourceState state) noexcept;
+
+struct Source {
+    const AAFSourceEssence* essence = nullptr;
+    SourceState state = SourceState::missing;
+    std::size_t clips = 0;
+};
+
+/// The essences of one timeline, by id and in order.
+class Sources {
+  public:
+    /// The timeline of `handOff` must outlive this.
+    explicit Sources(const HandOff& handOff);
+
+    [[nodiscard]] const std::vector<Source>& all() const noexcept { return sources_; }
+    /// The source that the event plays; null when the timeline has none of that id.
+    [[nodiscard]] const Source* of(const AAFClipEvent& event) const;
+
+  private:
+    std::vector<Source> sources_;
+    std::unordered_map<std::string_view, std::size_t> byID_;
+};
+
+/// What a person calls the source: its name, else its recorded path, else its id.
+[[nodiscard]] std::string sourceName(const AAFSourceEssence& essence);
+
+}  // namespace trellant
