@@ -31,7 +31,7 @@ constexpr std::size_t reportedLines = 8;
 /// Wakes the call from the thread that requests its stop.
 class StopNotice {
   public:
-    explicit StopNotice(const std::stop_token& stop) {
+    explicit StopNotice(const StopToken& stop) {
         if (stop.stop_possible()) {
             pipe_ = makePipe();
             callback_.emplace(stop, Wake{pipe_.writing.number()});
@@ -50,7 +50,7 @@ class StopNotice {
 
     // The callback goes first: it must not meet a closed pipe.
     Pipe pipe_;
-    std::optional<std::stop_callback<Wake>> callback_;
+    std::optional<StopCallback<Wake>> callback_;
 };
 
 class Conversation {

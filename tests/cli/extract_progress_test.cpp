@@ -45,7 +45,7 @@ TEST(StepProgress, PipeHearsNothing) {
 
 TEST(StepProgress, StopEndsTheStep) {
     cli::Console console(cli::Verbosity::quiet);
-    std::stop_source stop;
+    StopSource stop;
     cli::StepProgress progress(console, stop.get_token());
     progress.begin("Looking", 10);
     EXPECT_NO_THROW(progress.check());

@@ -149,7 +149,7 @@ void tellNotConverted(const ExtractReport& report, Console& console) {
 }
 
 std::optional<ExtractReport> report(const ExtractOptions& options, Console& console,
-                                    const std::stop_token& stop) {
+                                    const StopToken& stop) {
     const Cancellable heeded;
     std::size_t placed = 0;
     try {
@@ -186,7 +186,7 @@ std::optional<ExtractReport> report(const ExtractOptions& options, Console& cons
 
 }  // namespace
 
-ExitStatus runExtract(const ExtractOptions& given, Console& console, const std::stop_token& stop) {
+ExitStatus runExtract(const ExtractOptions& given, Console& console, const StopToken& stop) {
     ExtractOptions options = given;
     if (const auto message = wrongUse(options)) {
         console.error(*message);

@@ -80,7 +80,7 @@ std::optional<std::filesystem::path> findWorker(const std::string& name) {
     return std::nullopt;
 }
 
-Inspection inspectFile(const InspectionRequest& request, const std::stop_token& stop,
+Inspection inspectFile(const InspectionRequest& request, const StopToken& stop,
                        const std::function<void(const AAFWorkerProtocol::Progress&)>& progress,
                        const std::function<void()>& whileWaiting) {
     // Whatever the file is called, only one worker reads such files.

@@ -4,6 +4,7 @@
 
 #include "changes.h"
 
+#include <trellant/base/cancellation.h>
 #include <trellant/mapper/compositions.h>
 #include <trellant/model/timeline.h>
 #include <trellant/protocol/messages.h>
@@ -11,7 +12,6 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
-#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -66,7 +66,7 @@ struct InspectionRequest {
 /// picture (places, compositions) is left out when it cannot be had. `whileWaiting`, called about
 /// ten times a second until the worker is done, may move a bar.
 [[nodiscard]] Inspection inspectFile(
-    const InspectionRequest& request, const std::stop_token& stop,
+    const InspectionRequest& request, const StopToken& stop,
     const std::function<void(const AAFWorkerProtocol::Progress&)>& progress = {},
     const std::function<void()>& whileWaiting = {});
 

@@ -43,7 +43,7 @@ std::vector<std::string> ambiguousSources(const AAFTimeline& timeline, const std
 
 std::optional<Inspection> look(const std::string& file,
                                const std::optional<std::string>& mediaFolder, Console& console,
-                               const std::stop_token& stop) {
+                               const StopToken& stop) {
     if (file.empty()) {
         console.error("a file has an empty name");
         return std::nullopt;

@@ -7,9 +7,10 @@
 #include "terminal/console.h"
 #include "terminal/exit_status.h"
 
+#include <trellant/base/cancellation.h>
+
 #include <exception>
 #include <optional>
-#include <stop_token>
 #include <string>
 
 namespace trellant::cli {
@@ -17,7 +18,7 @@ namespace trellant::cli {
 /// Inspects the file and tells of repairs; absent when it could not be read, which was told then.
 [[nodiscard]] std::optional<Inspection> look(const std::string& file,
                                              const std::optional<std::string>& mediaFolder,
-                                             Console& console, const std::stop_token& stop);
+                                             Console& console, const StopToken& stop);
 
 /// Tells why an inspection of `file` failed.
 void tellFailure(const std::string& file, const std::exception& error, Console& console);

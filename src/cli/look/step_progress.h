@@ -3,8 +3,9 @@
 
 #include "terminal/console.h"
 
+#include <trellant/base/cancellation.h>
+
 #include <cstdint>
-#include <stop_token>
 #include <string>
 #include <utility>
 
@@ -13,11 +14,10 @@ namespace trellant::cli {
 class StepProgress {
   public:
     /// `console` must outlive this.
-    StepProgress(Console& console, std::stop_token stop)
-        : console_(console), stop_(std::move(stop)) {}
+    StepProgress(Console& console, StopToken stop) : console_(console), stop_(std::move(stop)) {}
 
     [[nodiscard]] Console& console() const noexcept { return console_; }
-    [[nodiscard]] const std::stop_token& stop() const noexcept { return stop_; }
+    [[nodiscard]] const StopToken& stop() const noexcept { return stop_; }
 
     /// A new step of so many bytes; 0 when nobody knows.
     void begin(std::string label, std::uint64_t totalBytes);
@@ -32,7 +32,7 @@ class StepProgress {
 
   private:
     Console& console_;
-    std::stop_token stop_;
+    StopToken stop_;
     std::string label_;
     std::uint64_t totalBytes_ = 0;
     std::uint64_t bytes_ = 0;
