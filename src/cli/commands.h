@@ -6,14 +6,14 @@
 #include "terminal/console.h"
 #include "terminal/exit_status.h"
 
-#include <stop_token>
+#include <trellant/base/cancellation.h>
 
 namespace trellant::cli {
 
 [[nodiscard]] ExitStatus runInfo(const InfoOptions& options, Console& console,
-                                 const std::stop_token& stop);
+                                 const StopToken& stop);
 [[nodiscard]] ExitStatus runList(const ListOptions& options, Console& console,
-                                 const std::stop_token& stop);
+                                 const StopToken& stop);
 [[nodiscard]] ExitStatus runValidate(const ValidateOptions& options, Console& console);
 
 }  // namespace trellant::cli

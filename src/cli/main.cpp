@@ -17,7 +17,7 @@ namespace trellant::cli {
 namespace {
 
 ExitStatus perform(const Call& call, Console& console) {
-    const std::stop_token stop = interruptToken();
+    const StopToken stop = interruptToken();
     return std::visit(
         [&console, &stop](const auto& options) {
             using Options = std::decay_t<decltype(options)>;

@@ -102,7 +102,7 @@ ExitStatus worse(ExitStatus left, ExitStatus right) {
 
 }  // namespace
 
-ExitStatus runInfo(const InfoOptions& options, Console& console, const std::stop_token& stop) {
+ExitStatus runInfo(const InfoOptions& options, Console& console, const StopToken& stop) {
     if (!mayDeliver(options.destination, options.files, console)) {
         return ExitStatus::wrongUse;
     }
@@ -139,7 +139,7 @@ ExitStatus runInfo(const InfoOptions& options, Console& console, const std::stop
     return status;
 }
 
-ExitStatus runList(const ListOptions& options, Console& console, const std::stop_token& stop) {
+ExitStatus runList(const ListOptions& options, Console& console, const StopToken& stop) {
     if (!mayDeliver(options.destination, {options.file}, console)) {
         return ExitStatus::wrongUse;
     }

@@ -1,15 +1,14 @@
 #include "child_process.h"
 
 #include <trellant/base/printable_text.h>
+#include <trellant/base/program_start.h>
+#include <trellant/base/system_call_error.h>
 #include <trellant/base/system_error_text.h>
 #include <trellant/client/errors.h>
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
 #include <csignal>
 #include <poll.h>
-#include <spawn.h>
 #include <string>
 #include <sys/wait.h>
 #include <system_error>
@@ -17,10 +16,6 @@
 
 #ifdef __linux__
 #include <sys/syscall.h>
-#endif
-
-#ifdef __APPLE__
-extern char** environ;
 #endif
 
 namespace trellant {
@@ -33,65 +28,15 @@ constexpr int graceMilliseconds = 400;
 constexpr int lookMilliseconds = 5;
 constexpr std::size_t longestShownPath = 4096;
 
-/// What the child's streams become, and with which signals it starts.
-class SpawnSetup {
-  public:
-    explicit SpawnSetup(const ChildStreams& streams) {
-        ::posix_spawn_file_actions_init(&actions_);
-        ::posix_spawnattr_init(&attributes_);
-        check(::posix_spawn_file_actions_adddup2(&actions_, streams.input.number(), 0));
-        check(::posix_spawn_file_actions_adddup2(&actions_, streams.output.number(), 1));
-        check(::posix_spawn_file_actions_adddup2(&actions_, streams.errors.number(), 2));
-        closeEverythingElse();
-        setSignals();
-        check(::posix_spawnattr_setpgroup(&attributes_, 0));
-        check(::posix_spawnattr_setflags(&attributes_, flags_));
+ProgramStart prepared(const ChildStreams& streams) {
+    try {
+        return ProgramStart({.input = streams.input.number(),
+                             .output = streams.output.number(),
+                             .errors = streams.errors.number()});
+    } catch (const SystemCallError& error) {
+        throw AAFWorkerClientError::launchFailed(error.what());
     }
-    ~SpawnSetup() {
-        ::posix_spawn_file_actions_destroy(&actions_);
-        ::posix_spawnattr_destroy(&attributes_);
-    }
-    SpawnSetup(const SpawnSetup&) = delete;
-    SpawnSetup& operator=(const SpawnSetup&) = delete;
-    SpawnSetup(SpawnSetup&&) = delete;
-    SpawnSetup& operator=(SpawnSetup&&) = delete;
-
-    [[nodiscard]] const posix_spawn_file_actions_t* actions() const noexcept { return &actions_; }
-    [[nodiscard]] const posix_spawnattr_t* attributes() const noexcept { return &attributes_; }
-
-  private:
-    static void check(int errorNumber) {
-        if (errorNumber != 0) {
-            throw AAFWorkerClientError::launchFailed("cannot prepare the start: " +
-                                                     systemErrorText(errorNumber));
-        }
-    }
-
-    /// Files and sockets of the host are no business of a process that reads strangers' files.
-    void closeEverythingElse() {
-#if defined(__APPLE__)
-        flags_ = static_cast<short>(flags_ | POSIX_SPAWN_CLOEXEC_DEFAULT);
-#elif defined(__GLIBC__)
-        check(::posix_spawn_file_actions_addclosefrom_np(&actions_, 3));
-#endif
-    }
-
-    /// What the host ignores or blocks is inherited otherwise, and a worker that cannot be told
-    /// of a closed pipe or asked to end is in the way.
-    void setSignals() {
-        sigset_t signals;
-        ::sigemptyset(&signals);
-        check(::posix_spawnattr_setsigmask(&attributes_, &signals));
-        ::sigfillset(&signals);
-        ::sigdelset(&signals, SIGKILL);
-        ::sigdelset(&signals, SIGSTOP);
-        check(::posix_spawnattr_setsigdefault(&attributes_, &signals));
-    }
-
-    posix_spawn_file_actions_t actions_{};
-    posix_spawnattr_t attributes_{};
-    short flags_ = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP;
-};
+}
 
 [[noreturn]] void failStart(const std::filesystem::path& executable, int errorNumber) {
     std::error_code ignored;
@@ -114,16 +59,11 @@ FileDescriptor openEndNotice([[maybe_unused]] pid_t process) noexcept {
 }  // namespace
 
 ChildProcess::ChildProcess(const std::filesystem::path& executable, ChildStreams streams) {
-    const SpawnSetup setup(streams);
-    std::string path = executable.string();
-    if (path.find('\0') != std::string::npos) {
-        failStart(executable, EINVAL);
-    }
-    std::array<char*, 2> arguments{path.data(), nullptr};
-    const int failure = ::posix_spawn(&process_, path.c_str(), setup.actions(), setup.attributes(),
-                                      arguments.data(), environ);
-    if (failure != 0) {
-        failStart(executable, failure);
+    const ProgramStart start = prepared(streams);
+    try {
+        process_ = start.start({executable.string()});
+    } catch (const SystemCallError& error) {
+        failStart(executable, error.errorNumber());
     }
     endNotice_ = openEndNotice(process_);
 }

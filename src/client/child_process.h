@@ -1,11 +1,7 @@
-// A worker process: how it is started, watched and ended. The one place that knows the system's
-// way of starting programs.
-//
-// posix_spawn, because its cost does not grow with the host: a fork copies the page tables of a
-// host that may be gigabytes large.
+// A worker process: how it is started, watched and ended.
 #pragma once
 
-#include "file_descriptor.h"
+#include <trellant/base/file_descriptor.h>
 
 #include <cstdint>
 #include <filesystem>

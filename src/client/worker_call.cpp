@@ -2,8 +2,9 @@
 
 #include "child_process.h"
 #include "error_lines.h"
-#include "file_descriptor.h"
 
+#include <trellant/base/file_descriptor.h>
+#include <trellant/base/system_call_error.h>
 #include <trellant/base/system_error_text.h>
 
 #include <array>
@@ -28,12 +29,20 @@ constexpr int lastReads = 17;
 /// Lines of the worker that an error carries.
 constexpr std::size_t reportedLines = 8;
 
+Pipe pipeForWorker() {
+    try {
+        return makePipe();
+    } catch (const SystemCallError& error) {
+        throw AAFWorkerClientError::launchFailed(error.what());
+    }
+}
+
 /// Wakes the call from the thread that requests its stop.
 class StopNotice {
   public:
-    explicit StopNotice(const std::stop_token& stop) {
+    explicit StopNotice(const StopToken& stop) {
         if (stop.stop_possible()) {
-            pipe_ = makePipe();
+            pipe_ = pipeForWorker();
             callback_.emplace(stop, Wake{pipe_.writing.number()});
         }
     }
@@ -50,7 +59,7 @@ class StopNotice {
 
     // The callback goes first: it must not meet a closed pipe.
     Pipe pipe_;
-    std::optional<std::stop_callback<Wake>> callback_;
+    std::optional<StopCallback<Wake>> callback_;
 };
 
 class Conversation {
@@ -82,9 +91,9 @@ class Conversation {
     enum class Reading { more, nothingNow, ended };
 
     void start() {
-        Pipe input = makePipe();
-        Pipe output = makePipe();
-        Pipe errors = makePipe();
+        Pipe input = pipeForWorker();
+        Pipe output = pipeForWorker();
+        Pipe errors = pipeForWorker();
         makeNonBlocking(input.writing);
         makeNonBlocking(output.reading);
         makeNonBlocking(errors.reading);

@@ -1,11 +1,11 @@
 // One call: a worker is started, fed, listened to and seen to its end, all on the calling thread.
 #pragma once
 
+#include <trellant/base/cancellation.h>
 #include <trellant/client/worker_client.h>
 
 #include <cstdint>
 #include <filesystem>
-#include <stop_token>
 #include <string>
 
 namespace trellant {
@@ -15,7 +15,7 @@ struct WorkerCall {
     /// The request's bytes.
     const std::string& request;
     const AAFWorkerClient::Progress& progress;
-    const std::stop_token& stop;
+    const StopToken& stop;
     /// Bytes of output that are taken at most.
     std::uint64_t resultLimit;
 };

@@ -60,7 +60,7 @@ std::string encoded(const Request& request) {
     return encodeRequest(request);
 }
 
-Result decoded(std::string_view answer, TimelineChecks checks, const std::stop_token& stop) {
+Result decoded(std::string_view answer, TimelineChecks checks, const StopToken& stop) {
     try {
         Result result = decodeResult(answer, checks, stop);
         if (result.protocolVersion == AAFWorkerProtocol::version) {
@@ -80,7 +80,7 @@ struct Call {
     AAFWorkerClient client;
     Request request;
     AAFWorkerClient::Progress progress;
-    std::stop_token stop;
+    StopToken stop;
     TimelineChecks checks;
 };
 
@@ -182,7 +182,7 @@ AAFWorkerClient AAFWorkerClient::fuer(const std::filesystem::path& url) {
 std::future<AAFTimeline> AAFWorkerClient::inspect(
     const std::filesystem::path& aafURL, const std::filesystem::path& workDirectory,
     const std::optional<std::filesystem::path>& mediaSearchDirectory, Progress progress,
-    std::stop_token stop) const {
+    StopToken stop) const {
     try {
         return started(
             [call = Call{*this, inspection(aafURL, workDirectory, mediaSearchDirectory),
@@ -195,7 +195,7 @@ std::future<AAFTimeline> AAFWorkerClient::inspect(
 }
 
 std::future<AAFWorkerProtocol::Result> AAFWorkerClient::run(AAFWorkerProtocol::Request request,
-                                                            Progress progress, std::stop_token stop,
+                                                            Progress progress, StopToken stop,
                                                             TimelineChecks checks) const {
     return started([call = Call{*this, std::move(request), std::move(progress), std::move(stop),
                                 checks}] { return perform(call); });

@@ -1,22 +1,19 @@
 #include "spawned_program.h"
 
+#include <trellant/base/file_descriptor.h>
+#include <trellant/base/program_start.h>
+#include <trellant/base/system_call_error.h>
 #include <trellant/io/errors.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/types.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
-
-#ifdef __APPLE__
-extern char** environ;
-#endif
 
 namespace trellant {
 
@@ -27,91 +24,21 @@ constexpr int tickMilliseconds = 100;
 constexpr int lookMilliseconds = 5;
 constexpr std::size_t keptErrors = 4'096;
 
-void check(const std::string& program, int errorNumber) {
-    if (errorNumber != 0) {
-        throw FileSystemError("start", program, errorNumber);
-    }
-}
-
-class End {
-  public:
-    explicit End(int number) noexcept : number_(number) {}
-    ~End() { close(); }
-    End(const End&) = delete;
-    End& operator=(const End&) = delete;
-    End(End&&) = delete;
-    End& operator=(End&&) = delete;
-
-    void close() noexcept {
-        if (number_ >= 0) {
-            ::close(std::exchange(number_, -1));
-        }
-    }
-    [[nodiscard]] int number() const noexcept { return number_; }
-    [[nodiscard]] bool isOpen() const noexcept { return number_ >= 0; }
-
-  private:
-    int number_;
+struct RunningProgram {
+    pid_t process;
+    /// What it writes to standard error.
+    FileDescriptor errors;
 };
 
-std::array<int, 2> pipeEnds(const std::string& program) {
-    std::array<int, 2> ends{};
-    check(program, ::pipe2(ends.data(), O_CLOEXEC) == 0 ? 0 : errno);
-    return ends;
+RunningProgram started(const std::vector<std::string>& commandLine) {
+    try {
+        Pipe errors = makePipe();
+        const ProgramStart start({.errors = errors.writing.number()});
+        return {start.start(commandLine), std::move(errors.reading)};
+    } catch (const SystemCallError& error) {
+        throw FileSystemError("start", commandLine.front(), error.errorNumber());
+    }
 }
-
-class Setup {
-  public:
-    Setup(const std::string& program, int errors) {
-        ::posix_spawn_file_actions_init(&actions_);
-        ::posix_spawnattr_init(&attributes_);
-        // First, or opening "/dev/null" could take the number of a stream that was closed.
-        check(program, ::posix_spawn_file_actions_adddup2(&actions_, errors, STDERR_FILENO));
-        for (const int stream : {STDIN_FILENO, STDOUT_FILENO}) {
-            check(program,
-                  ::posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", O_RDWR, 0));
-        }
-#ifdef __GLIBC__
-        check(program, ::posix_spawn_file_actions_addclosefrom_np(&actions_, 3));
-#endif
-        sigset_t signals;
-        ::sigemptyset(&signals);
-        check(program, ::posix_spawnattr_setsigmask(&attributes_, &signals));
-        ::sigfillset(&signals);
-        ::sigdelset(&signals, SIGKILL);
-        ::sigdelset(&signals, SIGSTOP);
-        check(program, ::posix_spawnattr_setsigdefault(&attributes_, &signals));
-        check(program, ::posix_spawnattr_setpgroup(&attributes_, 0));
-        check(program, ::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK |
-                                                                    POSIX_SPAWN_SETSIGDEF |
-                                                                    POSIX_SPAWN_SETPGROUP));
-    }
-    ~Setup() {
-        ::posix_spawn_file_actions_destroy(&actions_);
-        ::posix_spawnattr_destroy(&attributes_);
-    }
-    Setup(const Setup&) = delete;
-    Setup& operator=(const Setup&) = delete;
-    Setup(Setup&&) = delete;
-    Setup& operator=(Setup&&) = delete;
-
-    [[nodiscard]] pid_t start(std::vector<std::string> words) const {
-        std::vector<char*> arguments;
-        arguments.reserve(words.size() + 1);
-        for (std::string& word : words) {
-            arguments.push_back(word.data());
-        }
-        arguments.push_back(nullptr);
-        pid_t process = -1;
-        check(words.front(), ::posix_spawn(&process, words.front().c_str(), &actions_, &attributes_,
-                                           arguments.data(), environ));
-        return process;
-    }
-
-  private:
-    posix_spawn_file_actions_t actions_{};
-    posix_spawnattr_t attributes_{};
-};
 
 /// Ends the process when it is left behind.
 class Process {
@@ -161,12 +88,9 @@ bool readErrors(int from, std::string& errors) {
 
 ProgramEnd runProgram(const std::vector<std::string>& commandLine,
                       const std::function<void()>& whileWaiting) {
-    const std::string& program = commandLine.front();
-    const auto ends = pipeEnds(program);
-    End reading(ends[0]);
-    End writing(ends[1]);
-    Process process(Setup(program, writing.number()).start(commandLine));
-    writing.close();
+    RunningProgram running = started(commandLine);
+    Process process(running.process);
+    FileDescriptor& reading = running.errors;
     ProgramEnd end;
     while (reading.isOpen() || !process.hasEnded(end.status)) {
         whileWaiting();

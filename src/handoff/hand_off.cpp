@@ -81,7 +81,7 @@ std::optional<fs::path> installedWorker(const std::string& name) {
     return std::nullopt;
 }
 
-AAFWorkerProtocol::Result askWorker(const WorkerTask& task, const std::stop_token& stop,
+AAFWorkerProtocol::Result askWorker(const WorkerTask& task, const StopToken& stop,
                                     AAFWorkerClient::Progress progress,
                                     const std::function<void()>& whileWaiting) {
     // Whatever the file is called, only one worker reads such files.

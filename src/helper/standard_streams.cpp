@@ -1,5 +1,6 @@
 #include "standard_streams.h"
 
+#include <trellant/base/write_all.h>
 #include <trellant/io/errors.h>
 #include <trellant/protocol/lines.h>
 
@@ -15,21 +16,6 @@ namespace {
 
 /// Room on the stack; a request is short.
 constexpr std::size_t readPiece = 8192;
-
-/// 0, or the errno value of the write that failed.
-int writeAll(int descriptor, std::string_view text) noexcept {
-    while (!text.empty()) {
-        const auto written = ::write(descriptor, text.data(), text.size());
-        if (written < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            return errno;
-        }
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return 0;
-}
 
 void writeLine(std::string_view line) noexcept {
     if (writeAll(STDERR_FILENO, line) != 0) {

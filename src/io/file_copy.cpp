@@ -1,6 +1,7 @@
 // Copying stored pieces out into a new file. The kernel copies from file to file where it can;
 // where it cannot, or fails, bytes go through a buffer, and that path alone reports errors, so that
 // they are the same either way.
+#include <trellant/base/write_all.h>
 #include <trellant/io/errors.h>
 #include <trellant/io/random_access_file.h>
 
@@ -85,13 +86,8 @@ class NewFile {
     [[nodiscard]] int descriptor() const noexcept { return descriptor_; }
 
     void write(ByteView bytes) const {
-        while (!bytes.empty()) {
-            const ssize_t put = ::write(descriptor_, bytes.data(), bytes.size());
-            if (put > 0) {
-                bytes = bytes.subspan(static_cast<std::size_t>(put));
-            } else if (put == 0 || errno != EINTR) {
-                throw FileSystemError("write", path_, put == 0 ? EIO : errno);
-            }
+        if (const int failure = writeAll(descriptor_, bytes); failure != 0) {
+            throw FileSystemError("write", path_, failure);
         }
     }
 

@@ -46,7 +46,7 @@ constexpr std::size_t maxDepth = 16;
 
 class Decoder {
   public:
-    Decoder(std::string_view text, ValueSlot root, RecordChecks checks, const std::stop_token& stop)
+    Decoder(std::string_view text, ValueSlot root, RecordChecks checks, const StopToken& stop)
         : text_(text), root_(root), checks_(checks), stop_(stop) {}
 
     void heedStop() const {
@@ -221,7 +221,7 @@ class Decoder {
     std::string_view text_;
     ValueSlot root_;
     RecordChecks checks_;
-    const std::stop_token& stop_;
+    const StopToken& stop_;
     std::array<Frame, maxDepth> frames_;
     std::size_t depth_ = 0;
     /// The place of the member whose key came last.
@@ -351,8 +351,7 @@ class TextReader {
 
 }  // namespace
 
-void decodeInto(std::string_view text, ValueSlot root, RecordChecks checks,
-                const std::stop_token& stop) {
+void decodeInto(std::string_view text, ValueSlot root, RecordChecks checks, const StopToken& stop) {
     Decoder decoder(text, root, checks, stop);
     // The library would take a NUL for the end of the text.
     const std::size_t nul = text.find('\0');

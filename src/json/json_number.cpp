@@ -1,8 +1,16 @@
 // Exact reading of JSON number texts: decimal digits are never rounded on their way to an integer.
 #include <trellant/json/json_value_ops.h>
 
-#include <charconv>
+#include <cmath>
+#include <cstdlib>
 #include <limits>
+#include <locale.h>
+#include <new>
+#include <string>
+
+#ifdef __APPLE__
+#include <xlocale.h>
+#endif
 
 namespace trellant::jsonDecoding {
 
@@ -86,6 +94,15 @@ void appendDigit(std::int64_t& value, int digit, bool negative) {
     }
 }
 
+/// Where numbers have a point, whatever locale the host has chosen. Lives as long as the process.
+[[nodiscard]] locale_t localeWithPoint() {
+    static const locale_t locale = ::newlocale(LC_ALL_MASK, "C", nullptr);
+    if (locale == nullptr) {
+        throw std::bad_alloc();
+    }
+    return locale;
+}
+
 }  // namespace
 
 std::int64_t JsonNumber::integerValue() const {
@@ -118,17 +135,12 @@ double JsonNumber::doubleValue() const {
     if (integer_) {
         return static_cast<double>(*integer_);
     }
-    double value = 0;
-    const char* const end = text_.data() + text_.size();
-    if (std::from_chars(text_.data(), end, value).ec != std::errc::result_out_of_range) {
-        return value;
-    }
-    // Too large and too small are reported alike; what is too small is zero.
-    const Decimal decimal = decimalOf(text_);
-    if (decimal.exponent + decimal.digitCount() > 0) {
+    const double value = ::strtod_l(std::string(text_).c_str(), nullptr, localeWithPoint());
+    // What is too small for a double is zero; only what is too large is refused.
+    if (std::isinf(value)) {
         outOfRange();
     }
-    return decimal.negative ? -0.0 : 0.0;
+    return value;
 }
 
 }  // namespace trellant::jsonDecoding

@@ -22,7 +22,7 @@ std::string encodeProgress(const AAFWorkerProtocol::Progress& progress) {
 }
 
 AAFWorkerProtocol::Result decodeResult(std::string_view json, TimelineChecks checks,
-                                       const std::stop_token& stop) {
+                                       const StopToken& stop) {
     return decodeJson<AAFWorkerProtocol::Result>(json, checks, stop);
 }
 

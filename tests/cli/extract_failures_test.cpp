@@ -40,7 +40,7 @@ class ExtractFailures : public ExtractTest {
 TEST_F(ExtractFailures, CancelledBeforeItsStartLeavesNothing) {
     add({.name = "Kick.wav", .media = waveOf(kick)});
     const auto call = options(writeDocument());
-    std::stop_source stop;
+    StopSource stop;
     stop.request_stop();
     const Said said = extract(call, {}, stop.get_token());
     EXPECT_EQ(said.status, 2);
@@ -55,7 +55,7 @@ TEST_F(ExtractFailures, CancelledBeforeItsStartLeavesNothing) {
 TEST_F(ExtractFailures, CancelledWhileTheWorkerRunsLeavesAnExistingFolderAsItWas) {
     add({.name = "Kick.wav", .media = waveOf(kick)});
     auto call = options(writeDocument());
-    std::stop_source stop;
+    StopSource stop;
     call.helperURLProvider = [&stop](const std::string&) {
         stop.request_stop();
         return workerPath();

@@ -91,7 +91,7 @@ cli::ExtractOptions ExtractTest::options(const std::string& file) const {
 }
 
 Said ExtractTest::extract(const cli::ExtractOptions& options, const Setting& setting,
-                          const std::stop_token& stop) const {
+                          const StopToken& stop) const {
     return saidWithStatus(setting, [&](cli::Console& console) {
         return static_cast<int>(cli::runExtract(options, console, stop));
     });

@@ -4,13 +4,13 @@
 #include "extract/extract.h"
 #include "said.h"
 
+#include <trellant/base/cancellation.h>
 #include <trellant/model/timeline.h>
 
 #include <gtest/gtest.h>
 
 #include <map>
 #include <optional>
-#include <stop_token>
 #include <string>
 #include <trellant_testing/omf_builder.h>
 #include <trellant_testing/temporary_directory.h>
@@ -53,7 +53,7 @@ class ExtractTest : public ::testing::Test {
     /// Options for `file` into "out".
     [[nodiscard]] cli::ExtractOptions options(const std::string& file) const;
     [[nodiscard]] Said extract(const cli::ExtractOptions& options, const Setting& setting = {},
-                               const std::stop_token& stop = {}) const;
+                               const StopToken& stop = {}) const;
     /// Extraction into "out" that must end well; what stands on standard output.
     std::string extractWell(const cli::ExtractOptions& options) const;
 

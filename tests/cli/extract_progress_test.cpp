@@ -46,7 +46,7 @@ TEST(ConsoleProgress, PipeHearsNothing) {
 
 TEST(ConsoleProgress, StopEndsTheStep) {
     cli::Console console(cli::Verbosity::quiet);
-    std::stop_source stop;
+    StopSource stop;
     cli::ConsoleProgress progress(console, stop.get_token());
     progress.begin("Looking", 10);
     EXPECT_NO_THROW(progress.check());

@@ -63,7 +63,7 @@ TEST_F(ClientCancellation, GrandchildThatHoldsThePipesDoesNotHoldTheCall) {
 
 TEST_F(ClientCancellation, GrandchildOfAWorkerThatEndedDoesNotHoldTheCall) {
     // The worker has ended, its status is 0 and half of the answer is still to come.
-    std::stop_source stop;
+    StopSource stop;
     auto call = client("answers-by-halves").run(plainRequest(), {}, stop.get_token());
     workers_.awaitAnnouncement("answers-by-halves", ".grandchildren");
     stop.request_stop();
@@ -73,7 +73,7 @@ TEST_F(ClientCancellation, GrandchildOfAWorkerThatEndedDoesNotHoldTheCall) {
 }
 
 TEST_F(ClientCancellation, InspectIsCancelledInTheSameWay) {
-    std::stop_source stop;
+    StopSource stop;
     auto call = client("sleeps").inspect("/film.omf", "/work", std::nullopt, {}, stop.get_token());
     workers_.awaitAnnouncement("sleeps");
     stop.request_stop();
@@ -82,7 +82,7 @@ TEST_F(ClientCancellation, InspectIsCancelledInTheSameWay) {
 }
 
 TEST_F(ClientCancellation, StopRequestedBeforeTheCallStartsNoWorker) {
-    std::stop_source stop;
+    StopSource stop;
     stop.request_stop();
     expectCancelled(client("answers").run(plainRequest(), {}, stop.get_token()));
     expectCancelled(
@@ -91,7 +91,7 @@ TEST_F(ClientCancellation, StopRequestedBeforeTheCallStartsNoWorker) {
 }
 
 TEST_F(ClientCancellation, StopRequestedByTheProviderStartsNoWorker) {
-    std::stop_source stop;
+    StopSource stop;
     AAFWorkerClient stopping = client("answers");
     stopping.helperURLProvider = [&,
                                   provider = stopping.helperURLProvider](const std::string& name) {
@@ -105,7 +105,7 @@ TEST_F(ClientCancellation, StopRequestedByTheProviderStartsNoWorker) {
 TEST_F(ClientCancellation, StopRequestedAtOnceNeverFailsOtherwise) {
     // Wherever the call is by then.
     for (int round = 0; round < 50; ++round) {
-        std::stop_source stop;
+        StopSource stop;
         auto call = client("sleeps").run(plainRequest(), {}, stop.get_token());
         for (int pause = 0; pause < round; ++pause) {
             std::this_thread::yield();
@@ -116,7 +116,7 @@ TEST_F(ClientCancellation, StopRequestedAtOnceNeverFailsOtherwise) {
 }
 
 TEST_F(ClientCancellation, StopAfterTheResultChangesNothing) {
-    std::stop_source stop;
+    StopSource stop;
     auto call = client("answers").run(plainRequest(), {}, stop.get_token());
     call.wait();
     stop.request_stop();
@@ -124,7 +124,7 @@ TEST_F(ClientCancellation, StopAfterTheResultChangesNothing) {
 }
 
 TEST_F(ClientCancellation, StopThatIsNeverRequestedChangesNothing) {
-    const std::stop_source stop;
+    const StopSource stop;
     EXPECT_EQ(
         valueOf(client("answers").run(plainRequest(), {}, stop.get_token())).diagnostics.size(),
         1U);
@@ -132,7 +132,7 @@ TEST_F(ClientCancellation, StopThatIsNeverRequestedChangesNothing) {
 }
 
 TEST_F(ClientCancellation, OneStopEndsSeveralCalls) {
-    std::stop_source stop;
+    StopSource stop;
     std::vector<std::future<Result>> calls;
     for (const std::string behaviour : {"sleeps", "never-reads", "closes-pipes"}) {
         calls.push_back(client(behaviour).run(plainRequest(), {}, stop.get_token()));
@@ -147,7 +147,7 @@ TEST_F(ClientCancellation, OneStopEndsSeveralCalls) {
 }
 
 TEST_F(ClientCancellation, StopOfOneCallLeavesAnotherAlone) {
-    std::stop_source stop;
+    StopSource stop;
     auto other = client("waits").run(plainRequest());
     expectCancelEnds("sleeps");
     workers_.release("waits");

@@ -151,7 +151,7 @@ void OddWorkers::endAll() const {
 }
 
 void ClientTest::expectCancelEnds(const std::string& behaviour, const Request& request) const {
-    std::stop_source stop;
+    StopSource stop;
     auto call = client(behaviour).run(request, {}, stop.get_token());
     workers_.awaitAnnouncement(behaviour);
     stop.request_stop();

@@ -3,6 +3,7 @@
 // limit that only a hang reaches.
 #pragma once
 
+#include <trellant/base/cancellation.h>
 #include <trellant/client/worker_client.h>
 
 #include <gtest/gtest.h>
@@ -12,7 +13,6 @@
 #include <future>
 #include <optional>
 #include <ostream>
-#include <stop_token>
 #include <string>
 #include <string_view>
 #include <sys/types.h>
@@ -160,7 +160,7 @@ class ClientTest : public ::testing::Test {
     }
     /// A call whose worker acts as told.
     [[nodiscard]] std::future<Result> act(const Act& act, AAFWorkerClient::Progress progress = {},
-                                          std::stop_token stop = {}) const {
+                                          StopToken stop = {}) const {
         return client("acts").run(act.request(), std::move(progress), std::move(stop));
     }
     /// Starts the behaviour, waits until it is what it is, requests the stop; the call must end as

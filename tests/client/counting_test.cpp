@@ -85,13 +85,13 @@ class ClientCounting : public ClientTest {
         EXPECT_EQ(outcomeOf(std::move(call)).other, "enough");
     }
     void cancelAtOnce() const {
-        std::stop_source stop;
+        StopSource stop;
         auto call = client("sleeps").run(plainRequest(), {}, stop.get_token());
         stop.request_stop();
         expectCancelled(std::move(call));
     }
     void cancelFromProgress() const {
-        std::stop_source stop;
+        StopSource stop;
         expectCancelled(client("progresses-and-sleeps")
                             .run(
                                 plainRequest(), [&](const Progress&) { stop.request_stop(); },

@@ -12,7 +12,7 @@ class ClientDeaths : public ClientTest {
   protected:
     /// Requests the stop when the worker is where it says it is, from this thread.
     void expectStopEnds(const std::string& behaviour, AAFWorkerClient::Progress progress) const {
-        std::stop_source stop;
+        StopSource stop;
         auto call = client(behaviour).run(plainRequest(), std::move(progress), stop.get_token());
         workers_.awaitAnnouncement(behaviour);
         stop.request_stop();

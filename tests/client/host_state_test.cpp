@@ -133,7 +133,7 @@ TEST_F(ClientHostState, HostWithoutStandardStreamsTalksToItsWorker) {
 }
 
 TEST_F(ClientHostState, TwoWorkersDoNotHoldEachOthersPipes) {
-    std::stop_source stop;
+    StopSource stop;
     auto first = client("never-reads").run(largeRequest(), {}, stop.get_token());
     workers_.awaitAnnouncement("never-reads");
     auto second = client("sleeps").run(plainRequest(), {}, stop.get_token());

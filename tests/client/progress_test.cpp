@@ -28,7 +28,7 @@ const Progress ready{"ready", 0.5, std::nullopt};
 class ClientProgress : public ClientTest {
   protected:
     template <class Callback>
-    auto callSleeper(Callback callback, std::stop_token stop = {}) const {
+    auto callSleeper(Callback callback, StopToken stop = {}) const {
         return client("progresses-and-sleeps")
             .run(plainRequest(), std::move(callback), std::move(stop));
     }
@@ -50,7 +50,7 @@ TEST_F(ClientProgress, CallWithoutCallbackIgnoresThem) {
 
 TEST_F(ClientProgress, InspectReportsToo) {
     std::promise<Progress> seen;
-    std::stop_source stop;
+    StopSource stop;
     auto call =
         client("progresses-and-sleeps")
             .inspect(
@@ -64,7 +64,7 @@ TEST_F(ClientProgress, InspectReportsToo) {
 TEST_F(ClientProgress, RecordsComeWhileTheWorkerRuns) {
     // The worker sleeps from then on: the callback is not put off to its end.
     std::promise<Progress> seen;
-    std::stop_source stop;
+    StopSource stop;
     auto call =
         callSleeper([&](const Progress& progress) { seen.set_value(progress); }, stop.get_token());
     EXPECT_EQ(valueOf(seen.get_future()), ready);
@@ -130,13 +130,13 @@ TEST_F(ClientProgress, CallbackIsNotCalledAgainAfterItThrew) {
 }
 
 TEST_F(ClientProgress, CallbackMayRequestTheStop) {
-    std::stop_source stop;
+    StopSource stop;
     expectCancelled(callSleeper([&](const Progress&) { stop.request_stop(); }, stop.get_token()));
     workers_.expectGone("progresses-and-sleeps");
 }
 
 TEST_F(ClientProgress, StopRequestedByTheLastCallbackCancelsAGoodAnswer) {
-    std::stop_source stop;
+    StopSource stop;
     expectCancelled(act(
         reporting(),
         [&](const Progress& progress) {
@@ -161,7 +161,7 @@ TEST_F(ClientProgress, CallbackMayCallAnotherWorker) {
 TEST_F(ClientProgress, CallbackOutlivesTheCallersCopy) {
     auto shared = std::make_shared<std::promise<Progress>>();
     auto seen = shared->get_future();
-    std::stop_source stop;
+    StopSource stop;
     auto call = callSleeper([shared](const Progress& progress) { shared->set_value(progress); },
                             stop.get_token());
     shared.reset();

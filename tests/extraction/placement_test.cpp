@@ -58,7 +58,7 @@ class PlacementTest : public ::testing::Test {
     std::string textAt(const std::string& name) { return textOf(readFile(folder_.file(name))); }
     static NumberedName named(const std::string& name) { return NumberedName::whole(name); }
 
-    std::stop_source stop_;
+    StopSource stop_;
     TemporaryDirectory folder_;
     TemporaryDirectory staging_;
     WorkProgress progress_{stop_.get_token()};

@@ -240,7 +240,7 @@ TEST(JsonDecode, AStopEndsALongDecoding) {
         text += ",0";
     }
     text += "]";
-    std::stop_source stop;
+    StopSource stop;
     EXPECT_EQ(
         decodeJson<std::vector<std::int64_t>>(text, TimelineChecks::validate, stop.get_token())
             .size(),
@@ -252,7 +252,7 @@ TEST(JsonDecode, AStopEndsALongDecoding) {
 }
 
 TEST(JsonDecode, AStopEndsOneLongStringAndOneLongRunOfBlanks) {
-    std::stop_source stop;
+    StopSource stop;
     stop.request_stop();
     for (const std::string& text :
          {"\"" + std::string(2000, 'x') + "\"", std::string(2000, ' ') + "\"x\""}) {

@@ -54,9 +54,13 @@ class Window {
 };
 
 BentoImmediate immediate(ByteView bytes) {
-    BentoImmediate value{.count = static_cast<std::uint8_t>(bytes.size())};
-    std::transform(bytes.begin(), bytes.end(), value.bytes.begin(),
-                   [](std::byte byte) { return std::to_integer<std::uint8_t>(byte); });
+    BentoImmediate value;
+    // At most four, as the callers say too: g++ 12 cannot tell from them and warns of an overflow.
+    const std::size_t count = std::min(bytes.size(), value.bytes.size());
+    for (std::size_t index = 0; index < count; ++index) {
+        value.bytes[index] = std::to_integer<std::uint8_t>(bytes[index]);
+    }
+    value.count = static_cast<std::uint8_t>(count);
     return value;
 }
 

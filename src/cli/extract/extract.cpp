@@ -152,7 +152,7 @@ void tellNotConverted(const ExtractionReport& report, Console& console) {
 }
 
 std::optional<ExtractionReport> report(const ExtractOptions& options, Console& console,
-                                       const std::stop_token& stop) {
+                                       const StopToken& stop) {
     const Cancellable heeded;
     std::size_t placed = 0;
     try {
@@ -196,7 +196,7 @@ std::optional<ExtractionReport> report(const ExtractOptions& options, Console& c
 
 }  // namespace
 
-ExitStatus runExtract(const ExtractOptions& given, Console& console, const std::stop_token& stop) {
+ExitStatus runExtract(const ExtractOptions& given, Console& console, const StopToken& stop) {
     ExtractOptions options = given;
     if (const auto message = wrongUse(options)) {
         console.error(*message);

@@ -8,11 +8,11 @@
 #include "terminal/console.h"
 #include "terminal/exit_status.h"
 
+#include <trellant/base/cancellation.h>
 #include <trellant/client/worker_client.h>
 #include <trellant/handoff/hand_off.h>
 
 #include <optional>
-#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -39,6 +39,6 @@ struct ExtractOptions {
 /// then is told. Throws OutputClosed, and FileSystemError for standard output; all other failures
 /// are messages and a status.
 [[nodiscard]] ExitStatus runExtract(const ExtractOptions& given, Console& console,
-                                    const std::stop_token& stop);
+                                    const StopToken& stop);
 
 }  // namespace trellant::cli

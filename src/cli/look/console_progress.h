@@ -3,9 +3,9 @@
 
 #include "terminal/console.h"
 
+#include <trellant/base/cancellation.h>
 #include <trellant/handoff/work_progress.h>
 
-#include <stop_token>
 #include <string>
 #include <utility>
 
@@ -14,7 +14,7 @@ namespace trellant::cli {
 class ConsoleProgress final : public WorkProgress {
   public:
     /// `console` must outlive this.
-    ConsoleProgress(Console& console, std::stop_token stop)
+    ConsoleProgress(Console& console, StopToken stop)
         : WorkProgress(std::move(stop)), console_(console) {}
 
     void show(double fraction, const std::string& label) override;

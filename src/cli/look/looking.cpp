@@ -25,7 +25,7 @@ std::string shown(const std::string& file) {
 }  // namespace
 
 std::optional<HandOff> look(const std::string& file, const std::vector<std::string>& mediaFolders,
-                            Console& console, const std::stop_token& stop) {
+                            Console& console, const StopToken& stop) {
     if (file.empty()) {
         console.error("a file has an empty name");
         return std::nullopt;

@@ -6,11 +6,11 @@
 #include "terminal/console.h"
 #include "terminal/exit_status.h"
 
+#include <trellant/base/cancellation.h>
 #include <trellant/handoff/hand_off.h>
 
 #include <exception>
 #include <optional>
-#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -19,7 +19,7 @@ namespace trellant::cli {
 /// Inspects the file and tells of repairs; absent when it could not be read, which was told then.
 [[nodiscard]] std::optional<HandOff> look(const std::string& file,
                                           const std::vector<std::string>& mediaFolders,
-                                          Console& console, const std::stop_token& stop);
+                                          Console& console, const StopToken& stop);
 
 /// Tells why an handOff of `file` failed.
 void tellFailure(const std::string& file, const std::exception& error, Console& console);

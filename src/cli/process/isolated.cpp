@@ -2,14 +2,15 @@
 // to the end of the pipe. A child that was cut short ends by a signal or without the last status.
 #include "isolated.h"
 
-#include <trellant/base/system_error_text.h>
+#include <trellant/base/file_descriptor.h>
+#include <trellant/base/system_call_error.h>
+#include <trellant/base/write_all.h>
 
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <exception>
-#include <fcntl.h>
 #include <optional>
 #include <string_view>
 #include <sys/wait.h>
@@ -29,28 +30,6 @@ constexpr char exceptionMark = 'E';
 constexpr int answeredStatus = 0;
 constexpr int cutShortStatus = 1;
 constexpr std::size_t readPiece = 65'536;
-
-struct Pipe {
-    int reading = -1;
-    int writing = -1;
-};
-
-IsolatedFailure systemFailure(const char* what, int errorNumber) {
-    return {IsolatedFailure::Kind::system,
-            std::string("cannot ") + what + ": " + systemErrorText(errorNumber)};
-}
-
-bool writeAll(int descriptor, std::string_view text) noexcept {
-    while (!text.empty()) {
-        const auto written = ::write(descriptor, text.data(), text.size());
-        if (written >= 0) {
-            text.remove_prefix(static_cast<std::size_t>(written));
-        } else if (errno != EINTR) {
-            return false;
-        }
-    }
-    return true;
-}
 
 /// What the parent arranged for itself is not the child's: a request to end ends it. What is
 /// ignored stays so: that is how nohup works.
@@ -85,7 +64,7 @@ void prepareChild([[maybe_unused]] pid_t parent) noexcept {
         text = "unknown failure";
     }
     const bool isWritten =
-        writeAll(descriptor, std::string_view(&mark, 1)) && writeAll(descriptor, text);
+        writeAll(descriptor, std::string_view(&mark, 1)) == 0 && writeAll(descriptor, text) == 0;
     // Nothing of the parent's is flushed or destroyed a second time.
     ::_exit(isWritten ? answeredStatus : cutShortStatus);
 }
@@ -141,28 +120,22 @@ IsolatedAnswer judged(std::string text, int status) {
 
 }  // namespace
 
-IsolatedAnswer inChildProcess(const std::function<std::string()>& work, std::size_t maxBytes) {
-    std::array<int, 2> ends{};
-    if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
-        return systemFailure("make a pipe", errno);
-    }
-    const Pipe pipe{ends[0], ends[1]};
+IsolatedAnswer inChildProcess(const std::function<std::string()>& work, std::size_t maxBytes) try {
+    Pipe pipe = makePipe();
     const pid_t parent = ::getpid();
     const pid_t child = ::fork();
     if (child == 0) {
-        ::close(pipe.reading);
+        pipe.reading.close();
         prepareChild(parent);
-        answer(work, pipe.writing);
+        answer(work, pipe.writing.number());
     }
-    const int forkError = errno;
-    ::close(pipe.writing);
     if (child < 0) {
-        ::close(pipe.reading);
-        return systemFailure("start a process", forkError);
+        throw SystemCallError("start a process", errno);
     }
+    pipe.writing.close();
     // The mark comes on top of the text.
-    auto text = readAll(pipe.reading, maxBytes + 1);
-    ::close(pipe.reading);
+    auto text = readAll(pipe.reading.number(), maxBytes + 1);
+    pipe.reading.close();
     if (!text) {
         ::kill(child, SIGKILL);
         reap(child);
@@ -170,6 +143,8 @@ IsolatedAnswer inChildProcess(const std::function<std::string()>& work, std::siz
                                "more than " + std::to_string(maxBytes) + " bytes"};
     }
     return judged(std::move(*text), reap(child));
+} catch (const SystemCallError& error) {
+    return IsolatedFailure{IsolatedFailure::Kind::system, error.what()};
 }
 
 }  // namespace trellant::cli

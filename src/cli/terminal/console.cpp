@@ -3,6 +3,7 @@
 #include "bar_line.h"
 #include "shown_text.h"
 
+#include <trellant/base/write_all.h>
 #include <trellant/io/errors.h>
 
 #include <array>
@@ -11,7 +12,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
-#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -46,21 +46,9 @@ std::size_t wantedColumns(int terminal) {
     return isNumber && columns > 0 ? columns : columnsOf(terminal);
 }
 
-/// 0, or the errno value of the write that failed.
-int writeAll(int descriptor, std::string_view text) noexcept {
-    while (!text.empty()) {
-        const auto written = ::write(descriptor, text.data(), text.size());
-        if (written >= 0) {
-            text.remove_prefix(static_cast<std::size_t>(written));
-        } else if (errno == EAGAIN) {
-            // Whoever gave us the stream may have made it return at once.
-            pollfd room{.fd = descriptor, .events = POLLOUT, .revents = 0};
-            ::poll(&room, 1, -1);
-        } else if (errno != EINTR) {
-            return errno;
-        }
-    }
-    return 0;
+/// Whoever gave us the stream may have made it return at once.
+int writeWhole(int descriptor, std::string_view text) noexcept {
+    return writeAll(descriptor, text, WhenFull::wait);
 }
 
 /// The number of a closed stream would go to the next file that is opened, and what is said would
@@ -90,7 +78,7 @@ Console::Console(Verbosity verbosity) : verbosity_(verbosity) {
 
 void Console::out(std::string_view text) {
     wipeBar();
-    switch (const int reason = writeAll(STDOUT_FILENO, text)) {
+    switch (const int reason = writeWhole(STDOUT_FILENO, text)) {
         case 0:
             return;
         case EPIPE:
@@ -119,7 +107,7 @@ void Console::detail(std::string_view text) {
 void Console::message(std::string_view text) {
     wipeBar();
     // Nobody listens when it fails, and there is nowhere left to say so.
-    static_cast<void>(writeAll(STDERR_FILENO, "trellant: " + shownText(text) + "\n"));
+    static_cast<void>(writeWhole(STDERR_FILENO, "trellant: " + shownText(text) + "\n"));
 }
 
 void Console::bar(double fraction, std::string_view label) {
@@ -128,7 +116,7 @@ void Console::bar(double fraction, std::string_view label) {
     }
     std::string line = barLine(fraction, label, columnsOf(STDERR_FILENO));
     if (line != barLine_) {
-        static_cast<void>(writeAll(STDERR_FILENO, std::string(wipe) + line));
+        static_cast<void>(writeWhole(STDERR_FILENO, std::string(wipe) + line));
         barLine_ = std::move(line);
     }
 }
@@ -139,7 +127,7 @@ void Console::endBar() {
 
 void Console::wipeBar() {
     if (!barLine_.empty()) {
-        static_cast<void>(writeAll(STDERR_FILENO, wipe));
+        static_cast<void>(writeWhole(STDERR_FILENO, wipe));
         barLine_.clear();
     }
 }

@@ -2,6 +2,7 @@
 
 #include <trellant/base/printable_text.h>
 #include <trellant/base/system_error_text.h>
+#include <trellant/base/write_all.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -29,23 +30,15 @@ std::optional<struct stat> statusOf(const std::string& path) {
 }
 
 /// Writes all of it and closes the descriptor; 0 or the error's number.
-int writeAll(int descriptor, std::string_view text) {
-    int failure = 0;
-    while (failure == 0 && !text.empty()) {
-        const auto count = ::write(descriptor, text.data(), text.size());
-        if (count >= 0) {
-            text.remove_prefix(static_cast<std::size_t>(count));
-        } else if (errno != EINTR) {
-            failure = errno;
-        }
-    }
+int writeAndClose(int descriptor, std::string_view text) {
+    const int failure = writeAll(descriptor, text);
     return ::close(descriptor) != 0 && failure == 0 ? errno : failure;
 }
 
 /// A device or a pipe is written to, never replaced.
 int writeInto(const std::string& path, std::string_view text) {
     const int descriptor = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
-    return descriptor < 0 ? errno : writeAll(descriptor, text);
+    return descriptor < 0 ? errno : writeAndClose(descriptor, text);
 }
 
 /// Beside the file first, then in its place: link refuses what is there, rename replaces it.
@@ -58,7 +51,7 @@ int writeBeside(const std::string& path, std::string_view text, bool replace) {
     const mode_t mask = ::umask(0);
     ::umask(mask);
     ::fchmod(descriptor, everybodyMayRead & ~mask);
-    int failure = writeAll(descriptor, text);
+    int failure = writeAndClose(descriptor, text);
     if (failure == 0 && (replace ? std::rename(beside.c_str(), path.c_str())
                                  : ::link(beside.c_str(), path.c_str())) != 0) {
         failure = errno;

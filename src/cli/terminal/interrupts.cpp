@@ -12,7 +12,7 @@ namespace trellant::cli {
 namespace {
 
 struct Watch {
-    std::stop_source source;
+    StopSource source;
     std::atomic<int> cancellables{0};
 };
 
@@ -66,7 +66,7 @@ void watchInterrupts() {
     std::thread(waitForSignals).detach();
 }
 
-std::stop_token interruptToken() {
+StopToken interruptToken() {
     return watch().source.get_token();
 }
 

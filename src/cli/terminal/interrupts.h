@@ -1,7 +1,7 @@
 // Ctrl-C: a call that can be cancelled is, everything else ends at once.
 #pragma once
 
-#include <stop_token>
+#include <trellant/base/cancellation.h>
 
 namespace trellant::cli {
 
@@ -10,7 +10,7 @@ namespace trellant::cli {
 /// second one, or one at any other time, ends the process as the signal does by itself.
 void watchInterrupts();
 
-[[nodiscard]] std::stop_token interruptToken();
+[[nodiscard]] StopToken interruptToken();
 
 /// While one lives, somebody heeds the token.
 class Cancellable {

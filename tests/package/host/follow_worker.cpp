@@ -29,7 +29,7 @@ void follow(const trellant::AAFWorkerClient& client, const std::filesystem::path
 
 void cancel(const trellant::AAFWorkerClient& client, const std::filesystem::path& file,
             const std::filesystem::path& workDirectory) {
-    std::stop_source stop;
+    trellant::StopSource stop;
     auto answer = client.inspect(
         file, workDirectory, std::nullopt, [&stop](const Progress&) { stop.request_stop(); },
         stop.get_token());

@@ -3,6 +3,7 @@
 // does to the worker, the host sees it as a typed error.
 #pragma once
 
+#include <trellant/base/cancellation.h>
 #include <trellant/client/errors.h>
 #include <trellant/model/timeline.h>
 #include <trellant/model/timeline_json.h>
@@ -13,7 +14,6 @@
 #include <functional>
 #include <future>
 #include <optional>
-#include <stop_token>
 #include <string>
 
 namespace [[gnu::visibility("default")]] trellant {
@@ -73,7 +73,7 @@ struct AAFWorkerClient {
     [[nodiscard]] std::future<AAFTimeline> inspect(
         const std::filesystem::path& aafURL, const std::filesystem::path& workDirectory,
         const std::optional<std::filesystem::path>& mediaSearchDirectory = std::nullopt,
-        Progress progress = {}, std::stop_token stop = {}) const;
+        Progress progress = {}, StopToken stop = {}) const;
 
     /// Sends any request and gives the whole result; everything else is as with `inspect`. The
     /// request's paths go out as they are, and the worker starts in the host's current directory.
@@ -81,7 +81,7 @@ struct AAFWorkerClient {
     /// not pass validation: computing with such a one may stop the process, so repair it first
     /// (repair.h).
     [[nodiscard]] std::future<AAFWorkerProtocol::Result> run(
-        AAFWorkerProtocol::Request request, Progress progress = {}, std::stop_token stop = {},
+        AAFWorkerProtocol::Request request, Progress progress = {}, StopToken stop = {},
         TimelineChecks checks = TimelineChecks::validate) const;
 };
 

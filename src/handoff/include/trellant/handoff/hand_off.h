@@ -79,7 +79,7 @@ struct WorkerTask {
 /// The worker's answer as it is, not validated. `whileWaiting`, called about ten times a second on
 /// this thread, may throw. Throws as readHandOff does.
 [[nodiscard]] AAFWorkerProtocol::Result askWorker(const WorkerTask& task,
-                                                  const std::stop_token& stop,
+                                                  const StopToken& stop,
                                                   AAFWorkerClient::Progress progress = {},
                                                   const std::function<void()>& whileWaiting = {});
 

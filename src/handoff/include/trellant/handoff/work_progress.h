@@ -1,8 +1,8 @@
 // How a long piece of work says how far it is, and how it learns that nobody waits any more.
 #pragma once
 
+#include <trellant/base/cancellation.h>
 #include <cstdint>
-#include <stop_token>
 #include <string>
 #include <utility>
 
@@ -15,14 +15,14 @@ class WorkProgress {
     /// What a remark is about: something to know, or something that did not work.
     enum class Remark { note, problem };
 
-    explicit WorkProgress(std::stop_token stop = {}) : stop_(std::move(stop)) {}
+    explicit WorkProgress(StopToken stop = {}) : stop_(std::move(stop)) {}
     virtual ~WorkProgress() = default;
     WorkProgress(const WorkProgress&) = delete;
     WorkProgress& operator=(const WorkProgress&) = delete;
     WorkProgress(WorkProgress&&) = delete;
     WorkProgress& operator=(WorkProgress&&) = delete;
 
-    [[nodiscard]] const std::stop_token& stop() const noexcept { return stop_; }
+    [[nodiscard]] const StopToken& stop() const noexcept { return stop_; }
 
     /// A new step of so many bytes; 0 when nobody knows.
     void begin(std::string label, std::uint64_t totalBytes);
@@ -41,7 +41,7 @@ class WorkProgress {
     virtual void say(Remark /*kind*/, const std::string& /*text*/) {}
 
   private:
-    std::stop_token stop_;
+    StopToken stop_;
     std::string label_;
     std::uint64_t totalBytes_ = 0;
     std::uint64_t bytes_ = 0;

@@ -6,10 +6,10 @@
 // never a fraction, a string or a boolean. A missing or null optional field is absent.
 #pragma once
 
+#include <trellant/base/cancellation.h>
 #include <trellant/json/json_value_ops.h>
 
 #include <exception>
-#include <stop_token>
 #include <string>
 #include <string_view>
 
@@ -47,8 +47,7 @@ enum class RecordChecks {
 namespace jsonDecoding {
 
 /// Fills `root` from the whole of `text`; what it holds after an error is unspecified.
-void decodeInto(std::string_view text, ValueSlot root, RecordChecks checks,
-                const std::stop_token& stop);
+void decodeInto(std::string_view text, ValueSlot root, RecordChecks checks, const StopToken& stop);
 
 }  // namespace jsonDecoding
 
@@ -57,7 +56,7 @@ void decodeInto(std::string_view text, ValueSlot root, RecordChecks checks,
 /// megabytes takes seconds: a request to `stop` ends it soon, with JsonDecodingStopped.
 template <class T>
 [[nodiscard]] T decodeJson(std::string_view text, RecordChecks checks = RecordChecks::validate,
-                           const std::stop_token& stop = {}) {
+                           const StopToken& stop = {}) {
     T value{};
     jsonDecoding::decodeInto(text, jsonDecoding::slotOf(value), checks, stop);
     return value;

@@ -4,6 +4,7 @@
 // a byte after it.
 #pragma once
 
+#include <trellant/base/cancellation.h>
 #include <trellant/json/json_writer.h>
 #include <trellant/model/enum_names.h>
 #include <trellant/model/timeline.h>
@@ -14,7 +15,6 @@
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <stop_token>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -100,7 +100,7 @@ struct EnumNames<AAFWorkerProtocol::Request::Operation> {
 /// pass its checks, unless `checks` asks for none.
 [[nodiscard]] AAFWorkerProtocol::Result decodeResult(
     std::string_view json, TimelineChecks checks = TimelineChecks::validate,
-    const std::stop_token& stop = {});
+    const StopToken& stop = {});
 /// Keys of every object in ascending code-point order. Throws JsonEncodingError before the sink is
 /// called for the first time.
 void encodeResult(const AAFWorkerProtocol::Result& result, JsonSink& sink);

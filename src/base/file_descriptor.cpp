@@ -1,7 +1,5 @@
-#include "file_descriptor.h"
-
-#include <trellant/base/system_error_text.h>
-#include <trellant/client/errors.h>
+#include <trellant/base/file_descriptor.h>
+#include <trellant/base/system_call_error.h>
 
 #include <array>
 #include <cerrno>
@@ -13,10 +11,10 @@ namespace trellant {
 namespace {
 
 [[noreturn]] void failPipe() {
-    throw AAFWorkerClientError::launchFailed("cannot make a pipe: " + systemErrorText(errno));
+    throw SystemCallError("make a pipe", errno);
 }
 
-/// A worker's own streams are set up as 0, 1 and 2; a pipe's end among these would be overwritten.
+/// A started program's streams are set up as 0, 1 and 2; an end among these would be overwritten.
 FileDescriptor aboveStandardStreams(FileDescriptor descriptor) {
     constexpr int firstFree = 3;
     if (descriptor.number() >= firstFree) {
@@ -31,8 +29,8 @@ FileDescriptor aboveStandardStreams(FileDescriptor descriptor) {
 
 int openPipe(std::array<int, 2>& ends) noexcept {
 #ifdef __APPLE__
-    // There is no pipe that closes on exec from birth; starting a worker closes all that is not
-    // handed to it there.
+    // There is no pipe that closes on exec from birth; ProgramStart closes all that is not
+    // handed on there.
     const int failure = ::pipe(ends.data());
     if (failure == 0) {
         ::fcntl(ends[0], F_SETFD, FD_CLOEXEC);

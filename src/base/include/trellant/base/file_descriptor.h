@@ -1,10 +1,11 @@
-// Descriptors that close themselves, and the pipes between host and worker.
+// Descriptors that close themselves, and pipes made of them.
 #pragma once
 
 #include <utility>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
+/// An open file, pipe or socket of the system, or none.
 class FileDescriptor {
   public:
     FileDescriptor() noexcept = default;
@@ -34,7 +35,7 @@ struct Pipe {
 
 /// A pipe whose ends close on exec from birth, so that no other process started meanwhile holds
 /// them open, and lie above the standard streams also in a host that closed its own. Throws
-/// AAFWorkerClientError launchFailed.
+/// SystemCallError.
 [[nodiscard]] Pipe makePipe();
 
 /// Reads and writes on this end return at once from now on; the other end stays as it is.
