@@ -1,8 +1,7 @@
-#include "bento_footer.h"
-
 #include "expect_throw.h"
 
 #include <trellant/io/bento_container.h>
+#include <trellant/io/bento_footer.h>
 
 #include <gtest/gtest.h>
 
