@@ -116,7 +116,7 @@ std::string dumpInChild(const DumpOptions& options, Console& console) {
 }  // namespace
 
 ExitStatus runDump(const DumpOptions& options, Console& console) {
-    const IsolatedAnswer answer = inChildProcess([&] { return dumpInChild(options, console); });
+    const IsolatedAnswer answer = inConfinedChild([&] { return dumpInChild(options, console); });
     if (const auto* failure = std::get_if<IsolatedFailure>(&answer)) {
         const bool isOwnText = failure->kind == IsolatedFailure::Kind::exception;
         console.error(isOwnText

@@ -147,7 +147,7 @@ PlacedLoss heard(ToldLoss loss) {
 
 FileReading readFile(const std::string& file, const std::optional<std::string>& mediaFolder) {
     const IsolatedAnswer answer =
-        inChildProcess([&file, &mediaFolder] { return tellReading(file, mediaFolder); });
+        inConfinedChild([&file, &mediaFolder] { return tellReading(file, mediaFolder); });
     FileReading reading;
     if (const auto* const failure = std::get_if<IsolatedFailure>(&answer)) {
         reading.failure = failure->reason;

@@ -3,6 +3,8 @@
 #include "isolated.h"
 
 #include <trellant/base/system_error_text.h>
+#include <trellant/confine/confinement.h>
+#include <trellant/confine/memory_allowance.h>
 
 #include <array>
 #include <cerrno>
@@ -10,6 +12,7 @@
 #include <cstring>
 #include <exception>
 #include <fcntl.h>
+#include <new>
 #include <optional>
 #include <string_view>
 #include <sys/wait.h>
@@ -77,6 +80,9 @@ void prepareChild([[maybe_unused]] pid_t parent) noexcept {
     std::string text;
     try {
         text = work();
+    } catch (const std::bad_alloc&) {
+        mark = exceptionMark;
+        text = "out of memory";
     } catch (const std::exception& error) {
         mark = exceptionMark;
         text = error.what();
@@ -170,6 +176,16 @@ IsolatedAnswer inChildProcess(const std::function<std::string()>& work, std::siz
                                "more than " + std::to_string(maxBytes) + " bytes"};
     }
     return judged(std::move(*text), reap(child));
+}
+
+IsolatedAnswer inConfinedChild(const std::function<std::string()>& work, std::size_t maxBytes) {
+    return inChildProcess(
+        [&work] {
+            keepWithinMemory();
+            confine(sandboxFromEnvironment(), {.awaitsStreams = true});
+            return work();
+        },
+        maxBytes);
 }
 
 }  // namespace trellant::cli
