@@ -16,16 +16,17 @@ namespace {
 /// aside at once; what is never filled takes addresses but no memory.
 constexpr std::size_t typicalItemBytes = 12;
 
-[[noreturn]] void refuse(BentoTokenFault fault, BentoToken token, std::size_t position) {
+void refuseAny(BentoTokenFault fault, BentoToken token, std::size_t position) {
     switch (fault) {
+        case BentoTokenFault::none:
+            break;
         case BentoTokenFault::unknown:
             throw OMFIOError::malformed("invalid compressed TOC token " +
                                         std::to_string(token.code()) + " at byte " +
                                         std::to_string(position));
         case BentoTokenFault::cut:
-            break;
+            throw OMFIOError::malformed("truncated compressed TOC token");
     }
-    throw OMFIOError::malformed("truncated compressed TOC token");
 }
 
 class Decoder {
@@ -44,11 +45,10 @@ class Decoder {
             } else if (token.isEndOfBlock()) {
                 position = std::min(toc_.size(), bentoNextBlock(position, blockSize_));
             } else {
-                if (const auto fault = token.fault(toc_.size() - position - 1)) {
-                    refuse(*fault, token, position);
-                }
-                take(token, toc_.data() + position + 1);
+                refuseAny(token.fault(toc_.size() - position - 1), token, position);
+                const std::byte* const payload = toc_.data() + position + 1;
                 position += 1 + token.payloadSize();
+                take(token, payload);
             }
         }
         items_.trim();

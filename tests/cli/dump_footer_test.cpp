@@ -94,7 +94,7 @@ TEST(DumpFooter, KeepsTheNumbersOfAFooterWithFaults) {
 
 TEST(DumpFooter, HasNoNumbersInAnUnknownVersion) {
     ContainerImage image = smallImage();
-    for (const std::uint16_t version : {0, 3, 0x0102}) {
+    for (const std::uint16_t version : std::vector<std::uint16_t>{0, 3, 0x0102}) {
         image.footer.majorVersion = version;
         const cli::FooterLook look = lookAt(image.bytes());
         EXPECT_EQ(look.offset, 5U);

@@ -30,7 +30,7 @@ Read read(const Bytes& toc, BentoFooter footer, std::size_t most = ~std::size_t{
     footer.tocOffset = 3;
     footer.tocSize = footer.tocSize == 0 ? toc.size() : footer.tocSize;
     Read result;
-    result.fault = readToc(file, footer, [&](const BentoPackedItem& item) {
+    result.fault = cli::readToc(file, footer, [&](const BentoPackedItem& item) {
         result.items.push_back(item);
         return result.items.size() < most;
     });
@@ -88,10 +88,9 @@ TEST(DumpTokens, SayWhatTheFollowingValuesBelongTo) {
     const Read result = readTokens(hex(newObject + "09 "
                                                    "02 00 00 00 15 00 00 00 16 09 "
                                                    "03 00 00 00 20 09 09"));
-    EXPECT_EQ(textsOf(result), (Texts{"10.11 type 12 generation 0: ''",
-                                      "10.21 type 22 generation 0: ''",
-                                      "10.21 type 32 generation 0: ''",
-                                      "10.21 type 32 generation 0: ''"}));
+    EXPECT_EQ(textsOf(result),
+              (Texts{"10.11 type 12 generation 0: ''", "10.21 type 22 generation 0: ''",
+                     "10.21 type 32 generation 0: ''", "10.21 type 32 generation 0: ''"}));
     EXPECT_EQ(result.fault, std::nullopt);
 }
 
@@ -182,11 +181,10 @@ TEST(DumpTokens, EndAtOneThatIsCut) {
         std::uint8_t code;
         std::size_t payload;
     };
-    for (const Width& width :
-         std::vector<Width>{{1, 12},  {2, 8},   {3, 4},   {4, 4},   {5, 8},   {6, 8},  {7, 12},
-                            {8, 12},  {10, 4},  {11, 4},  {12, 4},  {13, 4},  {14, 4}, {15, 4},
-                            {16, 4},  {17, 4},  {18, 8},  {19, 8},  {20, 8},  {21, 12}, {22, 12},
-                            {23, 12}, {25, 16}, {26, 16}}) {
+    for (const Width& width : std::vector<Width>{
+             {1, 12}, {2, 8},  {3, 4},  {4, 4},   {5, 8},   {6, 8},   {7, 12},  {8, 12},
+             {10, 4}, {11, 4}, {12, 4}, {13, 4},  {14, 4},  {15, 4},  {16, 4},  {17, 4},
+             {18, 8}, {19, 8}, {20, 8}, {21, 12}, {22, 12}, {23, 12}, {25, 16}, {26, 16}}) {
         SCOPED_TRACE(static_cast<int>(width.code));
         ByteWriter toc(big);
         toc.u8(0xFF).u8(width.code).zeros(width.payload - 1);
@@ -225,15 +223,15 @@ TEST(DumpTokens, AreSkippedOverManyBlocks) {
 }
 
 TEST(DumpEntries, HoldWhatTheirFieldsSay) {
-    const Read result = readEntries(
-        hex("00 00 00 0A 00 00 00 0B 00 00 00 0C 00 00 01 00 00 00 00 05 00 00 00 00"
-            "00 00 00 0A 00 00 00 0B 00 00 00 0C 00 00 02 00 00 00 00 06 00 03 00 02"
-            "00 00 00 14 00 00 00 15 00 00 00 16 61 62 63 64 00 00 00 03 00 00 00 01"
-            "00 00 00 14 00 00 00 15 00 00 00 16 61 62 63 64 00 00 00 04 00 00 00 03"));
-    EXPECT_EQ(textsOf(result), (Texts{"10.11 type 12 generation 0: 5 at 256",
-                                      "10.11 type 12 generation 3: 6 at 512+",
-                                      "20.21 type 22 generation 0: 'abc'",
-                                      "20.21 type 22 generation 0: 'abcd'+"}));
+    const Read result =
+        readEntries(hex("00 00 00 0A 00 00 00 0B 00 00 00 0C 00 00 01 00 00 00 00 05 00 00 00 00"
+                        "00 00 00 0A 00 00 00 0B 00 00 00 0C 00 00 02 00 00 00 00 06 00 03 00 02"
+                        "00 00 00 14 00 00 00 15 00 00 00 16 61 62 63 64 00 00 00 03 00 00 00 01"
+                        "00 00 00 14 00 00 00 15 00 00 00 16 61 62 63 64 00 00 00 04 00 00 00 03"));
+    EXPECT_EQ(
+        textsOf(result),
+        (Texts{"10.11 type 12 generation 0: 5 at 256", "10.11 type 12 generation 3: 6 at 512+",
+               "20.21 type 22 generation 0: 'abc'", "20.21 type 22 generation 0: 'abcd'+"}));
     EXPECT_EQ(result.fault, std::nullopt);
 }
 

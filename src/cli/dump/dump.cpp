@@ -5,6 +5,7 @@
 #include "dump_output.h"
 #include "dump_overview.h"
 #include "dump_path.h"
+#include "dump_toc_list.h"
 #include "dump_values.h"
 #include "process/isolated.h"
 #include "terminal/shown_text.h"

@@ -5,6 +5,7 @@
 #include <trellant/io/bento_toc_tokens.h>
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace trellant::cli {
@@ -65,14 +66,17 @@ std::optional<TocFault> readEntries(Window& window, OMFByteOrder order, const To
     return std::nullopt;
 }
 
-std::string faultText(BentoTokenFault fault, BentoToken token) {
-    switch (fault) {
+/// Of a token with `room` bytes behind its code; absent when all is well.
+std::optional<std::string> faultText(BentoToken token, std::size_t room) {
+    switch (token.fault(room)) {
+        case BentoTokenFault::none:
+            break;
         case BentoTokenFault::unknown:
             return "there is no token " + std::to_string(token.code());
         case BentoTokenFault::cut:
-            break;
+            return "the last token is cut";
     }
-    return "the last token is cut";
+    return std::nullopt;
 }
 
 std::optional<TocFault> readTokens(Window& window, const BentoFooter& footer,
@@ -92,8 +96,8 @@ std::optional<TocFault> readTokens(Window& window, const BentoFooter& footer,
             place = bentoNextBlock<std::uint64_t>(place, footer.blockSize);
             continue;
         }
-        if (const auto fault = token.fault(bytes.size() - 1)) {
-            return TocFault{place, faultText(*fault, token)};
+        if (auto text = faultText(token, bytes.size() - 1)) {
+            return TocFault{place, std::move(*text)};
         }
         const std::byte* const payload = bytes.data() + 1;
         place += 1 + token.payloadSize();

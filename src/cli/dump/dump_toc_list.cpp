@@ -1,7 +1,8 @@
-// The table of contents as a list: fixed columns, so that a line can go out as soon as it is read.
+// Fixed columns, so that a line can go out as soon as it is read.
+#include "dump_toc_list.h"
+
 #include "dump_bytes.h"
 #include "dump_object.h"
-#include "dump_overview.h"
 #include "terminal/shown_text.h"
 
 #include <array>

@@ -160,11 +160,12 @@ EmbeddedMediaCheck separateSources(const std::string& omfFile, AAFTimeline& time
         // What is there may be the audio of any of them.
         ::unlink(task.path.c_str());
     }
-    const IsolatedAnswer answer = inChildProcess([&] {
+    const auto work = [&] {
         const OMFDocument document(omfFile);
         takeOut(document, timeline, tasks);
         return unusedMedia(document, timeline);
-    });
+    };
+    const IsolatedAnswer answer = inConfinedChild(work, staging.path());
     EmbeddedMediaCheck check;
     if (const auto* failure = std::get_if<IsolatedFailure>(&answer)) {
         if (!tasks.empty()) {

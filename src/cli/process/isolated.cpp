@@ -178,14 +178,14 @@ IsolatedAnswer inChildProcess(const std::function<std::string()>& work, std::siz
     return judged(std::move(*text), reap(child));
 }
 
-IsolatedAnswer inConfinedChild(const std::function<std::string()>& work, std::size_t maxBytes) {
-    return inChildProcess(
-        [&work] {
-            keepWithinMemory();
-            confine(sandboxFromEnvironment(), {.awaitsStreams = true});
-            return work();
-        },
-        maxBytes);
+IsolatedAnswer inConfinedChild(const std::function<std::string()>& work,
+                               const std::optional<std::string>& writableDirectory) {
+    return inChildProcess([&] {
+        keepWithinMemory();
+        confine(sandboxFromEnvironment(),
+                {.writableDirectory = writableDirectory, .awaitsStreams = true});
+        return work();
+    });
 }
 
 }  // namespace trellant::cli

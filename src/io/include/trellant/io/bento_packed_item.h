@@ -9,7 +9,7 @@
 #include <cstring>
 #include <span>
 
-namespace [[gnu::visibility("default")]] trellant {
+namespace trellant {
 
 struct BentoPackedItem {
     enum class Kind : std::uint8_t { immediate, range, referenceList };

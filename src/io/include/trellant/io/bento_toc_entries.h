@@ -17,7 +17,7 @@
 #include <cstdint>
 #include <variant>
 
-namespace [[gnu::visibility("default")]] trellant {
+namespace trellant {
 
 inline constexpr std::size_t bentoEntrySize = 24;
 

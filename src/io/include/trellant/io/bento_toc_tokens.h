@@ -27,12 +27,12 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 
-namespace [[gnu::visibility("default")]] trellant {
+namespace trellant {
 
 /// What is wrong with a token.
 enum class BentoTokenFault {
+    none,
     /// Its code has no meaning.
     unknown,
     /// Its payload reaches beyond the table.
@@ -58,11 +58,11 @@ class BentoToken {
     [[nodiscard]] bool isEndOfBlock() const noexcept { return code_ == 24; }
 
     /// With `room` bytes of the table behind the code.
-    [[nodiscard]] std::optional<BentoTokenFault> fault(std::size_t room) const noexcept {
+    [[nodiscard]] BentoTokenFault fault(std::size_t room) const noexcept {
         if (code_ == 0 || code_ >= payloadSizes.size()) {
             return BentoTokenFault::unknown;
         }
-        return room < payloadSize() ? std::optional(BentoTokenFault::cut) : std::nullopt;
+        return room < payloadSize() ? BentoTokenFault::cut : BentoTokenFault::none;
     }
     /// In bytes, of a token that is not unknown.
     [[nodiscard]] std::size_t payloadSize() const noexcept { return payloadSizes[code_]; }
