@@ -44,7 +44,10 @@ ExitStatus run(int argc, const char* const* argv) {
     Console console(line.verbosity);
     try {
         if (line.call) {
-            watchInterrupts();
+            // A dump forks at once, and no thread may be about then; an interrupt ends it anyhow.
+            if (!std::holds_alternative<DumpOptions>(*line.call)) {
+                watchInterrupts();
+            }
             return perform(*line.call, console);
         }
         if (line.status == ExitStatus::done) {

@@ -1,11 +1,11 @@
 // trellant-omf: one process, one request. The request comes on standard input, the result goes to
 // standard output, progress and at most one log line to standard error; the exit status says which
 // of three outcomes happened. This is the one place where errors become texts.
-#include "confinement.h"
-#include "memory_allowance.h"
 #include "omf_reader.h"
 #include "standard_streams.h"
 
+#include <trellant/confine/confinement.h>
+#include <trellant/confine/memory_allowance.h>
 #include <trellant/io/errors.h>
 #include <trellant/protocol/messages.h>
 
@@ -44,7 +44,7 @@ void serve(const AAFWorkerProtocol::Request& request) {
             emitProgress(fraction < resolvingFrom ? "reconstructing" : "resolving", fraction);
         },
         [](const std::optional<std::string>& writableDirectory) {
-            confine(sandboxFromEnvironment(), writableDirectory);
+            confine(sandboxFromEnvironment(), {.writableDirectory = writableDirectory});
         });
     emitProgress("finishing", 0.95);
     StandardOutput output;

@@ -1,10 +1,10 @@
 // Opening a container, and looking things up in it.
 #include "bento_contents.h"
-#include "bento_footer.h"
 #include "bento_toc.h"
 #include "large_pages.h"
 
 #include <trellant/io/bento_container.h>
+#include <trellant/io/bento_footer.h>
 #include <trellant/io/errors.h>
 
 #include <algorithm>
@@ -15,9 +15,6 @@ namespace trellant {
 
 namespace {
 
-/// Properties whose values name the object that carries them.
-constexpr std::uint32_t typeNameProperty = 23;
-constexpr std::uint32_t propertyNameProperty = 24;
 /// Cap in bytes of all names of one kind together. Many objects may point at the same long text:
 /// without it a small file could fill the memory. Objects beyond it get no name.
 constexpr std::uint64_t allNamesLimit = 67'108'864;
@@ -58,8 +55,8 @@ BentoContainer::Contents::Contents(const std::string& path)
       footer(readFooter(file)),
       index(readItems(file, footer, EmptyPieces::dropped)),
       cache(file),
-      propertyNames(readNames(propertyNameProperty)),
-      typeNames(readNames(typeNameProperty)) {}
+      propertyNames(readNames(bentoPropertyNameProperty)),
+      typeNames(readNames(bentoTypeNameProperty)) {}
 
 BentoNames BentoContainer::Contents::readNames(std::uint32_t property) const {
     BentoNames names;
@@ -106,10 +103,8 @@ std::vector<BentoTOCItem> BentoContainer::items(std::uint32_t object,
                                                 std::uint32_t property) const {
     const BentoItemIndex::Run run = contents_->index.find(object, property);
     std::vector<BentoTOCItem> result;
-    result.reserve(run.end - run.begin);
-    for (std::size_t place = run.begin; place < run.end; ++place) {
-        result.push_back(unpacked(contents_->index.item(place)));
-    }
+    result.reserve(run.size());
+    std::transform(run.begin(), run.end(), std::back_inserter(result), unpacked);
     return result;
 }
 

@@ -15,14 +15,15 @@
 //   0       8     signature A5 43 4D A5 48 64 72 D7
 //   8       8     table offset
 //   16      8     table size
-#include "bento_footer.h"
-
 #include <trellant/base/byte_load.h>
+#include <trellant/io/bento_footer.h>
 #include <trellant/io/errors.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <span>
+#include <string>
 
 namespace trellant {
 
@@ -37,72 +38,132 @@ bool startsWith(ByteView bytes, const Signature& signature) {
     return std::equal(expected.begin(), expected.end(), bytes.begin());
 }
 
-OMFByteOrder byteOrderOfMarker(std::uint16_t littleEndianMarker) {
+std::optional<OMFByteOrder> byteOrderOfMarker(std::uint16_t littleEndianMarker) {
     if (littleEndianMarker == 0x0001 || littleEndianMarker == 0x0002) {
         return OMFByteOrder::little;
     }
     if (littleEndianMarker == 0x0100 || littleEndianMarker == 0x0200) {
         return OMFByteOrder::big;
     }
-    std::array<char, 8> digits{};
-    static_cast<void>(std::snprintf(digits.data(), digits.size(), "%X",
-                                    static_cast<unsigned>(littleEndianMarker)));
-    throw OMFIOError::malformed(std::string("invalid Bento major marker 0x") + digits.data());
+    return std::nullopt;
 }
 
-BentoFooter decodeStandard(ByteView bytes) {
-    if (!startsWith(bytes, standardMagic)) {
-        throw OMFIOError::malformed("Bento footer signature not found");
-    }
-    const std::byte* at = bytes.data();
+BentoFooter standardFooter(const std::byte* at, OMFByteOrder order) {
     BentoFooter footer;
-    footer.byteOrder =
-        byteOrderOfMarker(loadUnsigned<std::uint16_t>(at + 12, OMFByteOrder::little));
-    footer.majorVersion = loadUnsigned<std::uint16_t>(at + 12, footer.byteOrder);
-    footer.minorVersion = loadUnsigned<std::uint16_t>(at + 14, footer.byteOrder);
-    const auto blockWord = loadUnsigned<std::uint16_t>(at + 10, footer.byteOrder);
+    footer.byteOrder = order;
+    footer.majorVersion = loadUnsigned<std::uint16_t>(at + 12, order);
+    footer.minorVersion = loadUnsigned<std::uint16_t>(at + 14, order);
+    const auto blockWord = loadUnsigned<std::uint16_t>(at + 10, order);
     if (footer.majorVersion == 2) {
         footer.blockSize = (blockWord == 0 ? 1U : blockWord) * 1024U;
     }
-    footer.tocOffset = loadUnsigned<std::uint32_t>(at + 16, footer.byteOrder);
-    footer.tocSize = loadUnsigned<std::uint32_t>(at + 20, footer.byteOrder);
+    footer.tocOffset = loadUnsigned<std::uint32_t>(at + 16, order);
+    footer.tocSize = loadUnsigned<std::uint32_t>(at + 20, order);
     return footer;
 }
 
-/// Takes the table's place from the 24 bytes of an extended footer, if that is what they are.
-void applyExtended(ByteView bytes, BentoFooter& footer) {
-    if (startsWith(bytes, extendedMagic)) {
-        footer.tocOffset = loadUnsigned<std::uint64_t>(bytes.data() + 8, footer.byteOrder);
-        footer.tocSize = loadUnsigned<std::uint64_t>(bytes.data() + 16, footer.byteOrder);
-        footer.hasExtendedFooter = true;
+/// Takes the table's place from the 24 bytes of an extended footer; false when they are none.
+bool applyExtended(ByteView bytes, BentoFooter& footer) {
+    if (!startsWith(bytes, extendedMagic)) {
+        return false;
     }
+    footer.tocOffset = loadUnsigned<std::uint64_t>(bytes.data() + 8, footer.byteOrder);
+    footer.tocSize = loadUnsigned<std::uint64_t>(bytes.data() + 16, footer.byteOrder);
+    footer.hasExtendedFooter = true;
+    return true;
 }
 
-void checkTocPlace(const BentoFooter& footer, std::uint64_t limit) {
+/// What is wrong with the table's place when it must end at byte `limit`.
+std::optional<BentoFooterFault::Kind> faultOfPlace(const BentoFooter& footer, std::uint64_t limit) {
     if (footer.tocSize == 0) {
-        throw OMFIOError::malformed("zero-length Bento TOC");
+        return BentoFooterFault::NoTable{};
     }
-    if (footer.tocOffset >= limit || footer.tocSize > limit - footer.tocOffset) {
-        throw OMFIOError::malformed("Bento TOC overlaps footer or is out of bounds");
+    if (footer.tocOffset >= limit) {
+        return BentoFooterFault::TableBeginsLate{footer.tocOffset};
     }
-    if (footer.tocSize > bentoTocLimit) {
-        throw OMFIOError::unsupported("TOC larger than 512 MiB");
+    if (footer.tocSize > limit - footer.tocOffset) {
+        return BentoFooterFault::TableEndsLate{footer.tocSize - (limit - footer.tocOffset)};
     }
+    return std::nullopt;
 }
+
+/// In the words of the one who refuses the file.
+struct Refusal {
+    std::string operator()(BentoFooterFault::TooShort /*fault*/) const {
+        return "file too small for Bento footer";
+    }
+    std::string operator()(BentoFooterFault::NoSignature /*fault*/) const {
+        return "Bento footer signature not found";
+    }
+    std::string operator()(BentoFooterFault::UnknownVersion fault) const {
+        std::array<char, 8> digits{};
+        static_cast<void>(
+            std::snprintf(digits.data(), digits.size(), "%X", static_cast<unsigned>(fault.marker)));
+        return std::string("invalid Bento major marker 0x") + digits.data();
+    }
+    // The footer asks for an extended one by naming no table itself.
+    std::string operator()(BentoFooterFault::NoExtendedFooter /*fault*/) const {
+        return (*this)(BentoFooterFault::NoTable{});
+    }
+    std::string operator()(BentoFooterFault::NoTable /*fault*/) const {
+        return "zero-length Bento TOC";
+    }
+    std::string operator()(BentoFooterFault::TableBeginsLate /*fault*/) const {
+        return "Bento TOC overlaps footer or is out of bounds";
+    }
+    std::string operator()(BentoFooterFault::TableEndsLate /*fault*/) const {
+        return "Bento TOC overlaps footer or is out of bounds";
+    }
+};
 
 }  // namespace
 
-BentoFooter decodeBentoFooter(ByteView tail, std::uint64_t fileSize) {
+BentoFooterReading readBentoFooter(ByteView tail, std::uint64_t end) {
     if (tail.size() < bentoFooterSize) {
-        throw OMFIOError::malformed("file too small for Bento footer");
+        return {.footer = {}, .faults = {BentoFooterFault::TooShort{}}};
     }
-    BentoFooter footer = decodeStandard(tail.last(bentoFooterSize));
-    std::uint64_t limit = fileSize - bentoFooterSize;
+    const ByteView standard = tail.last(bentoFooterSize);
+    if (!startsWith(standard, standardMagic)) {
+        return {.footer = {}, .faults = {BentoFooterFault::NoSignature{}}};
+    }
+    const auto marker = loadUnsigned<std::uint16_t>(standard.data() + 12, OMFByteOrder::little);
+    const auto order = byteOrderOfMarker(marker);
+    if (!order) {
+        return {.footer = {}, .faults = {BentoFooterFault::UnknownVersion{marker}}};
+    }
+    BentoFooterReading reading;
+    BentoFooter& footer = reading.footer.emplace(standardFooter(standard.data(), *order));
+    std::uint64_t limit = end - bentoFooterSize;
     if (footer.tocSize == 0 && footer.minorVersion == 1 && tail.size() >= bentoTailSize) {
-        applyExtended(tail.last(bentoTailSize), footer);
-        limit = fileSize - bentoTailSize;
+        if (applyExtended(tail.last(bentoTailSize), footer)) {
+            limit = end - bentoTailSize;
+        } else {
+            reading.faults.emplace_back(BentoFooterFault::NoExtendedFooter{});
+        }
     }
-    checkTocPlace(footer, limit);
+    if (const auto fault = faultOfPlace(footer, limit)) {
+        reading.faults.push_back(*fault);
+    }
+    return reading;
+}
+
+std::optional<std::size_t> lastBentoFooter(ByteView bytes) {
+    const ByteView signature = std::as_bytes(std::span(standardMagic));
+    const auto found =
+        std::find_end(bytes.begin(), bytes.end(), signature.begin(), signature.end());
+    const auto place = static_cast<std::size_t>(found - bytes.begin());
+    return bytes.size() - place < bentoFooterSize ? std::nullopt : std::optional(place);
+}
+
+BentoFooter decodeBentoFooter(ByteView tail, std::uint64_t fileSize) {
+    const BentoFooterReading reading = readBentoFooter(tail, fileSize);
+    if (!reading.faults.empty()) {
+        throw OMFIOError::malformed(std::visit(Refusal{}, reading.faults.front()));
+    }
+    const BentoFooter& footer = reading.footer.value();
+    if (footer.tocSize > bentoTocLimit) {
+        throw OMFIOError::unsupported("TOC larger than 512 MiB");
+    }
     return footer;
 }
 

@@ -43,6 +43,24 @@ void sortRun(std::span<BentoPackedItem> run) {
     }
 }
 
+/// How many of the items of one object belong to a property below `property`.
+std::size_t countBelow(BentoItemIndex::Run run, std::uint32_t property) noexcept {
+    std::size_t begin = 0;
+    std::size_t end = run.size();
+    while (end - begin > linearRun) {
+        const std::size_t middle = begin + (end - begin) / 2;
+        if (run[middle].property < property) {
+            begin = middle + 1;
+        } else {
+            end = middle;
+        }
+    }
+    while (begin < end && run[begin].property < property) {
+        ++begin;
+    }
+    return begin;
+}
+
 }  // namespace
 
 BentoItemIndex::BentoItemIndex(BentoItemList items) : items_(std::move(items)) {
@@ -130,35 +148,21 @@ BentoItemIndex::Run BentoItemIndex::runOf(std::uint32_t object) const noexcept {
     } else {
         return {};
     }
-    return {firstPlaces_[entry], firstPlaces_[entry + 1]};
-}
-
-std::size_t BentoItemIndex::firstPlaceNotBelow(Run run, std::uint32_t property) const noexcept {
-    while (run.end - run.begin > linearRun) {
-        const std::size_t middle = run.begin + (run.end - run.begin) / 2;
-        if (item(middle).property < property) {
-            run.begin = middle + 1;
-        } else {
-            run.end = middle;
-        }
-    }
-    while (run.begin < run.end && item(run.begin).property < property) {
-        ++run.begin;
-    }
-    return run.begin;
+    const std::size_t begin = firstPlaces_[entry];
+    return items_.items().subspan(begin, firstPlaces_[entry + 1] - begin);
 }
 
 BentoItemIndex::Run BentoItemIndex::find(std::uint32_t object,
                                          std::uint32_t property) const noexcept {
     const Run all = runOf(object);
-    const std::size_t begin = firstPlaceNotBelow(all, property);
-    if (begin == all.end || item(begin).property != property) {
+    const Run from = all.subspan(countBelow(all, property));
+    if (from.empty() || from.front().property != property) {
         return {};
     }
     if (property == std::numeric_limits<std::uint32_t>::max()) {
-        return {begin, all.end};
+        return from;
     }
-    return {begin, firstPlaceNotBelow({begin, all.end}, property + 1)};
+    return from.first(countBelow(from, property + 1));
 }
 
 }  // namespace trellant

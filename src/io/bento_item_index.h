@@ -13,12 +13,7 @@ namespace trellant {
 
 class BentoItemIndex {
   public:
-    /// A run of places, each of one item.
-    struct Run {
-        std::size_t begin = 0;
-        std::size_t end = 0;
-        [[nodiscard]] bool empty() const noexcept { return begin == end; }
-    };
+    using Run = std::span<const BentoPackedItem>;
 
     BentoItemIndex() = default;
     /// Takes items in table order.
@@ -26,9 +21,6 @@ class BentoItemIndex {
 
     /// The items of one value, in table order; empty when there are none.
     [[nodiscard]] Run find(std::uint32_t object, std::uint32_t property) const noexcept;
-    [[nodiscard]] const BentoPackedItem& item(std::size_t place) const noexcept {
-        return items_.items()[place];
-    }
 
     /// Every distinct object, ascending.
     [[nodiscard]] std::span<const std::uint32_t> objects() const noexcept { return objects_; }
@@ -42,7 +34,6 @@ class BentoItemIndex {
     void buildTables();
     /// The items of an object; empty when there are none.
     [[nodiscard]] Run runOf(std::uint32_t object) const noexcept;
-    [[nodiscard]] std::size_t firstPlaceNotBelow(Run run, std::uint32_t property) const noexcept;
 
     /// By object, property and place in the table.
     BentoItemList items_;

@@ -2,8 +2,9 @@
 // of megabytes again and again and hold them twice meanwhile.
 #pragma once
 
-#include "bento_packed_item.h"
 #include "large_pages.h"
+
+#include <trellant/io/bento_packed_item.h>
 
 #include <cstddef>
 #include <cstdlib>

@@ -45,18 +45,17 @@ bool BentoContainer::Contents::readSmall(std::uint64_t offset,
 
 Bytes BentoContainer::Contents::value(BentoItemIndex::Run run, std::int64_t maxBytes) const {
     std::uint64_t total = 0;
-    for (std::size_t place = run.begin; place < run.end; ++place) {
-        total = saturatingSum(total, index.item(place).byteCount());
+    for (const BentoPackedItem& item : run) {
+        total = saturatingSum(total, item.byteCount());
     }
-    countRead(0, run.end - run.begin);
+    countRead(0, run.size());
     if (maxBytes < 0 || total > static_cast<std::uint64_t>(maxBytes)) {
         throw OMFIOError::unsupported("property value larger than in-memory limit");
     }
     Bytes bytes;
     // More than the file is long only where ranges overlap, and their bounds are not checked yet.
     bytes.reserve(std::min(total, file.size()));
-    for (std::size_t place = run.begin; place < run.end; ++place) {
-        const BentoPackedItem& item = index.item(place);
+    for (const BentoPackedItem& item : run) {
         if (item.kind == BentoPackedItem::Kind::range) {
             appendRange(bytes, item.offset, item.length);
         } else if (item.kind == BentoPackedItem::Kind::immediate) {
@@ -93,8 +92,10 @@ std::optional<Bytes> BentoContainer::valuePrefix(std::uint32_t object,
     }
     const auto wanted = static_cast<std::uint64_t>(maxBytes);
     Bytes bytes;
-    for (std::size_t place = run.begin; place < run.end && bytes.size() < wanted; ++place) {
-        const BentoPackedItem& item = contents_->index.item(place);
+    for (const BentoPackedItem& item : run) {
+        if (bytes.size() >= wanted) {
+            break;
+        }
         const std::uint64_t count = std::min(item.byteCount(), wanted - bytes.size());
         if (item.kind == BentoPackedItem::Kind::range) {
             append(bytes, file().read(item.offset, static_cast<std::int64_t>(count)));
@@ -102,7 +103,7 @@ std::optional<Bytes> BentoContainer::valuePrefix(std::uint32_t object,
             append(bytes, item.immediate().first(count));
         }
     }
-    contents_->countRead(bytes.size(), run.end - run.begin);
+    contents_->countRead(bytes.size(), run.size());
     return bytes;
 }
 
@@ -127,25 +128,23 @@ bool BentoContainer::copyValue(std::uint32_t object, std::string_view propertyNa
     if (!property) {
         return false;
     }
-    const BentoItemIndex& index = contents_->index;
-    const BentoItemIndex::Run run = index.find(object, *property);
     // One piece at a time: a value may have millions.
-    std::size_t place = run.begin;
-    const auto toNextPiece = [&] {
-        while (place < run.end && index.item(place).kind == BentoPackedItem::Kind::referenceList) {
-            ++place;
-        }
-        return place < run.end;
+    const BentoItemIndex::Run run = contents_->index.find(object, *property);
+    const auto isPiece = [](const BentoPackedItem& item) {
+        return item.kind != BentoPackedItem::Kind::referenceList;
     };
-    if (!toNextPiece()) {
+    auto next = std::find_if(run.begin(), run.end(), isPiece);
+    if (next == run.end()) {
         return false;
     }
     file().copy(
         [&]() -> std::optional<BentoValueSegment> {
-            if (!toNextPiece()) {
+            if (next == run.end()) {
                 return std::nullopt;
             }
-            return index.item(place++).segment();
+            const BentoPackedItem& item = *next;
+            next = std::find_if(next + 1, run.end(), isPiece);
+            return item.segment();
         },
         destination);
     return true;
@@ -158,8 +157,8 @@ std::uint64_t BentoContainer::copiedBytes(std::uint32_t object,
         property ? contents_->index.find(object, *property) : BentoItemIndex::Run{};
     const std::uint64_t fileSize = file().size();
     std::uint64_t total = 0;
-    for (std::size_t place = run.begin; place < run.end; ++place) {
-        total = saturatingSum(total, std::min(contents_->index.item(place).byteCount(), fileSize));
+    for (const BentoPackedItem& item : run) {
+        total = saturatingSum(total, std::min(item.byteCount(), fileSize));
     }
     return total;
 }
@@ -171,11 +170,10 @@ std::optional<std::span<const std::byte>> BentoContainer::smallValue(
         return std::nullopt;
     }
     std::size_t filled = 0;
-    for (std::size_t place = run.begin; place < run.end; ++place) {
-        const BentoPackedItem& item = contents_->index.item(place);
+    for (const BentoPackedItem& item : run) {
         const std::uint64_t count = item.byteCount();
         if (count > into.size() - filled) {
-            contents_->countRead(filled, place - run.begin);
+            contents_->countRead(filled, static_cast<std::size_t>(&item - run.data()));
             return std::nullopt;
         }
         const std::span<std::byte> target = into.subspan(filled, count);
@@ -187,7 +185,7 @@ std::optional<std::span<const std::byte>> BentoContainer::smallValue(
         }
         filled += count;
     }
-    contents_->countRead(filled, run.end - run.begin);
+    contents_->countRead(filled, run.size());
     return into.first(filled);
 }
 

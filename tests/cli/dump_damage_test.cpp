@@ -1,6 +1,7 @@
 // Where damaged files stop making sense, and what other files look like.
 #include "dump/dump_object.h"
 #include "dump/dump_overview.h"
+#include "dump/dump_toc_list.h"
 #include "dumped.h"
 
 #include <gtest/gtest.h>

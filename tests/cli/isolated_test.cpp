@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <new>
 #include <stdexcept>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -106,6 +107,8 @@ TEST_F(Isolated, CarriesTheTextOfAnException) {
               failed(Kind::exception, "Malformed OMF/Bento file: odd"));
     EXPECT_EQ(inChildProcess([]() -> std::string { throw FileSystemError("open", "a", ENOENT); }),
               failed(Kind::exception, "cannot open \"a\": No such file or directory"));
+    EXPECT_EQ(inChildProcess([]() -> std::string { throw std::bad_alloc(); }),
+              failed(Kind::exception, "out of memory"));
     EXPECT_EQ(inChildProcess([]() -> std::string { throw 7; }),
               failed(Kind::exception, "unknown failure"));
 }

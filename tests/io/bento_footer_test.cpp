@@ -1,14 +1,14 @@
-#include "bento_footer.h"
-
 #include "expect_throw.h"
 
 #include <trellant/io/bento_container.h>
+#include <trellant/io/bento_footer.h>
 
 #include <gtest/gtest.h>
 
 #include <trellant_testing/byte_writer.h>
 #include <trellant_testing/container_builder.h>
 #include <trellant_testing/temporary_directory.h>
+#include <vector>
 
 namespace trellant {
 namespace {
@@ -232,6 +232,74 @@ TEST(BentoExtendedFooter, FilesBelow48BytesCannotHoldOne) {
     image.footer.minorVersion = 1;
     ASSERT_EQ(image.bytes().size(), 47U);
     EXPECT_EQ(openFault(image.bytes()), "Malformed OMF/Bento file: zero-length Bento TOC");
+}
+
+using Faults = std::vector<BentoFooterFault::Kind>;
+
+BentoFooterReading readingOf(const ContainerImage& image) {
+    const Bytes file = image.bytes();
+    const std::size_t tail = std::min(file.size(), bentoTailSize);
+    return readBentoFooter(ByteView(file).last(tail), file.size());
+}
+
+TEST(BentoFooterReading, HasNoFaultInASoundFile) {
+    const BentoFooterReading reading = readingOf(validImage());
+    EXPECT_EQ(reading.faults, Faults{});
+    EXPECT_EQ(reading.footer, decodeFile(validImage().bytes()));
+}
+
+TEST(BentoFooterReading, EndsAtWhatIsNoFooter) {
+    const BentoFooterReading cut = readBentoFooter(Bytes(23), 23);
+    EXPECT_EQ(cut.faults, Faults{BentoFooterFault::TooShort{}});
+    EXPECT_FALSE(cut.footer);
+    const BentoFooterReading other = readBentoFooter(Bytes(48), 48);
+    EXPECT_EQ(other.faults, Faults{BentoFooterFault::NoSignature{}});
+    EXPECT_FALSE(other.footer);
+    ContainerImage image = validImage();
+    image.footer.majorVersion = 0x0300;
+    EXPECT_EQ(readingOf(image).faults, Faults{BentoFooterFault::UnknownVersion{0x0300}});
+    EXPECT_FALSE(readingOf(image).footer);
+}
+
+TEST(BentoFooterReading, TellsHowFarTheTableIsOut) {
+    ContainerImage image = validImage();
+    image.footer.tocSize = 17;
+    EXPECT_EQ(readingOf(image).faults, Faults{BentoFooterFault::TableEndsLate{3}});
+    image.footer.tocOffset = 16;
+    EXPECT_EQ(readingOf(image).faults, Faults{BentoFooterFault::TableBeginsLate{16}});
+    EXPECT_EQ(readingOf(image).footer->tocSize, 17U);
+}
+
+TEST(BentoFooterReading, TellsTheMissingExtendedFooterBeforeTheMissingTable) {
+    ContainerImage image = validImage();
+    image.data = Bytes(24);
+    image.footer.tocSize = 0;
+    EXPECT_EQ(readingOf(image).faults, Faults{BentoFooterFault::NoTable{}});
+    image.footer.minorVersion = 1;
+    EXPECT_EQ(readingOf(image).faults,
+              (Faults{BentoFooterFault::NoExtendedFooter{}, BentoFooterFault::NoTable{}}));
+}
+
+// The place of an extended footer's table is counted to where that footer begins.
+TEST(BentoFooterReading, MeasuresFromTheExtendedFooter) {
+    ContainerImage image = validImage();
+    image.footer.extended = true;
+    image.footer.extendedTocOffset = 16;
+    EXPECT_EQ(readingOf(image).faults, Faults{BentoFooterFault::TableBeginsLate{16}});
+    image.footer.extendedTocOffset = 2;
+    image.footer.extendedTocSize = ~std::uint64_t{0};
+    EXPECT_EQ(readingOf(image).faults,
+              Faults{BentoFooterFault::TableEndsLate{~std::uint64_t{0} - 14}});
+}
+
+TEST(LastBentoFooter, IsTheLastWholeOne) {
+    const Bytes file = validImage().bytes();
+    EXPECT_EQ(lastBentoFooter(file), 16U);
+    EXPECT_EQ(lastBentoFooter(joined({file, hex("00 01 02")})), 16U);
+    EXPECT_EQ(lastBentoFooter(joined({file, file})), 56U);
+    EXPECT_EQ(lastBentoFooter(ByteView(file).first(39)), std::nullopt);
+    EXPECT_EQ(lastBentoFooter(ByteView(file).first(16)), std::nullopt);
+    EXPECT_EQ(lastBentoFooter({}), std::nullopt);
 }
 
 }  // namespace

@@ -35,9 +35,8 @@ BentoItemIndex indexOf(const Items& items) {
 
 Lengths labels(const BentoItemIndex& index, std::uint32_t object, std::uint32_t property) {
     Lengths result;
-    const BentoItemIndex::Run run = index.find(object, property);
-    for (std::size_t place = run.begin; place < run.end; ++place) {
-        result.push_back(index.item(place).length);
+    for (const BentoPackedItem& found : index.find(object, property)) {
+        result.push_back(found.length);
     }
     return result;
 }
@@ -149,8 +148,8 @@ TEST(BentoItemIndex, AnObjectWithAMillionItemsIsNotWalked) {
     // A walk for each of these would be 10^12 steps.
     for (std::uint32_t property = 1; property <= count; ++property) {
         const BentoItemIndex::Run run = index.find(7, property);
-        ASSERT_EQ(run.end - run.begin, 1U);
-        ASSERT_EQ(index.item(run.begin).length, count - property);
+        ASSERT_EQ(run.size(), 1U);
+        ASSERT_EQ(run.front().length, count - property);
     }
 }
 

@@ -5,6 +5,7 @@
 #include "dump_output.h"
 #include "dump_overview.h"
 #include "dump_path.h"
+#include "dump_toc_list.h"
 #include "dump_values.h"
 #include "process/isolated.h"
 #include "terminal/shown_text.h"
@@ -116,7 +117,7 @@ std::string dumpInChild(const DumpOptions& options, Console& console) {
 }  // namespace
 
 ExitStatus runDump(const DumpOptions& options, Console& console) {
-    const IsolatedAnswer answer = inChildProcess([&] { return dumpInChild(options, console); });
+    const IsolatedAnswer answer = inConfinedChild([&] { return dumpInChild(options, console); });
     if (const auto* failure = std::get_if<IsolatedFailure>(&answer)) {
         const bool isOwnText = failure->kind == IsolatedFailure::Kind::exception;
         console.error(isOwnText

@@ -23,9 +23,10 @@ struct DumpOptions {
     bool all = false;
 };
 
-/// Reads in a child process, which writes to standard output as it goes: no file takes the command
-/// down, and a long list needs no memory. `fileFailed` for a file that is damaged, after what could
-/// be read of it; `wrongUse` for an object or a path that is not in the file. Throws OutputClosed.
+/// Reads in a confined child process, which writes to standard output as it goes: no file takes the
+/// command down or makes it do anything else, and a long list needs no memory. `fileFailed` for a
+/// file that is damaged, after what could be read of it; `wrongUse` for an object or a path that is
+/// not in the file. Throws OutputClosed.
 [[nodiscard]] ExitStatus runDump(const DumpOptions& options, Console& console);
 
 }  // namespace trellant::cli

@@ -9,32 +9,23 @@ namespace trellant::cli {
 
 namespace {
 
-constexpr std::uint32_t typeNameProperty = 23;
-constexpr std::uint32_t propertyNameProperty = 24;
 constexpr std::size_t nameBytes = 512;
 /// All names of one kind together: many objects may point at the same long text.
 constexpr std::size_t allNamesBytes = 67'108'864;
 constexpr std::size_t classBytes = 16;
 
-std::uint64_t byteCount(const BentoStorage& storage) {
-    if (const auto* range = std::get_if<BentoRange>(&storage)) {
-        return range->length;
-    }
-    const auto* immediate = std::get_if<BentoImmediate>(&storage);
-    return immediate == nullptr ? 0 : immediate->count;
-}
-
 }  // namespace
 
-bool leavesFile(const BentoRange& range, std::uint64_t fileSize) noexcept {
-    return range.offset > fileSize || range.length > fileSize - range.offset;
+bool leavesFile(const BentoPackedItem& item, std::uint64_t fileSize) noexcept {
+    return item.kind == BentoPackedItem::Kind::range &&
+           (item.offset > fileSize || item.length > fileSize - item.offset);
 }
 
 DumpContents::DumpContents(const std::string& path) : file_(path), footer_(lookAtFooter(file_)) {
     readItems();
     buildIndex();
-    propertyNames_ = readNames(propertyNameProperty);
-    typeNames_ = readNames(typeNameProperty);
+    propertyNames_ = readNames(bentoPropertyNameProperty);
+    typeNames_ = readNames(bentoTypeNameProperty);
     settleModel();
     settleHeader();
 }
@@ -44,7 +35,7 @@ void DumpContents::readItems() {
         return;
     }
     valueOrder_ = footer_.footer->byteOrder;
-    tocFault_ = readToc(file_, *footer_.footer, [this](const BentoTOCItem& item) {
+    tocFault_ = readToc(file_, *footer_.footer, [this](const BentoPackedItem& item) {
         isCut_ = items_.size() == itemLimit;
         if (!isCut_) {
             items_.push_back(item);
@@ -114,13 +105,10 @@ std::vector<std::uint32_t> DumpContents::propertiesOf(std::uint32_t object) cons
     return properties;
 }
 
-std::vector<BentoTOCItem> DumpContents::itemsOf(std::uint32_t object,
-                                                std::uint32_t property) const {
-    std::vector<BentoTOCItem> result;
-    for (const std::uint32_t place : placesOf(object, property)) {
-        result.push_back(items_[place]);
-    }
-    return result;
+std::optional<std::uint32_t> DumpContents::typeOf(std::uint32_t object,
+                                                  std::uint32_t property) const {
+    const auto places = placesOf(object, property);
+    return places.empty() ? std::nullopt : std::optional(items_[places.front()].type);
 }
 
 DumpContents::Names DumpContents::readNames(std::uint32_t nameProperty) const {
@@ -193,20 +181,20 @@ std::string DumpContents::classOf(std::uint32_t object) const {
     return look ? asciiCString(look->head) : std::string();
 }
 
-void DumpContents::append(const BentoStorage& storage, std::size_t maxBytes,
+void DumpContents::append(const BentoPackedItem& item, std::size_t maxBytes,
                           ValueLook& look) const {
-    const std::uint64_t count = byteCount(storage);
+    const std::uint64_t count = item.byteCount();
     look.byteCount += std::min(count, std::numeric_limits<std::uint64_t>::max() - look.byteCount);
     const std::size_t start = look.head.size();
     const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(count, maxBytes - start));
-    if (const auto* immediate = std::get_if<BentoImmediate>(&storage)) {
-        const ByteView bytes = std::as_bytes(std::span(immediate->bytes)).first(wanted);
+    if (item.kind == BentoPackedItem::Kind::immediate) {
+        const ByteView bytes = item.immediate().first(wanted);
         look.head.insert(look.head.end(), bytes.begin(), bytes.end());
-    } else if (const auto* range = std::get_if<BentoRange>(&storage)) {
-        look.leavesFile = leavesFile(*range, file_.size());
+    } else if (item.kind == BentoPackedItem::Kind::range) {
+        look.leavesFile = leavesFile(item, file_.size());
         look.head.resize(start + wanted);
         const std::size_t got =
-            file_.readAvailable(range->offset, std::span(look.head).subspan(start));
+            file_.readAvailable(item.offset, std::span(look.head).subspan(start));
         look.head.resize(start + got);
     }
 }
@@ -218,7 +206,7 @@ std::optional<ValueLook> DumpContents::value(std::uint32_t object, std::uint32_t
         ++look.pieces;
         // What stands behind a gap is no part of what is shown.
         const bool hadGap = look.leavesFile;
-        append(items_[place].segment.storage, hadGap ? look.head.size() : maxBytes, look);
+        append(items_[place], hadGap ? look.head.size() : maxBytes, look);
         look.leavesFile = look.leavesFile || hadGap;
     }
     return look.pieces == 0 ? std::nullopt : std::optional(std::move(look));

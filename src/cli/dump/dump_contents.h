@@ -30,8 +30,8 @@ struct ValueLook {
     bool leavesFile = false;
 };
 
-/// The range does not lie wholly in a file of so many bytes.
-[[nodiscard]] bool leavesFile(const BentoRange& range, std::uint64_t fileSize) noexcept;
+/// The item names bytes that do not lie wholly in a file of so many.
+[[nodiscard]] bool leavesFile(const BentoPackedItem& item, std::uint64_t fileSize) noexcept;
 
 class DumpContents {
   public:
@@ -48,15 +48,15 @@ class DumpContents {
     [[nodiscard]] bool isCut() const noexcept { return isCut_; }
 
     /// In table order.
-    [[nodiscard]] std::span<const BentoTOCItem> items() const noexcept { return items_; }
+    [[nodiscard]] std::span<const BentoPackedItem> items() const noexcept { return items_; }
     /// Every object that has an item, ascending.
     [[nodiscard]] std::span<const std::uint32_t> objects() const noexcept { return objects_; }
     [[nodiscard]] bool has(std::uint32_t object) const noexcept;
     /// The properties of an object, in the order of their first items.
     [[nodiscard]] std::vector<std::uint32_t> propertiesOf(std::uint32_t object) const;
-    /// The items of one value, in table order.
-    [[nodiscard]] std::vector<BentoTOCItem> itemsOf(std::uint32_t object,
-                                                    std::uint32_t property) const;
+    /// The type that the first item of a value has; absent when there is none.
+    [[nodiscard]] std::optional<std::uint32_t> typeOf(std::uint32_t object,
+                                                      std::uint32_t property) const;
 
     /// Names as the container gives them; empty for none.
     [[nodiscard]] std::string_view propertyName(std::uint32_t property) const;
@@ -90,7 +90,7 @@ class DumpContents {
                                                           std::uint32_t property) const;
     [[nodiscard]] Names readNames(std::uint32_t nameProperty) const;
     /// Adds a piece to a value, and what `maxBytes` leaves of its bytes.
-    void append(const BentoStorage& storage, std::size_t maxBytes, ValueLook& look) const;
+    void append(const BentoPackedItem& item, std::size_t maxBytes, ValueLook& look) const;
     void settleModel();
     void settleHeader();
 
@@ -98,7 +98,7 @@ class DumpContents {
     FooterLook footer_;
     std::optional<TocFault> tocFault_;
     bool isCut_ = false;
-    std::vector<BentoTOCItem> items_;
+    std::vector<BentoPackedItem> items_;
     /// Positions in items_, by object, then by property, then in table order.
     std::vector<std::uint32_t> order_;
     std::vector<std::uint32_t> objects_;

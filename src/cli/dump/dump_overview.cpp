@@ -135,10 +135,9 @@ std::vector<std::string> damagesOf(const DumpContents& contents) {
                           std::to_string(contents.items().size()) + " items: " + fault->text);
     }
     std::size_t count = 0;
-    const BentoTOCItem* first = nullptr;
-    for (const BentoTOCItem& item : contents.items()) {
-        const auto* range = std::get_if<BentoRange>(&item.segment.storage);
-        if (range != nullptr && leavesFile(*range, contents.file().size())) {
+    const BentoPackedItem* first = nullptr;
+    for (const BentoPackedItem& item : contents.items()) {
+        if (leavesFile(item, contents.file().size())) {
             first = count++ == 0 ? &item : first;
         }
     }

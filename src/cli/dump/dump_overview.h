@@ -12,9 +12,7 @@ namespace trellant::cli {
 /// Every thing that is wrong with the container, in the order in which a reader meets it.
 [[nodiscard]] std::vector<std::string> damagesOf(const DumpContents& contents);
 
+/// `all`: without bounds on classes and objects.
 void dumpOverview(const DumpContents& contents, bool all, DumpOutput& output);
-
-/// The items of the table of contents, one a line, as they are read.
-void dumpToc(const DumpContents& contents, bool all, DumpOutput& output);
 
 }  // namespace trellant::cli

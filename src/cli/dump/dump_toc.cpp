@@ -1,11 +1,11 @@
-// Both written forms, told in the container reader's bento_toc_*.cpp: entries of 24 bytes, and
-// tokens of one code byte and a payload in blocks. Unlike there a fault ends the reading and costs
-// nothing that stands before it.
+// A fault ends the reading and costs nothing that stands before it.
 #include "dump_toc.h"
 
+#include <trellant/io/bento_toc_entries.h>
+#include <trellant/io/bento_toc_tokens.h>
+
 #include <algorithm>
-#include <array>
-#include <span>
+#include <utility>
 #include <vector>
 
 namespace trellant::cli {
@@ -13,11 +13,6 @@ namespace trellant::cli {
 namespace {
 
 constexpr std::size_t windowSize = 65'536;
-constexpr std::size_t entrySize = 24;
-constexpr std::uint8_t endOfBlock = 24;
-constexpr std::uint8_t padding = 0xFF;
-constexpr std::array<std::uint8_t, 27> payloadBytes{0, 12, 8, 4, 4, 8, 8, 12, 12, 0,  4, 4,  4, 4,
-                                                    4, 4,  4, 4, 8, 8, 8, 12, 12, 12, 0, 16, 16};
 
 /// The table's bytes through a window that moves forward.
 class Window {
@@ -53,38 +48,65 @@ class Window {
     std::vector<std::byte> bytes_;
 };
 
-BentoImmediate immediate(ByteView bytes) {
-    BentoImmediate value;
-    // At most four, as the callers say too: g++ 12 cannot tell from them and warns of an overflow.
-    const std::size_t count = std::min(bytes.size(), value.bytes.size());
-    for (std::size_t index = 0; index < count; ++index) {
-        value.bytes[index] = std::to_integer<std::uint8_t>(bytes[index]);
-    }
-    value.count = static_cast<std::uint8_t>(count);
-    return value;
-}
-
 std::optional<TocFault> readEntries(Window& window, OMFByteOrder order, const TocTaker& take) {
-    for (std::uint64_t place = 0; place < window.size(); place += entrySize) {
-        const ByteView entry = window.at(place, entrySize);
-        if (entry.size() < entrySize) {
+    for (std::uint64_t place = 0; place < window.size(); place += bentoEntrySize) {
+        const ByteView bytes = window.at(place, bentoEntrySize);
+        if (bytes.size() < bentoEntrySize) {
             return TocFault{place, "the last entry is cut"};
         }
-        const auto length = u32(entry, 16, order);
-        const unsigned flags = u16(entry, 22, order);
-        BentoTOCItem item{
-            .object = u32(entry, 0, order),
-            .property = u32(entry, 4, order),
-            .type = u32(entry, 8, order),
-            .generation = u16(entry, 20, order),
-            .segment = {BentoRange{u32(entry, 12, order), length}, (flags & 2U) != 0}};
-        if ((flags & 1U) != 0) {
-            if (length > 4) {
-                return TocFault{place, "an entry holds " + std::to_string(length) +
-                                           " bytes of its own, more than its 4"};
-            }
-            item.segment.storage = immediate(entry.subspan(12, length));
+        const auto entry = readBentoEntry(bytes.data(), order);
+        if (const auto* const fault = std::get_if<BentoEntryTooLong>(&entry)) {
+            return TocFault{place, "an entry holds " + std::to_string(fault->byteCount) +
+                                       " bytes of its own, more than its 4"};
         }
+        if (!take(std::get<BentoPackedItem>(entry))) {
+            break;
+        }
+    }
+    return std::nullopt;
+}
+
+/// Of a token with `room` bytes behind its code; absent when all is well.
+std::optional<std::string> faultText(BentoToken token, std::size_t room) {
+    switch (token.fault(room)) {
+        case BentoTokenFault::none:
+            break;
+        case BentoTokenFault::unknown:
+            return "there is no token " + std::to_string(token.code());
+        case BentoTokenFault::cut:
+            return "the last token is cut";
+    }
+    return std::nullopt;
+}
+
+std::optional<TocFault> readTokens(Window& window, const BentoFooter& footer,
+                                   const TocTaker& take) {
+    BentoPackedItem state;
+    for (std::uint64_t place = 0; place < window.size();) {
+        const ByteView bytes = window.at(place, BentoToken::longestSize);
+        if (bytes.empty()) {
+            return TocFault{place, "the file gives no more bytes"};
+        }
+        const BentoToken token(bytes.front());
+        if (token.isPadding()) {
+            ++place;
+            continue;
+        }
+        if (token.isEndOfBlock()) {
+            place = bentoNextBlock<std::uint64_t>(place, footer.blockSize);
+            continue;
+        }
+        if (auto text = faultText(token, bytes.size() - 1)) {
+            return TocFault{place, std::move(*text)};
+        }
+        const std::byte* const payload = bytes.data() + 1;
+        place += 1 + token.payloadSize();
+        if (token.changesState()) {
+            token.changeState(payload, footer.byteOrder, state);
+            continue;
+        }
+        BentoPackedItem item = state;
+        token.setValue(payload, footer.byteOrder, item);
         if (!take(item)) {
             break;
         }
@@ -92,106 +114,13 @@ std::optional<TocFault> readEntries(Window& window, OMFByteOrder order, const To
     return std::nullopt;
 }
 
-class TokenReader {
-  public:
-    TokenReader(Window& window, const BentoFooter& footer, const TocTaker& take)
-        : window_(window), order_(footer.byteOrder), blockSize_(footer.blockSize), take_(take) {}
-
-    std::optional<TocFault> read() {
-        while (place_ < window_.size()) {
-            const ByteView head = window_.at(place_, 1);
-            if (head.empty()) {
-                return TocFault{place_, "the file gives no more bytes"};
-            }
-            const auto code = std::to_integer<std::uint8_t>(head.front());
-            if (code == padding) {
-                ++place_;
-            } else if (code == endOfBlock) {
-                place_ = (place_ / blockSize_ + 1) * blockSize_;
-            } else if (auto fault = readToken(code)) {
-                return fault;
-            }
-            if (isEnough_) {
-                break;
-            }
-        }
-        return std::nullopt;
-    }
-
-  private:
-    std::optional<TocFault> readToken(std::uint8_t code) {
-        if (code == 0 || code >= payloadBytes.size()) {
-            return TocFault{place_, "there is no token " + std::to_string(code)};
-        }
-        const std::size_t size = payloadBytes.at(code);
-        const ByteView token = window_.at(place_, 1 + size);
-        if (token.size() < 1 + size) {
-            return TocFault{place_, "the last token is cut"};
-        }
-        const ByteView payload = token.subspan(1);
-        if (code <= 4) {
-            changeState(code, payload);
-        } else {
-            setValue(code, payload);
-            isEnough_ = !take_(item_);
-        }
-        place_ += 1 + size;
-        return std::nullopt;
-    }
-
-    void changeState(std::uint8_t code, ByteView payload) {
-        if (code == 4) {
-            item_.generation = static_cast<std::uint16_t>(
-                std::min<std::uint32_t>(u32(payload, 0, order_), 0xFFFF));
-            return;
-        }
-        std::int64_t at = 0;
-        if (code == 1) {
-            item_.object = u32(payload, at, order_);
-            at += 4;
-        }
-        if (code <= 2) {
-            item_.property = u32(payload, at, order_);
-            at += 4;
-        }
-        item_.type = u32(payload, at, order_);
-        item_.generation = 0;
-    }
-
-    void setValue(std::uint8_t code, ByteView payload) {
-        item_.segment.continued = code == 6 || code == 8 || code == 14 || code == 26;
-        if (code == 5 || code == 6) {
-            item_.segment.storage = BentoRange{u32(payload, 0, order_), u32(payload, 4, order_)};
-        } else if (code == 7 || code == 8) {
-            item_.segment.storage = BentoRange{u64(payload, 0, order_), u32(payload, 8, order_)};
-        } else if (code == 25 || code == 26) {
-            item_.segment.storage = BentoRange{u64(payload, 0, order_), u64(payload, 8, order_)};
-        } else if (code == 15) {
-            item_.segment.storage = BentoReferenceList{u32(payload, 0, order_)};
-        } else {
-            // The reserved codes from 16 are items without bytes, as 9 is.
-            const std::size_t count = code > 14 ? 0 : std::min<std::size_t>(code - 9U, 4);
-            item_.segment.storage = immediate(payload.first(count));
-        }
-    }
-
-    Window& window_;
-    OMFByteOrder order_;
-    std::uint64_t blockSize_;
-    const TocTaker& take_;
-    std::uint64_t place_ = 0;
-    bool isEnough_ = false;
-    /// What the following value tokens belong to, and the last of them.
-    BentoTOCItem item_;
-};
-
 }  // namespace
 
 std::optional<TocFault> readToc(const RandomAccessFile& file, const BentoFooter& footer,
                                 const TocTaker& take) {
     Window window(file, footer);
     auto fault = footer.majorVersion == 1 ? readEntries(window, footer.byteOrder, take)
-                                          : TokenReader(window, footer, take).read();
+                                          : readTokens(window, footer, take);
     if (!fault && window.size() < footer.tocSize) {
         fault = TocFault{window.size(), "the file ends here"};
     }

@@ -1,6 +1,7 @@
 // A table of contents item by item, as far as it makes sense.
 #pragma once
 
+#include <trellant/io/bento_packed_item.h>
 #include <trellant/io/bento_types.h>
 #include <trellant/io/random_access_file.h>
 
@@ -20,7 +21,7 @@ struct TocFault {
 };
 
 /// Takes the next item; false to see no more.
-using TocTaker = std::function<bool(const BentoTOCItem&)>;
+using TocTaker = std::function<bool(const BentoPackedItem&)>;
 
 /// Hands out the items of the table that `footer` names, in its order, holding little of it in
 /// memory. A table that leaves the file is read to the file's end. Gives the fault that ended it.

@@ -1,12 +1,12 @@
-// The table of contents as a list: fixed columns, so that a line can go out as soon as it is read.
+// Fixed columns, so that a line can go out as soon as it is read.
+#include "dump_toc_list.h"
+
 #include "dump_bytes.h"
 #include "dump_object.h"
-#include "dump_overview.h"
 #include "terminal/shown_text.h"
 
 #include <array>
 #include <cstdio>
-#include <span>
 
 namespace trellant::cli {
 
@@ -15,16 +15,17 @@ namespace {
 constexpr std::size_t mostItems = 10'000;
 constexpr std::size_t storageCells = 40;
 
-std::string storageText(const BentoStorage& storage, std::uint64_t fileSize) {
-    if (const auto* immediate = std::get_if<BentoImmediate>(&storage)) {
-        const ByteView bytes = std::as_bytes(std::span(immediate->bytes)).first(immediate->count);
-        return bytes.empty() ? "empty" : "immediate " + hexText(bytes);
+std::string storageText(const BentoPackedItem& item, std::uint64_t fileSize) {
+    switch (item.kind) {
+        case BentoPackedItem::Kind::immediate:
+            return item.immediateCount == 0 ? "empty" : "immediate " + hexText(item.immediate());
+        case BentoPackedItem::Kind::range:
+            return std::to_string(item.length) + " bytes at " + std::to_string(item.offset) +
+                   (leavesFile(item, fileSize) ? ", not in the file" : "");
+        case BentoPackedItem::Kind::referenceList:
+            break;
     }
-    if (const auto* range = std::get_if<BentoRange>(&storage)) {
-        return std::to_string(range->length) + " bytes at " + std::to_string(range->offset) +
-               (leavesFile(*range, fileSize) ? ", not in the file" : "");
-    }
-    return "reference list " + std::to_string(std::get<BentoReferenceList>(storage).id);
+    return "reference list " + std::to_string(item.offset);
 }
 
 std::string typeLabel(const DumpContents& contents, std::uint32_t type) {
@@ -32,12 +33,12 @@ std::string typeLabel(const DumpContents& contents, std::uint32_t type) {
     return name.empty() ? "type " + std::to_string(type) : shownText(name);
 }
 
-std::string itemLine(const DumpContents& contents, const BentoTOCItem& item) {
+std::string itemLine(const DumpContents& contents, const BentoPackedItem& item) {
     std::array<char, 32> numbers{};
     static_cast<void>(std::snprintf(numbers.data(), numbers.size(), "%10u  %5u  ", item.object,
                                     static_cast<unsigned>(item.generation)));
-    std::string storage = storageText(item.segment.storage, contents.file().size());
-    storage += item.segment.continued ? ", continued" : "";
+    std::string storage = storageText(item, contents.file().size());
+    storage += item.continued ? ", continued" : "";
     storage.append(storage.size() < storageCells ? storageCells - storage.size() : 0, ' ');
     return numbers.data() + storage + "  " + propertyLabel(contents, item.property) + "  " +
            typeLabel(contents, item.type);
@@ -54,7 +55,7 @@ void dumpToc(const DumpContents& contents, bool all, DumpOutput& output) {
     output.heading("    Object    Gen  " + storage + "  Property  Type");
     std::size_t count = 0;
     static_cast<void>(
-        readToc(contents.file(), *contents.footer().footer, [&](const BentoTOCItem& item) {
+        readToc(contents.file(), *contents.footer().footer, [&](const BentoPackedItem& item) {
             output.line(itemLine(contents, item));
             ++count;
             return all || count < mostItems;

@@ -11,8 +11,6 @@ namespace trellant::cli {
 
 namespace {
 
-constexpr std::uint32_t typeNameProperty = 23;
-constexpr std::uint32_t propertyNameProperty = 24;
 constexpr std::size_t longestReferences = 16'777'216;
 
 ValueText bytesText(const ValueLook& look) {
@@ -106,11 +104,11 @@ ValueText referencesText(const DumpContents& contents, const std::vector<std::ui
 }
 
 ValueKind kindOf(const DumpContents& contents, std::uint32_t object, std::uint32_t property) {
-    if (property == typeNameProperty || property == propertyNameProperty) {
+    if (property == bentoTypeNameProperty || property == bentoPropertyNameProperty) {
         return ValueKind::text;
     }
-    const auto items = contents.itemsOf(object, property);
-    return valueKind(items.empty() ? std::string_view() : contents.typeName(items.front().type),
+    const auto type = contents.typeOf(object, property);
+    return valueKind(type ? contents.typeName(*type) : std::string_view(),
                      contents.propertyName(property));
 }
 

@@ -5,12 +5,15 @@
 #include <trellant/base/file_descriptor.h>
 #include <trellant/base/system_call_error.h>
 #include <trellant/base/write_all.h>
+#include <trellant/confine/confinement.h>
+#include <trellant/confine/memory_allowance.h>
 
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <exception>
+#include <new>
 #include <optional>
 #include <string_view>
 #include <sys/wait.h>
@@ -56,6 +59,9 @@ void prepareChild([[maybe_unused]] pid_t parent) noexcept {
     std::string text;
     try {
         text = work();
+    } catch (const std::bad_alloc&) {
+        mark = exceptionMark;
+        text = "out of memory";
     } catch (const std::exception& error) {
         mark = exceptionMark;
         text = error.what();
@@ -145,6 +151,16 @@ IsolatedAnswer inChildProcess(const std::function<std::string()>& work, std::siz
     return judged(std::move(*text), reap(child));
 } catch (const SystemCallError& error) {
     return IsolatedFailure{IsolatedFailure::Kind::system, error.what()};
+}
+
+IsolatedAnswer inConfinedChild(const std::function<std::string()>& work,
+                               const std::optional<std::string>& writableDirectory) {
+    return inChildProcess([&] {
+        keepWithinMemory();
+        confine(sandboxFromEnvironment(),
+                {.writableDirectory = writableDirectory, .awaitsStreams = true});
+        return work();
+    });
 }
 
 }  // namespace trellant::cli

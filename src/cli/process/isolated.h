@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <variant>
 
@@ -39,5 +40,13 @@ inline constexpr std::size_t isolatedAnswerLimit = 268'435'456;
 /// work: the child has none of them, and would wait for what they hold. Throws nothing of the work.
 [[nodiscard]] IsolatedAnswer inChildProcess(const std::function<std::string()>& work,
                                             std::size_t maxBytes = isolatedAnswerLimit);
+
+/// The same for work that reads files, and creates some in `writableDirectory` (absolute, there
+/// already) if that is given: the child gives up all else first, as TRELLANT_SANDBOX says, and
+/// keeps within the memory there is. Standard output and error stay open to it. A layer that is
+/// required and missing is a failure of kind `exception`.
+[[nodiscard]] IsolatedAnswer inConfinedChild(
+    const std::function<std::string()>& work,
+    const std::optional<std::string>& writableDirectory = std::nullopt);
 
 }  // namespace trellant::cli

@@ -1,5 +1,5 @@
 // One side requests a stop, others look whether it was requested or are called when it is. The
-// meaning is that of StopSource, StopToken and StopCallback, which not every
+// meaning is that of std::stop_source, std::stop_token and std::stop_callback, which not every
 // standard library has.
 #pragma once
 

@@ -38,7 +38,7 @@ class BentoContainer {
     [[nodiscard]] const BentoFooter& footer() const noexcept;
 
     /// Every item in table order, for a look at the table itself: it is read again for each call,
-    /// and takes 40 bytes an item. Throws as the constructor does.
+    /// and takes 48 bytes an item. Throws as the constructor does.
     [[nodiscard]] std::vector<BentoTOCItem> tableItems() const;
     /// The items of one value in table order, without those that add no bytes and follow another
     /// of the same value that is no reference list; empty when there are none.

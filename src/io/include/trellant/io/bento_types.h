@@ -9,6 +9,10 @@
 
 namespace [[gnu::visibility("default")]] trellant {
 
+/// The properties whose values name the object that carries them: as a type, and as a property.
+inline constexpr std::uint32_t bentoTypeNameProperty = 23;
+inline constexpr std::uint32_t bentoPropertyNameProperty = 24;
+
 /// Where the table of contents lies and how it is written.
 struct BentoFooter {
     /// Of the footer and of all numbers in the table of contents.

@@ -1,7 +1,7 @@
 // The limit that the process sets itself.
-#include "memory_allowance.h"
-
 #include "confined_child.h"
+
+#include <trellant/confine/memory_allowance.h>
 
 #include <gtest/gtest.h>
 

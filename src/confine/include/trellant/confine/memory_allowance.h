@@ -6,7 +6,7 @@ namespace trellant {
 
 /// Lowers the process's limit of data to what the machine and its control groups have left; never
 /// raises it. What cannot be found out limits nothing. The limit is inherited, so only an
-/// executable's main calls this.
+/// executable's main calls this, or a child that starts no other program.
 void keepWithinMemory();
 
 }  // namespace trellant

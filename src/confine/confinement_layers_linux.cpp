@@ -13,13 +13,13 @@ namespace {
 
 /// No program started from here gains rights by its file, and the two layers of the kernel may be
 /// entered without rights.
-int forbidNewPrivileges(const std::optional<std::string>& /*writableDirectory*/) noexcept {
+int forbidNewPrivileges(const ConfinedNeeds& /*needs*/) noexcept {
     return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 ? 0 : errno;
 }
 
 /// The limit alone does not hold where the kernel hands dumps to a program; a process that is not
 /// dumpable gives none there either, and other processes of the user cannot look into it.
-int forbidCoreDumps(const std::optional<std::string>& /*writableDirectory*/) noexcept {
+int forbidCoreDumps(const ConfinedNeeds& /*needs*/) noexcept {
     constexpr rlimit none{.rlim_cur = 0, .rlim_max = 0};
     if (::setrlimit(RLIMIT_CORE, &none) != 0) {
         return errno;
@@ -27,16 +27,16 @@ int forbidCoreDumps(const std::optional<std::string>& /*writableDirectory*/) noe
     return ::prctl(PR_SET_DUMPABLE, 0, 0, 0, 0) == 0 ? 0 : errno;
 }
 
-int restrictCallsFor(const std::optional<std::string>& writableDirectory) noexcept {
-    return restrictCalls(writableDirectory.has_value());
+int restrictFilesTo(const ConfinedNeeds& needs) noexcept {
+    return restrictFiles(needs.writableDirectory);
 }
 
 /// The filter comes last: it takes away the calls by which the others are entered.
 constexpr std::array<ConfinementLayer, 4> layers{{
     {.name = "no_new_privs", .enter = forbidNewPrivileges},
     {.name = "forbidden core dumps", .enter = forbidCoreDumps},
-    {.name = "Landlock", .enter = restrictFiles},
-    {.name = "seccomp", .enter = restrictCallsFor},
+    {.name = "Landlock", .enter = restrictFilesTo},
+    {.name = "seccomp", .enter = restrictCalls},
 }};
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include "syscall_filter.h"
 
 #include "confined_child.h"
-#include "worker_fixture.h"
+#include "folder_test.h"
 
 #include <gtest/gtest.h>
 
@@ -13,11 +13,13 @@
 #include <fcntl.h>
 #include <functional>
 #include <new>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <trellant_testing/byte_writer.h>
 #include <unistd.h>
 #include <vector>
 
@@ -27,7 +29,8 @@ namespace {
 
 int enterFilter(bool mayWrite) {
     ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
-    return restrictCalls(mayWrite);
+    return restrictCalls(
+        {.writableDirectory = mayWrite ? std::optional<std::string>("/") : std::nullopt});
 }
 
 std::string triedReading(const std::function<long()>& attempt) {
@@ -63,7 +66,7 @@ void expectAbsent(const std::vector<NamedCall>& calls) {
     }
 }
 
-class SyscallFilter : public WorkerTest {};
+class SyscallFilter : public FolderTest {};
 
 TEST_F(SyscallFilter, NetworkIsAbsent) {
     expectAbsent({{"socket", SYS_socket},

@@ -1,4 +1,4 @@
-#include "memory_allowance.h"
+#include <trellant/confine/memory_allowance.h>
 
 namespace trellant {
 

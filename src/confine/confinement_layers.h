@@ -1,9 +1,9 @@
 // What this system offers for confinement, in the order in which it is entered.
 #pragma once
 
-#include <optional>
+#include <trellant/confine/confinement.h>
+
 #include <span>
-#include <string>
 #include <string_view>
 
 namespace trellant {
@@ -12,7 +12,7 @@ struct ConfinementLayer {
     /// For a log line.
     std::string_view name;
     /// Enters it for good. 0, or the errno value of the refusal, after which it does not hold.
-    int (*enter)(const std::optional<std::string>& writableDirectory) noexcept;
+    int (*enter)(const ConfinedNeeds& needs) noexcept;
 };
 
 /// Empty where there is none.

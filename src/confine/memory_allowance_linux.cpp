@@ -1,5 +1,6 @@
-#include "memory_allowance.h"
 #include "memory_room.h"
+
+#include <trellant/confine/memory_allowance.h>
 
 #include <algorithm>
 #include <limits>

@@ -3,7 +3,7 @@
 #include "filesystem_rules.h"
 
 #include "confined_child.h"
-#include "worker_fixture.h"
+#include "folder_test.h"
 
 #include <gtest/gtest.h>
 
@@ -24,6 +24,7 @@
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <termios.h>
+#include <trellant_testing/byte_writer.h>
 #include <unistd.h>
 
 namespace trellant::testing {
@@ -65,7 +66,7 @@ sockaddr_in localPort(std::uint16_t port) {
 
 /// A folder "work" that may be written to, with "old" and the folder "inner" with "file" in it, and
 /// beside it the folder "other" with "kept".
-class FilesystemRules : public WorkerTest {
+class FilesystemRules : public FolderTest {
   protected:
     void SetUp() override {
         if (landlockGeneration() == 0) {

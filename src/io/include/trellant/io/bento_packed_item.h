@@ -1,8 +1,8 @@
 // One item of a table of contents as it is held in memory: 32 bytes, millions of them in one array.
 #pragma once
 
+#include <trellant/base/bytes.h>
 #include <trellant/io/bento_types.h>
-#include <trellant/io/byte_readers.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -13,6 +13,9 @@ namespace trellant {
 
 struct BentoPackedItem {
     enum class Kind : std::uint8_t { immediate, range, referenceList };
+
+    /// Bytes of an immediate value at most.
+    static constexpr std::size_t immediateLimit = 4;
 
     std::uint32_t object = 0;
     std::uint32_t property = 0;
@@ -36,7 +39,12 @@ struct BentoPackedItem {
         return kind == Kind::range ? length : kind == Kind::immediate ? immediateCount : 0;
     }
 
-    /// `count` is at most 4.
+    void setRange(std::uint64_t begin, std::uint64_t byteLength) noexcept {
+        kind = Kind::range;
+        offset = begin;
+        length = byteLength;
+    }
+    /// `count` is at most immediateLimit.
     void setImmediate(const std::byte* bytes, std::size_t count) noexcept {
         kind = Kind::immediate;
         immediateCount = count & 0x7FU;

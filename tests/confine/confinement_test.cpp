@@ -1,10 +1,10 @@
 // All layers together, and the choice between them.
-#include "confinement.h"
-
 #include "confined_child.h"
 #include "confinement_layers.h"
 #include "environment_variable.h"
-#include "worker_fixture.h"
+#include "folder_test.h"
+
+#include <trellant/confine/confinement.h>
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,9 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
+#include <poll.h>
 #include <sys/prctl.h>
+#include <trellant_testing/byte_writer.h>
 #include <unistd.h>
 
 namespace trellant::testing {
@@ -51,7 +53,7 @@ TEST(SandboxWish, AnythingElseIsAnError) {
     }
 }
 
-class Confinement : public WorkerTest {
+class Confinement : public FolderTest {
   protected:
     void SetUp() override {
         std::filesystem::create_directory(path("work"));
@@ -62,7 +64,7 @@ class Confinement : public WorkerTest {
                                        Sandbox sandbox = Sandbox::wherePossible) const {
         return reportFromChild(
             [&] {
-                confine(sandbox, writable);
+                confine(sandbox, {.writableDirectory = writable});
                 return 0;
             },
             attempt);
@@ -164,6 +166,19 @@ TEST_F(Confinement, ReadingStaysFree) {
     EXPECT_EQ(confined({}, [&] { return textOfFile(path("work/old")); }), "text");
     EXPECT_EQ(confined(path("work"), [] { return outcome(::open("/etc/passwd", O_RDONLY)); }),
               "works");
+}
+
+TEST_F(Confinement, StreamsAreAwaitedWhenThatIsNeeded) {
+    const auto waited = [](bool awaitsStreams) {
+        return reportFromChild(
+            [&] {
+                confine(Sandbox::wherePossible, {.awaitsStreams = awaitsStreams});
+                return 0;
+            },
+            [] { return outcome(::poll(nullptr, 0, 0)); });
+    };
+    EXPECT_EQ(waited(true), "works");
+    EXPECT_EQ(waited(false), "ENOSYS");
 }
 
 }  // namespace

@@ -46,6 +46,7 @@ constexpr std::array allowedCalls{
     SCMP_SYS(rt_sigaction), SCMP_SYS(rt_sigprocmask), SCMP_SYS(rt_sigreturn), SCMP_SYS(sigreturn),
     SCMP_SYS(sigaltstack), SCMP_SYS(restart_syscall), SCMP_SYS(exit), SCMP_SYS(exit_group)};
 
+constexpr std::array waitingCalls{SCMP_SYS(poll), SCMP_SYS(ppoll)};
 constexpr std::array writingCalls{SCMP_SYS(copy_file_range), SCMP_SYS(unlink), SCMP_SYS(unlinkat)};
 
 constexpr std::uint64_t truncatingFlags = O_TRUNC;
@@ -125,12 +126,16 @@ bool hasMemoryForRules() noexcept {
 
 }  // namespace
 
-int restrictCalls(bool mayWrite) noexcept {
+int restrictCalls(const ConfinedNeeds& needs) noexcept {
     if (!hasMemoryForRules()) {
         return ENOMEM;
     }
     Filter filter;
     filter.allow(allowedCalls);
+    if (needs.awaitsStreams) {
+        filter.allow(waitingCalls);
+    }
+    const bool mayWrite = needs.writableDirectory.has_value();
     if (mayWrite) {
         filter.allow(writingCalls);
     }

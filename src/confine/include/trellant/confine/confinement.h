@@ -1,6 +1,6 @@
 // Giving up what the process will not need, before the first byte of a stranger's file is read: a
 // fault in reading it can then do no harm beyond the one request. There is no way back, so only an
-// executable's main calls this.
+// executable's main calls this, or a child that was forked for one file.
 #pragma once
 
 #include <exception>
@@ -19,6 +19,14 @@ enum class Sandbox {
     off
 };
 
+/// What a confined process does beside reading files and writing to streams that are open.
+struct ConfinedNeeds {
+    /// Absolute, there already: where files are written, there and below; absent: nowhere.
+    std::optional<std::string> writableDirectory{};
+    /// It waits for room in a stream that returns at once when it is full.
+    bool awaitsStreams = false;
+};
+
 /// A layer that was required and is not to be had, or a wish that is none.
 class ConfinementError final : public std::exception {
   public:
@@ -34,9 +42,9 @@ class ConfinementError final : public std::exception {
 [[nodiscard]] Sandbox sandboxFromEnvironment();
 
 /// Confines the calling process for good, layer by layer: no new privileges, no core dump, files
-/// written only in `writableDirectory` (absolute, there already) and below, absent: nowhere, and
-/// only the system calls that reading takes. What is open stays usable. The process must have one
-/// thread. Throws ConfinementError when a required layer is missing; those before it hold then.
-void confine(Sandbox sandbox, const std::optional<std::string>& writableDirectory);
+/// written only where `needs` says, and only the system calls that reading and the needs take. What
+/// is open stays usable. The process must have one thread. Throws ConfinementError when a required
+/// layer is missing; those before it hold then.
+void confine(Sandbox sandbox, const ConfinedNeeds& needs);
 
 }  // namespace trellant

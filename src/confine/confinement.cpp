@@ -1,8 +1,7 @@
-#include "confinement.h"
-
 #include "confinement_layers.h"
 
 #include <trellant/base/system_error_text.h>
+#include <trellant/confine/confinement.h>
 
 #include <cstdlib>
 #include <string_view>
@@ -25,7 +24,7 @@ Sandbox sandboxFromEnvironment() {
     throw ConfinementError(R"(TRELLANT_SANDBOX is neither "require" nor "off")");
 }
 
-void confine(Sandbox sandbox, const std::optional<std::string>& writableDirectory) {
+void confine(Sandbox sandbox, const ConfinedNeeds& needs) {
     if (sandbox == Sandbox::off) {
         return;
     }
@@ -34,7 +33,7 @@ void confine(Sandbox sandbox, const std::optional<std::string>& writableDirector
         throw ConfinementError("cannot confine itself on this system");
     }
     for (const ConfinementLayer& layer : layers) {
-        const int reason = layer.enter(writableDirectory);
+        const int reason = layer.enter(needs);
         if (reason != 0 && sandbox == Sandbox::required) {
             throw ConfinementError("cannot confine itself with " + std::string(layer.name) + ": " +
                                    systemErrorText(reason));

@@ -1,0 +1,12 @@
+// The table of contents as a list.
+#pragma once
+
+#include "dump_contents.h"
+#include "dump_output.h"
+
+namespace trellant::cli {
+
+/// The items of the table of contents, one a line, as they are read. `all`: without a bound.
+void dumpToc(const DumpContents& contents, bool all, DumpOutput& output);
+
+}  // namespace trellant::cli
