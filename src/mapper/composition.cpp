@@ -19,28 +19,6 @@ std::optional<OMFObject> firstComposition(const OMFDocument& document,
     return *found;
 }
 
-/// The nominal frame count (labels counted without gaps) of real frame `start` at a drop-frame
-/// rate. Each minute that is no multiple of ten skips `dropped` labels: 9 times in ten minutes.
-std::int64_t nominalFrame(std::int64_t start, std::int64_t framesPerSecond, std::int64_t dropped) {
-    const auto framesPerTenMinutes = framesPerSecond * 600 - 9 * dropped;
-    const auto framesPerDay = (framesPerSecond * 3600 - 54 * dropped) * 24;
-    const auto frameOfDay = start % framesPerDay;
-    const auto tens = frameOfDay / framesPerTenMinutes;
-    const auto rest = frameOfDay % framesPerTenMinutes;
-    auto nominal = frameOfDay + 9 * dropped * tens;
-    if (rest >= dropped) {
-        nominal += dropped * ((rest - dropped) / (framesPerSecond * 60 - dropped));
-    }
-    return nominal;
-}
-
-AAFTimecodeAddress addressOf(std::int64_t frame, std::int64_t framesPerSecond,
-                             const AAFTimecodeRate& rate) {
-    const auto totalSeconds = frame / framesPerSecond;
-    return {(totalSeconds / 3600) % 24, (totalSeconds / 60) % 60, totalSeconds % 60,
-            frame - totalSeconds * framesPerSecond, rate};
-}
-
 std::optional<CompositionClock> clockOfTimecode(const OMFDocument& document, OMFObject slot,
                                                 OMFObject timecode) {
     const auto storedFPS = document.int16(timecode, {OMFProperty::timecodeFPS}).value_or(25);
@@ -60,12 +38,9 @@ std::optional<CompositionClock> clockOfTimecode(const OMFDocument& document, OMF
         }
     }
     const AAFTimecodeRate rate(timecodeRate, fps, drop);
-    auto start = std::max<std::int64_t>(
+    const auto start = std::max<std::int64_t>(
         document.int64(timecode, {OMFProperty::timecodeStart}).value_or(0), 0);
-    if (drop) {
-        start = nominalFrame(start, fps, rate.droppedFramesPerMinute());
-    }
-    const auto address = addressOf(start, fps, rate);
+    const auto address = AAFTimecodeAddress::fromAbsoluteFrameNumber(start, rate);
     return CompositionClock{
         .clock = {.editRate = editRate, .timecodeRate = rate, .timelineZero = address},
         .explicitProgramStart = address};

@@ -41,8 +41,8 @@ void repairLabel(AAFTimecodeAddress& address, std::string_view field, const Reco
     address.seconds = std::clamp<std::int64_t>(address.seconds, 0, 59);
     address.frames =
         std::clamp<std::int64_t>(address.frames, 0, address.rate.nominalFramesPerSecond - 1);
-    if (labelProblem(address)) {
-        address.frames = address.rate.droppedFramesPerMinute();
+    if (address.isSkipped()) {
+        address = address.startOfCurrentTimecodeMinute();
     }
     recorder.add(*code, Action::clamped, field);
 }

@@ -99,8 +99,7 @@ AAFTimecodeAddress::AAFTimecodeAddress(std::int64_t hoursOfDay, std::int64_t min
     precondition(seconds >= 0 && seconds < 60, "AAFTimecodeAddress seconds out of range");
     precondition(frames >= 0 && frames < rate.nominalFramesPerSecond,
                  "AAFTimecodeAddress frames out of range");
-    precondition(seconds != 0 || minutes % 10 == 0 || frames >= rate.droppedFramesPerMinute(),
-                 "AAFTimecodeAddress label is skipped by drop-frame counting");
+    precondition(!isSkipped(), "AAFTimecodeAddress label is skipped by drop-frame counting");
 }
 
 AAFTimecodeAddress AAFTimecodeAddress::fromAbsoluteFrameNumber(std::int64_t frameNumber,
@@ -151,6 +150,10 @@ AAFTimecodeAddress AAFTimecodeAddress::startOfCurrentTimecodeMinute() const {
 
 bool AAFTimecodeAddress::isAtStartOfTimecodeMinute() const {
     return *this == startOfCurrentTimecodeMinute();
+}
+
+bool AAFTimecodeAddress::isSkipped() const noexcept {
+    return seconds == 0 && minutes % 10 != 0 && frames < rate.droppedFramesPerMinute();
 }
 
 AAFTimecodeAddress AAFProgramClock::address(const AAFRational& time) const {

@@ -71,9 +71,7 @@ void checkAddress(const AAFTimecodeAddress& address, const Place& place) {
                 address.minutes < 60 && address.seconds >= 0 && address.seconds < 60 &&
                 address.frames >= 0 && address.frames < address.rate.nominalFramesPerSecond,
             "invalid-timecode-label", place);
-    require(address.seconds != 0 || address.minutes % 10 == 0 ||
-                address.frames >= address.rate.droppedFramesPerMinute(),
-            "skipped-drop-frame-label", place);
+    require(!address.isSkipped(), "skipped-drop-frame-label", place);
 }
 
 void checkPoints(const std::vector<AAFAutomationPoint>& points, const Place& place) {

@@ -109,6 +109,29 @@ TEST(AAFTimecodeAddress, TheLargestFrameNumberHasALabel) {
               "00:37:12:07");
 }
 
+TEST(AAFTimecodeAddress, DropFrameSkipsTheFirstLabelsOfNonTenthMinutes) {
+    const auto isSkipped = [](const AAFTimecodeRate& rate, std::int64_t minutes,
+                              std::int64_t seconds, std::int64_t frames) {
+        AAFTimecodeAddress label;
+        label.minutes = minutes;
+        label.seconds = seconds;
+        label.frames = frames;
+        label.rate = rate;
+        return label.isSkipped();
+    };
+    const AAFTimecodeRate at30 = AAFTimecodeRate::fps2997DF();
+    const AAFTimecodeRate at60 = AAFTimecodeRate::fps5994DF();
+    EXPECT_TRUE(isSkipped(at30, 1, 0, 0));
+    EXPECT_TRUE(isSkipped(at30, 59, 0, 1));
+    EXPECT_FALSE(isSkipped(at30, 1, 0, 2));
+    EXPECT_FALSE(isSkipped(at30, 1, 1, 0));
+    EXPECT_FALSE(isSkipped(at30, 10, 0, 0));
+    EXPECT_FALSE(isSkipped(at30, 0, 0, 1));
+    EXPECT_TRUE(isSkipped(at60, 1, 0, 3));
+    EXPECT_FALSE(isSkipped(at60, 1, 0, 4));
+    EXPECT_FALSE(isSkipped(AAFTimecodeRate::fps25(), 1, 0, 0));
+}
+
 /// Counts through all labels of a day in order; each frame number must give its label and back.
 void expectRoundTripOverADay(const AAFTimecodeRate& rate, std::int64_t framesPerDay) {
     std::int64_t number = 0;

@@ -64,6 +64,8 @@ struct AAFTimecodeAddress {
     /// The first label that exists in this address's minute.
     [[nodiscard]] AAFTimecodeAddress startOfCurrentTimecodeMinute() const;
     [[nodiscard]] bool isAtStartOfTimecodeMinute() const;
+    /// Whether drop-frame counting skips this label, so that no frame has it.
+    [[nodiscard]] bool isSkipped() const noexcept;
 
     bool operator==(const AAFTimecodeAddress&) const = default;
 };
