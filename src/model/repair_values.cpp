@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 namespace trellant::repair {
 
@@ -75,14 +74,21 @@ void repairPoints(Points& points, const std::string& field, const Recorder& reco
     }
 }
 
+[[nodiscard]] AAFAutomationEnvelope& forChange(std::optional<AAFAutomationEnvelope>& envelope) {
+    return *envelope;
+}
+[[nodiscard]] AAFAutomationEnvelope& forChange(Boxed<AAFAutomationEnvelope>& envelope) {
+    return envelope.mutableValue();
+}
+
 /// `Envelope`: an optional or boxed one.
 template <class Envelope>
 void repairEnvelope(Envelope& envelope, std::string_view field, const Recorder& recorder) {
     if (!envelope.has_value()) {
         return;
     }
-    const auto hadPoints = !std::as_const(envelope)->points.empty();
-    repairPoints(envelope->points, std::string(field) + ".points", recorder);
+    const auto hadPoints = !envelope->points.empty();
+    repairPoints(forChange(envelope).points, std::string(field) + ".points", recorder);
     if (hadPoints && envelope->points.empty()) {
         envelope.reset();
     }
@@ -90,13 +96,13 @@ void repairEnvelope(Envelope& envelope, std::string_view field, const Recorder& 
 
 void repairFadePoints(Boxed<AAFFade>& fade, std::string_view field, const Recorder& recorder) {
     if (fade) {
-        repairPoints(fade->points, std::string(field) + ".points", recorder);
+        repairPoints(fade.mutableValue().points, std::string(field) + ".points", recorder);
     }
 }
 
 void leaveOutNegativeFade(Boxed<AAFFade>& fade, std::string_view code, std::string_view field,
                           const Recorder& recorder) {
-    if (fade && std::as_const(fade)->duration < AAFRational::zero()) {
+    if (fade && fade->duration < AAFRational::zero()) {
         fade.reset();
         recorder.add(code, Action::leftOut, field);
     }
