@@ -20,7 +20,7 @@ EXTRACT = Test("extract_test", "tests/cli/extract_test")
 TESTS = {
     "base": of_room("base", "json", "io", "model"),
     "json": of_room("json", "model", "protocol"),
-    "model": of_room("model", "protocol", "mapper"),
+    "model": of_room("model", "protocol"),
     "io": of_room("io", "omf"),
     "omf": of_room("omf", "mapper"),
     "mapper": of_room("mapper", "examples"),
