@@ -94,8 +94,7 @@ Finding check(const std::string& text) {
             AAFRawTimelineValidation::validate(timeline);
             finding.valid = true;
         } catch (const AAFRawTimelineValidation::Failure& failure) {
-            finding.failure = placeOfObject(timeline, failure.object());
-            finding.failure->code = failure.code();
+            finding.failure = placeOfFailure(timeline, failure);
             // The clock may be what is at fault: timecodes are shown by a repaired one.
             finding.place = placeText(*finding.failure, repairedTimeline(timeline).timeline);
         }

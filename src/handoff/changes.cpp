@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -75,34 +74,41 @@ std::string_view actionWords(AAFRepairChange::Action action, bool plural) {
     preconditionFailure("enumeration value outside its cases");
 }
 
-/// What the whole object is called: "the clip".
-std::string objectWords(const std::string& object) {
-    if (object.starts_with("event")) {
-        return "the clip";
+/// What the whole object is called.
+std::string objectWords(AAFTimelinePlace::Kind kind) {
+    switch (kind) {
+        case AAFTimelinePlace::Kind::clock:
+            return "the clock";
+        case AAFTimelinePlace::Kind::programStart:
+            return "the program start";
+        case AAFTimelinePlace::Kind::composition:
+            return "the composition";
+        case AAFTimelinePlace::Kind::track:
+            return "the second track of that id";
+        case AAFTimelinePlace::Kind::essence:
+            return "the audio file";
+        case AAFTimelinePlace::Kind::event:
+            return "the clip";
     }
-    if (object.starts_with("essence")) {
-        return "the audio file";
-    }
-    if (object.starts_with("track")) {
-        return "the second track of that id";
-    }
-    return object == "program-start" ? "the program start" : "the " + object;
+    preconditionFailure("enumeration value outside its cases");
 }
 
 std::string sentence(const AAFRepairChange& change) {
     // Two of them change what is heard, and say how.
-    if (change.code == "invalid-sample-rate") {
+    if (change.problem == AAFTimelineProblem::invalidSampleRate) {
         return change.action == AAFRepairChange::Action::clamped
                    ? "the sample rate is taken as 384000 Hz"
                    : "the sample rate is taken as 48000 Hz; clips whose place in the audio file "
                      "hangs on it start at the head of the file";
     }
-    if (change.code == "duplicate-identity" && change.object.starts_with("track")) {
+    if (change.problem == AAFTimelineProblem::duplicateIdentity &&
+        change.place.kind == AAFTimelinePlace::Kind::track) {
         return "the track is listed twice and the second listing is left out; its clips stand "
                "twice on the first, one upon the other, and sound twice as loud";
     }
     if (change.field.empty()) {
-        return objectWords(change.object) + " " + std::string(actionWords(change.action, false));
+        return objectWords(change.place.kind) + " " +
+               std::string(actionWords(change.action, false));
     }
     const bool points = std::string_view(change.field).ends_with(".points");
     std::string words = fieldWords(change.field);
@@ -125,24 +131,25 @@ class Places {
         }
     }
 
-    [[nodiscard]] DescribedChange of(const std::string& object) const {
-        DescribedChange place{.object = object};
-        const auto position = positionIn(object);
-        if (!position) {
-            return place;
+    /// As a DescribedChange without a code and a `what`.
+    [[nodiscard]] DescribedChange of(const AAFTimelinePlace& place) const {
+        using Kind = AAFTimelinePlace::Kind;
+        DescribedChange told{.object = place.text()};
+        if (!place.index) {
+            return told;
         }
-        if (object.starts_with("event") && *position < timeline_.events.size()) {
-            placeClip(place, timeline_.events[*position]);
-        } else if (object.starts_with("essence") && *position < timeline_.essences.size()) {
-            const AAFSourceEssence& essence = timeline_.essences[*position];
-            place.audioFile = sourceName(essence);
+        if (place.kind == Kind::event && *place.index < timeline_.events.size()) {
+            placeClip(told, timeline_.events[*place.index]);
+        } else if (place.kind == Kind::essence && *place.index < timeline_.essences.size()) {
+            const AAFSourceEssence& essence = timeline_.essences[*place.index];
+            told.audioFile = sourceName(essence);
             if (const auto clip = firstClips_.find(essence.id); clip != firstClips_.end()) {
-                placeClip(place, *clip->second);
+                placeClip(told, *clip->second);
             }
-        } else if (object.starts_with("track") && *position < timeline_.tracks.size()) {
-            place.track = nameOf(timeline_.tracks[*position]);
+        } else if (place.kind == Kind::track && *place.index < timeline_.tracks.size()) {
+            told.track = nameOf(timeline_.tracks[*place.index]);
         }
-        return place;
+        return told;
     }
 
   private:
@@ -166,22 +173,11 @@ class Places {
 
 }  // namespace
 
-std::optional<std::size_t> positionIn(const std::string& object) {
-    const std::size_t bracket = object.find('[');
-    if (bracket == std::string::npos) {
-        return std::nullopt;
-    }
-    std::size_t position = 0;
-    const char* const end = object.data() + object.size();
-    const auto [stop, failure] = std::from_chars(object.data() + bracket + 1, end, position);
-    if (failure != std::errc() || stop == end || *stop != ']') {
-        return std::nullopt;
-    }
-    return position;
-}
-
-DescribedChange placeOfObject(const AAFTimeline& timeline, const std::string& object) {
-    return Places(timeline).of(object);
+DescribedChange placeOfFailure(const AAFTimeline& timeline,
+                               const AAFRawTimelineValidation::Failure& failure) {
+    DescribedChange told = Places(timeline).of(failure.place());
+    told.code = failure.code();
+    return told;
 }
 
 std::vector<DescribedChange> describedChanges(const AAFTimeline& original,
@@ -190,8 +186,8 @@ std::vector<DescribedChange> describedChanges(const AAFTimeline& original,
     std::vector<DescribedChange> described;
     described.reserve(changes.size());
     for (const AAFRepairChange& change : changes) {
-        DescribedChange place = places.of(change.object);
-        place.code = change.code;
+        DescribedChange place = places.of(change.place);
+        place.code = rawValue(change.problem);
         place.what = sentence(change);
         described.push_back(std::move(place));
     }

@@ -10,38 +10,30 @@ namespace trellant {
 
 namespace repair {
 
-std::optional<std::string> problemOf(const AAFTimeline& timeline) {
+std::optional<Problem> problemOf(const AAFTimeline& timeline) {
     try {
         AAFRawTimelineValidation::validate(timeline);
     } catch (const AAFRawTimelineValidation::Failure& failure) {
-        return failure.code();
+        return failure.problem();
     }
     return std::nullopt;
 }
 
 namespace {
 
-constexpr const char* emptyIdentity = "empty-identity";
-constexpr const char* duplicateIdentity = "duplicate-identity";
-
-std::string objectText(std::string_view collection, std::size_t index) {
-    return std::string(collection) + "[" + std::to_string(index) + "]";
-}
-
 /// Makes ids that no element of a list has. Each candidate that is taken is an id of the list, and
 /// no candidate is tried twice: all together cost no more than the list is long.
 class NewIDs {
   public:
     template <class Element>
-    NewIDs(const std::vector<Element>& elements, std::string_view collection)
-        : collection_(collection) {
+    NewIDs(const std::vector<Element>& elements, Place::Kind kind) : kind_(kind) {
         for (const auto& element : elements) {
             taken_.insert(element.id);
         }
     }
 
     [[nodiscard]] std::string idFor(std::size_t index) const {
-        const auto base = "repaired-" + std::string(collection_) + "-" + std::to_string(index);
+        const auto base = "repaired-" + std::string(rawValue(kind_)) + "-" + std::to_string(index);
         auto id = base;
         for (std::size_t n = 2; taken_.contains(id); ++n) {
             id = base + "-" + std::to_string(n);
@@ -50,7 +42,7 @@ class NewIDs {
     }
 
   private:
-    std::string_view collection_;
+    Place::Kind kind_;
     std::unordered_set<std::string> taken_;
 };
 
@@ -70,22 +62,22 @@ struct Kept {
 };
 
 template <class Element>
-Kept<Element> repairAll(std::vector<Element>& given, std::string_view collection,
+Kept<Element> repairAll(std::vector<Element>& given, Place::Kind kind,
                         bool (*repairValues)(Element&, const Recorder&),
                         std::vector<AAFRepairChange>& changes) {
-    const NewIDs newIDs(given, collection);
+    const NewIDs newIDs(given, kind);
     Kept<Element> kept;
     kept.elements.reserve(given.size());
     for (std::size_t i = 0; i < given.size(); ++i) {
         auto& element = given[i];
-        const Recorder recorder(changes, objectText(collection, i), element.id);
+        const Recorder recorder(changes, Place{kind, i}, element.id);
         if (kept.byID.contains(element.id)) {
-            recorder.add(duplicateIdentity, Action::leftOut, "");
+            recorder.add(Problem::duplicateIdentity, Action::leftOut, "");
             continue;
         }
         if (element.id.empty()) {
             element.id = newIDs.idFor(i);
-            recorder.add(emptyIdentity, Action::replaced, "id");
+            recorder.add(Problem::emptyIdentity, Action::replaced, "id");
             if (kept.formerlyEmpty.empty()) {
                 kept.formerlyEmpty = element.id;
             }
@@ -104,7 +96,7 @@ void follow(std::string& reference, const Kept<Element>& kept, const char* field
             const Recorder& recorder) {
     if (reference.empty() && !kept.formerlyEmpty.empty()) {
         reference = kept.formerlyEmpty;
-        recorder.add(emptyIdentity, Action::replaced, field);
+        recorder.add(Problem::emptyIdentity, Action::replaced, field);
     }
 }
 
@@ -112,21 +104,21 @@ class EventRepair {
   public:
     EventRepair(const Kept<AAFTrackState>& tracks, const Kept<AAFSourceEssence>& essences,
                 const std::vector<AAFClipEvent>& events)
-        : tracks_(tracks), essences_(essences), newIDs_(events, "event") {}
+        : tracks_(tracks), essences_(essences), newIDs_(events, Place::Kind::event) {}
 
     /// False, with the change listed, when the event has to be left out.
     [[nodiscard]] bool repair(AAFClipEvent& event, std::size_t index,
                               std::vector<AAFRepairChange>& changes) {
-        const Recorder recorder(changes, objectText("event", index), event.id, event.trackID);
+        const Recorder recorder(changes, Place::event(index), event.id, event.trackID);
         follow(event.trackID, tracks_, "trackID", recorder);
         follow(event.essenceID, essences_, "essenceID", recorder);
         if (tracks_.find(event.trackID) == nullptr) {
-            recorder.add("missing-track-reference", Action::leftOut, "");
+            recorder.add(Problem::missingTrackReference, Action::leftOut, "");
             return false;
         }
         const auto* essence = essences_.find(event.essenceID);
         if (essence == nullptr) {
-            recorder.add("missing-essence-reference", Action::leftOut, "");
+            recorder.add(Problem::missingEssenceReference, Action::leftOut, "");
             return false;
         }
         giveID(event, index, recorder);
@@ -142,7 +134,8 @@ class EventRepair {
         if (!event.id.empty() && !seen_.contains(event.id)) {
             return;
         }
-        recorder.add(event.id.empty() ? emptyIdentity : duplicateIdentity, Action::replaced, "id");
+        recorder.add(event.id.empty() ? Problem::emptyIdentity : Problem::duplicateIdentity,
+                     Action::replaced, "id");
         event.id = newIDs_.idFor(index);
     }
 
@@ -173,13 +166,15 @@ std::vector<AAFClipEvent> repairEvents(std::vector<AAFClipEvent>& given,
 
 AAFRepair repairedTimeline(AAFTimeline timeline) {
     AAFRepair result{.timeline = std::move(timeline)};
+    using Kind = AAFTimelinePlace::Kind;
     auto& repaired = result.timeline;
     if (!repair::problemOf(repaired)) {
         return result;
     }
-    auto tracks = repair::repairAll(repaired.tracks, "track", repair::repairTrack, result.changes);
+    auto tracks =
+        repair::repairAll(repaired.tracks, Kind::track, repair::repairTrack, result.changes);
     auto essences =
-        repair::repairAll(repaired.essences, "essence", repair::repairEssence, result.changes);
+        repair::repairAll(repaired.essences, Kind::essence, repair::repairEssence, result.changes);
     repair::repairClock(repaired, result.changes);
     repaired.events = repair::repairEvents(repaired.events, tracks, essences, result.changes);
     repaired.tracks = std::move(tracks.elements);

@@ -6,13 +6,13 @@ namespace trellant::repair {
 
 namespace {
 
-std::optional<std::string> rateProblem(const AAFTimecodeRate& rate) {
+std::optional<Problem> rateProblem(const AAFTimecodeRate& rate) {
     AAFTimeline alone;
     alone.clock.timecodeRate = rate;
     return problemOf(alone);
 }
 
-std::optional<std::string> labelProblem(const AAFTimecodeAddress& address) {
+std::optional<Problem> labelProblem(const AAFTimecodeAddress& address) {
     AAFTimeline alone;
     alone.explicitProgramStart = address;
     return problemOf(alone);
@@ -20,20 +20,20 @@ std::optional<std::string> labelProblem(const AAFTimecodeAddress& address) {
 
 void repairRate(AAFTimecodeRate& rate, const AAFTimecodeRate& fallback, std::string_view field,
                 const Recorder& recorder) {
-    const auto code = rateProblem(rate);
-    if (!code) {
+    const auto problem = rateProblem(rate);
+    if (!problem) {
         return;
     }
     auto nonDrop = rate;
     nonDrop.dropFrame = false;
     rate = rateProblem(nonDrop) ? fallback : nonDrop;
-    recorder.add(*code, Action::replaced, field);
+    recorder.add(*problem, Action::replaced, field);
 }
 
 /// The rate of `address` must be valid.
 void repairLabel(AAFTimecodeAddress& address, std::string_view field, const Recorder& recorder) {
-    const auto code = labelProblem(address);
-    if (!code) {
+    const auto problem = labelProblem(address);
+    if (!problem) {
         return;
     }
     address.hours = std::clamp<std::int64_t>(address.hours, 0, 23);
@@ -44,18 +44,18 @@ void repairLabel(AAFTimecodeAddress& address, std::string_view field, const Reco
     if (address.isSkipped()) {
         address = address.startOfCurrentTimecodeMinute();
     }
-    recorder.add(*code, Action::clamped, field);
+    recorder.add(*problem, Action::clamped, field);
 }
 
 }  // namespace
 
 void repairClock(AAFTimeline& timeline, std::vector<AAFRepairChange>& changes) {
     auto& clock = timeline.clock;
-    const Recorder recorder(changes, "clock");
+    const Recorder recorder(changes, {Place::Kind::clock});
     if (clock.editRate <= AAFRational::zero()) {
         clock.editRate = rateProblem(clock.timecodeRate) ? AAFTimecodeRate::fps25().exactRate
                                                          : clock.timecodeRate.exactRate;
-        recorder.add("invalid-edit-rate", Action::replaced, "editRate");
+        recorder.add(Problem::invalidEditRate, Action::replaced, "editRate");
     }
     repairRate(
         clock.timecodeRate,
@@ -64,15 +64,15 @@ void repairClock(AAFTimeline& timeline, std::vector<AAFRepairChange>& changes) {
     repairRate(clock.timelineZero.rate, clock.timecodeRate, "timelineZero.rate", recorder);
     repairLabel(clock.timelineZero, "timelineZero", recorder);
     if (timeline.explicitProgramStart) {
-        if (const auto code = labelProblem(*timeline.explicitProgramStart)) {
+        if (const auto problem = labelProblem(*timeline.explicitProgramStart)) {
             timeline.explicitProgramStart.reset();
-            Recorder(changes, "program-start").add(*code, Action::leftOut, "");
+            Recorder(changes, {Place::Kind::programStart}).add(*problem, Action::leftOut, "");
         }
     }
     if (timeline.compositionLength && *timeline.compositionLength < AAFRational::zero()) {
         timeline.compositionLength.reset();
-        Recorder(changes, "composition")
-            .add("negative-composition-length", Action::leftOut, "compositionLength");
+        Recorder(changes, {Place::Kind::composition})
+            .add(Problem::negativeCompositionLength, Action::leftOut, "compositionLength");
     }
 }
 

@@ -13,24 +13,23 @@ namespace trellant::repair {
 
 using Action = AAFRepairChange::Action;
 
-/// The code of the timeline's first problem.
-[[nodiscard]] std::optional<std::string> problemOf(const AAFTimeline& timeline);
+using Problem = AAFTimelineProblem;
+using Place = AAFTimelinePlace;
+
+/// The timeline's first problem.
+[[nodiscard]] std::optional<Problem> problemOf(const AAFTimeline& timeline);
 
 /// Lists the changes of one object.
 class Recorder {
   public:
     /// `changes` must outlive this; `id` and `trackID` are the object's as given.
-    Recorder(std::vector<AAFRepairChange>& changes, std::string object, std::string id = {},
+    Recorder(std::vector<AAFRepairChange>& changes, const Place& place, std::string id = {},
              std::string trackID = {})
-        : changes_(changes),
-          object_(std::move(object)),
-          id_(std::move(id)),
-          trackID_(std::move(trackID)) {}
+        : changes_(changes), place_(place), id_(std::move(id)), trackID_(std::move(trackID)) {}
 
-    void add(std::string_view code, Action action, std::string_view field,
-             std::size_t count = 1) const {
-        changes_.push_back({.code = std::string(code),
-                            .object = object_,
+    void add(Problem problem, Action action, std::string_view field, std::size_t count = 1) const {
+        changes_.push_back({.problem = problem,
+                            .place = place_,
                             .id = id_,
                             .trackID = trackID_,
                             .action = action,
@@ -40,7 +39,7 @@ class Recorder {
 
   private:
     std::vector<AAFRepairChange>& changes_;
-    std::string object_;
+    Place place_;
     std::string id_;
     std::string trackID_;
 };

@@ -1,27 +1,23 @@
 // The values of one track, essence or event. Each is put alone into a timeline, validation names
-// its first problem, the repair for that code is made, and so on until nothing is left to say.
+// its first problem, the repair for that is made, and so on until nothing is left to say.
 #include "repair_parts.h"
+#include "validation_limits.h"
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 namespace trellant::repair {
 
 namespace {
 
 constexpr std::int64_t standardSampleRate = 48'000;
-constexpr std::int64_t largestSampleRate = 384'000;
-constexpr std::int64_t largestChannelCount = 4'294'967'295;
-
-constexpr std::string_view nonfinitePoint = "nonfinite-automation";
-constexpr std::string_view pointOutside = "automation-time-outside-owner";
-constexpr std::string_view pointsUnordered = "unordered-automation";
 
 using Points = std::vector<AAFAutomationPoint>;
 
-bool isPointCode(std::string_view code) {
-    return code == nonfinitePoint || code == pointOutside || code == pointsUnordered;
+bool isOfPoints(Problem problem) {
+    return problem == Problem::nonfiniteAutomation ||
+           problem == Problem::automationTimeOutsideOwner ||
+           problem == Problem::unorderedAutomation;
 }
 
 std::size_t clampPoints(Points& points) {
@@ -65,14 +61,21 @@ void repairPoints(Points& points, const std::string& field, const Recorder& reco
     const auto nonfinite = std::erase_if(
         points, [](const AAFAutomationPoint& point) { return !std::isfinite(point.value); });
     if (nonfinite != 0) {
-        recorder.add(nonfinitePoint, Action::leftOut, field, nonfinite);
+        recorder.add(Problem::nonfiniteAutomation, Action::leftOut, field, nonfinite);
     }
     if (const auto moved = clampPoints(points); moved != 0) {
-        recorder.add(pointOutside, Action::clamped, field, moved);
+        recorder.add(Problem::automationTimeOutsideOwner, Action::clamped, field, moved);
     }
     if (const auto early = orderPoints(points); early != 0) {
-        recorder.add(pointsUnordered, Action::reordered, field, early);
+        recorder.add(Problem::unorderedAutomation, Action::reordered, field, early);
     }
+}
+
+[[nodiscard]] AAFAutomationEnvelope& forChange(std::optional<AAFAutomationEnvelope>& envelope) {
+    return *envelope;
+}
+[[nodiscard]] AAFAutomationEnvelope& forChange(Boxed<AAFAutomationEnvelope>& envelope) {
+    return envelope.mutableValue();
 }
 
 /// `Envelope`: an optional or boxed one.
@@ -81,8 +84,8 @@ void repairEnvelope(Envelope& envelope, std::string_view field, const Recorder& 
     if (!envelope.has_value()) {
         return;
     }
-    const auto hadPoints = !std::as_const(envelope)->points.empty();
-    repairPoints(envelope->points, std::string(field) + ".points", recorder);
+    const auto hadPoints = !envelope->points.empty();
+    repairPoints(forChange(envelope).points, std::string(field) + ".points", recorder);
     if (hadPoints && envelope->points.empty()) {
         envelope.reset();
     }
@@ -90,91 +93,90 @@ void repairEnvelope(Envelope& envelope, std::string_view field, const Recorder& 
 
 void repairFadePoints(Boxed<AAFFade>& fade, std::string_view field, const Recorder& recorder) {
     if (fade) {
-        repairPoints(fade->points, std::string(field) + ".points", recorder);
+        repairPoints(fade.mutableValue().points, std::string(field) + ".points", recorder);
     }
 }
 
-void leaveOutNegativeFade(Boxed<AAFFade>& fade, std::string_view code, std::string_view field,
+void leaveOutNegativeFade(Boxed<AAFFade>& fade, Problem problem, std::string_view field,
                           const Recorder& recorder) {
-    if (fade && std::as_const(fade)->duration < AAFRational::zero()) {
+    if (fade && fade->duration < AAFRational::zero()) {
         fade.reset();
-        recorder.add(code, Action::leftOut, field);
+        recorder.add(problem, Action::leftOut, field);
     }
 }
 
-void clampSourceRange(AAFClipEvent& event, std::string_view code, const Recorder& recorder) {
+void clampSourceRange(AAFClipEvent& event, Problem problem, const Recorder& recorder) {
     if (event.duration < AAFRational::zero()) {
         event.duration = AAFRational::zero();
-        recorder.add(code, Action::clamped, "duration");
+        recorder.add(problem, Action::clamped, "duration");
     }
     if (event.sourceStartSample < 0) {
         event.sourceStartSample = 0;
-        recorder.add(code, Action::clamped, "sourceStartSample");
+        recorder.add(problem, Action::clamped, "sourceStartSample");
     }
 }
 
-/// Repairs what `code` names; nothing when it names a problem that only leaving out solves.
-void repairCode(AAFTrackState& track, std::string_view code, const Recorder& recorder) {
-    if (isPointCode(code)) {
+/// Repairs `problem`; nothing when only leaving the element out solves it.
+void repairProblem(AAFTrackState& track, Problem problem, const Recorder& recorder) {
+    if (isOfPoints(problem)) {
         repairEnvelope(track.gainAutomation, "gainAutomation", recorder);
         repairEnvelope(track.panAutomation, "panAutomation", recorder);
-    } else if (code == "nonfinite-track-value") {
+    } else if (problem == Problem::nonfiniteTrackValue) {
         if (!std::isfinite(track.fixedGain)) {
             track.fixedGain = 1;
-            recorder.add(code, Action::replaced, "fixedGain");
+            recorder.add(problem, Action::replaced, "fixedGain");
         }
         if (track.fixedPan && !std::isfinite(*track.fixedPan)) {
             track.fixedPan.reset();
-            recorder.add(code, Action::leftOut, "fixedPan");
+            recorder.add(problem, Action::leftOut, "fixedPan");
         }
     }
 }
 
-void repairCode(AAFSourceEssence& essence, std::string_view code, const Recorder& recorder) {
-    if (code == "invalid-sample-rate") {
+void repairProblem(AAFSourceEssence& essence, Problem problem, const Recorder& recorder) {
+    if (problem == Problem::invalidSampleRate) {
         const bool isTooLarge = essence.sampleRate > AAFRational::zero();
-        essence.sampleRate = AAFRational(isTooLarge ? largestSampleRate : standardSampleRate);
-        recorder.add(code, isTooLarge ? Action::clamped : Action::replaced, "sampleRate");
-    } else if (code == "invalid-channel-count") {
-        essence.channelCount =
-            std::clamp<std::int64_t>(essence.channelCount, 1, largestChannelCount);
-        recorder.add(code, Action::clamped, "channelCount");
-    } else if (code == "invalid-bit-depth") {
+        essence.sampleRate = AAFRational(isTooLarge ? maxSampleRate : standardSampleRate);
+        recorder.add(problem, isTooLarge ? Action::clamped : Action::replaced, "sampleRate");
+    } else if (problem == Problem::invalidChannelCount) {
+        essence.channelCount = std::clamp<std::int64_t>(essence.channelCount, 1, maxChannelCount);
+        recorder.add(problem, Action::clamped, "channelCount");
+    } else if (problem == Problem::invalidBitDepth) {
         essence.bitDepth.reset();
-        recorder.add(code, Action::leftOut, "bitDepth");
+        recorder.add(problem, Action::leftOut, "bitDepth");
     }
 }
 
-void repairCode(AAFClipEvent& event, std::string_view code, const Recorder& recorder) {
-    if (isPointCode(code)) {
+void repairProblem(AAFClipEvent& event, Problem problem, const Recorder& recorder) {
+    if (isOfPoints(problem)) {
         repairEnvelope(event.clipGainAutomation, "clipGainAutomation", recorder);
         repairFadePoints(event.fadeIn, "fadeIn", recorder);
         repairFadePoints(event.fadeOut, "fadeOut", recorder);
-    } else if (code == "negative-source-range") {
-        clampSourceRange(event, code, recorder);
-    } else if (code == "invalid-source-channel") {
+    } else if (problem == Problem::negativeSourceRange) {
+        clampSourceRange(event, problem, recorder);
+    } else if (problem == Problem::invalidSourceChannel) {
         event.sourceChannel.reset();
-        recorder.add(code, Action::leftOut, "sourceChannel");
-    } else if (code == "nonfinite-clip-gain") {
+        recorder.add(problem, Action::leftOut, "sourceChannel");
+    } else if (problem == Problem::nonfiniteClipGain) {
         event.fixedClipGain = 1;
-        recorder.add(code, Action::replaced, "fixedClipGain");
-    } else if (code == "negative-fade-duration") {
-        leaveOutNegativeFade(event.fadeIn, code, "fadeIn", recorder);
-        leaveOutNegativeFade(event.fadeOut, code, "fadeOut", recorder);
+        recorder.add(problem, Action::replaced, "fixedClipGain");
+    } else if (problem == Problem::negativeFadeDuration) {
+        leaveOutNegativeFade(event.fadeIn, problem, "fadeIn", recorder);
+        leaveOutNegativeFade(event.fadeOut, problem, "fadeOut", recorder);
     }
 }
 
 /// `element` is the part of `alone`, an otherwise valid timeline, that is to be repaired.
 template <class Element>
 bool repairAlone(AAFTimeline& alone, Element& element, const Recorder& recorder) {
-    std::string last;
-    while (auto code = problemOf(alone)) {
-        if (*code == last) {
-            recorder.add(*code, Action::leftOut, "");
+    std::optional<Problem> last;
+    while (const auto problem = problemOf(alone)) {
+        if (problem == last) {
+            recorder.add(*problem, Action::leftOut, "");
             return false;
         }
-        repairCode(element, *code, recorder);
-        last = std::move(*code);
+        repairProblem(element, *problem, recorder);
+        last = problem;
     }
     return true;
 }

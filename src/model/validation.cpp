@@ -1,3 +1,5 @@
+#include "validation_limits.h"
+
 #include <trellant/base/int128.h>
 #include <trellant/model/validation.h>
 
@@ -12,57 +14,37 @@ namespace {
 
 using Failure = AAFRawTimelineValidation::Failure;
 
+using Problem = AAFTimelineProblem;
+using Place = AAFTimelinePlace;
+
 constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t smallest = std::numeric_limits<std::int64_t>::min();
-/// The largest frame rate whose frames of a day fit 64 bits.
-constexpr std::int64_t maxNominalFramesPerSecond = largest / 86400;
-constexpr std::int64_t maxChannelCount = 4294967295;
-constexpr std::int64_t maxSampleRate = 384000;
 
-/// The object at fault; its text is only made for a failure.
-struct Place {
-    std::string_view collection;
-    std::size_t index = 0;
-    bool indexed = false;
-
-    [[nodiscard]] static Place of(std::string_view name) { return {name, 0, false}; }
-    [[nodiscard]] static Place at(std::string_view name, std::size_t index) {
-        return {name, index, true};
-    }
-    [[nodiscard]] std::string text() const {
-        std::string text(collection);
-        if (indexed) {
-            text.append("[").append(std::to_string(index)).append("]");
-        }
-        return text;
-    }
-};
-
-void require(bool holds, const char* code, const Place& place) {
+void require(bool holds, Problem problem, const Place& place) {
     if (!holds) {
-        throw Failure(code, place.text());
+        throw Failure(problem, place);
     }
 }
 
 template <class Element>
-void checkUniqueIdentities(const std::vector<Element>& elements, std::string_view collection) {
+void checkUniqueIdentities(const std::vector<Element>& elements, Place::Kind kind) {
     std::unordered_set<std::string_view> seen;
     seen.reserve(elements.size());
     for (std::size_t index = 0; index < elements.size(); ++index) {
         const std::string& id = elements[index].id;
-        const Place place = Place::at(collection, index);
-        require(!id.empty(), "empty-identity", place);
-        require(seen.insert(id).second, "duplicate-identity", place);
+        const Place place{kind, index};
+        require(!id.empty(), Problem::emptyIdentity, place);
+        require(seen.insert(id).second, Problem::duplicateIdentity, place);
     }
 }
 
 void checkRate(const AAFTimecodeRate& rate, const Place& place) {
     require(rate.exactRate > AAFRational::zero() && rate.nominalFramesPerSecond >= 1 &&
                 rate.nominalFramesPerSecond <= maxNominalFramesPerSecond,
-            "invalid-timecode-rate", place);
+            Problem::invalidTimecodeRate, place);
     require(
         !rate.dropFrame || rate.nominalFramesPerSecond == 30 || rate.nominalFramesPerSecond == 60,
-        "invalid-drop-frame-rate", place);
+        Problem::invalidDropFrameRate, place);
 }
 
 void checkAddress(const AAFTimecodeAddress& address, const Place& place) {
@@ -70,19 +52,19 @@ void checkAddress(const AAFTimecodeAddress& address, const Place& place) {
     require(address.hours >= 0 && address.hours < 24 && address.minutes >= 0 &&
                 address.minutes < 60 && address.seconds >= 0 && address.seconds < 60 &&
                 address.frames >= 0 && address.frames < address.rate.nominalFramesPerSecond,
-            "invalid-timecode-label", place);
-    require(!address.isSkipped(), "skipped-drop-frame-label", place);
+            Problem::invalidTimecodeLabel, place);
+    require(!address.isSkipped(), Problem::skippedDropFrameLabel, place);
 }
 
 void checkPoints(const std::vector<AAFAutomationPoint>& points, const Place& place) {
     for (std::size_t index = 0; index < points.size(); ++index) {
         const AAFAutomationPoint& point = points[index];
-        require(std::isfinite(point.value), "nonfinite-automation", place);
+        require(std::isfinite(point.value), Problem::nonfiniteAutomation, place);
         require(point.timelineOffset >= AAFRational::zero() &&
                     point.timelineOffset <= AAFRational::one(),
-                "automation-time-outside-owner", place);
+                Problem::automationTimeOutsideOwner, place);
         require(index == 0 || point.timelineOffset >= points[index - 1].timelineOffset,
-                "unordered-automation", place);
+                Problem::unorderedAutomation, place);
     }
 }
 
@@ -95,7 +77,7 @@ void checkEnvelope(const Envelope& envelope, const Place& place) {
 
 void checkFade(const Boxed<AAFFade>& fade, const Place& place) {
     if (fade) {
-        require(fade->duration >= AAFRational::zero(), "negative-fade-duration", place);
+        require(fade->duration >= AAFRational::zero(), Problem::negativeFadeDuration, place);
         checkPoints(fade->points, place);
     }
 }
@@ -103,15 +85,15 @@ void checkFade(const Boxed<AAFFade>& fade, const Place& place) {
 void checkEssence(const AAFSourceEssence& essence, const Place& place) {
     require(essence.sampleRate > AAFRational::zero() &&
                 essence.sampleRate <= AAFRational(maxSampleRate),
-            "invalid-sample-rate", place);
+            Problem::invalidSampleRate, place);
     require(essence.channelCount >= 1 && essence.channelCount <= maxChannelCount,
-            "invalid-channel-count", place);
-    require(!essence.bitDepth || *essence.bitDepth > 0, "invalid-bit-depth", place);
+            Problem::invalidChannelCount, place);
+    require(!essence.bitDepth || *essence.bitDepth > 0, Problem::invalidBitDepth, place);
 }
 
 void checkTrack(const AAFTrackState& track, const Place& place) {
     require(std::isfinite(track.fixedGain) && (!track.fixedPan || std::isfinite(*track.fixedPan)),
-            "nonfinite-track-value", place);
+            Problem::nonfiniteTrackValue, place);
     checkEnvelope(track.gainAutomation, place);
     checkEnvelope(track.panAutomation, place);
 }
@@ -120,13 +102,13 @@ void checkTrack(const AAFTrackState& track, const Place& place) {
                                      const Place& place) {
     require(rate > AAFRational::zero() && event.duration >= AAFRational::zero() &&
                 event.sourceStartSample >= 0,
-            "invalid-source-range", place);
+            Problem::invalidSourceRange, place);
     // Both products stay below 2^126.
     const Int128 numerator = static_cast<Int128>(event.duration.numerator()) * rate.numerator();
     const Int128 denominator =
         static_cast<Int128>(event.duration.denominator()) * rate.denominator();
     const Int128 samples = numerator / denominator + (numerator % denominator > 0 ? 1 : 0);
-    require(samples <= largest - event.sourceStartSample, "source-range-overflow", place);
+    require(samples <= largest - event.sourceStartSample, Problem::sourceRangeOverflow, place);
     return event.sourceStartSample + static_cast<std::int64_t>(samples);
 }
 
@@ -162,58 +144,62 @@ struct References {
 };
 
 void checkEvent(const AAFClipEvent& event, const References& references, const Place& place) {
-    require(references.trackIDs.contains(event.trackID), "missing-track-reference", place);
+    require(references.trackIDs.contains(event.trackID), Problem::missingTrackReference, place);
     const auto found = references.essences.find(event.essenceID);
-    require(found != references.essences.end(), "missing-essence-reference", place);
+    require(found != references.essences.end(), Problem::missingEssenceReference, place);
     const AAFSourceEssence& essence = *found->second;
     require(event.duration >= AAFRational::zero() && event.sourceStartSample >= 0,
-            "negative-source-range", place);
+            Problem::negativeSourceRange, place);
     require(!event.sourceChannel ||
                 (*event.sourceChannel >= 0 && *event.sourceChannel < essence.channelCount),
-            "invalid-source-channel", place);
-    require(std::isfinite(event.fixedClipGain), "nonfinite-clip-gain", place);
+            Problem::invalidSourceChannel, place);
+    require(std::isfinite(event.fixedClipGain), Problem::nonfiniteClipGain, place);
     checkEnvelope(event.clipGainAutomation, place);
     checkFade(event.fadeIn, place);
     checkFade(event.fadeOut, place);
     (void)sourceEnd(event, essence.sampleRate, place);
-    require(timelineEndFits(event), "timeline-end-overflow", place);
+    require(timelineEndFits(event), Problem::timelineEndOverflow, place);
 }
 
 }  // namespace
 
-AAFRawTimelineValidation::Failure::Failure(std::string code, std::string object)
-    : code_(std::move(code)),
-      object_(std::move(object)),
+AAFRawTimelineValidation::Failure::Failure(AAFTimelineProblem problem,
+                                           const AAFTimelinePlace& place)
+    : problem_(problem),
+      place_(place),
+      code_(rawValue(problem)),
+      object_(place.text()),
       description_("AAF raw model: " + code_ + " (" + object_ + ")") {}
 
 void AAFRawTimelineValidation::validate(const AAFTimeline& timeline) {
-    checkUniqueIdentities(timeline.tracks, "track");
-    checkUniqueIdentities(timeline.essences, "essence");
-    checkUniqueIdentities(timeline.events, "event");
-    require(timeline.clock.editRate > AAFRational::zero(), "invalid-edit-rate", Place::of("clock"));
-    checkRate(timeline.clock.timecodeRate, Place::of("clock"));
-    checkAddress(timeline.clock.timelineZero, Place::of("clock"));
+    checkUniqueIdentities(timeline.tracks, Place::Kind::track);
+    checkUniqueIdentities(timeline.essences, Place::Kind::essence);
+    checkUniqueIdentities(timeline.events, Place::Kind::event);
+    const Place clock{Place::Kind::clock};
+    require(timeline.clock.editRate > AAFRational::zero(), Problem::invalidEditRate, clock);
+    checkRate(timeline.clock.timecodeRate, clock);
+    checkAddress(timeline.clock.timelineZero, clock);
     if (timeline.explicitProgramStart) {
-        checkAddress(*timeline.explicitProgramStart, Place::of("program-start"));
+        checkAddress(*timeline.explicitProgramStart, {Place::Kind::programStart});
     }
     require(!timeline.compositionLength || *timeline.compositionLength >= AAFRational::zero(),
-            "negative-composition-length", Place::of("composition"));
+            Problem::negativeCompositionLength, {Place::Kind::composition});
     for (std::size_t index = 0; index < timeline.essences.size(); ++index) {
-        checkEssence(timeline.essences[index], Place::at("essence", index));
+        checkEssence(timeline.essences[index], Place::essence(index));
     }
     for (std::size_t index = 0; index < timeline.tracks.size(); ++index) {
-        checkTrack(timeline.tracks[index], Place::at("track", index));
+        checkTrack(timeline.tracks[index], Place::track(index));
     }
     const References references(timeline);
     for (std::size_t index = 0; index < timeline.events.size(); ++index) {
-        checkEvent(timeline.events[index], references, Place::at("event", index));
+        checkEvent(timeline.events[index], references, Place::event(index));
     }
 }
 
 std::int64_t AAFRawTimelineValidation::requiredSourceEnd(const AAFClipEvent& event,
                                                          const AAFRational& rate,
-                                                         std::string_view object) {
-    return sourceEnd(event, rate, Place::of(object));
+                                                         const AAFTimelinePlace& place) {
+    return sourceEnd(event, rate, place);
 }
 
 }  // namespace trellant

@@ -94,5 +94,14 @@ TEST(PathOfFileURL, RefusesBrokenEscapesAndNuls) {
     EXPECT_EQ(pathOfFileURL("file:///a\0b"sv), std::nullopt);
 }
 
+TEST(PathOfFileURL, LooksAtNothingBeyondItsView) {
+    constexpr auto longer = "file:///a%41%42"sv;
+    ASSERT_EQ(pathOfFileURL(longer), "/aAB");
+    EXPECT_EQ(pathOfFileURL(longer.substr(0, longer.size() - 1)), std::nullopt);
+    EXPECT_EQ(pathOfFileURL(longer.substr(0, longer.size() - 2)), std::nullopt);
+    EXPECT_EQ(pathOfFileURL(longer.substr(0, longer.size() - 3)), "/aA");
+    EXPECT_EQ(pathOfFileURL(longer.substr(0, 4)), std::nullopt);
+}
+
 }  // namespace
 }  // namespace trellant

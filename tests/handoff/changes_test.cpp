@@ -1,15 +1,9 @@
 #include <trellant/handoff/changes.h>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <optional>
 
 namespace trellant {
 namespace {
-
-using testing::Eq;
-using testing::Optional;
 
 AAFTimeline oneClip() {
     const AAFTimecodeRate rate = AAFTimecodeRate::fps25();
@@ -26,32 +20,35 @@ AAFTimeline oneClip() {
 }
 
 TEST(Changes, ClipsAreToldByTrackNameAndTime) {
-    const auto told = describedChanges(
-        oneClip(),
-        {{.code = "invalid-source-channel", .object = "event[0]", .field = "sourceChannel"}});
+    const auto told =
+        describedChanges(oneClip(), {{.problem = AAFTimelineProblem::invalidSourceChannel,
+                                      .place = AAFTimelinePlace::event(0),
+                                      .field = "sourceChannel"}});
     ASSERT_EQ(told.size(), 1U);
     EXPECT_EQ(told[0].what, "the channel number is left out");
     EXPECT_EQ(placeText(told[0], oneClip()), "track Dialog, clip Anna, at 01:00:02:00");
 }
 
 TEST(Changes, PointsAreCounted) {
-    const auto told = describedChanges(oneClip(), {{.code = "automation-time-outside-owner",
-                                                    .object = "event[0]",
-                                                    .action = AAFRepairChange::Action::clamped,
-                                                    .field = "fadeIn.points",
-                                                    .count = 3}});
+    const auto told =
+        describedChanges(oneClip(), {{.problem = AAFTimelineProblem::automationTimeOutsideOwner,
+                                      .place = AAFTimelinePlace::event(0),
+                                      .action = AAFRepairChange::Action::clamped,
+                                      .field = "fadeIn.points",
+                                      .count = 3}});
     EXPECT_EQ(told.at(0).what, "3 points of the fade in are moved to the nearest possible value");
 }
 
 TEST(Changes, AudioFilesAndWholeClipsAreToldByWhatTheyAre) {
     const auto told =
-        describedChanges(oneClip(), {{.code = "invalid-sample-rate",
-                                      .object = "essence[0]",
+        describedChanges(oneClip(), {{.problem = AAFTimelineProblem::invalidSampleRate,
+                                      .place = AAFTimelinePlace::essence(0),
                                       .action = AAFRepairChange::Action::replaced,
                                       .field = "sampleRate"},
-                                     {.code = "missing-track-reference", .object = "event[0]"},
-                                     {.code = "invalid-edit-rate",
-                                      .object = "clock",
+                                     {.problem = AAFTimelineProblem::missingTrackReference,
+                                      .place = AAFTimelinePlace::event(0)},
+                                     {.problem = AAFTimelineProblem::invalidEditRate,
+                                      .place = {AAFTimelinePlace::Kind::clock},
                                       .action = AAFRepairChange::Action::replaced,
                                       .field = "editRate"}});
     EXPECT_EQ(told.at(0).what,
@@ -65,30 +62,58 @@ TEST(Changes, AudioFilesAndWholeClipsAreToldByWhatTheyAre) {
 }
 
 TEST(Changes, OnePointIsOne) {
-    const auto told = describedChanges(oneClip(), {{.code = "automation-time-outside-owner",
-                                                    .object = "event[0]",
-                                                    .action = AAFRepairChange::Action::clamped,
-                                                    .field = "clipGainAutomation.points",
-                                                    .count = 1}});
+    const auto told =
+        describedChanges(oneClip(), {{.problem = AAFTimelineProblem::automationTimeOutsideOwner,
+                                      .place = AAFTimelinePlace::event(0),
+                                      .action = AAFRepairChange::Action::clamped,
+                                      .field = "clipGainAutomation.points",
+                                      .count = 1}});
     EXPECT_EQ(told.at(0).what,
               "1 point of the gain automation is set to the nearest possible value");
 }
 
 TEST(Changes, ATrackThatIsListedTwiceIsToldWithWhatIsHeard) {
-    const auto told =
-        describedChanges(oneClip(), {{.code = "duplicate-identity", .object = "track[0]"}});
+    const auto told = describedChanges(
+        oneClip(),
+        {{.problem = AAFTimelineProblem::duplicateIdentity, .place = AAFTimelinePlace::track(0)}});
     EXPECT_EQ(told.at(0).what,
               "the track is listed twice and the second listing is left out; its clips stand twice "
               "on the first, one upon the other, and sound twice as loud");
     EXPECT_EQ(placeText(told.at(0), oneClip()), "track Dialog");
 }
 
-TEST(Changes, PositionsStandInBrackets) {
-    EXPECT_THAT(positionIn("event[17]"), Optional(Eq(17U)));
-    EXPECT_THAT(positionIn("clock"), Eq(std::nullopt));
-    EXPECT_THAT(positionIn("event[]"), Eq(std::nullopt));
-    EXPECT_THAT(positionIn("event[99999999999999999999]"), Eq(std::nullopt));
-    EXPECT_THAT(positionIn("event[1"), Eq(std::nullopt));
+TEST(Changes, PlacesBeyondTheTimelineAreToldByTheirPositionAlone) {
+    for (const auto& place :
+         {AAFTimelinePlace::event(1), AAFTimelinePlace::essence(1), AAFTimelinePlace::track(1)}) {
+        const auto told = describedChanges(
+            oneClip(), {{.problem = AAFTimelineProblem::emptyIdentity, .place = place}});
+        EXPECT_EQ(placeText(told.at(0), oneClip()), "") << place.text();
+        EXPECT_EQ(told.at(0).object, place.text());
+    }
+}
+
+TEST(Changes, AFailureIsPlacedAsAChangeIs) {
+    const DescribedChange told = placeOfFailure(
+        oneClip(), {AAFTimelineProblem::nonfiniteClipGain, AAFTimelinePlace::event(0)});
+    EXPECT_EQ(told.code, "nonfinite-clip-gain");
+    EXPECT_EQ(told.object, "event[0]");
+    EXPECT_EQ(placeText(told, oneClip()), "track Dialog, clip Anna, at 01:00:02:00");
+}
+
+TEST(Changes, WholeObjectsAreToldByWhatTheyAre) {
+    using Kind = AAFTimelinePlace::Kind;
+    const auto what = [](Kind kind) {
+        return describedChanges(oneClip(),
+                                {{.problem = AAFTimelineProblem::emptyIdentity, .place = {kind}}})
+            .at(0)
+            .what;
+    };
+    EXPECT_EQ(what(Kind::clock), "the clock is left out");
+    EXPECT_EQ(what(Kind::programStart), "the program start is left out");
+    EXPECT_EQ(what(Kind::composition), "the composition is left out");
+    EXPECT_EQ(what(Kind::track), "the second track of that id is left out");
+    EXPECT_EQ(what(Kind::essence), "the audio file is left out");
+    EXPECT_EQ(what(Kind::event), "the clip is left out");
 }
 
 }  // namespace

@@ -39,6 +39,12 @@ TEST(InterpolationJson, TwoKeysFail) {
     EXPECT_EQ(decodingError<Curve>(R"({"spline":{},"linear":{}})"), oneKeyMessage);
 }
 
+TEST(InterpolationJson, TwoUnknownKeysAreTwoKeys) {
+    EXPECT_EQ(decodingError<Curve>(R"({"spline":{},"bezier":{}})"), oneKeyMessage);
+    EXPECT_EQ(decodingError<Curve>(R"({"spline":{},"bezier":{},"hermite":{}})"), oneKeyMessage);
+    EXPECT_EQ(decodingError<Curve>(R"({"spline":{},"linear":{},"bezier":{}})"), oneKeyMessage);
+}
+
 TEST(InterpolationJson, TheSameKeyTwiceIsOneKey) {
     EXPECT_EQ(
         decodeJson<Curve>(R"({"unsupported":{"identifier":"x"},"unsupported":{"identifier":"y"}})"),

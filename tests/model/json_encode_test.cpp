@@ -86,11 +86,11 @@ TEST(JsonEncode, FindsTheFirstNumberThatIsNotFinite) {
     EXPECT_EQ(findUnencodable(pan), "tracks[0].fixedPan");
 
     AAFTimeline point = sampleTimeline();
-    point.events[1].fadeOut->points[1].value = -infinite;
+    point.events[1].fadeOut.mutableValue().points[1].value = -infinite;
     EXPECT_EQ(findUnencodable(point), "events[1].fadeOut.points[1].value");
 
     AAFTimeline decision = sampleTimeline();
-    decision.events[1].semanticDecision->confidence = infinite;
+    decision.events[1].semanticDecision.mutableValue().confidence = infinite;
     EXPECT_EQ(findUnencodable(decision), "events[1].semanticDecision.confidence");
 }
 

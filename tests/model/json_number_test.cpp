@@ -120,6 +120,18 @@ TEST(JsonDouble, WhatIsTooLargeFails) {
     EXPECT_EQ(decodingError<double>("0.0001e999999999999999999999"), outOfRange);
 }
 
+// The largest double lies between 1.7e308 and 1.8e308: 309 digits before the point.
+TEST(JsonDouble, LongTextsWithoutAnExponentAreReadUpToTheLargestDouble) {
+    EXPECT_EQ(doubleOf("1" + std::string(308, '0')), 1e308);
+    EXPECT_EQ(doubleOf("-17" + std::string(307, '0') + ".5"), -1.7e308);
+    EXPECT_EQ(doubleOf("0." + std::string(307, '0') + "1"), 1e-308);
+    for (const std::string& text :
+         {"18" + std::string(307, '0'), "1" + std::string(309, '0'), std::string(310, '9')}) {
+        EXPECT_EQ(decodingError<double>(text), outOfRange) << text.size();
+        EXPECT_EQ(decodingError<double>("-" + text + ".5"), outOfRange) << text.size();
+    }
+}
+
 TEST(JsonDouble, OtherTypesFail) {
     EXPECT_EQ(decodingError<double>(R"("1.5")"), "expected a number, found a string");
     EXPECT_EQ(decodingError<double>("false"), "expected a number, found a boolean");

@@ -89,8 +89,9 @@ TEST(JsonSyntax, InvalidUTF8Fails) {
 }
 
 TEST(JsonSyntax, LoneSurrogateEscapesFail) {
-    for (const std::string_view text : {R"("\ud800")"sv, R"("\udc00")"sv, R"("\ud800\ud800")"sv,
-                                        R"("\ud800x")"sv, R"("\udbff\n")"sv}) {
+    for (const std::string_view text :
+         {R"("\ud800")"sv, R"("\udc00")"sv, R"("\ud800\ud800")"sv, R"("\ud800x")"sv,
+          R"("\udbff\n")"sv, R"("\ud83d\ud7ff")"sv, R"("\uD83D\uE000")"sv, R"("\ud83d\uffff")"sv}) {
         EXPECT_TRUE(decodingError<std::string>(text).starts_with("syntax error at line 1, column "))
             << text;
     }
@@ -99,6 +100,10 @@ TEST(JsonSyntax, LoneSurrogateEscapesFail) {
 TEST(JsonSyntax, EscapesAreRead) {
     EXPECT_EQ(decodeJson<std::string>(R"("\"\\\/\b\f\n\r\t\u00fC\ud83c\udfb5")"),
               "\"\\/\b\f\n\r\t\xC3\xBC\xF0\x9F\x8E\xB5");
+    EXPECT_EQ(decodeJson<std::string>(R"("\ud7ff\ue000\uFFFF")"),
+              "\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF");
+    EXPECT_EQ(decodeJson<std::string>(R"("\ud800\udc00\udbff\udfff")"),
+              "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF");
 }
 
 TEST(JsonSyntax, MessagesAreOnePrintableLine) {

@@ -39,11 +39,15 @@ TEST(RecordHash, EveryPlaceTakesPart) {
             timeline.tracks[0].gainAutomation->interpolation = AAFAutomationInterpolation::linear();
         },
         [](AAFTimeline& timeline) {
-            timeline.events[1].clipGainAutomation->interpolation =
+            timeline.events[1].clipGainAutomation.mutableValue().interpolation =
                 AAFAutomationInterpolation::unsupported("other");
         },
-        [](AAFTimeline& timeline) { timeline.events[1].fadeIn->points[1].value = 0.9; },
-        [](AAFTimeline& timeline) { timeline.events[1].exportSourceEventIDs->push_back("c"); },
+        [](AAFTimeline& timeline) {
+            timeline.events[1].fadeIn.mutableValue().points[1].value = 0.9;
+        },
+        [](AAFTimeline& timeline) {
+            timeline.events[1].exportSourceEventIDs.mutableValue().push_back("c");
+        },
         [](AAFTimeline& timeline) { timeline.events[0].channelRole = AAFChannelRole::right; },
         [](AAFTimeline& timeline) { std::swap(timeline.events[0], timeline.events[1]); },
         [](AAFTimeline& timeline) { timeline.unsupportedFeatures.pop_back(); },

@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <limits>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace trellant {
@@ -46,8 +45,8 @@ TEST(CombinedRepair, ProblemsOfAllObjectsAreRepairedTogether) {
 TEST(CombinedRepair, SeveralProblemsOfOneEventAreListedInTheOrderOfTheChecks) {
     AAFTimeline damaged = sampleTimeline();
     AAFClipEvent& event = damaged.events[1];
-    event.fadeOut->duration = AAFRational(-1);
-    event.fadeIn->duration = AAFRational(-1);
+    event.fadeOut.mutableValue().duration = AAFRational(-1);
+    event.fadeIn.mutableValue().duration = AAFRational(-1);
     event.fixedClipGain = notANumber;
     event.duration = AAFRational(-1);
     event.sourceStartSample = -1;
@@ -191,11 +190,10 @@ TEST(CombinedRepair, OtherCopiesOfASharedEnvelopeStay) {
     Boxed<AAFAutomationEnvelope> shared(
         AAFAutomationEnvelope{{}, {{AAFRational(0), 1}, {AAFRational(2), 0}}});
     damaged.events[0].clipGainAutomation = shared;
-    EXPECT_EQ(std::as_const(repairedTimeline(damaged).timeline.events[0].clipGainAutomation)
-                  ->points[1]
-                  .timelineOffset,
+    const AAFRepair repair = repairedTimeline(damaged);
+    EXPECT_EQ(repair.timeline.events[0].clipGainAutomation->points[1].timelineOffset,
               AAFRational(1));
-    EXPECT_EQ(std::as_const(shared)->points[1].timelineOffset, AAFRational(2));
+    EXPECT_EQ(shared->points[1].timelineOffset, AAFRational(2));
 }
 
 }  // namespace

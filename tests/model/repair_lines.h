@@ -38,7 +38,7 @@ inline std::string actionText(AAFRepairChange::Action action) {
 inline std::vector<std::string> linesOf(const AAFRepair& repair) {
     std::vector<std::string> lines;
     for (const AAFRepairChange& change : repair.changes) {
-        std::string line = change.code + " " + change.object;
+        std::string line = std::string(rawValue(change.problem)) + " " + change.place.text();
         if (!change.id.empty() || !change.trackID.empty()) {
             line +=
                 " (" + change.id + (change.trackID.empty() ? "" : " of " + change.trackID) + ")";

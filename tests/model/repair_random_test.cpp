@@ -222,11 +222,10 @@ TEST(RandomRepair, ObjectsThatAreNotListedStayAsTheyWere) {
         const AAFRepair repair = repairedTimeline(timeline);
         std::size_t next = 0;
         for (std::size_t i = 0; i < timeline.events.size(); ++i) {
-            const std::string object = "event[" + std::to_string(i) + "]";
             bool isListed = false;
             bool isLeftOut = false;
             for (const AAFRepairChange& change : repair.changes) {
-                const bool concernsIt = change.object == object;
+                const bool concernsIt = change.place == AAFTimelinePlace::event(i);
                 isListed |= concernsIt;
                 isLeftOut |= concernsIt && change.field.empty();
             }

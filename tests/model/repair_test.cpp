@@ -167,22 +167,27 @@ const std::vector<Case>& eventCases() {
          [](auto& t) { t.events[1].fixedClipGain = 1; }},
         {"automation-time-outside-owner event[1] (ev/2 of t1): clipGainAutomation.points clamped",
          [](auto& t) {
-             t.events[1].clipGainAutomation->points[0].timelineOffset = AAFRational(-1, 9);
+             t.events[1].clipGainAutomation.mutableValue().points[0].timelineOffset =
+                 AAFRational(-1, 9);
          },
          [](auto& t) {
-             t.events[1].clipGainAutomation->points[0].timelineOffset = AAFRational(0);
+             t.events[1].clipGainAutomation.mutableValue().points[0].timelineOffset =
+                 AAFRational(0);
          }},
         {"negative-fade-duration event[1] (ev/2 of t1): fadeIn left out",
-         [](auto& t) { t.events[1].fadeIn->duration = AAFRational(-1); },
+         [](auto& t) { t.events[1].fadeIn.mutableValue().duration = AAFRational(-1); },
          [](auto& t) { t.events[1].fadeIn.reset(); }},
         {"negative-fade-duration event[1] (ev/2 of t1): fadeOut left out",
-         [](auto& t) { t.events[1].fadeOut->duration = AAFRational(-1); },
+         [](auto& t) { t.events[1].fadeOut.mutableValue().duration = AAFRational(-1); },
          [](auto& t) { t.events[1].fadeOut.reset(); }},
         {"unordered-automation event[1] (ev/2 of t1): fadeIn.points reordered",
-         [](auto& t) { std::swap(t.events[1].fadeIn->points[0], t.events[1].fadeIn->points[1]); }},
+         [](auto& t) {
+             auto& points = t.events[1].fadeIn.mutableValue().points;
+             std::swap(points[0], points[1]);
+         }},
         {"nonfinite-automation event[1] (ev/2 of t1): fadeOut.points left out",
-         [](auto& t) { t.events[1].fadeOut->points[1].value = notANumber; },
-         [](auto& t) { t.events[1].fadeOut->points.pop_back(); }},
+         [](auto& t) { t.events[1].fadeOut.mutableValue().points[1].value = notANumber; },
+         [](auto& t) { t.events[1].fadeOut.mutableValue().points.pop_back(); }},
         {"source-range-overflow event[1] (ev/2 of t1): left out",
          [](auto& t) { t.events[1].sourceStartSample = largest; },
          [](auto& t) { t.events.pop_back(); }},

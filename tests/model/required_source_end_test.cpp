@@ -65,12 +65,14 @@ TEST(RequiredSourceEnd, RangesThatCannotBeAreReported) {
     EXPECT_EQ(sourceEndVerdict(eventWith(-1, AAFRational(1)), AAFRational(1)), invalid);
 }
 
-TEST(RequiredSourceEnd, NamesTheObjectThatItWasGiven) {
+TEST(RequiredSourceEnd, NamesThePlaceThatItWasGiven) {
     try {
-        (void)AAFRawTimelineValidation::requiredSourceEnd(eventWith(-1, AAFRational(1)),
-                                                          AAFRational(1), "event[9]");
+        (void)AAFRawTimelineValidation::requiredSourceEnd(
+            eventWith(-1, AAFRational(1)), AAFRational(1), AAFTimelinePlace::event(9));
         FAIL();
     } catch (const AAFRawTimelineValidation::Failure& failure) {
+        EXPECT_EQ(failure.problem(), AAFTimelineProblem::invalidSourceRange);
+        EXPECT_EQ(failure.place(), AAFTimelinePlace::event(9));
         EXPECT_EQ(failure.code(), "invalid-source-range");
         EXPECT_EQ(failure.object(), "event[9]");
         EXPECT_EQ(failure.description(), "AAF raw model: invalid-source-range (event[9])");

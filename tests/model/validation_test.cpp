@@ -107,16 +107,20 @@ const std::vector<Case>& cases() {
         {"nonfinite-clip-gain (event[1])", [](auto& t) { t.events[1].fixedClipGain = -infinite; }},
         {"automation-time-outside-owner (event[1])",
          [](auto& t) {
-             t.events[1].clipGainAutomation->points[0].timelineOffset = AAFRational(-1, 9);
+             t.events[1].clipGainAutomation.mutableValue().points[0].timelineOffset =
+                 AAFRational(-1, 9);
          }},
         {"negative-fade-duration (event[1])",
-         [](auto& t) { t.events[1].fadeIn->duration = AAFRational(-1); }},
+         [](auto& t) { t.events[1].fadeIn.mutableValue().duration = AAFRational(-1); }},
         {"unordered-automation (event[1])",
-         [](auto& t) { std::swap(t.events[1].fadeIn->points[0], t.events[1].fadeIn->points[1]); }},
+         [](auto& t) {
+             auto& points = t.events[1].fadeIn.mutableValue().points;
+             std::swap(points[0], points[1]);
+         }},
         {"negative-fade-duration (event[1])",
-         [](auto& t) { t.events[1].fadeOut->duration = AAFRational(-1); }},
+         [](auto& t) { t.events[1].fadeOut.mutableValue().duration = AAFRational(-1); }},
         {"nonfinite-automation (event[1])",
-         [](auto& t) { t.events[1].fadeOut->points[1].value = std::nan(""); }},
+         [](auto& t) { t.events[1].fadeOut.mutableValue().points[1].value = std::nan(""); }},
         {"source-range-overflow (event[1])",
          [](auto& t) { t.events[1].sourceStartSample = largest; }},
         {"timeline-end-overflow (event[1])",
@@ -321,8 +325,8 @@ TEST(TimelineValidation, AutomationPointsMayEndAtOneAndShareAPosition) {
 
 TEST(TimelineValidation, FadeInIsCheckedWhollyBeforeFadeOut) {
     EXPECT_EQ(verdictAfter([](auto& t) {
-                  t.events[1].fadeIn->points[0].value = infinite;
-                  t.events[1].fadeOut->duration = AAFRational(-1);
+                  t.events[1].fadeIn.mutableValue().points[0].value = infinite;
+                  t.events[1].fadeOut.mutableValue().duration = AAFRational(-1);
               }),
               "nonfinite-automation (event[1])");
 }
@@ -331,8 +335,8 @@ TEST(TimelineValidation, WhatIsNotChecked) {
     EXPECT_EQ(verdictAfter([](auto& t) {
                   t.events[0].timelineStart = AAFRational(-5);
                   t.events[1].timelineStart = AAFRational(-5);
-                  t.events[1].semanticDecision->confidence = infinite;
-                  t.events[1].exportSourceEventIDs->push_back("");
+                  t.events[1].semanticDecision.mutableValue().confidence = infinite;
+                  t.events[1].exportSourceEventIDs.mutableValue().push_back("");
                   t.tracks[0].name = "";
                   t.sourceAAF.text = "x";
               }),

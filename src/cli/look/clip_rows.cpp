@@ -199,7 +199,7 @@ class ClipRows {
         row.emplace_back(Gain{event.fixedClipGain});
         row.emplace_back(event.fixedClipGain);
         if (varies) {
-            const AAFAutomationEnvelope& envelope = *std::as_const(event.clipGainAutomation);
+            const AAFAutomationEnvelope& envelope = *event.clipGainAutomation;
             row.emplace_back(static_cast<std::int64_t>(envelope.points.size()));
             row.emplace_back(pointsText(envelope));
         } else {

@@ -13,7 +13,9 @@
 namespace [[gnu::visibility("default")]] trellant {
 
 /// A value or nothing, with the semantics of a value: changing a copy leaves the others as they
-/// are, == compares the values. Different copies may be used by different threads.
+/// are, == compares the values. As with any value, several threads may read one object at a time,
+/// and different copies may be changed by different threads: reading, of an object that is not
+/// const too, never writes.
 template <class T>
 class Boxed {
   public:
@@ -48,9 +50,14 @@ class Boxed {
     /// The value; requires has_value().
     [[nodiscard]] const T& operator*() const noexcept { return box_->value; }
     [[nodiscard]] const T* operator->() const noexcept { return &box_->value; }
-    /// The value for changing, this copy's own from now on; requires has_value().
-    [[nodiscard]] T& operator*() { return own(); }
-    [[nodiscard]] T* operator->() { return &own(); }
+    /// The value for changing, this copy's own from now on: copied first when others share it.
+    /// Requires has_value().
+    [[nodiscard]] T& mutableValue() {
+        if (box_->owners.load(std::memory_order_acquire) != 1) {
+            *this = Boxed(T(box_->value));
+        }
+        return box_->value;
+    }
 
     /// A new default value in place of what was there.
     T& emplace() {
@@ -75,13 +82,6 @@ class Boxed {
         T value;
         std::atomic<std::uint32_t> owners{1};
     };
-
-    T& own() {
-        if (box_->owners.load(std::memory_order_acquire) != 1) {
-            *this = Boxed(T(box_->value));
-        }
-        return box_->value;
-    }
 
     Box* box_ = nullptr;
 };

@@ -3,6 +3,7 @@
 
 #include <trellant/model/repair.h>
 #include <trellant/model/timeline.h>
+#include <trellant/model/validation.h>
 
 #include <optional>
 #include <string>
@@ -28,14 +29,12 @@ struct DescribedChange {
 [[nodiscard]] std::vector<DescribedChange> describedChanges(
     const AAFTimeline& original, const std::vector<AAFRepairChange>& changes);
 
-/// The number in brackets: 4 for "event[4]"; absent when there is none.
-[[nodiscard]] std::optional<std::size_t> positionIn(const std::string& object);
-
 /// "track Dialog_L, clip Anna take 1, at 01:00:00:15": what validation's object is to a person;
 /// empty when it says nothing beyond the object.
 [[nodiscard]] std::string placeText(const DescribedChange& change, const AAFTimeline& timeline);
 
-/// As a DescribedChange without a `what`: where the object of a validation failure lies.
-[[nodiscard]] DescribedChange placeOfObject(const AAFTimeline& timeline, const std::string& object);
+/// A validation failure as a DescribedChange without a `what`.
+[[nodiscard]] DescribedChange placeOfFailure(const AAFTimeline& timeline,
+                                             const AAFRawTimelineValidation::Failure& failure);
 
 }  // namespace trellant

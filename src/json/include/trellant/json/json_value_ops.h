@@ -7,6 +7,7 @@
 #include <trellant/json/record_traits.h>
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -279,31 +280,36 @@ template <class Variant, std::size_t... I>
     return slot;
 }
 
-/// An object with exactly one key. Its frame's `seen` has a bit for each case, and one above them
-/// for keys that are none.
+/// An object with exactly one key. Its frame's `seen` has a bit for each case, so that a case
+/// listed twice is one key, and two above them for keys that are no case: the first and any further
+/// one.
 template <TaggedVariant V>
 struct OpsOf<V> {
     static constexpr std::size_t caseCount = VariantCases<V>::names.size();
+    static_assert(caseCount + 2 <= 64, "a frame has one bit for each case and two more");
+    static constexpr std::uint64_t unknownKey = std::uint64_t{1} << caseCount;
+    static constexpr std::uint64_t furtherUnknownKey = unknownKey << 1U;
 
     static ValueSlot member(Frame& frame, std::string_view key) {
         std::size_t position = 0;
         while (position < caseCount && VariantCases<V>::names[position] != key) {
             ++position;
         }
-        frame.seen |= std::uint64_t{1} << position;
         if (position == caseCount) {
+            frame.seen |= (frame.seen & unknownKey) == 0 ? unknownKey : furtherUnknownKey;
             return {};
         }
+        frame.seen |= std::uint64_t{1} << position;
         frame.key = VariantCases<V>::names[position];
         auto& variant = static_cast<V*>(frame.target)->*(VariantCases<V>::variant);
         return emplaceAlternative(variant, position, std::make_index_sequence<caseCount>{});
     }
 
     static void endObject(Frame& frame) {
-        if (frame.seen == 0 || (frame.seen & (frame.seen - 1)) != 0) {
+        if (!std::has_single_bit(frame.seen)) {
             throw ValueFault{"Invalid number of keys found, expected one."};
         }
-        if (frame.seen == std::uint64_t{1} << caseCount) {
+        if (frame.seen == unknownKey) {
             throw ValueFault{"the key is none of the known cases"};
         }
     }

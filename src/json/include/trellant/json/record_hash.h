@@ -13,11 +13,19 @@
 
 namespace [[gnu::visibility("default")]] trellant {
 
+/// Spreads each bit over the whole word (the finaliser of SplitMix64). Different values give
+/// different results; 0 gives 0.
+[[nodiscard]] constexpr std::uint64_t spreadBits(std::uint64_t value) noexcept {
+    value = (value ^ (value >> 30U)) * 0xbf58476d1ce4e5b9U;
+    value = (value ^ (value >> 27U)) * 0x94d049bb133111ebU;
+    return value ^ (value >> 31U);
+}
+
+/// The hash of what `seed` stands for followed by `next`; the order counts. With one of the two
+/// fixed, different values of the other give different hashes where std::size_t has 64 bits.
 [[nodiscard]] constexpr std::size_t mixedHash(std::size_t seed, std::size_t next) noexcept {
     constexpr std::uint64_t golden = 0x9e3779b97f4a7c15U;
-    std::uint64_t mixed = (seed ^ next) * golden;
-    mixed ^= mixed >> 32U;
-    return mixed * golden;
+    return static_cast<std::size_t>(spreadBits(spreadBits(seed + golden) + next));
 }
 
 template <class T>

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <trellant/model/timeline.h>
+#include <trellant/model/timeline_problem.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -25,10 +26,10 @@ struct AAFRepairChange {
         reordered
     };
 
-    /// What validation says of it: "invalid-source-channel".
-    std::string code{};
-    /// As validation names objects, by the position in the timeline given: "event[4]".
-    std::string object{};
+    /// What validation says of it.
+    AAFTimelineProblem problem{};
+    /// Of what, by the position in the timeline given.
+    AAFTimelinePlace place{};
     /// The id that the track, essence or event had; empty for the other objects.
     std::string id{};
     /// The track that an event named; empty for the other objects.

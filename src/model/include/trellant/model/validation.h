@@ -5,11 +5,11 @@
 #pragma once
 
 #include <trellant/model/timeline.h>
+#include <trellant/model/timeline_problem.h>
 
 #include <cstdint>
 #include <exception>
 #include <string>
-#include <string_view>
 
 namespace [[gnu::visibility("default")]] trellant {
 
@@ -19,10 +19,13 @@ struct AAFRawTimelineValidation {
     /// The first problem of a timeline.
     class Failure final : public std::exception {
       public:
-        Failure(std::string code, std::string object);
-        /// Lower-case words joined by hyphens: "missing-track-reference".
+        Failure(AAFTimelineProblem problem, const AAFTimelinePlace& place);
+        [[nodiscard]] AAFTimelineProblem problem() const noexcept { return problem_; }
+        /// What is at fault.
+        [[nodiscard]] const AAFTimelinePlace& place() const noexcept { return place_; }
+        /// The problem in lower-case words joined by hyphens: "missing-track-reference".
         [[nodiscard]] const std::string& code() const noexcept { return code_; }
-        /// What is at fault: "clock", "program-start", "composition", "track[2]", "essence[0]",
+        /// The place as text: "clock", "program-start", "composition", "track[2]", "essence[0]",
         /// "event[17]".
         [[nodiscard]] const std::string& object() const noexcept { return object_; }
         /// "AAF raw model: missing-track-reference (event[4])".
@@ -31,6 +34,8 @@ struct AAFRawTimelineValidation {
         [[nodiscard]] const char* what() const noexcept override { return description_.c_str(); }
 
       private:
+        AAFTimelineProblem problem_;
+        AAFTimelinePlace place_;
         std::string code_;
         std::string object_;
         std::string description_;
@@ -41,10 +46,11 @@ struct AAFRawTimelineValidation {
 
     /// The first sample after the event's source range: sourceStartSample plus
     /// ceil(duration * rate), `rate` being the essence's samples per second. Throws Failure with
-    /// "invalid-source-range" or "source-range-overflow".
+    /// invalidSourceRange or sourceRangeOverflow, at `place`.
     [[nodiscard]] static std::int64_t requiredSourceEnd(const AAFClipEvent& event,
                                                         const AAFRational& rate,
-                                                        std::string_view object = "event");
+                                                        const AAFTimelinePlace& place = {
+                                                            AAFTimelinePlace::Kind::event});
 };
 
 }  // namespace trellant

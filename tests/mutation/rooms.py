@@ -1,0 +1,43 @@
+"""Which test executables judge a fault in which room: those of the room itself and of the rooms
+directly above it, the quickest first."""
+from dataclasses import dataclass
+from pathlib import Path
+
+
+@dataclass(frozen=True)
+class Test:
+    """`target` is built, `program` (below the build folder) is run."""
+    target: str
+    program: str
+
+
+def of_room(*names):
+    return tuple(Test(f"{name}_test", f"tests/{name}/{name}_test") for name in names)
+
+
+EXTRACT = Test("extract_test", "tests/cli/extract_test")
+
+TESTS = {
+    "base": of_room("base", "json", "io", "model"),
+    "json": of_room("json", "model", "protocol"),
+    "model": of_room("model", "protocol"),
+    "io": of_room("io", "omf"),
+    "omf": of_room("omf", "mapper"),
+    "mapper": of_room("mapper", "examples"),
+    "protocol": of_room("protocol", "helper", "client"),
+    "helper": of_room("helper", "examples"),
+    "client": of_room("client", "cli"),
+    "cli": (*of_room("cli"), EXTRACT),
+    "wav": (EXTRACT,),
+}
+
+
+def rooms_in(tree):
+    return sorted(folder.name for folder in Path(tree, "src").iterdir() if folder.is_dir())
+
+
+def sources_of(tree, room):
+    """Relative to `tree`, always in the same order."""
+    folder = Path(tree, "src", room)
+    return sorted(str(path.relative_to(tree)) for path in folder.rglob("*")
+                  if path.suffix in (".cpp", ".h"))
