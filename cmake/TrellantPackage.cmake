@@ -70,7 +70,12 @@ if(BUILD_SHARED_LIBS)
     set(trellant_libraries_package libtrellant${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
     set(CPACK_DEBIAN_LIBRARIES_PACKAGE_NAME ${trellant_libraries_package})
     set(CPACK_DEBIAN_LIBRARIES_PACKAGE_SECTION libs)
-    set(CPACK_DEBIAN_LIBRARIES_PACKAGE_GENERATE_SHLIBS ON)
+    set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+    # Where what is packed apart is looked up while it is found out what a program needs.
+    foreach(library IN LISTS trellant_libraries)
+        get_target_property(folder trellant_${library} BINARY_DIR)
+        list(APPEND CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${folder})
+    endforeach()
     set(CPACK_DEBIAN_COMMAND_PACKAGE_DEPENDS "${trellant_libraries_package} ${trellant_this_version}")
     set(CPACK_COMPONENT_LIBRARIES_DESCRIPTION "shared libraries that read OMF files
 The libraries behind the command trellant and the worker trellant-omf.")

@@ -18,8 +18,9 @@ def linked_rows(table):
     rows = []
     for line in table.splitlines():
         cells = [cell.strip() for cell in line.split("|")]
-        if len(cells) != 7 or cells[1] in ("what", "---"):
+        if len(cells) != 8 or cells[1] in ("what", "---"):
             continue
+        check(cells[6], cells[1] + " has no licence in the table")
         if not re.match(r"(tests|build|lint|bench\w*|fuzz\w*)\b", cells[5]):
             rows.append(cells[1].split(" (")[0].lower())
     return rows
