@@ -1,8 +1,11 @@
-# Nettle as the target Nettle::nettle: its archive where there is one, so that what is linked does
-# not depend on what the machine has.
+# Nettle as the target Nettle::nettle: with Nettle_USE_STATIC_LIBS its archive where there is one, else
+# whatever the linker would take.
 find_path(Nettle_INCLUDE_DIR nettle/sha2.h)
-find_library(Nettle_LIBRARY
-    NAMES ${CMAKE_STATIC_LIBRARY_PREFIX}nettle${CMAKE_STATIC_LIBRARY_SUFFIX} nettle)
+set(Nettle_NAMES nettle)
+if(Nettle_USE_STATIC_LIBS)
+    list(PREPEND Nettle_NAMES ${CMAKE_STATIC_LIBRARY_PREFIX}nettle${CMAKE_STATIC_LIBRARY_SUFFIX})
+endif()
+find_library(Nettle_LIBRARY NAMES ${Nettle_NAMES})
 mark_as_advanced(Nettle_INCLUDE_DIR Nettle_LIBRARY)
 
 include(FindPackageHandleStandardArgs)

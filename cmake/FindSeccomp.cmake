@@ -1,8 +1,11 @@
-# libseccomp as the target Seccomp::seccomp: its archive where there is one, so that the worker stays
-# self-contained.
+# libseccomp as the target Seccomp::seccomp: with Seccomp_USE_STATIC_LIBS its archive where there is one, else
+# whatever the linker would take.
 find_path(Seccomp_INCLUDE_DIR seccomp.h)
-find_library(Seccomp_LIBRARY
-    NAMES ${CMAKE_STATIC_LIBRARY_PREFIX}seccomp${CMAKE_STATIC_LIBRARY_SUFFIX} seccomp)
+set(Seccomp_NAMES seccomp)
+if(Seccomp_USE_STATIC_LIBS)
+    list(PREPEND Seccomp_NAMES ${CMAKE_STATIC_LIBRARY_PREFIX}seccomp${CMAKE_STATIC_LIBRARY_SUFFIX})
+endif()
+find_library(Seccomp_LIBRARY NAMES ${Seccomp_NAMES})
 mark_as_advanced(Seccomp_INCLUDE_DIR Seccomp_LIBRARY)
 
 include(FindPackageHandleStandardArgs)

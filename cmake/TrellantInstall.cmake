@@ -1,6 +1,9 @@
 # What an installation holds: worker, libraries, headers, the files by which CMake and pkg-config
 # find them, schemas, catalogues, manual, completions and documents. No file names the prefix that
 # it was installed to, so the whole tree may be moved.
+#
+# Components, each a package (TrellantPackage.cmake): command, libraries (shared ones only),
+# development, documentation.
 include(CMakePackageConfigHelpers)
 
 set(trellant_data_dir ${CMAKE_INSTALL_DATADIR}/trellant)
@@ -8,25 +11,26 @@ set(trellant_schema_dir ${trellant_data_dir}/schema)
 set(trellant_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/trellant)
 set(trellant_pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-install(TARGETS
-        trellant_base trellant_json trellant_model trellant_io trellant_omf trellant_mapper trellant_protocol trellant_client
-        trellant_reader trellant-omf
+get_property(trellant_libraries GLOBAL PROPERTY TRELLANT_LIBRARIES)
+list(TRANSFORM trellant_libraries PREPEND trellant_ OUTPUT_VARIABLE trellant_library_targets)
+install(TARGETS ${trellant_library_targets} trellant_reader trellant-omf
     EXPORT trellantTargets
-    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT command
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT libraries NAMELINK_COMPONENT development
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+    FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT BUILD_SHARED_LIBS AND CMAKE_OBJCOPY)
     set(trellant_archives "")
-    foreach(library base json model io omf mapper protocol client)
+    foreach(target IN LISTS trellant_library_targets)
         list(APPEND trellant_archives
-            "\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/$<TARGET_FILE_NAME:trellant_${library}>")
+            "\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/$<TARGET_FILE_NAME:${target}>")
     endforeach()
     install(CODE "set(OBJCOPY \"${CMAKE_OBJCOPY}\")
         set(ARCHIVES \"${trellant_archives}\")
-        include(\"${PROJECT_SOURCE_DIR}/cmake/strip_archives.cmake\")")
+        include(\"${PROJECT_SOURCE_DIR}/cmake/strip_archives.cmake\")" COMPONENT development)
 endif()
-install(EXPORT trellantTargets NAMESPACE trellant:: DESTINATION ${trellant_cmake_dir})
+install(EXPORT trellantTargets NAMESPACE trellant:: DESTINATION ${trellant_cmake_dir}
+    COMPONENT development)
 
 set(TRELLANT_STATIC_LIBRARIES ON)
 if(BUILD_SHARED_LIBS)
@@ -41,12 +45,16 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/package/trellantConfigVer
 install(FILES
         ${PROJECT_BINARY_DIR}/package/trellantConfig.cmake
         ${PROJECT_BINARY_DIR}/package/trellantConfigVersion.cmake
-    DESTINATION ${trellant_cmake_dir})
+    DESTINATION ${trellant_cmake_dir} COMPONENT development)
 if(TRELLANT_STATIC_LIBRARIES)
-    install(FILES cmake/FindUtf8proc.cmake DESTINATION ${trellant_cmake_dir})
+    install(FILES cmake/FindUtf8proc.cmake DESTINATION ${trellant_cmake_dir} COMPONENT development)
 endif()
 
-# Static archives pull in what they were built on; shared libraries bring it themselves.
+# Each library before those that it is built on. Static archives pull in what they were built on;
+# shared libraries bring it themselves.
+list(REVERSE trellant_library_targets)
+list(TRANSFORM trellant_library_targets PREPEND " -l")
+list(JOIN trellant_library_targets "" trellant_pc_libraries)
 set(trellant_pc_requires "")
 set(trellant_pc_system_libraries "")
 if(TRELLANT_STATIC_LIBRARIES)
@@ -60,25 +68,33 @@ file(RELATIVE_PATH trellant_pc_prefix
     ${CMAKE_INSTALL_PREFIX}/${trellant_pkgconfig_dir} ${CMAKE_INSTALL_PREFIX})
 string(REGEX REPLACE "/$" "" trellant_pc_prefix "${trellant_pc_prefix}")
 configure_file(cmake/trellant.pc.in ${PROJECT_BINARY_DIR}/package/trellant.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/package/trellant.pc DESTINATION ${trellant_pkgconfig_dir})
+install(FILES ${PROJECT_BINARY_DIR}/package/trellant.pc DESTINATION ${trellant_pkgconfig_dir}
+    COMPONENT development)
 
 file(GLOB trellant_schemas CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/schema/*.schema.json)
-install(FILES ${trellant_schemas} DESTINATION ${trellant_schema_dir})
-install(FILES man/trellant-omf.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES ${trellant_schemas} DESTINATION ${trellant_schema_dir} COMPONENT development)
+install(FILES man/trellant-omf.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)
 if(TRELLANT_COMMAND)
-    install(FILES man/trellant.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    install(FILES man/trellant.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)
     install(FILES completions/trellant.bash RENAME trellant
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT command)
     install(FILES completions/_trellant
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT command)
     install(FILES completions/trellant.fish
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT command)
 endif()
-install(DIRECTORY ${TRELLANT_CATALOGUES}/ DESTINATION ${CMAKE_INSTALL_LOCALEDIR}
+install(DIRECTORY ${TRELLANT_CATALOGUES}/ DESTINATION ${CMAKE_INSTALL_LOCALEDIR} COMPONENT command
     FILES_MATCHING PATTERN trellant.mo)
-# Laid out as in the source tree: the documents link to one another.
 include(${CMAKE_CURRENT_LIST_DIR}/TrellantSbom.cmake)
-install(FILES README.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs FILES_MATCHING PATTERN *.md)
-install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
+# What the programs hold of others asks for notices, wherever they go.
+install(FILES LICENSE packaging/debian/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT command)
+# Laid out as in the source tree: the documents link to one another.
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR}
+    COMPONENT documentation)
+install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT documentation
+    FILES_MATCHING PATTERN *.md)
+install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT documentation
     FILES_MATCHING PATTERN *.md PATTERN *.omf PATTERN *.json PATTERN *.wav)
+# The pages of the headers, where the target `docs` has made them.
+install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html DESTINATION ${CMAKE_INSTALL_DOCDIR}
+    COMPONENT documentation OPTIONAL)

@@ -97,12 +97,13 @@ set(trellant_runtimes glibc libstdc++ libgcc)
 trellant_compilers_file(libc.a trellant_libc)
 trellant_compilers_file(libstdc++.a trellant_libstdcxx)
 trellant_compilers_file(libgcc.a trellant_libgcc)
+set(trellant_own_licence Apache-2.0)
 set(trellant_gcc_licence "GPL-3.0-or-later WITH GCC-exception-3.1")
 
-trellant_sbom_package(trellant-software "${PROJECT_VERSION}" NOASSERTION "")
+trellant_sbom_package(trellant-software "${PROJECT_VERSION}" "${trellant_own_licence}" "")
 trellant_sbom_relation(DOCUMENT DESCRIBES trellant-software)
 foreach(program IN LISTS trellant_programs)
-    trellant_sbom_package(${program} "${PROJECT_VERSION}" NOASSERTION "")
+    trellant_sbom_package(${program} "${PROJECT_VERSION}" "${trellant_own_licence}" "")
     trellant_sbom_relation(trellant-software CONTAINS ${program})
 endforeach()
 trellant_sbom_library(nlohmann-json ${TRELLANT_NLOHMANN_JSON_DIR}/nlohmann/json.hpp MIT
@@ -146,4 +147,5 @@ file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/package/sbom.spdx.json @ONLY CONTENT
   ]
 }
 ")
-install(FILES ${PROJECT_BINARY_DIR}/package/sbom.spdx.json DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES ${PROJECT_BINARY_DIR}/package/sbom.spdx.json DESTINATION ${CMAKE_INSTALL_DOCDIR}
+    COMPONENT command)

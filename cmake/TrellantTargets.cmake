@@ -48,7 +48,8 @@ endfunction()
 # trellant_library(NAME HEADERS ... SOURCES ... [DEPENDS ...] [PRIVATE_DEPENDS ...])
 # The library trellant_NAME of this folder, trellant::NAME to others; static or shared as
 # BUILD_SHARED_LIBS says. HEADERS are public, below include/, and each must compile alone; private
-# headers stand beside the sources.
+# headers stand beside the sources. The global property TRELLANT_LIBRARIES lists them all, lower ones
+# first: they are what is installed and what the pages of the headers show.
 function(trellant_library name)
     cmake_parse_arguments(ARG "" "" "HEADERS;SOURCES;DEPENDS;PRIVATE_DEPENDS" ${ARGN})
     set(target trellant_${name})
@@ -61,6 +62,7 @@ function(trellant_library name)
     target_compile_features(${target} PUBLIC cxx_std_20)
     target_link_libraries(${target} PUBLIC ${ARG_DEPENDS} PRIVATE ${ARG_PRIVATE_DEPENDS})
     trellant_target_settings(${target})
+    set_property(GLOBAL APPEND PROPERTY TRELLANT_LIBRARIES ${name})
     if(BUILD_SHARED_LIBS)
         set_target_properties(${target} PROPERTIES INSTALL_RPATH "${TRELLANT_ORIGIN}")
         if(NOT APPLE AND NOT TRELLANT_SANITIZE)

@@ -148,7 +148,7 @@ TEST(Command, WrongUseGoesToStandardErrorWithStatusOne) {
 TEST(Command, HelpAndVersionGoToStandardOutput) {
     const Said version = run({"--version"});
     EXPECT_EQ(version.status, 0);
-    EXPECT_EQ(version.out, "trellant 0.1.0\n");
+    EXPECT_EQ(version.out, "trellant 0.2.0\n");
     const Said help = run({"-h"});
     EXPECT_EQ(help.status, 0);
     EXPECT_EQ(help.errors, "");

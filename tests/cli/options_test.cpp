@@ -63,7 +63,7 @@ TEST(Options, VerbosityMayStandBehindTheCommand) {
 
 TEST(Options, VersionIsOneLine) {
     const CommandLine line = lineOf({"--version"});
-    EXPECT_EQ(line.text, "trellant 0.1.0\n");
+    EXPECT_EQ(line.text, "trellant 0.2.0\n");
     EXPECT_EQ(line.status, ExitStatus::done);
     EXPECT_FALSE(line.call);
 }

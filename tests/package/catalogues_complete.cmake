@@ -15,7 +15,7 @@ function(keys_of pattern result)
     set(${result} "${found}" PARENT_SCOPE)
 endfunction()
 
-file(GLOB sources ${SOURCE}/src/*/*.cpp)
+file(GLOB_RECURSE sources ${SOURCE}/src/*.cpp)
 keys_of("\"aaf\\.[a-zA-Z.]+\"" wanted ${sources})
 if(NOT wanted)
     message(FATAL_ERROR "the sources ask for no text")

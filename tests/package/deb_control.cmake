@@ -1,14 +1,58 @@
-# What the Debian package says of itself. Variables: PACKAGES, VERSION.
+# What the Debian packages say of themselves. Variables: PACKAGES, VERSION.
 include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)
-file(GLOB package ${PACKAGES}/*.deb)
-run(${DPKG_DEB} -f ${package} Package Version Section Recommends Maintainer)
-expect_equal("control fields" "${run_output}" "Package: trellant
-Version: ${VERSION}
-Section: sound
-Recommends: libutf8proc-dev
-Maintainer: Trellant
-")
+
+# expect_control(PACKAGE EXPECTED): its fields but those that differ by machine. The version of a
+# library that the machine has is no field of ours.
+function(expect_control package expected)
+    file(GLOB file ${PACKAGES}/${package}_*.deb)
+    run(${DPKG_DEB} -f ${file} Package Version Section Priority Depends Recommends Suggests Breaks
+        Replaces Maintainer)
+    string(REGEX REPLACE "(libc6|libgcc-s1|libsndfile1|libstdc\\+\\+6) \\([^)]*\\)" "\\1" fields
+        "${run_output}")
+    expect_equal("control fields of ${package}" "${fields}" "${expected}")
+endfunction()
+
 # The converter of audio files is all that is linked with the machine's libraries.
-run(${DPKG_DEB} -f ${package} Depends)
-string(REGEX REPLACE " \\([^)]*\\)|[\n ]" "" depends "${run_output}")
-expect_equal("libraries" "${depends}" "libc6,libgcc-s1,libsndfile1,libstdc++6")
+expect_control(trellant "Package: trellant
+Version: ${VERSION}-1
+Section: sound
+Priority: optional
+Depends: libc6, libgcc-s1, libsndfile1, libstdc++6
+Suggests: libtrellant-doc
+Maintainer: Trellant <maintainers@trellant.invalid>
+")
+expect_control(libtrellant-dev "Package: libtrellant-dev
+Version: ${VERSION}-1
+Section: libdevel
+Priority: optional
+Depends: trellant (= ${VERSION}-1), libutf8proc-dev
+Suggests: libtrellant-doc
+Breaks: trellant (<< 0.2.0)
+Replaces: trellant (<< 0.2.0)
+Maintainer: Trellant <maintainers@trellant.invalid>
+")
+expect_control(libtrellant-doc "Package: libtrellant-doc
+Version: ${VERSION}-1
+Section: doc
+Priority: optional
+Breaks: trellant (<< 0.2.0)
+Replaces: trellant (<< 0.2.0)
+Maintainer: Trellant <maintainers@trellant.invalid>
+")
+
+# Documents serve every machine, and each package has a description of its own.
+file(GLOB documents ${PACKAGES}/libtrellant-doc_*.deb)
+run(${DPKG_DEB} -f ${documents} Architecture)
+expect_equal("architecture of the documents" "${run_output}" "all\n")
+set(descriptions "")
+foreach(package trellant libtrellant-dev libtrellant-doc)
+    file(GLOB file ${PACKAGES}/${package}_*.deb)
+    run(${DPKG_DEB} -f ${file} Description)
+    string(REGEX REPLACE "\n.*" "\n" first "${run_output}")
+    string(APPEND descriptions "${first}")
+endforeach()
+expect_equal("first lines of the descriptions" "${descriptions}"
+"looks into OMF files and takes their audio out
+libraries that read OMF files, for C++ hosts
+documents and examples of Trellant
+")

@@ -1,15 +1,19 @@
-# Unpacks one package into an empty folder, asks its worker, builds a host against it and puts that
-# beside the worker. Variables: PACKAGES, KIND (deb or tar.gz), FOLDER, EXAMPLES.
+# Unpacks all packages of one kind into an empty folder, asks the worker, builds a host against the
+# libraries and puts it beside the worker. Variables: PACKAGES, KIND (deb or tar.gz), FOLDER, EXAMPLES.
 include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)
 file(REMOVE_RECURSE ${FOLDER})
 file(MAKE_DIRECTORY ${FOLDER}/unpacked)
-file(GLOB package ${PACKAGES}/*.${KIND})
+file(GLOB packages ${PACKAGES}/*.${KIND})
 if(KIND STREQUAL deb)
-    run(${DPKG_DEB} -x ${package} ${FOLDER}/unpacked)
+    foreach(package IN LISTS packages)
+        run(${DPKG_DEB} -x ${package} ${FOLDER}/unpacked)
+    endforeach()
     set(prefix ${FOLDER}/unpacked/usr)
+    set(pages share/man/man1/trellant-omf.1.gz share/man/man1/trellant.1.gz)
 else()
-    run(${CMAKE_COMMAND} -E chdir ${FOLDER}/unpacked ${CMAKE_COMMAND} -E tar xzf ${package})
+    run(${CMAKE_COMMAND} -E chdir ${FOLDER}/unpacked ${CMAKE_COMMAND} -E tar xzf ${packages})
     file(GLOB prefix ${FOLDER}/unpacked/*)
+    set(pages share/man/man1/trellant-omf.1 share/man/man1/trellant.1 share/doc/trellant/LICENSE)
 endif()
 
 file(WRITE ${FOLDER}/request.json "{\"protocolVersion\": 1, \"operation\": \"inspect\",
@@ -21,19 +25,19 @@ expect_equal("status of the unpacked worker" "${status}" 0)
 string(JSON name GET "${answer}" timeline compositionName)
 expect_equal("composition that the unpacked worker read" "${name}" "Café")
 
-foreach(file
+foreach(file IN LISTS pages ITEMS
         lib/cmake/trellant/trellantConfig.cmake lib/pkgconfig/trellant.pc
         include/trellant/version.h include/trellant/client/worker_client.h
         share/locale/de/LC_MESSAGES/trellant.mo share/locale/en/LC_MESSAGES/trellant.mo
-        share/man/man1/trellant-omf.1 share/man/man1/trellant.1
         share/bash-completion/completions/trellant share/zsh/vendor-completions/_trellant
         share/fish/vendor_completions.d/trellant.fish libexec/trellant/trellant-wav
         share/doc/trellant/docs/embedding.md share/doc/trellant/SECURITY.md
+        share/doc/trellant/CHANGELOG.md share/doc/trellant/CONTRIBUTING.md share/doc/trellant/copyright
         share/doc/trellant/sbom.spdx.json
         share/trellant/schema/request.schema.json share/trellant/schema/progress.schema.json
         share/trellant/schema/result.schema.json share/trellant/schema/timeline.schema.json)
     if(NOT EXISTS ${prefix}/${file})
-        message(FATAL_ERROR "the package lacks ${file}")
+        message(FATAL_ERROR "the packages lack ${file}")
     endif()
 endforeach()
 

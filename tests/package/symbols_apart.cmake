@@ -1,11 +1,13 @@
 # The programs in the package are stripped, and the symbols of each lie in a package of their own, to
-# be found by the number that both have. Variables: PACKAGES, FOLDER, READELF.
+# be found by the number that both have. Variables: PACKAGES, LIBRARY_COUNT, FOLDER, READELF.
 include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)
 file(REMOVE_RECURSE ${FOLDER})
 file(MAKE_DIRECTORY ${FOLDER}/programs ${FOLDER}/symbols)
-file(GLOB programs ${PACKAGES}/*.deb)
+file(GLOB programs ${PACKAGES}/trellant_*.deb)
+file(GLOB archives ${PACKAGES}/libtrellant-dev_*.deb)
 file(GLOB symbols ${PACKAGES}/*.ddeb)
 run(${DPKG_DEB} -x ${programs} ${FOLDER}/programs)
+run(${DPKG_DEB} -x ${archives} ${FOLDER}/programs)
 run(${DPKG_DEB} -x ${symbols} ${FOLDER}/symbols)
 run(${DPKG_DEB} -f ${symbols} Package)
 expect_equal("package of the symbols" "${run_output}" "trellant-dbgsym\n")
@@ -39,7 +41,7 @@ endforeach()
 
 file(GLOB archives ${FOLDER}/programs/usr/lib/libtrellant_*.a)
 list(LENGTH archives count)
-expect_equal("number of installed archives" "${count}" 6)
+expect_equal("number of installed archives" "${count}" ${LIBRARY_COUNT})
 run(${READELF} --wide --sections ${archives})
 if(run_output MATCHES "[.]debug_|[.]gnu[.]lto_")
     message(FATAL_ERROR "the archives hold what only their compiler has a use for: ${CMAKE_MATCH_0}")
