@@ -71,7 +71,7 @@ struct ValueOps {
 
     void (*setBoolean)(void* target, bool value) = nullptr;
     void (*setNumber)(void* target, const JsonNumber& number) = nullptr;
-    void (*setString)(void* target, std::string& text) = nullptr;
+    void (*setString)(void* target, std::string_view text) = nullptr;
     /// The next element of an array.
     ValueSlot (*element)(void* target) = nullptr;
     /// The value of a member of an object, and the object's end.
@@ -148,8 +148,8 @@ struct OpsOf<double> {
 template <>
 struct OpsOf<std::string> {
     static constexpr ValueOps make() {
-        return {.expected = "a string", .setString = [](void* target, std::string& text) {
-                    static_cast<std::string*>(target)->swap(text);
+        return {.expected = "a string", .setString = [](void* target, std::string_view text) {
+                    static_cast<std::string*>(target)->assign(text);
                 }};
     }
 };
@@ -157,11 +157,11 @@ struct OpsOf<std::string> {
 template <>
 struct OpsOf<AAFURL> {
     static constexpr ValueOps make() {
-        return {.expected = "a URL", .setString = [](void* target, std::string& text) {
+        return {.expected = "a URL", .setString = [](void* target, std::string_view text) {
                     if (text.empty()) {
                         throw ValueFault{"the URL is empty"};
                     }
-                    static_cast<AAFURL*>(target)->text.swap(text);
+                    static_cast<AAFURL*>(target)->text.assign(text);
                 }};
     }
 };
@@ -189,7 +189,7 @@ struct OpsOf<P> {
 template <NamedEnum E>
 struct OpsOf<E> {
     static constexpr ValueOps make() {
-        return {.expected = "a string", .setString = [](void* target, std::string& text) {
+        return {.expected = "a string", .setString = [](void* target, std::string_view text) {
                     const std::optional<E> value = fromRawValue<E>(text);
                     if (!value) {
                         unknownRawValue(text);
