@@ -1,4 +1,6 @@
-// How json_decode reads a text into a value, by the JSON library.
+// The two ways by which json_decode reads a text into a value. They accept the same texts, give the
+// same values and throw the same out of a record's check; only the second says what is wrong with
+// the JSON.
 #pragma once
 
 #include <trellant/json/json_decode.h>
@@ -8,8 +10,12 @@
 
 namespace trellant::jsonDecoding {
 
-/// Fills `root` from the whole of `text`. Throws JsonDecodingError, JsonDecodingStopped and what
-/// the check of a record throws.
+/// The quick way. False when the text is not JSON or does not fit; what `root` holds then is
+/// unspecified. Throws JsonDecodingStopped and what the check of a record throws.
+[[nodiscard]] bool scanInto(std::string_view text, ValueSlot root, RecordChecks checks,
+                            const std::stop_token& stop);
+
+/// The way that explains: throws JsonDecodingError too.
 void parseInto(std::string_view text, ValueSlot root, RecordChecks checks,
                const std::stop_token& stop);
 

@@ -1,3 +1,5 @@
+// Texts that are right, nearly all, are read the quick way. Whatever it does not take is read again
+// from the start the way that explains, so what is refused, and why, is decided in one place.
 #include "decoding_ways.h"
 
 #include <utility>
@@ -11,9 +13,12 @@ JsonDecodingError::JsonDecodingError(std::string keyPath, std::string reason)
 
 namespace jsonDecoding {
 
-void decodeInto(std::string_view text, ValueSlot root, RecordChecks checks,
+void decodeInto(std::string_view text, RootSlot root, RecordChecks checks,
                 const std::stop_token& stop) {
-    parseInto(text, root, checks, stop);
+    if (!scanInto(text, root.slot, checks, stop)) {
+        root.reset(root.slot.target);
+        parseInto(text, root.slot, checks, stop);
+    }
 }
 
 }  // namespace jsonDecoding

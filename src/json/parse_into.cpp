@@ -1,4 +1,5 @@
-// The JSON library does the grammar and hands over one event after the other.
+// The way of decoding that explains what is wrong: the JSON library does the grammar and hands over
+// one event after the other.
 //
 // Numbers are never taken from the library's conversions: integers beyond 64 bits would silently
 // become doubles there, and doubles would depend on the locale.
