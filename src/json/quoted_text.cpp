@@ -53,12 +53,6 @@ std::size_t plainLength(std::string_view text) noexcept {
     return length;
 }
 
-void skipPlainBytes(TextCursor& cursor) {
-    do {
-        cursor.skip(plainLength(cursor.restToLimit()));
-    } while (cursor.restToLimit().empty() && !cursor.atEnd());
-}
-
 /// The UTF-16 unit of four hexadecimal digits.
 std::optional<char32_t> readUnit(TextCursor& cursor) {
     char32_t unit = 0;
@@ -72,7 +66,7 @@ std::optional<char32_t> readUnit(TextCursor& cursor) {
         } else {
             return std::nullopt;
         }
-        cursor.skip(1);
+        cursor.skipPeeked();
     }
     return unit;
 }
@@ -86,11 +80,11 @@ std::optional<char32_t> readScalar(TextCursor& cursor) {
     if (*first >= firstLowSurrogate || cursor.peek() != '\\') {
         return std::nullopt;
     }
-    cursor.skip(1);
+    cursor.skipPeeked();
     if (cursor.peek() != 'u') {
         return std::nullopt;
     }
-    cursor.skip(1);
+    cursor.skipPeeked();
     const std::optional<char32_t> second = readUnit(cursor);
     if (!second || *second < firstLowSurrogate ||
         *second >= firstLowSurrogate + surrogatesOfAKind) {
@@ -124,17 +118,17 @@ constexpr std::optional<char> shortEscape(char letter) noexcept {
 
 /// Appends what the escape stands for whose backslash comes next; false when it is none.
 bool appendEscaped(TextCursor& cursor, std::string& text) {
-    cursor.skip(1);
+    cursor.skipPeeked();
     const char letter = cursor.peek();
     if (const std::optional<char> byte = shortEscape(letter)) {
-        cursor.skip(1);
+        cursor.skipPeeked();
         text.push_back(*byte);
         return true;
     }
     if (letter != 'u') {
         return false;
     }
-    cursor.skip(1);
+    cursor.skipPeeked();
     const std::optional<char32_t> scalar = readScalar(cursor);
     if (scalar) {
         appendUTF8(text, *scalar);
@@ -155,15 +149,15 @@ bool skipBeyondAscii(TextCursor& cursor) {
 }  // namespace
 
 std::optional<std::string_view> readQuotedText(TextCursor& cursor, std::string& unescaped) {
-    cursor.skip(1);
+    cursor.skipPeeked();
     const char* pieceStart = cursor.position();
     bool hasEscapes = false;
     for (;;) {
-        skipPlainBytes(cursor);
+        cursor.skipRun(plainLength);
         const char byte = cursor.peek();
         const std::string_view piece = cursor.since(pieceStart);
         if (byte == '"') {
-            cursor.skip(1);
+            cursor.skipPeeked();
             return hasEscapes ? unescaped.append(piece) : piece;
         }
         if (byte == '\\') {

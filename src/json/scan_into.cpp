@@ -16,8 +16,13 @@ namespace trellant::jsonDecoding {
 
 namespace {
 
-constexpr bool isDigit(char byte) noexcept {
-    return byte >= '0' && byte <= '9';
+/// How many digits stand at the head of `text`.
+constexpr std::size_t digitCount(std::string_view text) noexcept {
+    std::size_t count = 0;
+    while (count < text.size() && text[count] >= '0' && text[count] <= '9') {
+        ++count;
+    }
+    return count;
 }
 
 /// A function that returns false has met what is not JSON.
@@ -33,7 +38,7 @@ class Scanner {
             if (!value()) {
                 return false;
             }
-            while (!valueIsDue_ && !open_.empty()) {
+            while (!valueIsDue_ && !outer_.empty()) {
                 if (!afterValue()) {
                     return false;
                 }
@@ -67,46 +72,50 @@ class Scanner {
 
     /// A comma and what stands before the next value, or the end of the innermost object or array.
     [[nodiscard]] bool afterValue() {
-        const bool inArray = open_.back();
         if (cursor_.peekToken() == ',') {
-            cursor_.skip(1);
+            cursor_.skipPeeked();
             valueIsDue_ = true;
-            return inArray || key();
+            return inArray_ || key();
         }
-        if (inArray ? !endsArray() : !endsObject()) {
+        if (inArray_ ? !endsArray() : !endsObject()) {
             return false;
         }
-        open_.pop_back();
+        inArray_ = outer_.back();
+        outer_.pop_back();
         return true;
     }
 
     [[nodiscard]] bool beginObject() {
-        cursor_.skip(1);
+        cursor_.skipPeeked();
         filler_.beginObject();
         if (endsObject()) {
             return true;
         }
-        open_.push_back(false);
-        valueIsDue_ = true;
+        enter(false);
         return key();
     }
 
     [[nodiscard]] bool beginArray() {
-        cursor_.skip(1);
+        cursor_.skipPeeked();
         filler_.beginArray();
         if (endsArray()) {
             return true;
         }
-        open_.push_back(true);
-        valueIsDue_ = true;
+        enter(true);
         return true;
+    }
+
+    void enter(bool isArray) {
+        outer_.push_back(inArray_);
+        inArray_ = isArray;
+        valueIsDue_ = true;
     }
 
     [[nodiscard]] bool endsObject() {
         if (cursor_.peekToken() != '}') {
             return false;
         }
-        cursor_.skip(1);
+        cursor_.skipPeeked();
         filler_.endObject();
         return true;
     }
@@ -115,7 +124,7 @@ class Scanner {
         if (cursor_.peekToken() != ']') {
             return false;
         }
-        cursor_.skip(1);
+        cursor_.skipPeeked();
         filler_.endArray();
         return true;
     }
@@ -129,7 +138,7 @@ class Scanner {
         if (!text || cursor_.peekToken() != ':') {
             return false;
         }
-        cursor_.skip(1);
+        cursor_.skipPeeked();
         filler_.key(*text);
         return true;
     }
@@ -155,26 +164,26 @@ class Scanner {
     [[nodiscard]] bool number() {
         const char* const start = cursor_.position();
         if (cursor_.peek() == '-') {
-            cursor_.skip(1);
+            cursor_.skipPeeked();
         }
         if (cursor_.peek() == '0') {
-            cursor_.skip(1);
+            cursor_.skipPeeked();
         } else if (!digits()) {
             return false;
         }
         bool isWhole = true;
         if (cursor_.peek() == '.') {
             isWhole = false;
-            cursor_.skip(1);
+            cursor_.skipPeeked();
             if (!digits()) {
                 return false;
             }
         }
         if (const char mark = cursor_.peek(); mark == 'e' || mark == 'E') {
             isWhole = false;
-            cursor_.skip(1);
+            cursor_.skipPeeked();
             if (const char sign = cursor_.peek(); sign == '+' || sign == '-') {
-                cursor_.skip(1);
+                cursor_.skipPeeked();
             }
             if (!digits()) {
                 return false;
@@ -186,13 +195,9 @@ class Scanner {
 
     /// One digit or more.
     [[nodiscard]] bool digits() {
-        if (!isDigit(cursor_.peek())) {
-            return false;
-        }
-        do {
-            cursor_.skip(1);
-        } while (isDigit(cursor_.peek()));
-        return true;
+        const char* const start = cursor_.position();
+        cursor_.skipRun(digitCount);
+        return cursor_.position() != start;
     }
 
     [[nodiscard]] static JsonNumber numberOf(std::string_view text, bool isWhole) noexcept {
@@ -209,8 +214,10 @@ class Scanner {
     ValueFiller& filler_;
     /// Whether a value must come next: the first one, or that of a key or an element.
     bool valueIsDue_ = true;
-    /// The open objects and arrays, from the outermost: true for an array.
-    std::vector<bool> open_;
+    /// Whether the innermost open object or array is an array, and the same of those around it; for
+    /// the outermost, of nothing around it.
+    bool inArray_ = false;
+    std::vector<bool> outer_;
     std::string unescaped_;
 };
 

@@ -40,7 +40,7 @@ class TextCursor {
     [[nodiscard]] char peekToken() {
         char byte = peek();
         while (byte == ' ' || byte == '\n' || byte == '\r' || byte == '\t') {
-            ++at_;
+            skipPeeked();
             byte = peek();
         }
         return byte;
@@ -51,18 +51,24 @@ class TextCursor {
     [[nodiscard]] std::string_view since(const char* start) const noexcept {
         return {start, static_cast<std::size_t>(at_ - start)};
     }
-    /// All that is to come, and as much of it as may be read before `atEnd` is asked again.
+    /// All that is to come.
     [[nodiscard]] std::string_view rest() const noexcept {
         return {at_, static_cast<std::size_t>(end_ - at_)};
     }
-    [[nodiscard]] std::string_view restToLimit() const noexcept {
-        return {at_, static_cast<std::size_t>(limit_ - at_)};
-    }
 
+    /// Goes on by one byte, after a peek that was not at the end.
+    void skipPeeked() noexcept { ++at_; }
     /// Goes on by bytes of `rest`.
     void skip(std::size_t count) noexcept {
         at_ += count;
         limit_ = std::max(limit_, at_);
+    }
+    /// Goes on over a run of bytes; `lengthOfRun` tells how many stand at the head of a text.
+    template <class LengthOfRun>
+    void skipRun(LengthOfRun lengthOfRun) {
+        do {
+            at_ += lengthOfRun(std::string_view(at_, static_cast<std::size_t>(limit_ - at_)));
+        } while (at_ == limit_ && !atEnd());
     }
 
   private:

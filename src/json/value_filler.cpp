@@ -47,6 +47,7 @@ void ValueFiller::push(ValueSlot slot, bool isArray) {
     frame.ops = slot.ops;
     frame.target = slot.target;
     frame.isArray = isArray;
+    frame.likelyField = slot.ops->firstField;
 }
 
 void ValueFiller::null() {
