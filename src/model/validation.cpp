@@ -1,10 +1,10 @@
+#include "identity_index.h"
+
 #include <trellant/base/int128.h>
 #include <trellant/model/validation.h>
 
 #include <cmath>
 #include <limits>
-#include <unordered_map>
-#include <unordered_set>
 
 namespace trellant {
 
@@ -44,16 +44,17 @@ void require(bool holds, const char* code, const Place& place) {
     }
 }
 
+/// The elements by their identities, which must all be different.
 template <class Element>
-void checkUniqueIdentities(const std::vector<Element>& elements, std::string_view collection) {
-    std::unordered_set<std::string_view> seen;
-    seen.reserve(elements.size());
+[[nodiscard]] IdentityIndex<Element> uniqueIdentities(const std::vector<Element>& elements,
+                                                      std::string_view collection) {
+    IdentityIndex<Element> seen(elements);
     for (std::size_t index = 0; index < elements.size(); ++index) {
-        const std::string& id = elements[index].id;
         const Place place = Place::at(collection, index);
-        require(!id.empty(), "empty-identity", place);
-        require(seen.insert(id).second, "duplicate-identity", place);
+        require(!elements[index].id.empty(), "empty-identity", place);
+        require(seen.add(index), "duplicate-identity", place);
     }
+    return seen;
 }
 
 void checkRate(const AAFTimecodeRate& rate, const Place& place) {
@@ -147,27 +148,34 @@ void checkTrack(const AAFTrackState& track, const Place& place) {
            !(whole == smallest && rest < 0);
 }
 
-struct References {
-    std::unordered_set<std::string_view> trackIDs;
-    std::unordered_map<std::string_view, const AAFSourceEssence*> essences;
+/// What events refer to. Neighbours mostly share a track, which is then found without a look-up.
+class References {
+  public:
+    References(const IdentityIndex<AAFTrackState>& tracks,
+               const IdentityIndex<AAFSourceEssence>& essences)
+        : tracks_(tracks), essences_(essences) {}
 
-    explicit References(const AAFTimeline& timeline) {
-        trackIDs.reserve(timeline.tracks.size());
-        for (const AAFTrackState& track : timeline.tracks) {
-            trackIDs.insert(track.id);
+    [[nodiscard]] bool haveTrack(std::string_view id) {
+        if (lastTrack_ == nullptr || lastTrack_->id != id) {
+            lastTrack_ = tracks_.find(id);
         }
-        essences.reserve(timeline.essences.size());
-        for (const AAFSourceEssence& essence : timeline.essences) {
-            essences.emplace(essence.id, &essence);
-        }
+        return lastTrack_ != nullptr;
     }
+    [[nodiscard]] const AAFSourceEssence* essence(std::string_view id) const {
+        return essences_.find(id);
+    }
+
+  private:
+    const IdentityIndex<AAFTrackState>& tracks_;
+    const IdentityIndex<AAFSourceEssence>& essences_;
+    const AAFTrackState* lastTrack_ = nullptr;
 };
 
-void checkEvent(const AAFClipEvent& event, const References& references, const Place& place) {
-    require(references.trackIDs.contains(event.trackID), "missing-track-reference", place);
-    const auto found = references.essences.find(event.essenceID);
-    require(found != references.essences.end(), "missing-essence-reference", place);
-    const AAFSourceEssence& essence = *found->second;
+void checkEvent(const AAFClipEvent& event, References& references, const Place& place) {
+    require(references.haveTrack(event.trackID), "missing-track-reference", place);
+    const AAFSourceEssence* const found = references.essence(event.essenceID);
+    require(found != nullptr, "missing-essence-reference", place);
+    const AAFSourceEssence& essence = *found;
     require(event.duration >= AAFRational::zero() && event.sourceStartSample >= 0,
             "negative-source-range", place);
     require(!event.sourceChannel ||
@@ -189,9 +197,9 @@ AAFRawTimelineValidation::Failure::Failure(std::string code, std::string object)
       description_("AAF raw model: " + code_ + " (" + object_ + ")") {}
 
 void AAFRawTimelineValidation::validate(const AAFTimeline& timeline) {
-    checkUniqueIdentities(timeline.tracks, "track");
-    checkUniqueIdentities(timeline.essences, "essence");
-    checkUniqueIdentities(timeline.events, "event");
+    const IdentityIndex<AAFTrackState> tracks = uniqueIdentities(timeline.tracks, "track");
+    const IdentityIndex<AAFSourceEssence> essences = uniqueIdentities(timeline.essences, "essence");
+    static_cast<void>(uniqueIdentities(timeline.events, "event"));
     require(timeline.clock.editRate > AAFRational::zero(), "invalid-edit-rate", Place::of("clock"));
     checkRate(timeline.clock.timecodeRate, Place::of("clock"));
     checkAddress(timeline.clock.timelineZero, Place::of("clock"));
@@ -206,7 +214,7 @@ void AAFRawTimelineValidation::validate(const AAFTimeline& timeline) {
     for (std::size_t index = 0; index < timeline.tracks.size(); ++index) {
         checkTrack(timeline.tracks[index], Place::at("track", index));
     }
-    const References references(timeline);
+    References references(tracks, essences);
     for (std::size_t index = 0; index < timeline.events.size(); ++index) {
         checkEvent(timeline.events[index], references, Place::at("event", index));
     }
