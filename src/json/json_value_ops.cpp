@@ -13,11 +13,14 @@ namespace {
 }  // namespace
 
 ValueSlot recordMember(Frame& frame, std::string_view key) {
-    for (std::size_t position = 0; position < frame.ops->fields.size(); ++position) {
+    std::size_t position = frame.likelyField;
+    for (std::size_t looked = 0; looked < frame.ops->fields.size(); ++looked) {
         const FieldSlot& field = frame.ops->fields[position];
         if (field.key != key) {
+            position = field.next;
             continue;
         }
+        frame.likelyField = field.next;
         const std::uint64_t bit = std::uint64_t{1} << position;
         if ((frame.seen & bit) != 0) {
             field.reset(frame.target);

@@ -1,3 +1,4 @@
+#include "identity_index.h"
 #include "validation_limits.h"
 
 #include <trellant/base/int128.h>
@@ -5,8 +6,6 @@
 
 #include <cmath>
 #include <limits>
-#include <unordered_map>
-#include <unordered_set>
 
 namespace trellant {
 
@@ -26,16 +25,17 @@ void require(bool holds, Problem problem, const Place& place) {
     }
 }
 
+/// The elements by their identities, which must all be different.
 template <class Element>
-void checkUniqueIdentities(const std::vector<Element>& elements, Place::Kind kind) {
-    std::unordered_set<std::string_view> seen;
-    seen.reserve(elements.size());
+[[nodiscard]] IdentityIndex<Element> uniqueIdentities(const std::vector<Element>& elements,
+                                                      Place::Kind kind) {
+    IdentityIndex<Element> seen(elements);
     for (std::size_t index = 0; index < elements.size(); ++index) {
-        const std::string& id = elements[index].id;
         const Place place{kind, index};
-        require(!id.empty(), Problem::emptyIdentity, place);
-        require(seen.insert(id).second, Problem::duplicateIdentity, place);
+        require(!elements[index].id.empty(), Problem::emptyIdentity, place);
+        require(seen.add(index), Problem::duplicateIdentity, place);
     }
+    return seen;
 }
 
 void checkRate(const AAFTimecodeRate& rate, const Place& place) {
@@ -127,27 +127,34 @@ void checkTrack(const AAFTrackState& track, const Place& place) {
            !(whole == smallest && rest < 0);
 }
 
-struct References {
-    std::unordered_set<std::string_view> trackIDs;
-    std::unordered_map<std::string_view, const AAFSourceEssence*> essences;
+/// What events refer to. Neighbours mostly share a track, which is then found without a look-up.
+class References {
+  public:
+    References(const IdentityIndex<AAFTrackState>& tracks,
+               const IdentityIndex<AAFSourceEssence>& essences)
+        : tracks_(tracks), essences_(essences) {}
 
-    explicit References(const AAFTimeline& timeline) {
-        trackIDs.reserve(timeline.tracks.size());
-        for (const AAFTrackState& track : timeline.tracks) {
-            trackIDs.insert(track.id);
+    [[nodiscard]] bool haveTrack(std::string_view id) {
+        if (lastTrack_ == nullptr || lastTrack_->id != id) {
+            lastTrack_ = tracks_.find(id);
         }
-        essences.reserve(timeline.essences.size());
-        for (const AAFSourceEssence& essence : timeline.essences) {
-            essences.emplace(essence.id, &essence);
-        }
+        return lastTrack_ != nullptr;
     }
+    [[nodiscard]] const AAFSourceEssence* essence(std::string_view id) const {
+        return essences_.find(id);
+    }
+
+  private:
+    const IdentityIndex<AAFTrackState>& tracks_;
+    const IdentityIndex<AAFSourceEssence>& essences_;
+    const AAFTrackState* lastTrack_ = nullptr;
 };
 
-void checkEvent(const AAFClipEvent& event, const References& references, const Place& place) {
-    require(references.trackIDs.contains(event.trackID), Problem::missingTrackReference, place);
-    const auto found = references.essences.find(event.essenceID);
-    require(found != references.essences.end(), Problem::missingEssenceReference, place);
-    const AAFSourceEssence& essence = *found->second;
+void checkEvent(const AAFClipEvent& event, References& references, const Place& place) {
+    require(references.haveTrack(event.trackID), Problem::missingTrackReference, place);
+    const AAFSourceEssence* const found = references.essence(event.essenceID);
+    require(found != nullptr, Problem::missingEssenceReference, place);
+    const AAFSourceEssence& essence = *found;
     require(event.duration >= AAFRational::zero() && event.sourceStartSample >= 0,
             Problem::negativeSourceRange, place);
     require(!event.sourceChannel ||
@@ -172,9 +179,11 @@ AAFRawTimelineValidation::Failure::Failure(AAFTimelineProblem problem,
       description_("AAF raw model: " + code_ + " (" + object_ + ")") {}
 
 void AAFRawTimelineValidation::validate(const AAFTimeline& timeline) {
-    checkUniqueIdentities(timeline.tracks, Place::Kind::track);
-    checkUniqueIdentities(timeline.essences, Place::Kind::essence);
-    checkUniqueIdentities(timeline.events, Place::Kind::event);
+    const IdentityIndex<AAFTrackState> tracks =
+        uniqueIdentities(timeline.tracks, Place::Kind::track);
+    const IdentityIndex<AAFSourceEssence> essences =
+        uniqueIdentities(timeline.essences, Place::Kind::essence);
+    static_cast<void>(uniqueIdentities(timeline.events, Place::Kind::event));
     const Place clock{Place::Kind::clock};
     require(timeline.clock.editRate > AAFRational::zero(), Problem::invalidEditRate, clock);
     checkRate(timeline.clock.timecodeRate, clock);
@@ -190,7 +199,7 @@ void AAFRawTimelineValidation::validate(const AAFTimeline& timeline) {
     for (std::size_t index = 0; index < timeline.tracks.size(); ++index) {
         checkTrack(timeline.tracks[index], Place::track(index));
     }
-    const References references(timeline);
+    References references(tracks, essences);
     for (std::size_t index = 0; index < timeline.events.size(); ++index) {
         checkEvent(timeline.events[index], references, Place::event(index));
     }

@@ -46,8 +46,19 @@ enum class RecordChecks {
 
 namespace jsonDecoding {
 
+/// A value that has its default, and what gives it back to it.
+struct RootSlot {
+    ValueSlot slot;
+    void (*reset)(void* target);
+};
+
+template <class T>
+[[nodiscard]] RootSlot rootOf(T& value) noexcept {
+    return {slotOf(value), [](void* target) { *static_cast<T*>(target) = T{}; }};
+}
+
 /// Fills `root` from the whole of `text`; what it holds after an error is unspecified.
-void decodeInto(std::string_view text, ValueSlot root, RecordChecks checks, const StopToken& stop);
+void decodeInto(std::string_view text, RootSlot root, RecordChecks checks, const StopToken& stop);
 
 }  // namespace jsonDecoding
 
@@ -58,7 +69,7 @@ template <class T>
 [[nodiscard]] T decodeJson(std::string_view text, RecordChecks checks = RecordChecks::validate,
                            const StopToken& stop = {}) {
     T value{};
-    jsonDecoding::decodeInto(text, jsonDecoding::slotOf(value), checks, stop);
+    jsonDecoding::decodeInto(text, jsonDecoding::rootOf(value), checks, stop);
     return value;
 }
 

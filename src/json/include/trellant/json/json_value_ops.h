@@ -60,6 +60,9 @@ struct FieldSlot {
     void* (*access)(void* record);
     /// Back to the default: the second of two equal keys replaces the first.
     void (*reset)(void* record);
+    /// The position of the field that follows when keys are sorted, as in most texts; the first one
+    /// follows the last.
+    std::size_t next;
 };
 
 /// What a kind of value takes. An operation that is absent is a JSON type that does not fit.
@@ -72,7 +75,7 @@ struct ValueOps {
 
     void (*setBoolean)(void* target, bool value) = nullptr;
     void (*setNumber)(void* target, const JsonNumber& number) = nullptr;
-    void (*setString)(void* target, std::string& text) = nullptr;
+    void (*setString)(void* target, std::string_view text) = nullptr;
     /// The next element of an array.
     ValueSlot (*element)(void* target) = nullptr;
     /// The value of a member of an object, and the object's end.
@@ -81,6 +84,8 @@ struct ValueOps {
     /// Runs after `endObject` when the checks of records were asked for.
     void (*check)(const void* target) = nullptr;
     std::span<const FieldSlot> fields{};
+    /// The position of the field that comes first when keys are sorted.
+    std::size_t firstField = 0;
 };
 
 /// An object or array that is being filled.
@@ -90,6 +95,8 @@ struct Frame {
     bool isArray = false;
     /// Which members were seen, one bit each.
     std::uint64_t seen = 0;
+    /// The field of a record to be looked at first.
+    std::size_t likelyField = 0;
     /// Where in the object or array the decoder stands, for the key path. The key lives in a table
     /// or in the map that is filled.
     std::optional<std::string_view> key;
@@ -149,8 +156,8 @@ struct OpsOf<double> {
 template <>
 struct OpsOf<std::string> {
     static constexpr ValueOps make() {
-        return {.expected = "a string", .setString = [](void* target, std::string& text) {
-                    static_cast<std::string*>(target)->swap(text);
+        return {.expected = "a string", .setString = [](void* target, std::string_view text) {
+                    static_cast<std::string*>(target)->assign(text);
                 }};
     }
 };
@@ -158,11 +165,11 @@ struct OpsOf<std::string> {
 template <>
 struct OpsOf<AAFURL> {
     static constexpr ValueOps make() {
-        return {.expected = "a URL", .setString = [](void* target, std::string& text) {
+        return {.expected = "a URL", .setString = [](void* target, std::string_view text) {
                     if (text.empty()) {
                         throw ValueFault{"the URL is empty"};
                     }
-                    static_cast<AAFURL*>(target)->text.swap(text);
+                    static_cast<AAFURL*>(target)->text.assign(text);
                 }};
     }
 };
@@ -190,7 +197,7 @@ struct OpsOf<P> {
 template <NamedEnum E>
 struct OpsOf<E> {
     static constexpr ValueOps make() {
-        return {.expected = "a string", .setString = [](void* target, std::string& text) {
+        return {.expected = "a string", .setString = [](void* target, std::string_view text) {
                     const std::optional<E> value = fromRawValue<E>(text);
                     if (!value) {
                         unknownRawValue(text);
@@ -233,6 +240,17 @@ struct OpsOf<M> {
     }
 };
 
+/// The position of the field that comes after the one at `position` when keys are sorted.
+template <Record R>
+[[nodiscard]] constexpr std::size_t sortedFieldAfter(std::size_t position) {
+    constexpr auto& order = fieldOrder<R, KeyOrder::sorted>;
+    std::size_t rank = 0;
+    while (order[rank] != position) {
+        ++rank;
+    }
+    return order[(rank + 1) % order.size()];
+}
+
 template <Record R, std::size_t I>
 [[nodiscard]] constexpr FieldSlot fieldSlot() {
     using Value = FieldValue<R, I>;
@@ -245,7 +263,8 @@ template <Record R, std::size_t I>
             .reset =
                 [](void* record) {
                     static_cast<R*>(record)->*std::get<I>(RecordFields<R>::fields).member = Value{};
-                }};
+                },
+            .next = sortedFieldAfter<R>(I)};
 }
 
 template <Record R>
@@ -262,6 +281,9 @@ struct OpsOf<R> {
                      .member = recordMember,
                      .endObject = endRecord,
                      .fields = fieldSlots<R>};
+        if constexpr (fieldCount < R >> 0) {
+            ops.firstField = fieldOrder<R, KeyOrder::sorted>[0];
+        }
         if constexpr (CheckedRecord<R>) {
             ops.check = [](const void* target) {
                 RecordCheck<R>::check(*static_cast<const R*>(target));
