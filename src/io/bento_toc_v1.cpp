@@ -4,23 +4,20 @@
 #include <trellant/io/bento_toc_entries.h>
 #include <trellant/io/errors.h>
 
-#include <variant>
-
 namespace trellant {
 
 BentoItemList decodeTocV1(ByteView toc, OMFByteOrder order) {
-    if (toc.size() % bentoEntrySize != 0) {
+    if (toc.size() % BentoEntry::size != 0) {
         throw OMFIOError::malformed("Bento 1.0d4 TOC is not a multiple of 24 bytes");
     }
     BentoItemList items;
-    items.reserve(toc.size() / bentoEntrySize);
-    for (std::size_t offset = 0; offset < toc.size(); offset += bentoEntrySize) {
-        const auto entry = readBentoEntry(toc.data() + offset, order);
-        const auto* const item = std::get_if<BentoPackedItem>(&entry);
-        if (item == nullptr) {
+    items.reserve(toc.size() / BentoEntry::size);
+    for (std::size_t offset = 0; offset < toc.size(); offset += BentoEntry::size) {
+        const BentoEntry entry(toc.data() + offset, order);
+        if (entry.isTooLong()) {
             throw OMFIOError::malformed("V1 immediate value longer than 4 bytes");
         }
-        items.append(*item);
+        items.append(entry.item());
     }
     return items;
 }

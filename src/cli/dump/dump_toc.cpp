@@ -49,17 +49,17 @@ class Window {
 };
 
 std::optional<TocFault> readEntries(Window& window, OMFByteOrder order, const TocTaker& take) {
-    for (std::uint64_t place = 0; place < window.size(); place += bentoEntrySize) {
-        const ByteView bytes = window.at(place, bentoEntrySize);
-        if (bytes.size() < bentoEntrySize) {
+    for (std::uint64_t place = 0; place < window.size(); place += BentoEntry::size) {
+        const ByteView bytes = window.at(place, BentoEntry::size);
+        if (bytes.size() < BentoEntry::size) {
             return TocFault{place, "the last entry is cut"};
         }
-        const auto entry = readBentoEntry(bytes.data(), order);
-        if (const auto* const fault = std::get_if<BentoEntryTooLong>(&entry)) {
-            return TocFault{place, "an entry holds " + std::to_string(fault->byteCount) +
+        const BentoEntry entry(bytes.data(), order);
+        if (entry.isTooLong()) {
+            return TocFault{place, "an entry holds " + std::to_string(entry.length()) +
                                        " bytes of its own, more than its 4"};
         }
-        if (!take(std::get<BentoPackedItem>(entry))) {
+        if (!take(entry.item())) {
             break;
         }
     }

@@ -15,38 +15,56 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <variant>
 
 namespace trellant {
 
-inline constexpr std::size_t bentoEntrySize = 24;
+/// One entry.
+class BentoEntry {
+  public:
+    static constexpr std::size_t size = 24;
 
-/// An entry claims to hold so many bytes of value itself, more than its 4.
-struct BentoEntryTooLong {
-    std::uint32_t byteCount;
-};
+    /// The 24 bytes at `bytes` outlive it.
+    BentoEntry(const std::byte* bytes, OMFByteOrder order) noexcept
+        : bytes_(bytes), order_(order) {}
 
-/// The item of the 24 bytes at `entry`, or what is wrong with them.
-[[nodiscard]] inline std::variant<BentoPackedItem, BentoEntryTooLong> readBentoEntry(
-    const std::byte* entry, OMFByteOrder order) noexcept {
-    constexpr unsigned immediateFlag = 1U << 0U;
-    constexpr unsigned continuedFlag = 1U << 1U;
-    BentoPackedItem item;
-    item.object = loadUnsigned<std::uint32_t>(entry, order);
-    item.property = loadUnsigned<std::uint32_t>(entry + 4, order);
-    item.type = loadUnsigned<std::uint32_t>(entry + 8, order);
-    item.generation = loadUnsigned<std::uint16_t>(entry + 20, order);
-    const auto length = loadUnsigned<std::uint32_t>(entry + 16, order);
-    const unsigned flags = loadUnsigned<std::uint16_t>(entry + 22, order);
-    item.continued = (flags & continuedFlag) != 0;
-    if ((flags & immediateFlag) == 0) {
-        item.setRange(loadUnsigned<std::uint32_t>(entry + 12, order), length);
-    } else if (length <= BentoPackedItem::immediateLimit) {
-        item.setImmediate(entry + 12, length);
-    } else {
-        return BentoEntryTooLong{length};
+    /// Bytes of its value.
+    [[nodiscard]] std::uint32_t length() const noexcept { return word(16); }
+    /// It claims to hold more bytes of value itself than there is room for, its one fault.
+    [[nodiscard]] bool isTooLong() const noexcept {
+        return isImmediate() && length() > BentoPackedItem::immediateLimit;
     }
-    return item;
-}
+
+    /// Of an entry that is not too long.
+    [[nodiscard]] BentoPackedItem item() const noexcept {
+        BentoPackedItem item;
+        item.object = word(0);
+        item.property = word(4);
+        item.type = word(8);
+        item.generation = halfWord(20);
+        item.continued = (flags() & continuedFlag) != 0;
+        if (isImmediate()) {
+            item.setImmediate(bytes_ + 12, length());
+        } else {
+            item.setRange(word(12), length());
+        }
+        return item;
+    }
+
+  private:
+    static constexpr unsigned immediateFlag = 1U << 0U;
+    static constexpr unsigned continuedFlag = 1U << 1U;
+
+    [[nodiscard]] unsigned flags() const noexcept { return halfWord(22); }
+    [[nodiscard]] bool isImmediate() const noexcept { return (flags() & immediateFlag) != 0; }
+    [[nodiscard]] std::uint16_t halfWord(std::size_t offset) const noexcept {
+        return loadUnsigned<std::uint16_t>(bytes_ + offset, order_);
+    }
+    [[nodiscard]] std::uint32_t word(std::size_t offset) const noexcept {
+        return loadUnsigned<std::uint32_t>(bytes_ + offset, order_);
+    }
+
+    const std::byte* bytes_;
+    OMFByteOrder order_;
+};
 
 }  // namespace trellant
