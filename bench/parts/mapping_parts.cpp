@@ -74,7 +74,7 @@ void resolve(benchmark::State& state, const std::string& path) {
     for (auto _ : state) {
         const auto mobs = document.mobMap();
         DataKinds kinds(reads);
-        SourceResolution sources(reads, mobs, kinds, notes);
+        SourceResolution sources(reads, mobs, kinds);
         for (const EventDraft& draft : drafts) {
             benchmark::DoNotOptimize(sources.resolveSourceClip(draft.object, tracks.rates.back(),
                                                                draft.sourceTrimStart));

@@ -15,19 +15,22 @@ void hold(std::uint64_t total, std::uint64_t most, const char* what) {
     }
 }
 
-}  // namespace
-
+/// `times` times the file's size and `extra`, as far as numbers go: what a request may ask for, in
+/// bytes, when it depends on what the file has.
 std::uint64_t allowanceFor(const OMFDocument& document, std::uint64_t times, std::uint64_t extra) {
     constexpr auto largest = std::numeric_limits<std::uint64_t>::max();
     const std::uint64_t size = document.bento().file().size();
     return size > (largest - extra) / times ? largest : times * size + extra;
 }
 
+}  // namespace
+
 BoundedReads::BoundedReads(const OMFDocument& document)
     : document_(document),
       maximumLongTextBytes_(allowanceFor(document, 1, extraLongTextBytes)),
       maximumTextBytes_(allowanceFor(document, 1, extraTextBytes)),
       maximumLongReads_(allowanceFor(document, timesTheFile, extraLongReads)),
+      maximumCopiedBytes_(allowanceFor(document, copiedTimesTheFile, extraCopiedBytes)),
       longReadsBefore_(document.bento().longReads()) {}
 
 std::vector<OMFObject> BoundedReads::objectRefs(OMFObject object, OMFDocument::Candidates names) {
@@ -46,6 +49,27 @@ std::optional<std::string> BoundedReads::string(OMFObject object, OMFDocument::C
         countText(text->size());
     }
     return text;
+}
+
+std::optional<Bytes> BoundedReads::head(OMFObject object, OMFProperty property,
+                                        std::int64_t maxBytes) const {
+    return document_.bento().valuePrefix(number(object), nameOf(property), maxBytes);
+}
+
+bool BoundedReads::copy(OMFObject object, OMFProperty property, const std::string& destination) {
+    countCopied(object, property);
+    return document_.bento().copyValue(number(object), nameOf(property), destination);
+}
+
+void BoundedReads::countCopied(OMFObject object, OMFProperty property) {
+    const auto& bento = document_.bento();
+    const std::uint64_t count = bento.copiedBytes(number(object), nameOf(property));
+    if (count > maximumCopiedBytes_ - copiedBytes_) {
+        throw OMFIOError::unsupported(
+            "embedded audio lies over itself: more than " + std::to_string(maximumCopiedBytes_) +
+            " bytes to extract from a file of " + std::to_string(bento.file().size()));
+    }
+    copiedBytes_ += count;
 }
 
 void BoundedReads::countReferences(std::uint64_t count) {

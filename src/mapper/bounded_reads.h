@@ -1,4 +1,5 @@
-// Reads of lists and texts, which may be long, with a bound on all of them together.
+// All that a mapping reads of a document's values: lists, texts and embedded audio, which may be
+// long, with a bound on all of them together, and the small values beside them.
 //
 // Values may lie over one another in a file: many small objects can each claim the same long list
 // or text, and a file of a megabyte could ask for work without end. Short lists need no bound: each
@@ -11,14 +12,10 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace trellant {
-
-/// `times` times the file's size and `extra`, as far as numbers go: what a request may ask for,
-/// in bytes, when it depends on what the file has.
-[[nodiscard]] std::uint64_t allowanceFor(const OMFDocument& document, std::uint64_t times,
-                                         std::uint64_t extra);
 
 class BoundedReads {
   public:
@@ -36,17 +33,66 @@ class BoundedReads {
     /// since some are read more than once, and these.
     static constexpr std::uint64_t timesTheFile = 16;
     static constexpr std::uint64_t extraLongReads = 2'147'483'648;
+    /// Embedded media may lie over one another: what is copied out of a file has at most so many
+    /// times its bytes, and these. Two media that share one value are no rarity.
+    static constexpr std::uint64_t copiedTimesTheFile = 16;
+    static constexpr std::uint64_t extraCopiedBytes = 67'108'864;
 
     /// `document` must outlive this.
     explicit BoundedReads(const OMFDocument& document);
-
-    [[nodiscard]] const OMFDocument& document() const noexcept { return document_; }
 
     /// As OMFDocument reads them. Past a bound both throw OMFIOError unsupported.
     [[nodiscard]] std::vector<OMFObject> objectRefs(OMFObject object,
                                                     OMFDocument::Candidates names);
     [[nodiscard]] std::optional<std::string> string(OMFObject object,
                                                     OMFDocument::Candidates names);
+
+    /// At most the first `maxBytes` bytes of a value (BentoContainer::valuePrefix).
+    [[nodiscard]] std::optional<Bytes> head(OMFObject object, OMFProperty property,
+                                            std::int64_t maxBytes) const;
+    /// Copies a value into a new file (BentoContainer::copyValue). Throws OMFIOError unsupported
+    /// when all that is copied would be too much for such a file.
+    [[nodiscard]] bool copy(OMFObject object, OMFProperty property, const std::string& destination);
+
+    /// Values of a few bytes as OMFDocument reads them: each costs its object, they need no bound.
+    [[nodiscard]] std::optional<std::int16_t> int16(OMFObject object,
+                                                    OMFDocument::Candidates names) const {
+        return document_.int16(object, names);
+    }
+    [[nodiscard]] std::optional<std::int32_t> int32(OMFObject object,
+                                                    OMFDocument::Candidates names) const {
+        return document_.int32(object, names);
+    }
+    [[nodiscard]] std::optional<std::uint32_t> uint32(OMFObject object,
+                                                      OMFDocument::Candidates names) const {
+        return document_.uint32(object, names);
+    }
+    [[nodiscard]] std::optional<std::int64_t> int64(OMFObject object,
+                                                    OMFDocument::Candidates names) const {
+        return document_.int64(object, names);
+    }
+    [[nodiscard]] std::optional<OMFRationalValue> rational(OMFObject object,
+                                                           OMFDocument::Candidates names) const {
+        return document_.rational(object, names);
+    }
+    [[nodiscard]] std::optional<OMFUID> uid(OMFObject object, OMFDocument::Candidates names) const {
+        return document_.uid(object, names);
+    }
+    [[nodiscard]] std::optional<OMFObject> objectRef(OMFObject object,
+                                                     OMFDocument::Candidates names) const {
+        return document_.objectRef(object, names);
+    }
+
+    /// Classes were read when the document was opened.
+    [[nodiscard]] std::optional<std::string_view> classID(OMFObject object) const noexcept {
+        return document_.classID(object);
+    }
+    [[nodiscard]] OMFClass classOf(OMFObject object) const noexcept {
+        return document_.classOf(object);
+    }
+    [[nodiscard]] std::vector<OMFObject> objects(std::string_view ofClass) const {
+        return document_.objects(ofClass);
+    }
 
     /// Counts what was read from a list once and is given out again.
     void countReferences(std::uint64_t count);
@@ -57,15 +103,19 @@ class BoundedReads {
     void checkWork() const;
 
   private:
+    void countCopied(OMFObject object, OMFProperty property);
+
     const OMFDocument& document_;
     std::uint64_t maximumLongTextBytes_;
     std::uint64_t maximumTextBytes_;
     std::uint64_t maximumLongReads_;
+    std::uint64_t maximumCopiedBytes_;
     /// Of the document when this began.
     std::uint64_t longReadsBefore_;
     std::uint64_t references_ = 0;
     std::uint64_t textBytes_ = 0;
     std::uint64_t longTextBytes_ = 0;
+    std::uint64_t copiedBytes_ = 0;
 };
 
 }  // namespace trellant

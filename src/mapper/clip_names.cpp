@@ -14,7 +14,7 @@ std::optional<std::string> ClipNames::nameOf(OMFObject clip) {
     if (auto name = reads_.string(clip, {OMFProperty::componentName})) {
         return name;
     }
-    const auto attributes = document_.objectRef(clip, {OMFProperty::componentAttributes});
+    const auto attributes = reads_.objectRef(clip, {OMFProperty::componentAttributes});
     return attributes ? attributeString(*attributes, 0) : std::nullopt;
 }
 
@@ -43,7 +43,7 @@ std::optional<std::string> ClipNames::searchList(OMFObject unter, int tiefe) {
                 return text;
             }
         }
-        if (const auto list = document_.objectRef(attribute, {OMFProperty::attributeObject})) {
+        if (const auto list = reads_.objectRef(attribute, {OMFProperty::attributeObject})) {
             if (auto text = attributeString(*list, tiefe + 1)) {
                 return text;
             }

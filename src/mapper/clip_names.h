@@ -19,7 +19,7 @@ class ClipNames {
     static constexpr int maximumLevels = 4;
 
     /// `reads` must outlive this.
-    explicit ClipNames(BoundedReads& reads) : document_(reads.document()), reads_(reads) {}
+    explicit ClipNames(BoundedReads& reads) : reads_(reads) {}
 
     /// The component's own name, else its attribute "Name".
     [[nodiscard]] std::optional<std::string> nameOf(OMFObject clip);
@@ -30,7 +30,6 @@ class ClipNames {
     [[nodiscard]] std::optional<std::string> attributeString(OMFObject unter, int tiefe);
     [[nodiscard]] std::optional<std::string> searchList(OMFObject unter, int tiefe);
 
-    const OMFDocument& document_;
     BoundedReads& reads_;
     /// Attributes looked at so far. Lists may share lists: what took long is remembered, by list
     /// and level, so that a clip costs no more than the lists hold.

@@ -8,10 +8,10 @@ namespace trellant {
 
 namespace {
 
-std::optional<OMFObject> firstComposition(const OMFDocument& document,
+std::optional<OMFObject> firstComposition(const BoundedReads& reads,
                                           const std::vector<OMFObject>& mobs) {
     const auto found = std::find_if(mobs.begin(), mobs.end(), [&](OMFObject mob) {
-        return document.classOf(mob) == OMFClass::compositionMob;
+        return reads.classOf(mob) == OMFClass::compositionMob;
     });
     if (found == mobs.end()) {
         return std::nullopt;
@@ -19,18 +19,18 @@ std::optional<OMFObject> firstComposition(const OMFDocument& document,
     return *found;
 }
 
-std::optional<CompositionClock> clockOfTimecode(const OMFDocument& document, OMFObject slot,
+std::optional<CompositionClock> clockOfTimecode(const BoundedReads& reads, OMFObject slot,
                                                 OMFObject timecode) {
-    const auto storedFPS = document.int16(timecode, {OMFProperty::timecodeFPS}).value_or(25);
+    const auto storedFPS = reads.int16(timecode, {OMFProperty::timecodeFPS}).value_or(25);
     const std::int64_t fps = storedFPS < 2 ? 1 : storedFPS;
-    const bool drop = document.int16(timecode, {OMFProperty::timecodeDrop}).value_or(0) != 0;
+    const bool drop = reads.int16(timecode, {OMFProperty::timecodeDrop}).value_or(0) != 0;
     if (drop && fps != 30 && fps != 60) {
         return std::nullopt;
     }
     const AAFRational exactRate = drop ? AAFRational(fps * 1000, 1001) : AAFRational(fps);
     AAFRational editRate = exactRate;
     AAFRational timecodeRate = exactRate;
-    if (const auto stored = document.rational(slot, {OMFProperty::slotEditRate})) {
+    if (const auto stored = reads.rational(slot, {OMFProperty::slotEditRate})) {
         editRate = stored->aaf();
         if (editRate > AAFRational::zero() &&
             editRate.numerator() / editRate.denominator() == fps) {
@@ -38,8 +38,8 @@ std::optional<CompositionClock> clockOfTimecode(const OMFDocument& document, OMF
         }
     }
     const AAFTimecodeRate rate(timecodeRate, fps, drop);
-    const auto start = std::max<std::int64_t>(
-        document.int64(timecode, {OMFProperty::timecodeStart}).value_or(0), 0);
+    const auto start =
+        std::max<std::int64_t>(reads.int64(timecode, {OMFProperty::timecodeStart}).value_or(0), 0);
     const auto address = AAFTimecodeAddress::fromAbsoluteFrameNumber(start, rate);
     return CompositionClock{
         .clock = {.editRate = editRate, .timecodeRate = rate, .timelineZero = address},
@@ -49,20 +49,22 @@ std::optional<CompositionClock> clockOfTimecode(const OMFDocument& document, OMF
 }  // namespace
 
 OMFObject chooseComposition(const OMFDocument& document) {
+    // On bounds of its own, which two lists never reach.
+    BoundedReads reads(document);
     const auto header = document.headerObject();
     for (const auto list : {OMFProperty::headPrimaryMobs, OMFProperty::headMobs}) {
-        if (const auto mob = firstComposition(document, document.objectRefs(header, {list}))) {
+        if (const auto mob = firstComposition(reads, reads.objectRefs(header, {list}))) {
             return *mob;
         }
     }
-    const auto compositions = document.objects("CMOB");
+    const auto compositions = reads.objects("CMOB");
     if (compositions.empty()) {
         throw OMFIOError::malformed("no Composition Mob (CMOB) found");
     }
     return compositions.front();
 }
 
-CompositionClock clockOf(const OMFDocument& document, const std::vector<OMFObject>& slots,
+CompositionClock clockOf(const BoundedReads& reads, const std::vector<OMFObject>& slots,
                          const std::vector<OMFObject>& segments) {
     const CompositionClock standard{
         .clock = {.editRate = AAFRational(25),
@@ -70,13 +72,13 @@ CompositionClock clockOf(const OMFDocument& document, const std::vector<OMFObjec
                   .timelineZero = AAFTimecodeAddress(0, 0, 0, 0, AAFTimecodeRate::fps25())},
         .explicitProgramStart = std::nullopt};
     const auto timecode = std::find_if(segments.begin(), segments.end(), [&](OMFObject segment) {
-        return segment != OMFObject::none && document.classOf(segment) == OMFClass::timecode;
+        return segment != OMFObject::none && reads.classOf(segment) == OMFClass::timecode;
     });
     if (timecode == segments.end()) {
         return standard;
     }
     const auto slot = slots[static_cast<std::size_t>(timecode - segments.begin())];
-    return clockOfTimecode(document, slot, *timecode).value_or(standard);
+    return clockOfTimecode(reads, slot, *timecode).value_or(standard);
 }
 
 }  // namespace trellant

@@ -1,6 +1,8 @@
 // Which composition is read, and what clock it runs by.
 #pragma once
 
+#include "bounded_reads.h"
+
 #include <trellant/model/timecode.h>
 #include <trellant/omf/document.h>
 
@@ -21,7 +23,7 @@ struct CompositionClock {
 };
 
 /// The clock of the first slot that holds a timecode segment; `segments` by slot.
-[[nodiscard]] CompositionClock clockOf(const OMFDocument& document,
+[[nodiscard]] CompositionClock clockOf(const BoundedReads& reads,
                                        const std::vector<OMFObject>& slots,
                                        const std::vector<OMFObject>& segments);
 

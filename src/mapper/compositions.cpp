@@ -13,7 +13,7 @@ AAFComposition describe(BoundedReads& reads, OMFObject object) {
     AAFComposition result{.object = object,
                           .name = reads.string(object, {OMFProperty::mobName}),
                           .slotCount = reads.objectRefs(object, {OMFProperty::mobSlots}).size()};
-    if (const auto id = reads.document().uid(object, {OMFProperty::mobID})) {
+    if (const auto id = reads.uid(object, {OMFProperty::mobID})) {
         result.mobID = id->description();
     }
     return result;

@@ -16,7 +16,7 @@ bool DataKinds::isSound(OMFObject segment) {
 }
 
 const std::optional<std::string>& DataKinds::kindOf(OMFObject segment) {
-    const auto definition = reads_.document().objectRef(segment, {OMFProperty::componentDataKind});
+    const auto definition = reads_.objectRef(segment, {OMFProperty::componentDataKind});
     if (!definition) {
         return unreadable_;
     }

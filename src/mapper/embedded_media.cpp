@@ -1,3 +1,5 @@
+#include "bounded_reads.h"
+
 #include <trellant/base/numbered_name.h>
 #include <trellant/base/printable_text.h>
 #include <trellant/base/url.h>
@@ -50,12 +52,11 @@ std::unordered_map<std::string, Media> audioMedia(const OMFDocument& document) {
     return media;
 }
 
-std::string nameOfMedia(const OMFDocument& document, const OMFDocument::MobMap& mobs,
-                        OMFObject object) {
-    const auto mobID = document.uid(object, {OMFProperty::mediaMobID});
+std::string nameOfMedia(BoundedReads& reads, const OMFDocument::MobMap& mobs, OMFObject object) {
+    const auto mobID = reads.document().uid(object, {OMFProperty::mediaMobID});
     const auto mob = mobID ? mobs.find(*mobID) : mobs.end();
     const auto name =
-        mob == mobs.end() ? std::nullopt : document.string(mob->second, {OMFProperty::mobName});
+        mob == mobs.end() ? std::nullopt : reads.string(mob->second, {OMFProperty::mobName});
     return name ? printableText(*name, longestShownName)
                 : "object " + std::to_string(number(object));
 }
@@ -148,6 +149,7 @@ UnusedMedia unusedMedia(const OMFDocument& document, const AAFTimeline& timeline
         }
     }
     UnusedMedia unused;
+    BoundedReads reads(document);
     OMFDocument::MobMap mobs;
     for (const char* const kind : {"WAVE", "AIFC"}) {
         for (const OMFObject object : document.objects(kind)) {
@@ -158,7 +160,7 @@ UnusedMedia unusedMedia(const OMFDocument& document, const AAFTimeline& timeline
                 mobs = document.mobMap();
             }
             if (unused.count++ < namedUnused) {
-                unused.names.push_back(nameOfMedia(document, mobs, object));
+                unused.names.push_back(nameOfMedia(reads, mobs, object));
             }
         }
     }

@@ -19,11 +19,6 @@ constexpr std::int64_t fallbackSampleRate = 48'000;
 /// these again for each would cost mobs times locators.
 constexpr std::size_t fewLocators = 16;
 
-/// Embedded media may lie over one another: what is taken out of a file has at most so many times
-/// its bytes, and these. Two media that share one value are no rarity.
-constexpr std::uint64_t mostTimesTheFile = 16;
-constexpr std::uint64_t freeBytes = 67'108'864;
-
 /// The file that a locator's path names when it can be tried as it stands.
 std::optional<std::string> directPath(const std::string& locator) {
     constexpr std::string_view scheme = "file:";
@@ -52,8 +47,7 @@ struct Essences::EmbeddedMedia {
 
 Essences::Essences(BoundedReads& reads, const OMFDocument::MobMap& mediaMap,
                    const MappingPlaces& places, MappingNotes& notes)
-    : document_(reads.document()),
-      reads_(reads),
+    : reads_(reads),
       mediaMap_(mediaMap),
       notes_(notes),
       extract_(places.extract),
@@ -64,10 +58,8 @@ const AAFSourceEssence* Essences::makeEssence(const ResolvedSource& source) {
     if (const auto known = essenceCache_.find(source.mob); known != essenceCache_.end()) {
         return &known->second;
     }
-    const auto descriptor = document_.objectRef(source.mob, {OMFProperty::sourceMobDescription});
+    const auto descriptor = reads_.objectRef(source.mob, {OMFProperty::sourceMobDescription});
     if (!descriptor) {
-        notes_.giveReason(LossKind::clipMediaUndescribed,
-                          "the Source Mob carries no media descriptor");
         return nullptr;
     }
     auto name = reads_.string(source.mob, {OMFProperty::mobName});
@@ -75,7 +67,7 @@ const AAFSourceEssence* Essences::makeEssence(const ResolvedSource& source) {
     auto media =
         embedded ? takeEmbedded(*embedded, source.mobID, name) : findExternal(*descriptor, name);
     const auto format = media.format.value_or(AudioFormatInfo{});
-    const auto describedRate = document_.rational(*descriptor, {OMFProperty::fileSampleRate});
+    const auto describedRate = reads_.rational(*descriptor, {OMFProperty::fileSampleRate});
     const auto uid = source.mobID.description();
     AAFSourceEssence essence{
         .id = "omf-essence-" + uid,
@@ -92,7 +84,7 @@ const AAFSourceEssence* Essences::makeEssence(const ResolvedSource& source) {
         essence.fileURL = fileURL(*media.path);
     }
     if (!essence.codec) {
-        essence.codec = document_.classID(*descriptor).value_or("MDES");
+        essence.codec = reads_.classID(*descriptor).value_or("MDES");
     }
     const auto& kept = essenceCache_.emplace(source.mob, std::move(essence)).first->second;
     reportMissing(source.mob, kept);
@@ -118,7 +110,7 @@ std::optional<Essences::EmbeddedMedia> Essences::embeddedMedia(const OMFUID& mob
     if (media == mediaMap_.end()) {
         return std::nullopt;
     }
-    const auto kind = document_.classOf(media->second);
+    const auto kind = reads_.classOf(media->second);
     if (kind == OMFClass::waveMedia) {
         return EmbeddedMedia{media->second, OMFProperty::waveAudioData, "wav"};
     }
@@ -135,9 +127,7 @@ Essences::FoundMedia Essences::takeEmbedded(const EmbeddedMedia& media, const OM
     }
     FoundMedia found;
     try {
-        const auto header =
-            document_.bento().valuePrefix(number(media.object), nameOf(media.data), headerPrefix);
-        if (header) {
+        if (const auto header = reads_.head(media.object, media.data, headerPrefix)) {
             found.format = AudioProbe::probe(*header);
         }
     } catch (const OMFIOError&) {
@@ -151,8 +141,7 @@ Essences::FoundMedia Essences::takeEmbedded(const EmbeddedMedia& media, const OM
 Essences::FoundMedia Essences::extract(const EmbeddedMedia& media, std::string_view name) {
     const auto base = safeName(withoutExtension(lastPathComponent(name)));
     auto path = names_.uniqueURL(base, media.extension);
-    countExtracted(media);
-    if (!document_.bento().copyValue(number(media.object), nameOf(media.data), path)) {
+    if (!reads_.copy(media.object, media.data, path)) {
         return {};
     }
     FoundMedia found{.format = AudioProbe::probeFile(path)};
@@ -163,18 +152,6 @@ Essences::FoundMedia Essences::extract(const EmbeddedMedia& media, std::string_v
     search_.fileAppeared(path);
     found.path = std::move(path);
     return found;
-}
-
-void Essences::countExtracted(const EmbeddedMedia& media) {
-    const auto& bento = document_.bento();
-    const std::uint64_t most = allowanceFor(document_, mostTimesTheFile, freeBytes);
-    const std::uint64_t count = bento.copiedBytes(number(media.object), nameOf(media.data));
-    if (count > most - extractedBytes_) {
-        throw OMFIOError::unsupported("embedded audio lies over itself: more than " +
-                                      std::to_string(most) + " bytes to extract from a file of " +
-                                      std::to_string(bento.file().size()));
-    }
-    extractedBytes_ += count;
 }
 
 Essences::FoundMedia Essences::findExternal(OMFObject descriptor,
@@ -224,7 +201,7 @@ Essences::FoundMedia Essences::followLocators(OMFObject descriptor) {
                 break;
             }
         }
-        if (!found.originalPath && document_.classOf(locator) == OMFClass::macLocator) {
+        if (!found.originalPath && reads_.classOf(locator) == OMFClass::macLocator) {
             found.originalPath = reads_.string(locator, {OMFProperty::macLocatorFileName});
         }
     }

@@ -12,7 +12,6 @@
 #include <trellant/omf/audio_probe.h>
 #include <trellant/omf/document.h>
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -26,10 +25,10 @@ class Essences {
     Essences(BoundedReads& reads, const OMFDocument::MobMap& mediaMap, const MappingPlaces& places,
              MappingNotes& notes);
 
-    /// The essence of a source, made at the first call for its mob; null (with the reason in the
-    /// notes) when the mob describes no media. An essence whose media cannot be found is returned
-    /// without a file. Throws what the copy out of the container throws, and unsupported for a file
-    /// whose embedded audio, lying over itself, would fill a disk.
+    /// The essence of a source, made at the first call for its mob; null when the mob describes no
+    /// media. An essence whose media cannot be found is returned without a file. Throws what the
+    /// copy out of the container throws, and unsupported for a file whose embedded audio, lying
+    /// over itself, would fill a disk.
     [[nodiscard]] const AAFSourceEssence* makeEssence(const ResolvedSource& source);
 
     /// All essences made, by ascending id.
@@ -49,8 +48,6 @@ class Essences {
     [[nodiscard]] FoundMedia takeEmbedded(const EmbeddedMedia& media, const OMFUID& mobID,
                                           const std::optional<std::string>& name);
     [[nodiscard]] FoundMedia extract(const EmbeddedMedia& media, std::string_view name);
-    /// Throws OMFIOError unsupported when all that is taken out would be too much for such a file.
-    void countExtracted(const EmbeddedMedia& media);
     [[nodiscard]] FoundMedia findExternal(OMFObject descriptor,
                                           const std::optional<std::string>& name);
     /// Path and original path; the format is left open.
@@ -60,12 +57,10 @@ class Essences {
     [[nodiscard]] FoundMedia followLocators(OMFObject descriptor);
     void reportMissing(OMFObject mob, const AAFSourceEssence& essence);
 
-    const OMFDocument& document_;
     BoundedReads& reads_;
     const OMFDocument::MobMap& mediaMap_;
     MappingNotes& notes_;
     bool extract_;
-    std::uint64_t extractedBytes_ = 0;
     UniqueNames names_;
     MediaSearch search_;
     std::unordered_map<OMFObject, AAFSourceEssence> essenceCache_;

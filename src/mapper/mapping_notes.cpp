@@ -2,6 +2,8 @@
 
 #include <trellant/io/errors.h>
 
+#include <array>
+#include <cstdio>
 #include <string>
 #include <utility>
 
@@ -69,13 +71,17 @@ void MappingNotes::placeCut(RecordIndex record, const AAFRational& cut, const Lo
 void MappingNotes::enterClip(OMFObject clip, const LossRange& range) {
     clip_ = clip;
     clipRange_ = range;
-    verlustGrund.reset();
-    reasonKind = LossKind::clipUnresolved;
 }
 
-void MappingNotes::giveReason(LossKind kind, std::string text) {
-    reasonKind = kind;
-    verlustGrund = std::move(text);
+std::string fixedPoint(double value, int decimals) {
+    // Room for the largest time: 20 digits, point, decimals.
+    std::array<char, 64> text{};
+    static_cast<void>(std::snprintf(text.data(), text.size(), "%.*f", decimals, value));
+    return text.data();
+}
+
+std::string secondsText(const AAFRational& seconds) {
+    return fixedPoint(seconds.doubleValue(), 3) + " s";
 }
 
 }  // namespace trellant

@@ -1,5 +1,5 @@
 // What a mapping has to say beside the timeline: the records of what was lost, where on the
-// timeline that lies, the diagnostics, and the reason of the loss in hand. The one door for losses.
+// timeline that lies, and the diagnostics. The one door for losses.
 #pragma once
 
 #include "object_path.h"
@@ -57,10 +57,8 @@ class MappingNotes {
     [[nodiscard]] Loss lossOfClip(LossKind kind) const {
         return {.kind = kind, .range = clipRange_, .clip = clip_};
     }
-    /// Takes a clip in hand, with nothing said against it yet.
+    /// Takes a clip in hand.
     void enterClip(OMFObject clip, const LossRange& range);
-    /// Says why the clip in hand is lost.
-    void giveReason(LossKind kind, std::string text);
 
     void diagnose(std::string line);
 
@@ -72,10 +70,6 @@ class MappingNotes {
     }
     /// One for each record, without the names of clips; none when no places are kept.
     [[nodiscard]] std::vector<LossPlace> takePlaces() noexcept { return std::move(places_); }
-
-    /// Why the clip in hand is lost, as words and as a kind; set where its resolution fails.
-    std::optional<std::string> verlustGrund;
-    LossKind reasonKind = LossKind::clipUnresolved;
 
   private:
     void count(std::uint64_t bytes);
@@ -93,5 +87,10 @@ class MappingNotes {
     std::unordered_set<std::string> pathsRecordedOnce_;
     std::uint64_t noteBytes_ = 0;
 };
+
+/// As diagnostics write numbers.
+[[nodiscard]] std::string fixedPoint(double value, int decimals);
+/// "2.300 s".
+[[nodiscard]] std::string secondsText(const AAFRational& seconds);
 
 }  // namespace trellant

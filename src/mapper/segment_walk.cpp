@@ -1,5 +1,7 @@
 #include "segment_walk.h"
 
+#include "fades.h"
+
 #include <trellant/io/errors.h>
 
 #include <algorithm>
@@ -33,7 +35,7 @@ AAFRational SegmentWalk::silence(LossKind kind, std::string_view message, const 
 
 std::int64_t SegmentWalk::lengthEditUnits(OMFObject component) const {
     return std::max<std::int64_t>(
-        document_.int64(component, {OMFProperty::componentLength}).value_or(0), 0);
+        reads_.int64(component, {OMFProperty::componentLength}).value_or(0), 0);
 }
 
 AAFRational SegmentWalk::lengthSeconds(OMFObject component, const AAFRational& rate) const {
@@ -41,7 +43,7 @@ AAFRational SegmentWalk::lengthSeconds(OMFObject component, const AAFRational& r
 }
 
 std::string_view SegmentWalk::className(OMFObject object) const {
-    return document_.classID(object).value_or("????");
+    return reads_.classID(object).value_or("????");
 }
 
 SegmentWalk::SharedList SegmentWalk::scopeSlots(OMFObject scope) {
@@ -62,7 +64,7 @@ AAFRational SegmentWalk::flatten(OMFObject segment, const WalkPlace& place, Even
         return silence(LossKind::nestingTooDeep, "composition nesting exceeds depth limit",
                        place.path, segment, place);
     }
-    const auto kind = document_.classOf(segment);
+    const auto kind = reads_.classOf(segment);
     switch (kind) {
         case OMFClass::sourceClip: {
             const auto duration = lengthSeconds(segment, place.rate);
@@ -70,8 +72,10 @@ AAFRational SegmentWalk::flatten(OMFObject segment, const WalkPlace& place, Even
                 return duration;
             }
             const LossRange placed{place.timelineBase, duration};
-            auto fadeIn = fade(segment, AAFFade::Direction::fadeIn, place.rate, placed);
-            auto fadeOut = fade(segment, AAFFade::Direction::fadeOut, place.rate, placed);
+            auto fadeIn =
+                clipFade(reads_, *notes_, segment, AAFFade::Direction::fadeIn, place.rate, placed);
+            auto fadeOut =
+                clipFade(reads_, *notes_, segment, AAFFade::Direction::fadeOut, place.rate, placed);
             drafts.push_back({.object = segment,
                               .timelineStart = place.timelineBase,
                               .duration = duration,
@@ -132,7 +136,7 @@ AAFRational SegmentWalk::flatten(OMFObject segment, const WalkPlace& place, Even
 AAFRational SegmentWalk::flattenSelector(OMFObject selector, const WalkPlace& place,
                                          EventDrafts& drafts) {
     const ObjectPath path(place.path, "SLCT", selector);
-    if (const auto selected = document_.objectRef(selector, {OMFProperty::selectorSelected})) {
+    if (const auto selected = reads_.objectRef(selector, {OMFProperty::selectorSelected})) {
         return flatten(*selected,
                        {place.rate, place.timelineBase, path, place.scopes, place.depth + 1},
                        drafts);
@@ -158,7 +162,7 @@ AAFRational SegmentWalk::flattenNestedScope(OMFObject scope, const WalkPlace& pl
 AAFRational SegmentWalk::flattenScopeReference(OMFObject reference, const WalkPlace& place,
                                                EventDrafts& drafts) {
     const ObjectPath path(place.path, "SREF", reference);
-    const auto outward = document_.int32(reference, {OMFProperty::scopeReferenceScope}).value_or(0);
+    const auto outward = reads_.int32(reference, {OMFProperty::scopeReferenceScope}).value_or(0);
     const ScopeFrame* frame = outward < 0 ? nullptr : place.scopes;
     for (std::int32_t step = 0; step < outward && frame != nullptr; ++step) {
         frame = frame->outer;
@@ -169,7 +173,7 @@ AAFRational SegmentWalk::flattenScopeReference(OMFObject reference, const WalkPl
     }
     const std::int64_t target =
         frame->currentIndex -
-        document_.int32(reference, {OMFProperty::scopeReferenceSlot}).value_or(0);
+        reads_.int32(reference, {OMFProperty::scopeReferenceSlot}).value_or(0);
     const auto& segments = *frame->segments;
     if (target < 0 || target >= static_cast<std::int64_t>(segments.size()) ||
         segments[static_cast<std::size_t>(target)] == OMFObject::none) {

@@ -1,7 +1,8 @@
 // A sequence: components one after the other, with transitions between them. A plain linear
 // dissolve overlaps its neighbours and becomes their fades; any other transition is played as the
 // cut that it names, its neighbours trimmed to the cut point.
-#include "walk_parts.h"
+#include "fades.h"
+#include "segment_walk.h"
 
 #include <algorithm>
 
@@ -23,18 +24,39 @@ std::int64_t shortened(std::int64_t length, std::int64_t trim) {
 
 }  // namespace
 
-AAFFade dissolveFade(AAFFade::Direction direction, const AAFRational& duration) {
-    return {.direction = direction,
-            .duration = duration,
-            .curve = AAFAutomationInterpolation::linear()};
-}
+struct SegmentWalk::Transition {
+    OMFObject object = OMFObject::none;
+    /// Seconds of overlap; absent when the transition is a cut.
+    std::optional<AAFRational> dissolve{};
+    /// Edit units that a cut takes from the head of the next and the tail of the previous
+    /// component.
+    std::int64_t headTrim = 0;
+    std::int64_t tailTrim = 0;
+};
+
+struct SegmentWalk::Component {
+    OMFObject object = OMFObject::none;
+    std::size_t index = 0;
+    /// Edit units.
+    std::int64_t headTrim = 0;
+    std::int64_t tailTrim = 0;
+    std::int64_t effectiveLength = 0;
+    /// Seconds.
+    std::optional<AAFRational> dissolveIn{};
+    std::optional<AAFRational> dissolveOut{};
+    /// Seconds from the timeline's zero.
+    AAFRational position{};
+    /// The record of the transition after it that is played as a cut, to be placed once the
+    /// component's end is known.
+    std::optional<MappingNotes::RecordIndex> cutAtEnd{};
+};
 
 SegmentWalk::Transition SegmentWalk::readTransition(OMFObject transition, const AAFRational& rate) {
-    Transition result{.object = transition,
-                      .dissolve = simpleLinearDissolveDuration(transition, rate)};
-    if (!result.dissolve) {
-        result.headTrim =
-            atLeastZero(document_.int64(transition, {OMFProperty::transitionCutPoint}));
+    Transition result{.object = transition};
+    if (dissolves_.isSimpleLinear(transition)) {
+        result.dissolve = lengthSeconds(transition, rate);
+    } else {
+        result.headTrim = atLeastZero(reads_.int64(transition, {OMFProperty::transitionCutPoint}));
         result.tailTrim = shortened(lengthEditUnits(transition), result.headTrim);
     }
     return result;
@@ -90,8 +112,10 @@ SegmentWalk::Component SegmentWalk::readComponent(OMFObject component, std::size
 void SegmentWalk::placeClip(const Component& component, const WalkPlace& place,
                             EventDrafts& drafts) {
     const LossRange placed{component.position, seconds(component.effectiveLength, place.rate)};
-    auto fadeIn = fade(component.object, AAFFade::Direction::fadeIn, place.rate, placed);
-    auto fadeOut = fade(component.object, AAFFade::Direction::fadeOut, place.rate, placed);
+    auto fadeIn =
+        clipFade(reads_, *notes_, component.object, AAFFade::Direction::fadeIn, place.rate, placed);
+    auto fadeOut = clipFade(reads_, *notes_, component.object, AAFFade::Direction::fadeOut,
+                            place.rate, placed);
     const auto combine = [&](Boxed<AAFFade>& own, const std::optional<AAFRational>& dissolve,
                              AAFFade::Direction direction, const char* conflict) {
         if (!dissolve) {
@@ -170,7 +194,7 @@ AAFRational SegmentWalk::flattenSequence(OMFObject sequence, const WalkPlace& pl
     const auto components = reads_.objectRefs(sequence, {OMFProperty::sequenceComponents});
     const auto isTransition = [&](std::size_t index) {
         return index < components.size() &&
-               document_.classOf(components[index]) == OMFClass::transition;
+               reads_.classOf(components[index]) == OMFClass::transition;
     };
     auto position = place.timelineBase;
     std::optional<Transition> incoming;
@@ -190,7 +214,7 @@ AAFRational SegmentWalk::flattenSequence(OMFObject sequence, const WalkPlace& pl
         const WalkPlace here{place.rate, position, path, place.scopes, place.depth};
         const auto component = readComponent(components[i], i, incoming ? &*incoming : nullptr,
                                              outgoing ? &*outgoing : nullptr, here);
-        const auto kind = document_.classOf(component.object);
+        const auto kind = reads_.classOf(component.object);
         if (kind == OMFClass::sourceClip || kind == OMFClass::filler) {
             countVisit();
             if (kind == OMFClass::sourceClip && !onlyCounts()) {

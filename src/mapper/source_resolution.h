@@ -3,8 +3,8 @@
 #pragma once
 
 #include "bounded_reads.h"
+#include "clip_loss.h"
 #include "data_kinds.h"
-#include "mapping_notes.h"
 
 #include <trellant/omf/document.h>
 
@@ -12,6 +12,7 @@
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>
+#include <variant>
 #include <vector>
 
 namespace trellant {
@@ -28,21 +29,21 @@ struct ResolvedSource {
     bool channelDefaulted = false;
 };
 
+using SourceOrLoss = std::variant<ResolvedSource, ClipLoss>;
+
 class SourceResolution {
   public:
     /// Source Clips followed in one chain.
     static constexpr std::size_t maximumDepth = 32;
 
     /// All must outlive this. Walks all Source Mobs once.
-    SourceResolution(BoundedReads& reads, const OMFDocument::MobMap& mobMap, DataKinds& dataKinds,
-                     MappingNotes& notes);
+    SourceResolution(BoundedReads& reads, const OMFDocument::MobMap& mobMap, DataKinds& dataKinds);
 
     /// `rate`: edit units per second in which the clip's start counts; `initialTrim`: seconds cut
-    /// from the head already. Nothing when the chain leads to no audio source; the reason is then
-    /// in the notes (`verlustGrund`, a diagnostic or an unsupported feature). Throws only past the
-    /// bounds of the reads.
-    [[nodiscard]] std::optional<ResolvedSource> resolveSourceClip(OMFObject clip, AAFRational rate,
-                                                                  const AAFRational& initialTrim);
+    /// from the head already. The reason when the chain leads to no audio source. Throws only past
+    /// the bounds of the reads.
+    [[nodiscard]] SourceOrLoss resolveSourceClip(OMFObject clip, AAFRational rate,
+                                                 const AAFRational& initialTrim);
 
   private:
     /// A mob's track as the walk needs it, read once per (mob, track).
@@ -64,10 +65,10 @@ class SourceResolution {
         std::uint32_t trackID = 0;
     };
 
-    /// Nothing, with the reason in the notes, when the clip names no mob of the file.
-    [[nodiscard]] std::optional<Reference> referenceOf(OMFObject clip);
-    void reportMissingTrack(const Reference& reference);
-    void reportDeadEnd(OMFObject clip, const Reference& reference, const Track& found);
+    /// The reason when the clip names no mob of the file.
+    [[nodiscard]] std::variant<Reference, ClipLoss> referenceOf(OMFObject clip) const;
+    [[nodiscard]] ClipLoss deadEnd(OMFObject clip, const Reference& reference,
+                                   const Track& found) const;
 
     [[nodiscard]] const Track& track(OMFObject mob, std::uint32_t trackID);
     [[nodiscard]] Track readTrack(OMFObject mob, std::uint32_t trackID);
@@ -78,11 +79,9 @@ class SourceResolution {
     [[nodiscard]] bool descriptorHasAudioHint(OMFObject descriptor);
     [[nodiscard]] bool hasSoundSlot(OMFObject mob);
 
-    const OMFDocument& document_;
     BoundedReads& reads_;
     const OMFDocument::MobMap& mobMap_;
     DataKinds& dataKinds_;
-    MappingNotes& notes_;
     /// Keys: mob in the high, track number in the low half.
     std::unordered_map<std::uint64_t, Track> tracks_;
     std::unordered_map<std::uint64_t, OMFObject> slots_;

@@ -200,6 +200,30 @@ TEST_F(VisitLimit, CountsOverAllSlots) {
     EXPECT_EQ(mappingError(song_.image()), expansionText_);
 }
 
+TEST_F(VisitLimit, SlotsThatAreNoSoundDoNotCount) {
+    // A hundred million fillers of picture; three hundred thousand of sound have all slots counted.
+    song_.omf.setSegmentKind("omfi:data:Picture");
+    song_.addSlot(fan(song_.omf.filler(0), 8, 10));
+    song_.omf.setSegmentKind("omfi:data:Sound");
+    const ObjectID many = fan(song_.omf.filler(0), 5, 10);
+    song_.addSlot(song_.omf.sequence({many, many, many, song_.clip(1)}));
+    const Mapped mapped = song_.map();
+    EXPECT_THAT(placedIn(mapped), ElementsAre(Placed{0, 1, 0}));
+    EXPECT_THAT(recordsOf(mapped), IsEmpty());
+}
+
+TEST_F(VisitLimit, SlotsThatCannotBeMeasuredDoNotCount) {
+    song_.addSlot({.editRate = Ratio{0}, .segment = fan(song_.omf.filler(0), 8, 10)});
+    const ObjectID many = fan(song_.omf.filler(0), 5, 10);
+    song_.addSlot(song_.omf.sequence({many, many, many, song_.clip(1)}));
+    const Mapped mapped = song_.map();
+    EXPECT_THAT(placedIn(mapped), ElementsAre(Placed{0, 1, 0}));
+    EXPECT_THAT(
+        recordsOf(mapped),
+        ElementsAre(lossLine(0, "whole audio track 1 dropped: the slot carries no usable edit rate",
+                             song_.path())));
+}
+
 TEST_F(VisitLimit, EffectsThatExpandWithoutEndFail) {
     ObjectID segment = song_.omf.filler(0);
     for (int level = 0; level < 8; ++level) {

@@ -1,6 +1,7 @@
 // Source resolution on its own, over a document under construction.
 #pragma once
 
+#include "clip_loss.h"
 #include "mapping_notes.h"
 #include "source_resolution.h"
 
@@ -10,6 +11,7 @@
 #include <string>
 #include <trellant_testing/omf_builder.h>
 #include <trellant_testing/temporary_directory.h>
+#include <variant>
 #include <vector>
 
 namespace trellant::testing {
@@ -18,7 +20,7 @@ struct Resolution {
     std::optional<ResolvedSource> source{};
     std::optional<std::string> lossReason{};
     std::vector<std::string> diagnostics{};
-    /// Each as "TEXT at PATH".
+    /// Those beside the loss of the clip, each as "TEXT at PATH".
     std::vector<std::string> records{};
 };
 
@@ -31,14 +33,21 @@ inline Resolution resolved(const OmfBuilder& omf, ObjectID clip, std::int64_t ra
     MappingNotes notes;
     BoundedReads reads(document);
     DataKinds kinds(reads);
-    SourceResolution resolution(reads, mobs, kinds, notes);
-    Resolution result;
-    result.source =
+    SourceResolution resolution(reads, mobs, kinds);
+    const SourceOrLoss found =
         resolution.resolveSourceClip(static_cast<OMFObject>(clip), AAFRational(rate), trim);
-    result.lossReason = notes.verlustGrund;
+    Resolution result;
+    if (const auto* loss = std::get_if<ClipLoss>(&found)) {
+        result.lossReason = verlustGrund(*loss);
+        recordDropped(*loss, ObjectPath("SCLP", static_cast<OMFObject>(clip)), notes);
+    } else {
+        result.source = std::get<ResolvedSource>(found);
+    }
     result.diagnostics = notes.diagnostics();
     for (const AAFUnsupportedFeature& record : notes.takeUnsupported()) {
-        result.records.push_back(record.description + " at " + record.objectPath.value_or(""));
+        if (record.severity == AAFUnsupportedFeature::Severity::renderAffecting) {
+            result.records.push_back(record.description + " at " + record.objectPath.value_or(""));
+        }
     }
     return result;
 }

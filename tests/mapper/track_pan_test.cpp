@@ -102,6 +102,27 @@ TEST_F(TrackPanFromClips, WithinABillionthIsFarLeft) {
     EXPECT_EQ(roleOf(result), AAFChannelRole::left);
 }
 
+TEST(TrackPanAtTheRight, WithinABillionthOfOneIsFarRight) {
+    for (const std::int32_t numerator : {1'999'999'999, 2'000'000'001}) {
+        Song song;
+        song.addSlot(
+            song.omf.pan(song.clip(100), song.omf.constantValue({numerator, 2'000'000'000})),
+            "Dialog_L");
+        EXPECT_EQ(song.map().timeline.events.at(0).channelRole, AAFChannelRole::right) << numerator;
+    }
+}
+
+TEST(TrackPanAtTheRight, JustBelowOrAboveOneIsLeftToTheName) {
+    for (const std::int32_t numerator : {9'999'999, 10'000'001}) {
+        Song song;
+        song.addSlot(song.omf.pan(song.clip(100), song.omf.constantValue({numerator, 10'000'000})),
+                     "Dialog_L");
+        const Mapped mapped = song.map();
+        EXPECT_EQ(mapped.timeline.tracks.at(0).fixedPan, numerator / 10'000'000.0);
+        EXPECT_EQ(mapped.timeline.events.at(0).channelRole, AAFChannelRole::left) << numerator;
+    }
+}
+
 TEST_F(TrackPanFromClips, RecordComesBeforeTheLossesOfTheClips) {
     const ObjectID lost = song_.omf.clip({.length = 100});
     song_.addSlot(song_.omf.sequence(

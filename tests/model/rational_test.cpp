@@ -148,6 +148,14 @@ TEST(AAFRational, ApproximationTakesTheFirstScaleThatFits) {
     EXPECT_EQ(AAFRational::approximation(0x1p62).description(), "4611686018427387904/1");
 }
 
+TEST(AAFRational, ApproximationThatLandsOnTwoToThe63TakesTheNextScale) {
+    // A million times 9223372036854 + 397/512 is 417 below 2^63, nearer to it than to the double
+    // before, which is 1024 below. Scaled by 100000 the nearest double is 922337203685477504.
+    const double value = 9223372036854.0 + 397.0 / 512;
+    EXPECT_EQ(AAFRational::approximation(value).description(), "28823037615171172/3125");
+    EXPECT_EQ(AAFRational::approximation(-value).description(), "-28823037615171172/3125");
+}
+
 TEST(AAFRational, RoundedInt64RoundsHalvesAwayFromZero) {
     EXPECT_EQ(AAFRational(1, 2).roundedInt64(), 1);
     EXPECT_EQ(AAFRational(-1, 2).roundedInt64(), -1);

@@ -1,0 +1,28 @@
+// Which effect an invocation names.
+#pragma once
+
+#include "bounded_reads.h"
+
+#include <string>
+#include <unordered_map>
+
+namespace trellant {
+
+class EffectKinds {
+  public:
+    /// Effect definitions whose identifiers are remembered; files have few.
+    static constexpr std::size_t keptDefinitions = 64;
+
+    /// `reads` must outlive this.
+    explicit EffectKinds(BoundedReads& reads) : reads_(reads) {}
+
+    /// The identifier as the file writes it; empty when it cannot be read.
+    [[nodiscard]] std::string idOf(OMFObject effect);
+
+  private:
+    BoundedReads& reads_;
+    /// By effect definition.
+    std::unordered_map<OMFObject, std::string> ids_;
+};
+
+}  // namespace trellant
