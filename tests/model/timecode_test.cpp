@@ -100,6 +100,15 @@ TEST(AAFTimecodeAddress, DropCountWrapsAtADay) {
     EXPECT_EQ(AAFTimecodeAddress::fromAbsoluteFrameNumber(5178816, AAFTimecodeRate::fps5994DF())
                   .description(),
               "00:00:00;00");
+    // An hour has 107892 frames at 29.97 and 215784 at 59.94: one hour into the second day, and the
+    // last frame of the first hour of the third.
+    EXPECT_EQ(
+        AAFTimecodeAddress::fromAbsoluteFrameNumber(25 * 107892, AAFTimecodeRate::fps2997DF()),
+        at2997(1, 0, 0, 0));
+    EXPECT_EQ(
+        AAFTimecodeAddress::fromAbsoluteFrameNumber(49 * 215784 - 1, AAFTimecodeRate::fps5994DF())
+            .description(),
+        "00:59:59;59");
 }
 
 TEST(AAFTimecodeAddress, TheLargestFrameNumberHasALabel) {

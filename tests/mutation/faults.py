@@ -25,6 +25,7 @@ TOKENS = re.compile(r"""
   | (?P<attribute>\[\[.*?\]\])
 """, re.VERBOSE | re.DOTALL | re.MULTILINE)
 
+CONDITIONAL = re.compile(r"[ \t]*#[ \t]*(?P<word>if|ifdef|ifndef|elif|else|endif)\b")
 NUMBER = re.compile(r"(?<![\w.'])(?P<digits>0[xX][0-9a-fA-F']+|[0-9][0-9']*)(?P<suffix>[uUlL]*)"
                     r"(?![\w.'])")
 CALL = re.compile(r"(?<=\()(?P<first>[\w.:*>\[\]-]+), (?P<second>[\w.:*>\[\]-]+)(?=\))")
@@ -58,14 +59,34 @@ class Fault:
         return f"{self.kind}: {before} becomes {after}"
 
 
+def blanks_for(text):
+    return re.sub(r"[^\n]", " ", text)
+
+
+def of_this_system(text):
+    """`text` with blanks in the place of what is compiled on other systems than Linux with glibc:
+    the branch of __APPLE__ or of a missing macro, and the other branch of any other macro."""
+    lines = text.splitlines(keepends=True)
+    compiled = []
+    for number, line in enumerate(lines):
+        directive = CONDITIONAL.match(line)
+        if not directive:
+            lines[number] = line if all(compiled) else blanks_for(line)
+        elif directive["word"].startswith("if"):
+            compiled.append(directive["word"] != "ifndef" and "__APPLE__" not in line)
+        elif directive["word"] in ("else", "elif"):
+            compiled[-1] = not compiled[-1]
+        else:
+            compiled.pop()
+    return "".join(lines)
+
+
 def code_of(text):
     """`text` with blanks in the place of all that is no code; positions stay the same. Digit
     separators stay, so that a number is one word."""
     def blank(found):
-        if found.lastgroup == "separator":
-            return found.group()
-        return re.sub(r"[^\n]", " ", found.group())
-    return TOKENS.sub(blank, text)
+        return found.group() if found.lastgroup == "separator" else blanks_for(found.group())
+    return TOKENS.sub(blank, of_this_system(text))
 
 
 def operator_faults(code):

@@ -110,6 +110,18 @@ class WhatIsNoCode(unittest.TestCase):
                      "static_assert(sizeof(int) == 4);"):
             self.assertEqual(faults.faults_in(text), [], text)
 
+    def test_what_other_systems_compile_holds_no_faults(self):
+        here, there = "x = a < b;\n", "y = c < d;\n"
+        planted_here = "x = a <= b;\n"
+        for before, between, after in (
+                ("#ifdef __APPLE__\n" + there + "#else\n", "", "#endif\n"),
+                ("#if defined(__APPLE__)\n" + there + "#elif defined(__GLIBC__)\n", "", "#endif\n"),
+                ("#ifdef __GLIBC__\n", "#else\n" + there, "#endif\n"),
+                ("#ifndef __GLIBC__\n" + there + "#endif\n", "", ""),
+                ("#ifdef __linux__\n#ifdef __APPLE__\n" + there + "#endif\n", "#endif\n", "")):
+            self.assertEqual(changes(before + here + between + after, "comparison"),
+                             [before + planted_here + between + after])
+
     def test_what_follows_them_keeps_its_place(self):
         self.assertEqual(changes('f("<", a); // 1\nx = b < c;', "comparison"),
                          ['f("<", a); // 1\nx = b <= c;'])
