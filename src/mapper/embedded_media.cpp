@@ -52,8 +52,9 @@ std::unordered_map<std::string, Media> audioMedia(const OMFDocument& document) {
     return media;
 }
 
-std::string nameOfMedia(BoundedReads& reads, const OMFDocument::MobMap& mobs, OMFObject object) {
-    const auto mobID = reads.document().uid(object, {OMFProperty::mediaMobID});
+std::string nameOfMedia(const OMFDocument& document, BoundedReads& reads,
+                        const OMFDocument::MobMap& mobs, OMFObject object) {
+    const auto mobID = document.uid(object, {OMFProperty::mediaMobID});
     const auto mob = mobID ? mobs.find(*mobID) : mobs.end();
     const auto name =
         mob == mobs.end() ? std::nullopt : reads.string(mob->second, {OMFProperty::mobName});
@@ -160,7 +161,7 @@ UnusedMedia unusedMedia(const OMFDocument& document, const AAFTimeline& timeline
                 mobs = document.mobMap();
             }
             if (unused.count++ < namedUnused) {
-                unused.names.push_back(nameOfMedia(reads, mobs, object));
+                unused.names.push_back(nameOfMedia(document, reads, mobs, object));
             }
         }
     }
