@@ -111,7 +111,8 @@ trellant_sbom_library(nlohmann-json ${TRELLANT_NLOHMANN_JSON_DIR}/nlohmann/json.
 trellant_sbom_library(utf8proc ${Utf8proc_LIBRARY} "MIT AND Unicode-DFS-2015" NOASSERTION
     trellant-omf trellant)
 if(Seccomp_LIBRARY)
-    trellant_sbom_library(libseccomp ${Seccomp_LIBRARY} LGPL-2.1-only NOASSERTION trellant-omf)
+    trellant_sbom_library(libseccomp ${Seccomp_LIBRARY} LGPL-2.1-only NOASSERTION
+        trellant-omf trellant)
 endif()
 if(TRELLANT_COMMAND)
     find_path(TRELLANT_CLI11_DIR CLI/CLI.hpp)

@@ -96,10 +96,12 @@ class ManPage(unittest.TestCase):
                 self.assertEqual(flags(call), options(command) - {"-h", "--help", "--output"})
 
     def test_names_the_variables_that_the_command_reads(self):
-        sources = "".join(path.read_text() for path in (TREE / "src" / "cli").rglob("*.cpp"))
+        sources = "".join(path.read_text() for folder in ("cli", "confine")
+                          for path in (TREE / "src" / folder).rglob("*.cpp"))
         read = set(re.findall(r'\b(?:variable|getenv)\("([A-Z_]+)"\)', sources))
         named = set(re.findall(r"^\.It Ev (.*)$", part(".Sh ENVIRONMENT"), re.MULTILINE))
-        self.assertEqual((named, read), ({"NO_COLOR", "COLUMNS", "TERM"}, named))
+        self.assertEqual((named, read),
+                         ({"NO_COLOR", "COLUMNS", "TERM", "TRELLANT_SANDBOX"}, named))
 
 
 class ManPageFacts(InFolder):

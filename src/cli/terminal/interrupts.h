@@ -5,9 +5,10 @@
 
 namespace trellant::cli {
 
-/// Call once, before any other thread is started; it starts one itself. From then on the first interrupt (or request to
-/// terminate, or a hang-up) while a Cancellable lives requests the stop of interruptToken(); a
-/// second one, or one at any other time, ends the process as the signal does by itself.
+/// Call once, before any other thread is started; it starts one itself. From then on the first
+/// interrupt (or request to terminate, or a hang-up) while a Cancellable lives requests the stop of
+/// interruptToken(); a second one, or one at any other time, ends the process as the signal does by
+/// itself.
 void watchInterrupts();
 
 [[nodiscard]] StopToken interruptToken();
