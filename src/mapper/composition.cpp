@@ -32,8 +32,7 @@ std::optional<CompositionClock> clockOfTimecode(const BoundedReads& reads, OMFOb
     AAFRational timecodeRate = exactRate;
     if (const auto stored = reads.rational(slot, {OMFProperty::slotEditRate})) {
         editRate = stored->aaf();
-        if (editRate > AAFRational::zero() &&
-            editRate.numerator() / editRate.denominator() == fps) {
+        if (editRate.numerator() / editRate.denominator() == fps) {
             timecodeRate = editRate;
         }
     }

@@ -44,9 +44,6 @@ bool Dissolves::isLinear(OMFObject level) {
         return false;
     }
     const auto points = reads_.objectRefs(level, {OMFProperty::varyingPoints});
-    if (points.size() < 2) {
-        return false;
-    }
     for (std::size_t i = 0; i < points.size(); ++i) {
         const auto time = reads_.rational(points[i], {OMFProperty::pointTime});
         const auto value = reads_.rational(points[i], {OMFProperty::pointValue});
@@ -60,7 +57,8 @@ bool Dissolves::isLinear(OMFObject level) {
             return false;
         }
     }
-    return true;
+    // A single point fails above: it cannot lie at both ends.
+    return !points.empty();
 }
 
 }  // namespace trellant

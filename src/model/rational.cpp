@@ -67,14 +67,9 @@ AAFRational::AAFRational(std::int64_t numerator, std::int64_t denominator) noexc
         return;
     }
     if (denominator < 0) {
-        if (numerator == denominator) {
-            numerator = 1;
-            denominator = 1;
-        } else {
-            // The one value that has no negation gives way to its nearest neighbour.
-            numerator = numerator == smallest ? largest : -numerator;
-            denominator = denominator == smallest ? largest : -denominator;
-        }
+        // The one value that has no negation gives way to its nearest neighbour.
+        numerator = numerator == smallest ? largest : -numerator;
+        denominator = denominator == smallest ? largest : -denominator;
     }
     const std::int64_t divisor = commonDivisor(numerator, denominator);
     numerator_ = numerator / divisor;

@@ -100,9 +100,6 @@ std::optional<AudioFormatInfo> probeWave(ByteView data) {
 double extended80(ByteView bytes) {
     const std::uint16_t head = u16(bytes, 0, OMFByteOrder::big);
     const int exponent = head & 0x7FFF;
-    if (exponent == 0) {
-        return 0;
-    }
     const auto mantissa = static_cast<double>(u64(bytes, 2, OMFByteOrder::big));
     const double magnitude = std::ldexp(mantissa, exponent - 16'383 - 63);
     return (head & 0x8000) != 0 ? -magnitude : magnitude;
