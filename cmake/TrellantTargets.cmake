@@ -10,7 +10,7 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     if(CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
         # At -O3 it takes its own library's insertions into strings for copies of overlapping ranges
         # (GCC bug 105651, mended in 13).
-        list(APPEND TRELLANT_WARNINGS -Wno-restrict)
+        list(APPEND TRELLANT_WARNINGS $<$<CONFIG:Release>:-Wno-restrict>)
     endif()
 endif()
 

@@ -152,6 +152,18 @@ class Output {
     std::uint64_t written_ = 0;
 };
 
+/// Moves at most `length` bytes from `position` on to where `destination` stands. How many it were,
+/// or -1 with errno; none where the system has no such call.
+ssize_t movedByKernel([[maybe_unused]] int source, [[maybe_unused]] off_t position,
+                      [[maybe_unused]] int destination,
+                      [[maybe_unused]] std::uint64_t length) noexcept {
+#ifdef __linux__
+    return ::copy_file_range(source, &position, destination, nullptr, length, 0);
+#else
+    return 0;
+#endif
+}
+
 /// One copy in progress: moves whole chunks whose bounds were checked.
 class ChunkCopier {
   public:
@@ -177,10 +189,9 @@ class ChunkCopier {
         output_.flush();
         std::uint64_t done = 0;
         while (kernelCopies_ && done < length) {
-            auto position = static_cast<off_t>(offset + done);
             readCalls_.fetch_add(1, std::memory_order_relaxed);
-            const ssize_t moved = ::copy_file_range(source_, &position, output_.descriptor(),
-                                                    nullptr, length - done, 0);
+            const ssize_t moved = movedByKernel(source_, static_cast<off_t>(offset + done),
+                                                output_.descriptor(), length - done);
             if (moved > 0) {
                 done += static_cast<std::uint64_t>(moved);
             } else if (moved == 0 || errno != EINTR) {

@@ -17,6 +17,36 @@
 #include <limits>
 #include <string>
 
+namespace trellant::jsonDecoding {
+
+namespace {
+
+/// Takes the place of the library's double, which it converts, finds infinite and refuses even
+/// where the number is ignored. It is converted into and never looked at.
+class UnusedDouble {
+  public:
+    UnusedDouble(double value = 0) noexcept : value_(value) {}
+    operator double&() noexcept { return value_; }
+    operator double() const noexcept { return 0; }
+
+  private:
+    double value_;
+};
+
+}  // namespace
+
+}  // namespace trellant::jsonDecoding
+
+#ifdef _LIBCPP_VERSION
+// The library asks this of its double. Most standard libraries convert what is no number by itself,
+// clang's does not, and nothing else than an overload beside theirs is found from there.
+namespace std {
+inline bool isfinite(trellant::jsonDecoding::UnusedDouble /*converted*/) noexcept {
+    return true;
+}
+}  // namespace std
+#endif
+
 #define JSON_NO_IO 1
 #define JSON_HAS_FILESYSTEM 0
 #define JSON_HAS_EXPERIMENTAL_FILESYSTEM 0
@@ -47,18 +77,6 @@ namespace {
                                     placeInText(text, position == 0 ? 0 : position - 1) + ": " +
                                     printableText(message));
 }
-
-/// Takes the place of the library's double, which it converts, finds infinite and refuses even
-/// where the number is ignored. It is converted into and never looked at.
-class UnusedDouble {
-  public:
-    UnusedDouble(double value = 0) noexcept : value_(value) {}
-    operator double&() noexcept { return value_; }
-    operator double() const noexcept { return 0; }
-
-  private:
-    double value_;
-};
 
 using JsonLibrary = nlohmann::basic_json<std::map, std::vector, std::string, bool, std::int64_t,
                                          std::uint64_t, UnusedDouble>;
