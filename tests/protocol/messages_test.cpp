@@ -276,5 +276,55 @@ TEST(WorkerResult, WhatCannotBeEncodedWritesNothing) {
     }
 }
 
+TEST(WorkerRequest, NamesTheExtensionsItAsksFor) {
+    Request request = sampleRequest();
+    request.extensions = {"lossPlaces", "later"};
+    const std::string json = encoded(request);
+    EXPECT_EQ(json,
+              replaced(requestJson, "false}", R"(false,"extensions":["lossPlaces","later"]})"));
+    EXPECT_EQ(decodeRequest(json), request);
+    request.extensions.emplace();
+    EXPECT_EQ(encoded(request), replaced(requestJson, "false}", R"(false,"extensions":[]})"));
+    EXPECT_EQ(requestError(replaced(requestJson, "false}", R"(false,"extensions":[1]})")),
+              "extensions[0]: expected a string, found a number");
+}
+
+TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
+    AAFWorkerExtensions extensions;
+    extensions.lossPlaces = AAFWorkerExtensions::LossPlaces{{{.kind = LossKind::transitionAsCut,
+                                                              .trackID = "omf-track-1",
+                                                              .trackName = "Atmo",
+                                                              .trackIndex = 2,
+                                                              .start = AAFRational(1, 2),
+                                                              .duration = AAFRational(3),
+                                                              .cut = AAFRational(2),
+                                                              .clipObject = 7,
+                                                              .clipName = "Rain"},
+                                                             {}}};
+    extensions.compositions =
+        AAFWorkerExtensions::Compositions{{{.object = 9, .slotCount = 4, .isRead = true}}};
+    extensions.embeddedMedia = AAFWorkerExtensions::EmbeddedMedia{
+        .unusedCount = 1, .unusedNames = {"Kick"}, .separateFiles = {{.essenceID = "e"}}};
+    Result result{.timeline = {}, .diagnostics = {}, .extensions = extensions};
+    result.timeline.clock = {AAFRational(25), AAFTimecodeRate::fps25(),
+                             AAFTimecodeAddress(0, 0, 0, 0, AAFTimecodeRate::fps25())};
+    result.timeline.sourceAAF.text = "file:///mix.omf";
+    StringSink sink;
+    encodeResult(result, sink);
+    testing::keepEncoded("result", sink.text);
+    EXPECT_NE(
+        sink.text.find(
+            R"("extensions":{"compositions":{"compositions":[{"isRead":true,"object":9,)"
+            R"("slotCount":4}]},"embeddedMedia":{"separateFiles":[{"essenceID":"e"}],)"
+            R"("unusedCount":1,"unusedNames":["Kick"]},"lossPlaces":{"places":[{"clipName":"Rain",)"
+            R"("clipObject":7,"cut":{"denominator":1,"numerator":2},)"
+            R"("duration":{"denominator":1,"numerator":3},"kind":"transitionAsCut",)"
+            R"("start":{"denominator":2,"numerator":1},"trackID":"omf-track-1","trackIndex":2,)"
+            R"("trackName":"Atmo"},{"kind":"other"}]}},"protocolVersion":1)"),
+        std::string::npos)
+        << sink.text;
+    EXPECT_EQ(decodeResult(sink.text), result);
+}
+
 }  // namespace
 }  // namespace trellant

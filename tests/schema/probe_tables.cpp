@@ -86,6 +86,22 @@ constexpr const char* nameOf<AAFUnsupportedFeature> = "unsupportedFeature";
 template <>
 constexpr const char* nameOf<AAFTimeline> = "timeline";
 template <>
+constexpr const char* nameOf<LossKind> = "lossKind";
+template <>
+constexpr const char* nameOf<AAFWorkerExtensions> = "extensions";
+template <>
+constexpr const char* nameOf<AAFWorkerExtensions::LossPlace> = "lossPlace";
+template <>
+constexpr const char* nameOf<AAFWorkerExtensions::LossPlaces> = "lossPlaces";
+template <>
+constexpr const char* nameOf<AAFWorkerExtensions::Composition> = "composition";
+template <>
+constexpr const char* nameOf<AAFWorkerExtensions::Compositions> = "compositions";
+template <>
+constexpr const char* nameOf<AAFWorkerExtensions::SeparateFile> = "separateFile";
+template <>
+constexpr const char* nameOf<AAFWorkerExtensions::EmbeddedMedia> = "embeddedMedia";
+template <>
 constexpr const char* nameOf<Protocol::Request> = "request";
 template <>
 constexpr const char* nameOf<Protocol::Progress> = "progress";
