@@ -103,8 +103,12 @@ TEST(ProgramStart, SignalsAreThoseOfAFreshProgram) {
 
 TEST(ProgramStart, LeadsAProcessGroupOfItsOwn) {
     Pipe input = makePipe();
-    const ProgramStart start({.input = input.reading.number()});
-    const pid_t process = start.start({"/bin/sh", "-c", "read line"});
+    Pipe output = makePipe();
+    const ProgramStart start({.input = input.reading.number(), .output = output.writing.number()});
+    const pid_t process = start.start({"/bin/sh", "-c", "echo started; read line"});
+    // Under an emulator the start returns before the program has begun.
+    std::array<char, 8> word{};
+    EXPECT_EQ(::read(output.reading.number(), word.data(), word.size()), 8);
     EXPECT_EQ(::getpgid(process), process);
     ::kill(-process, SIGKILL);
     EXPECT_TRUE(WIFSIGNALED(statusOf(process)));
