@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Nettle as the target Nettle::nettle: with Nettle_USE_STATIC_LIBS its archive where there is one, else
 # whatever the linker would take.
 find_path(Nettle_INCLUDE_DIR nettle/sha2.h)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # libseccomp as the target Seccomp::seccomp: with Seccomp_USE_STATIC_LIBS its archive where there is one, else
 # whatever the linker would take.
 find_path(Seccomp_INCLUDE_DIR seccomp.h)

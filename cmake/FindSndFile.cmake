@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # libsndfile as the target SndFile::sndfile.
 find_path(SndFile_INCLUDE_DIR sndfile.h)
 find_library(SndFile_LIBRARY NAMES sndfile)

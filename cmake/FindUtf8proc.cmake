@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # utf8proc as the target Utf8proc::utf8proc. Builds this project, and is installed beside its package
 # configuration for whoever links its static libraries. Utf8proc_USE_STATIC_LIBS asks for the
 # archive, so that what is linked does not depend on what the machine has; without one the shared

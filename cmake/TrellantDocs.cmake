@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The target `docs`: pages of every public header, build/.../docs/html/index.html. A warning fails it.
 find_package(Doxygen QUIET)
 if(DOXYGEN_FOUND)

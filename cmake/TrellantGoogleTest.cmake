@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # GoogleTest as the targets GTest::gtest, GTest::gtest_main and GTest::gmock: the installed one, or
 # built from TRELLANT_GTEST_SOURCE for a compiler with another standard library or for another
 # processor.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What an installation holds: worker, libraries, headers, the files by which CMake and pkg-config
 # find them, schemas, catalogues, manual, completions and documents. No file names the prefix that
 # it was installed to, so the whole tree may be moved.

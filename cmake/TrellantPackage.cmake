@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The packages: `cpack` in the build folder, or the preset `package`. One archive with everything
 # (.tar.gz), and Debian packages by component: the command, what hosts are built with, documents, and
 # the shared libraries where there are some. Programs in them are stripped; their debug symbols make a

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The list of everything that the installed programs and libraries hold or load that was not written
 # here, as SPDX 2.3: sbom.spdx.json among the documents. Versions are those of the machine that
 # builds: its packages where it has dpkg, else what the headers say. A library is added here in the

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What a release is compiled and linked with beyond the rest: guards against misuse of its memory,
 # symbols for debuggers, and whatever makes two builds of the same sources the same bytes, wherever
 # they lie and whenever they are made (SOURCE_DATE_EPOCH gives packages their time).

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # One way to make a target: the same warnings, hardening, sanitizers and tidy for all.
 include(${CMAKE_CURRENT_LIST_DIR}/TrellantSupply.cmake)
 

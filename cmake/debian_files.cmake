@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What Debian wants in a package and a plain installation has otherwise: compressed manual pages, and
 # for each package its copyright, its changelogs and its exceptions from the checks of lintian.
 # Run by CPack when the files of all packages are in place, each component's in a folder of its own.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The packages of debug symbols come with the packager's own folders in their list of digests: no tool
 # can check them so, and no two builds give the same bytes. Their folders follow the packager's mask.
 # Run by CPack with the packages made in CPACK_PACKAGE_FILES.

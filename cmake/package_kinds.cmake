@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Read once for each kind of package that is made. The Debian kind takes the symbols off by itself, into
 # a package of their own, and must find them for that. Its packages have summaries of their own, which
 # the project's would stand before.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Takes debug symbols and the compiler's intermediate code out of installed archives: both are of use
 # only to the very compiler that made them, and ten times the size of the rest.
 # Variables: OBJCOPY, ARCHIVES.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Completions of trellant for bash. They need nothing but bash itself.
 
 # The words of $1 that begin with $2.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Completions of trellant for fish.
 
 # Folders, and files whose name ends in a dot and what the pattern says, in any case.

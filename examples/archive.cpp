@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // archive.omf: as an older machine wrote it: big-endian, the 1.0d4 form of the table of contents,
 // texts in Latin-1, 25 frames per second, no composition among the primary mobs. Lengths and
 // positions of the track are in frames.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The example compositions, made from nothing, always the same bytes.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // external.omf: media outside of the composition, 24 frames per second. Lengths and positions of
 // the track are in frames.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // trellant_examples DIRECTORY: writes the example compositions, and the media that lie beside them.
 #include "examples.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // session.omf: a small drama scene at 29.97 frames per second drop-frame, as a workstation lays its
 // file out. Lengths and positions of the tracks are in samples at 48000 Hz.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An audio file as workstations describe it: a Source Mob for the file, and above it the Master Mob
 // that compositions refer to.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Mutation for inputs with a container: of its objects mostly, of plain bytes at times and where
 // there is no whole container. Bytes before the container are changed now and then.
 #include "object_edits.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What libFuzzer calls. The target is chosen when this is compiled.
 #include "targets.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // fuzz_seeds FOLDER: what each target begins with, as FOLDER/TARGET/NAME, and its words as
 // FOLDER/TARGET.dict.
 #include "seeds.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "composition_writer.h"
 
 #include "wave_bytes.h"

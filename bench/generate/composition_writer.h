@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The objects of a composition, written one after the other into a container.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes a container of any size with little memory: the description of its objects runs twice,
 // first for the value bytes, then for the table that tells where they lie. What is kept between
 // the two is one number for each entry of a list.

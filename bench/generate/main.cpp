@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes a composition of a given shape and size, for measurements.
 #include "media_tree.h"
 #include "shapes.h"

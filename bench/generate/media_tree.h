@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A tree of audio files to look for external media in.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A file that is written from front to back, with a few numbers filled in later. Holds one buffer,
 // whatever the size of the file.
 #pragma once

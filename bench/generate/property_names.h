@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The properties that generated files use, in the order in which an object sets them.
 #pragma once
 

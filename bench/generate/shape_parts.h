@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What several shapes have in common, and the shapes that are worst for a reader.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The compositions that measurements are made on.
 #pragma once
 

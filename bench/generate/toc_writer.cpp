@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Compressed form: tokens of one code byte and a payload; one that would cross a block boundary
 // begins the next block.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes a table of contents item by item, in either written form.
 #pragma once
 

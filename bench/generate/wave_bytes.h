@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The bytes of a WAVE file of any length, made where they are asked for.
 #pragma once
 

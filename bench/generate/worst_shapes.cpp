@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The shapes that are worst for a reader: much of one thing.
 #include "shape_parts.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Opening a container against one read of its table, and small values against the same bytes from
 // memory and against reads of the system.
 #include "opened.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The result as JSON, out and back, against the same text copied from memory and read once.
 #include "opened.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Measures the parts of a reading, each with the unit that it is held against.
 //
 //     bench_parts --omf=FILE [--tree=FOLDER] [options of the benchmark library]

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From the opened document to the timeline, whole and in its two halves: segments to drafts, clips
 // to sources.
 #include "bounded_reads.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the measurements of parts work on: the files named on the command line.
 #pragma once
 

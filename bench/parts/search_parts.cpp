@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The search for media in a folder against a bare walk over the same tree, and what it costs to
 // look into the files that a search finds.
 #include "media_search.h"

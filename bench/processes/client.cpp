@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a call of the client costs beside a bare start of the same program.
 //
 //     bench_client RUNS HOST_BYTES PROGRAM

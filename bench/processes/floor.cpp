@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The least that a program can do which takes a request: it reads standard input and ends.
 #include <array>
 #include <cerrno>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs commands in turn (A B A B ...) and tells what each run took. The first run of each is not
 // counted.
 //

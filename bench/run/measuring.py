@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Starts what measures: the generator, processes side by side, the parts, the client's host."""
 import json
 import pathlib

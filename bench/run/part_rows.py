@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Rows about single parts, each against its unit out of the same program."""
 from table import Row, seconds
 

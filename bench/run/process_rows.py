@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Rows about whole processes: reading, memory, start, extraction, external media."""
 import shutil
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Runs all measurements, prints one table and writes it down. Started by scripts/bench."""
 import argparse
 import datetime

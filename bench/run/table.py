@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Rows of the table: a figure, the unit that it is held against, a target."""
 import dataclasses
 import json

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Rows about shapes that are worst for a reader: ten times as much costs ten times as much."""
 from measuring import Command
 from table import Row, seconds

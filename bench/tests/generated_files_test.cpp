@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The compositions that measurements are made on, small ones: the worker reads each as what it was
 // meant to be, in every written form.
 #include <trellant/io/bento_container.h>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Debian's cross compiler for arm64 and the emulator that runs what it makes. TRELLANT_SYSROOT names a
 # folder with the libraries of that architecture; scripts/portability fills one.
 set(CMAKE_SYSTEM_NAME Linux)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "memory_file.h"
 #include "require.h"
 #include "targets.h"

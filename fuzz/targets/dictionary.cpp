@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The words come from the tables of the program, so that none is missed or goes out of date.
 #include "message_fields.h"
 #include "require.h"

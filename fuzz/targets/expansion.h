@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How much a composition expands to. Segments may share what they refer to, or refer to their own
 // track, so that a few thousand bytes describe millions of segments: the mapping has its bounds
 // for them, but under the sanitizers a run up to these takes minutes.

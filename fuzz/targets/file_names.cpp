@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The first byte of the input says which extension, and how many files of the name there are.
 #include "file_names.h"
 

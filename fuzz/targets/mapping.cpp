@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The first byte of the input says how its container is mapped.
 #include "expansion.h"
 #include "memory_file.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A file that exists in memory only: the program opens files by path, and a disk would make each
 // input cost a thousand times what its reading does.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "object_edits.h"
 
 #include "object_model.h"

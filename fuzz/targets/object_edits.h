@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Mutations of a container that leave it one: they change what its objects say, where changes of
 // single bytes mostly end at the table of contents.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A container taken apart into the values of its objects' named properties, so that a mutation can
 // change one of them and have a whole container again. What is not named or cannot be read is lost.
 #pragma once

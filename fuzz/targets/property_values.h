@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Values that a property could have: the right kind for it, mostly, and the odd ones among them.
 #pragma once
 

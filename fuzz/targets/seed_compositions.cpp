@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "seeds.h"
 
 #include <trellant_testing/omf_builder.h>

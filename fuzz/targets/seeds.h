@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Inputs to begin with: small, valid, and together of every kind that a target tells apart.
 #pragma once
 

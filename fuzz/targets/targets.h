@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The fuzz targets. Each takes one input of any bytes and either comes back or stops the process,
 // because something that holds for every input did not. Errors of the documented types are answers.
 //

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Sourced by the scripts. install_packages GROUP... makes sure that the packages of these groups
 # (scripts/packages) are there, installing what is missing as root or through sudo.
 

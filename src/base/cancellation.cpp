@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The registrations of one stop form a list through themselves, so that nothing is allocated for
 // them and nothing can fail when the stop is requested. The lock is never held during a call.
 #include <trellant/base/cancellation.h>

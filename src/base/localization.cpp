@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <trellant/base/executable_location.h>
 #include <trellant/base/localization.h>
 

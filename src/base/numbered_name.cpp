@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <trellant/base/numbered_name.h>
 #include <trellant/base/text.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <trellant/base/system_call_error.h>
 #include <trellant/base/system_error_text.h>
 

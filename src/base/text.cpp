@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Character classes, case and grapheme clusters, by utf8proc's tables. ASCII, which nearly every
 // text of a file is, never reaches them.
 #include <trellant/base/text.h>

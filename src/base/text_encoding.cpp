@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Encodings: UTF-8 checked and mended, Latin 1 and UTF-16 brought into UTF-8.
 #include <trellant/base/text.h>
 #include <trellant/base/utf8.h>

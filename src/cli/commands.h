@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The commands, each from its options to its exit status. What a file does wrong is told on the
 // console; nothing but OutputClosed is thrown for it.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // trellant: the command for people.
 #include "commands.h"
 #include "dump/dump.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // `trellant info` and `trellant list`.
 #include "commands.h"
 #include "look/info.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // `trellant validate`: is this JSON a timeline that programs may rely on?
 #include "commands.h"
 

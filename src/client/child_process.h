@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A worker process: how it is started, watched and ended.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "error_lines.h"
 
 #include <trellant/base/printable_text.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a worker writes to its standard error: progress for the host, the rest kept for the case
 // that the worker fails.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One call: a worker is started, fed, listened to and seen to its end, all on the calling thread.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What this system offers for confinement, in the order in which it is entered.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "confinement_layers.h"
 #include "filesystem_rules.h"
 #include "syscall_filter.h"

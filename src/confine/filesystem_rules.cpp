@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is listed as handled is forbidden everywhere but where a rule allows it; reading is not
 // listed and so stays free, since media may lie anywhere. Each generation of the interface ("ABI")
 // knows more to handle, and a kernel refuses what it does not know:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "memory_room.h"
 
 #include <trellant/confine/memory_allowance.h>

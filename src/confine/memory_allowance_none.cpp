@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <trellant/confine/memory_allowance.h>
 
 namespace trellant {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What memory the machine and the control groups of a process have left.
 #pragma once
 

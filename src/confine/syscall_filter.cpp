@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A list of what is allowed, not of what is forbidden: the process needs few calls, and one that a
 // later kernel brings is then forbidden from the start. That network, programs, other processes,
 // name spaces, keys, modules, rights and times of files are out of reach follows from their

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The layer of system calls: seccomp.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "placement.h"
 #include "staging.h"
 #include "wave_conversion.h"

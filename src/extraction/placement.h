@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From the folder where files come into being to their final names. A file that is there already,
 // byte for byte, is kept; another one of the same name is never replaced unless that was asked for.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Digests, as sha256sum prints them.
 #pragma once
 

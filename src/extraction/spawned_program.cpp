@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "spawned_program.h"
 
 #include <trellant/base/file_descriptor.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A program that does one thing with files and says on standard error why it could not.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The folder inside the wanted one where files come into being. Hidden, so that a search for media
 // does not see half a file.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // AIFC files made into WAVE files by the program for it, one process a file.
 #pragma once
 

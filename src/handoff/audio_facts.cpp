@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A chunk of either kind of file: identifier (4), size (4), that many bytes, padded to an even
 // number. What tells the length:
 //

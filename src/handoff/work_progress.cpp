@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <trellant/client/errors.h>
 #include <trellant/handoff/work_progress.h>
 

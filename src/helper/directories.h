@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The few things the worker asks of the system's folders.
 #pragma once
 

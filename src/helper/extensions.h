@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a request asked for beside the timeline, read out of the file that is open already.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // trellant-omf: one process, one request. The request comes on standard input, the result goes to
 // standard output, progress and at most one log line to standard error; the exit status says which
 // of three outcomes happened. This is the one place where errors become texts.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One request, from its paths to its result.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "standard_streams.h"
 
 #include <trellant/base/write_all.h>

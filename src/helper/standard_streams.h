@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The worker's three streams, without buffers of the language between: each line is one write, and
 // nothing waits when the process ends.
 #pragma once

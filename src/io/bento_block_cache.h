@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Small reads out of cached blocks of the file. A read call for each small value costs twice as
 // much, and a mapping of the file would end the process when the file shrinks.
 #pragma once

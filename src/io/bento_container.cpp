@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Opening a container, and looking things up in it.
 #include "bento_contents.h"
 #include "bento_toc.h"

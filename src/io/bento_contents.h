@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What an open container holds, and the reading of values that opening and use share.
 #pragma once
 

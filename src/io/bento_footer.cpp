@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Standard footer, the last 24 bytes of the file, numbers in the footer's own byte order:
 //
 //   offset  size  meaning

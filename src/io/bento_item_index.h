@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The items of a table of contents, ordered so that those of an object, and of one of its
 // properties, lie together.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A growing array of packed items. It grows by remapping its pages, where a vector would copy tens
 // of megabytes again and again and hold them twice meanwhile.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The names that a container gives to properties, or to types.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The two written forms of a table of contents, decoded into items in table order.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The strict reading of a table of entries: any fault refuses all of it.
 #include "bento_toc.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The value of a property: the bytes of all its items, in table order.
 #include "bento_contents.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <trellant/base/byte_load.h>
 #include <trellant/base/text.h>
 #include <trellant/io/byte_readers.h>

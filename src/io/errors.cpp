@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The texts of the errors, each made in one place.
 #include <trellant/base/text.h>
 #include <trellant/io/errors.h>

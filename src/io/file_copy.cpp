@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Copying stored pieces out into a new file. The kernel copies from file to file where it can;
 // where it cannot, or fails, bytes go through a buffer, and that path alone reports errors, so that
 // they are the same either way.

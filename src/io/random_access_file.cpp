@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <trellant/io/errors.h>
 #include <trellant/io/random_access_file.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The two ways by which json_decode reads a text into a value. They accept the same texts, give the
 // same values and throw the same out of a record's check; only the second says what is wrong with
 // the JSON.

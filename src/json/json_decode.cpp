@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts that are right, nearly all, are read the quick way. Whatever it does not take is read again
 // from the start the way that explains, so what is refused, and why, is decided in one place.
 #include "decoding_ways.h"

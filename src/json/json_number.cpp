@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Exact reading of JSON number texts: decimal digits are never rounded on their way to an integer.
 #include <trellant/json/json_value_ops.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The way of decoding that explains what is wrong: the JSON library does the grammar and hands over
 // one event after the other.
 //

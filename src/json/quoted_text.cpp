@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "quoted_text.h"
 
 #include <trellant/base/byte_load.h>

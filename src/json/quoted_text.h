@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Strings as JSON writes them, in valid UTF-8.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The quick way of decoding: the grammar of RFC 8259 over text that lies in memory as a whole. It
 // only tells whether a text is right; what is wrong with one, parseInto finds out.
 #include "decoding_ways.h"

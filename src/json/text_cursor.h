@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A place in a text that lies in memory as a whole, and the one test for its end, which looks for a
 // stop on the way: by bytes, since one string or one run of blanks may be as long as the text.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "value_filler.h"
 
 #include <trellant/base/precondition.h>

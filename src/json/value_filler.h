@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The places that are being filled while a text is read. Whoever reads the grammar hands over one
 // event after the other; the places stand on a stack of fixed size, as deep as the known types
 // nest. What lies under unknown keys is only counted, so it may nest without end.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Varying values as automation envelopes. Each value is read once, however many effects share it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // All that a mapping reads of a document's values: lists, texts and embedded audio, which may be
 // long, with a bound on all of them together, and the small values beside them.
 //

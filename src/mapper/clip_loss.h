@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Why a clip of the composition is dropped.
 #pragma once
 

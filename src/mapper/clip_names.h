@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The name that a person gave a clip.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which composition is read, and what clock it runs by.
 #pragma once
 

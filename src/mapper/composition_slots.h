@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The slots of the composition, and which of them are audio that can be measured.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What kind of media a component carries. Each kind is read once, however many slots refer to it.
 #pragma once
 

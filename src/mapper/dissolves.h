@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which transitions are plain linear audio dissolves; any other is played as a cut.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the slots of an effect carry.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Mono gain and mono pan, folded into the drafts of the effect's inputs.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "effect_kinds.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Effects: a rendered result is played where the file carries one; gain and pan play their inputs
 // and are folded into them; everything else is reported and silent.
 #include "segment_walk.h"

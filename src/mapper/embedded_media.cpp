@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "bounded_reads.h"
 
 #include <trellant/base/numbered_name.h>

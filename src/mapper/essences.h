@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The audio behind a resolved clip: embedded media taken out of the file, or external media found
 // on disk, as one essence per Source Mob.
 #pragma once

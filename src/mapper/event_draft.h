@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the walk over a slot's segments leaves behind: one draft per Source Clip reached.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Fades: those that a Source Clip states, and the two that a plain linear dissolve becomes.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How extracted files are named: safe anywhere, unique within the work directory.
 #pragma once
 

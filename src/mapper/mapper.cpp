@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The assembly of the timeline: the composition, its clock, and slot by slot its tracks.
 #include "bounded_reads.h"
 #include "composition.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "mapping_notes.h"
 
 #include <trellant/io/errors.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a mapping has to say beside the timeline: the records of what was lost, where on the
 // timeline that lies, and the diagnostics. The one door for losses.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "media_search.h"
 
 #include "file_names.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The files of the media search directory, by name. The one place of the mapping that looks around
 // in the file system.
 #pragma once

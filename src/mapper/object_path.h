@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where in the object tree something was found, as records name it: CMOB[12]/slot[34]/SEQU[56].
 //
 // A path is a chain of steps, each on the stack of the call that took it. Text is made only when

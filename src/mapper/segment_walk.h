@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The walk over one slot's segment tree, from segments to drafts. What it cannot express is
 // recorded and walked past, its length still counted, so that later material keeps its time.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A sequence: components one after the other, with transitions between them. A plain linear
 // dissolve overlaps its neighbours and becomes their fades; any other transition is played as the
 // cut that it names, its neighbours trimmed to the cut point.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "source_resolution.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where a Source Clip's audio lies: the chain of mobs from the clip to the Source Mob that
 // describes a media file, the track of that mob, and the offset into the media.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "track_builder.h"
 
 #include "track_pan.h"

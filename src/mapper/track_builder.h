@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From the drafts of a slot to a track of the timeline with its events.
 #pragma once
 

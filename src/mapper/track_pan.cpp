@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "track_pan.h"
 
 #include <trellant/base/text.h>

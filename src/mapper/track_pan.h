@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the pans of a track's clips and the track's name say about the whole track.
 #pragma once
 

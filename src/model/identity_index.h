@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which element of a list has an identity: looked up for every event of a timeline, so without an
 // allocation for each element.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which objects stay, under which ids, and what they refer to.
 #include "repair_parts.h"
 

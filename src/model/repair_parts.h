@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the parts of a repair share: the change list, and validation itself asked about one piece,
 // so that no rule of it is written down twice.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The values of one track, essence or event. Each is put alone into a timeline, validation names
 // its first problem, the repair for that is made, and so on until nothing is left to say.
 #include "repair_parts.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <trellant/base/localization.h>
 #include <trellant/base/precondition.h>
 #include <trellant/model/stem_role.h>

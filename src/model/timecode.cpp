@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Drop-frame counting. At 30 frames per second the labels ;00 and ;01 of each minute that is no
 // multiple of ten do not exist, at 60 the labels ;00 to ;03. So ten minutes hold 18 (36) frames
 // fewer than their labels suggest, an hour 108 (216), and 00:01:00;02 is frame 1800.

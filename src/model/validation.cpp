@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "identity_index.h"
 #include "validation_limits.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The bounds of values that validation holds and repair clamps to.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Both kinds of file are chunks after a head of 12 bytes: form (4), size (4), form type (4). A
 // chunk has an identifier (4), a size (4) and that many bytes, padded to an even number. WAVE is
 // little-endian, AIFF big-endian.

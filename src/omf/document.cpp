@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Opening: classes, header, byte order; and the maps over all objects. Typed reads stand in
 // typed_reads.cpp.
 #include <trellant/io/errors.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Typed reads of property values. Numbers are small and read without an allocation; each read has
 // a cap, so that a corrupt length cannot make a small read allocate much.
 #include <trellant/base/text.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // trellant-wav IN OUT: the audio of an uncompressed AIFF or AIFC file as a new WAVE file. Exit
 // status 0 done, 1 wrong use, 2 not converted, with the reason on standard error.
 #include "wave_copy.h"

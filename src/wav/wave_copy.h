@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Uncompressed AIFF and AIFC audio as WAVE, sample for sample.
 //
 // Whole numbers go through 32-bit ones and floating point through its own kind, so that nothing is

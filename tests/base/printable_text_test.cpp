@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <trellant/base/precondition.h>
 #include <trellant/base/printable_text.h>
 #include <trellant/base/text.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <trellant/base/file_descriptor.h>
 #include <trellant/base/program_start.h>
 #include <trellant/base/system_call_error.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The real worker under limits, and what it cost.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tests of bounds share: hostile files in a folder of their own, runs of the worker over
 // them, and the promises that hold for every run.
 #pragma once

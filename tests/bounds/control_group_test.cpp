@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The worker in a control group with little memory, where asking for too much ends a process: the
 // right answer, or the line that says that memory is out.
 #include "bounds_fixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One composition under every limit of memory from almost none to enough: the right answer, or the
 // line that says that memory is out, never anything else. So the memory ends once in every stage:
 // the table, its index, the names, the walk, the events, the copy, the answer.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Small files that describe compositions without end: subtrees that are shared.
 //
 // Bound: 10,000,000 visits. After 262,144 of them the rest is counted before anything more is kept;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "generated_file.h"
 
 #include "bounded_run.h"

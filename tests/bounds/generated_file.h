@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Large compositions of a known shape, written by the generator of the benchmarks.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A little-endian container written piece by piece: it begins as a small document does and goes on
 // with what a test adds, so that one of any size takes little memory to write. First the values,
 // then the table's tokens, then finish().

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tables of contents that make the most of their bytes: the smallest items, the smallest objects.
 //
 // Bound: 8 bytes for each byte of the table, and a constant. An item takes 32 bytes. The smallest

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs a program under limits and tells what it cost. Arguments: bytes of address space, 0 for no
 // limit; seconds of processor time; the list of processes of a control group to enter, empty for
 // none; the program. Descriptor 3 gets the line "STATUS SIGNAL PEAK TIME", -1 where there is none,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Values that are as long as a value may be.
 #include "bounds_fixture.h"
 #include "growing_file.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Much of one thing: memory grows with it by so many bytes for each, and no faster.
 //
 // A clip takes 1,600 bytes, its part of the sources included: its values in the table, its event,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A container that names more than it uses, and objects of more classes than there are.
 //
 // Bound: 15 bytes for each byte of the table, the long names (64 MiB for properties, 64 MiB for

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Everything within everything, as deep as it is walked and deeper: no more memory than the table
 // of contents takes, 8 bytes for each of its bytes.
 #include "bounds_fixture.h"

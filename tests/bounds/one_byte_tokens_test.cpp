@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The largest table of contents there may be, made only of tokens of one byte.
 //
 // Bound: the table itself and a constant. Padding and ends of blocks make no item; of empty

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Taking media out: at most 8 MiB of memory above what looking takes, whatever the size of a value,
 // and at most 16 times the file and 64 MiB of disk.
 #include "bounds_fixture.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What the command says of itself, for the tests of the texts that say it again."""
 import os
 import re

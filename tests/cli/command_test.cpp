@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The command as people and scripts meet it: the real executable, in pipes and in terminals.
 #include "said.h"
 

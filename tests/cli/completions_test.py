@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The completions offer what the command takes, in each place what fits there."""
 import re
 import shutil

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Data, messages, colour and bar, on terminals, pipes and streams that are gone.
 #include "terminal/console.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records for sheets: quotes, and cells that must not become formulas.
 #include "look/listing.h"
 

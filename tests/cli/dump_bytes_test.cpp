@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bytes in words, kind by kind.
 #include "dump/dump_bytes.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the child that reads a file has given up, and that a dump says the same without it.
 #include "confined_child.h"
 #include "dumped.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Objects, names and values of a container as far as they can be read.
 #include "dump/dump_contents.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where damaged files stop making sense, and what other files look like.
 #include "dump/dump_object.h"
 #include "dump/dump_overview.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The end of a container, whatever stands there.
 #include "dump/dump_footer.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Objects with their properties, and values by their types.
 #include "dump/dump_values.h"
 #include "dumped.h"

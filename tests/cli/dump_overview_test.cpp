@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The overview of sound containers, and the list of their tables.
 #include "dumped.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Paths of loss records, followed step by step.
 #include "dump/dump_path.h"
 

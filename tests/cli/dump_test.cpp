@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The whole command: files that cannot be opened, readers that go, files of real workstations.
 #include "dump/dump.h"
 

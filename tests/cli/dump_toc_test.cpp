@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tables item by item: what each token and entry says, and where a table stops making sense.
 #include "dump/dump_toc.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What properties mean, by the names of types and properties.
 #include "dump/dump_value_kind.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "dumped.h"
 
 #include <trellant_testing/temporary_directory.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dumps a file of given bytes, and gathers what it says.
 #pragma once
 

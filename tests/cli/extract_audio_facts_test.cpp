@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The length of an audio file by its header, and what is no audio file.
 #include "extract_fixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Extraction as a person meets it: what lies in the folder afterwards, and what is said about it.
 #include "extract_fixture.h"
 

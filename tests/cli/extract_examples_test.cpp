@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The example compositions, taken out as a new user would.
 #include "extract_fixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What an extraction that does not come to its end leaves, and what it says.
 #include "extract_fixture.h"
 

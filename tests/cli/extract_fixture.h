@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // `trellant extract` over documents that a test makes, with the real worker and converter.
 #pragma once
 

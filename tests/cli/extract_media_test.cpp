@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Audio files beside the interchange file: which of those that bear the name is taken.
 #include "extract_fixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The bar of a long step, and its end by a stop.
 #include "look/console_progress.h"
 #include "said.h"

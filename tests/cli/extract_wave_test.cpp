@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // AIFC made into WAVE: sample for sample in every form, by the program of its own and by --wav.
 #include "extract_fixture.h"
 #include "spawned_program.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "look/failure_text.h"
 
 #include <trellant/client/errors.h>

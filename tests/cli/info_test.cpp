@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the summary and the lists tell of odd timelines: nameless tracks, silent clips, repairs,
 // sources that are not there.
 #include "look/info.h"

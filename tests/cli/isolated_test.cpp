@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Work in a child: its answer, its exceptions, and every way in which it can fail to give one.
 #include "process/isolated.h"
 

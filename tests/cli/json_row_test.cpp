@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lines of JSON, written member by member.
 #include "look/json_row.h"
 

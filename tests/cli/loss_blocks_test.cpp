@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Losses as paragraphs: whole on a page, wrapped on a terminal.
 #include "look/loss_blocks.h"
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The man page is well formed, names all that the command takes, and its examples work."""
 import json
 import os

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs something that speaks through a console in a process of its own, its streams being pipes or
 // pseudo-terminals, and gathers what it said.
 #pragma once

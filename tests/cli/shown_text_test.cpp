@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Cells of texts, and texts made harmless.
 #include "terminal/shown_text.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Columns for people: alignment, wide characters, narrow and wide terminals.
 #include "terminal/table.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Workers that end well and what they wrote: a result, or something else.
 #include "odd_worker/answers.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One good timeline with one thing wrong after the other: no rule of the validation is passed by.
 #include "client_fixture.h"
 #include "odd_worker/answers.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where a worker is looked for: from hosts that stand in folders as an installation makes them.
 #include "host_program.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A stop ends every call, whatever its worker does, and never as a failure of the worker.
 #include "client_fixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which worker reads which file.
 #include <trellant/client/worker_client.h>
 

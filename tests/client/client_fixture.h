@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tests of the client share: workers that misbehave on demand, and the three ways in which
 // a call may end. Nothing here measures time; a call that hangs is told from one that does not by a
 // limit that only a hang reaches.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a thousand calls leave behind in their host: nothing.
 #include "client_fixture.h"
 

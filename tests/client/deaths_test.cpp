@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Workers that die at one stage of a call or never end it.
 #include "client_fixture.h"
 #include "odd_worker/answers.h"

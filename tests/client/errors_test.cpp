@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What an error says, as data, for the log and for a person.
 #include <trellant/client/errors.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Workers that end with another status than 0, or by a signal.
 #include "client_fixture.h"
 #include "odd_worker/answers.h"

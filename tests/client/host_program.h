@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Small programs that stand for a host, run to their end.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a worker gets from its host besides the request: three pipes, the environment and the
 // current directory, and nothing else, whatever state the host is in.
 #include "client_fixture.h"

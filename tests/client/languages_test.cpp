@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The texts for a person, in the languages that are shipped. A program of its own shows them, so
 // that the environment is nothing but what the test says.
 #include "host_program.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What stands where the worker should be cannot be started.
 #include "client_fixture.h"
 

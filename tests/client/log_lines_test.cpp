@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What becomes of the bytes on a worker's standard error. The worker writes each chunk only when
 // the one before was taken, so that the client sees exactly these chunks.
 #include "client_fixture.h"

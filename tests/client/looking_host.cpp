@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tells where this host would take the worker from whose name it is given.
 #include <trellant/client/worker_client.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Progress that cannot be. What decodes is handed on as it was written: a host that draws a bar has
 // to bound it itself. What does not decode is as good as not written.
 #include "client_fixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a host's memory is worth to a worker: bytes in use at most, for each way to ask for more.
 #include "client_fixture.h"
 #include "host_program.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Workers that treat their pipes in ways of their own.
 #include "client_fixture.h"
 

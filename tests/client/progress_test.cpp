@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Progress lines and the callback that takes them.
 #include "client_fixture.h"
 #include "odd_worker/answers.h"

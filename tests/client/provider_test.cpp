@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How a call asks for its worker's place.
 #include "client_fixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The client with the worker that it was made for.
 #include "client_fixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Shows each text that a person can get to see. Arguments: "locale" to take the language from the
 // environment as hosts do, or "plain"; then the folder of the catalogues, if it is to be told.
 #include <trellant/base/localization.h>

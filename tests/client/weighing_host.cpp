@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Makes one call and tells how it ended and how much memory it had in use at most: counted at the
 // allocator, so that neither the machine nor a sanitizer changes the figure. Arguments: the worker,
 // the limit of the result, and for a worker that repeats: its parts and how often the second comes.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Attempts made by a child process that has given up something, since there is no way back.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // All layers together, and the choice between them.
 #include "confined_child.h"
 #include "confinement_layers.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Each thing that the layer of files forbids or leaves, tried by a child that has entered this
 // layer alone.
 #include "filesystem_rules.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The limit that the process sets itself.
 #include "confined_child.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What control groups leave a process, from files as the kernel writes them.
 #include "memory_room.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Each thing that the layer of system calls takes away or leaves, tried by a child that has entered
 // this layer alone.
 #include "syscall_filter.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The committed examples, byte for byte: the files are what the generator makes, the results are
 // the accepted ones, the extracted files are the media that went in.
 #include "example_run.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "example_run.h"
 
 #include <trellant/protocol/messages.h>

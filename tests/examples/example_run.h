@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One example, mapped by the worker as a user would do it.
 #pragma once
 

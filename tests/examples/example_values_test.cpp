@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // external.omf and archive.omf, value by value; see the heads of their generators.
 #include "example_run.h"
 

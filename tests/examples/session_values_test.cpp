@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // session.omf, value by value. Positions come from the table at the head of its generator: samples
 // of the tracks at 48000 Hz; samples of a source are seconds times its own rate.
 #include "example_run.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Final names: what is kept, what gives way, and that nothing is replaced unasked.
 #include "placement.h"
 

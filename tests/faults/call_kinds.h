@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a system call of the worker is made for: the ground on which a fault in it is judged.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A source that changes while it is read: the worker stands still at a call, the file is changed,
 // the worker goes on.
 #include "sweep.h"

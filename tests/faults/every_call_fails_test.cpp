@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every system call of a successful request fails once, in turn.
 #include "sweep.h"
 

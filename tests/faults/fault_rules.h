@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What may become of a request of which one system call failed. The rules, by what the call is for:
 //
 //   call                        a failure comes to

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A quota of open files.
 #include "sweep.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Hosts that die, that read slowly, and that do not say what they want.
 #include "sweep.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One run beside the undisturbed one: whether it came to a certain end, compared whole.
 #pragma once
 

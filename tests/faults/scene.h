@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A small request that makes the worker do everything it can do: embedded audio to take out,
 // external audio named by its path, and external audio that has to be searched for.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads and writes that move less than they were asked to, and interruptions before each.
 #include "sweep.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A request served again and again, each time with another of its system calls failing.
 #pragma once
 

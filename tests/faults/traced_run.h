@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The real worker under a tracer: every system call can be watched, failed, shortened, or taken as
 // the moment to change the world, with the worker standing still meanwhile. Nothing hangs on
 // timing.

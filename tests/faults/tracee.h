@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A process that is traced: its system calls seen, skipped and changed from outside. What a
 // register is called is known here alone.
 #pragma once

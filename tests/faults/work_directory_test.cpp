@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Work directories that fill up, vanish or may not be written to.
 #include "sweep.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Inputs that fuzzing found worth keeping, and those that once broke a law, through the targets as
 // the fuzzer calls them. A law that does not hold stops the process: the last name shown is that of
 // the input.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What fuzzing begins with: were it not valid, most targets would not get beyond its first bytes.
 #include "seeds.h"
 

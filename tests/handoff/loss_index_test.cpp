@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <trellant/handoff/loss_index.h>
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which files in folders bear a wanted name, and in which order.
 #include <trellant/handoff/media_folders.h>
 #include <trellant/handoff/missing_media.h>

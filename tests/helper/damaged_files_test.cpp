@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A file that cannot be mapped: its whole text on standard error, nothing on standard output.
 #include "worker_fixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What strangers' names and a small machine do to the worker.
 #include "worker_fixture.h"
 

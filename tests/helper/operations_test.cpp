@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What each operation leaves behind, and what it answers.
 #include "worker_fixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The paths of a request: what they may be, and what becomes of them in the result.
 #include "worker_fixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <trellant_testing/requests.h>
 
 namespace trellant::testing {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which texts are requests, and what is said of those that are none.
 #include "worker_fixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The real worker and its confinement, as a host meets them.
 #include "confined_child.h"
 #include "environment_variable.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Checks the worker executable: nothing to load at its start, and none of the parts of the language's
 # library that would cost each start. Variables: WORKER, READELF, NM.
 execute_process(COMMAND ${READELF} --program-headers --dynamic ${WORKER}

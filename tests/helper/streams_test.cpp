@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The three streams: what goes where, and what happens when somebody hangs up.
 #include "worker_fixture.h"
 

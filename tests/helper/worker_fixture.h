@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tests of the worker share: a folder to work in, a small composition whose whole result
 // is known, and the two ways in which a run may fail.
 #pragma once

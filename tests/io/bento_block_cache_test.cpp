@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Small reads out of cached blocks, of files that change under the reader's hands.
 #include "bento_block_cache.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Damaged containers: whatever is wrong with the bytes, opening succeeds or throws one of the two
 // error types, and so does the reading of every value afterwards.
 #include <trellant/io/bento_container.h>

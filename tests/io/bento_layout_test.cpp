@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The layout of workstation files, as the fixtures write it: the reader must see the same values
 // as in the simple one.
 #include <trellant/io/bento_container.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "bento_toc.h"
 
 #include "expect_throw.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "expect_throw.h"
 
 #include <trellant/io/byte_readers.h>

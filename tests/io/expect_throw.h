@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a failing read says, compared whole.
 #pragma once
 

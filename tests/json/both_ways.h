@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One text decoded in both ways, which must make the same of it.
 #pragma once
 

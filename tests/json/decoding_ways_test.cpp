@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The quick way of decoding takes a text exactly when the explaining way does, and gives the same.
 #include "both_ways.h"
 #include "mutated_text.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <trellant/json/json_decode.h>
 #include <trellant/json/json_writer.h>
 

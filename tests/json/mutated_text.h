@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts with seeded damage, of the kinds that decide about JSON.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How much a request may read from lists and texts that lie over one another.
 #include "bounded_reads.h"
 

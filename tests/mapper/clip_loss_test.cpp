@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is said of a dropped clip: the reason, and what goes before the record of the loss.
 #include "clip_loss.h"
 

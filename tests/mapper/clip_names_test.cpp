@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a clip is called: its own name, or an attribute somewhere in its attribute lists.
 #include "song.h"
 

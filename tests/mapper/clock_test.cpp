@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The program clock, from the composition's timecode slot.
 #include "song.h"
 

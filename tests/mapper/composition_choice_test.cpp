@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which of a file's compositions is read.
 #include "song.h"
 

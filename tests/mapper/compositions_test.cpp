@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The list of a file's compositions.
 #include "song.h"
 

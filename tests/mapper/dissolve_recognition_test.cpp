@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What makes a transition a plain linear audio dissolve; any other is a cut.
 #include "song.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Transitions that are plain audio dissolves: overlap and fades, and what makes one.
 #include "sequence_fixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Effect invocations: which are rendered, what their inputs become, how inputs merge.
 #include "song.h"
 

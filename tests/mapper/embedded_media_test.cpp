@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Media inside the document, looked at without being taken out.
 #include "song.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From drafts to events: identities, where they start in their source, what they carry.
 #include "song.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Media outside the document: what locators say, and what is recorded of them.
 #include "song.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Embedded media taken out into the work directory.
 #include "essences.h"
 #include "song.h"

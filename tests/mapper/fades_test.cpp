@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A clip's own fades.
 #include "song.h"
 

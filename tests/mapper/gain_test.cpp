@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Gain effects: constants multiply, varying values become automation.
 #include "song.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Damaged and hostile compositions: a timeline or the typed error, nothing else.
 #include "song.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One composition in every layout that a file may have: the same timeline each time.
 #include "song.h"
 

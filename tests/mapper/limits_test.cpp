@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How deep and how far the walk goes.
 #include "song.h"
 

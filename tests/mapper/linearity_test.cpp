@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Ten times the composition costs about ten times the reads of the file, never a hundred times.
 #include "song.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where the losses within a track lie: segments, transitions, fades and effects.
 #include "placed_losses.h"
 

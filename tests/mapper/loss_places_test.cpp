@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where the losses of tracks, clips and sources lie, and what a place says beside its range.
 #include "placed_losses.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a mapping of a document leaves, in forms that a test can write down by hand.
 #pragma once
 

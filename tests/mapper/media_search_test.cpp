@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The media search directory: which of its entries count, and when it is looked at.
 #include "media_search.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dissolves beside nested segments: which of the nested clips takes the fade.
 #include "sequence_fixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pan effects: one position per clip, the innermost wins.
 #include "song.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A composition mapped with the places of its losses, in a form that a test can write down by hand.
 #pragma once
 

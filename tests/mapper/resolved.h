@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Source resolution on its own, over a document under construction.
 #pragma once
 

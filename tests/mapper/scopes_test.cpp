@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Scope references: from where they count, where they lead, where they end.
 #include "song.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Each kind of segment on its own and in the middle of a sequence.
 #include "song.h"
 

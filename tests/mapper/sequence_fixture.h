@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tests of sequences share: one sequence in the first slot of a composition.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sequences with transitions that are cuts: what they take from their neighbours.
 #include "sequence_fixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "song.h"
 
 #include <trellant_testing/wave_builder.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A composition under construction with one source at hand: a mono WAVE file inside the document,
 // 48000 samples a second. Its slots have 100 edit units a second unless a test makes its own.
 #pragma once

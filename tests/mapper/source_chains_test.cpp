@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Chains of mobs: where they go on, where they end, what stops them.
 #include "resolved.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From a clip to its media: one step, the channel, and what can be missing.
 #include "resolved.h"
 

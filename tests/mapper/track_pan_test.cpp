@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A track's pan and channel role, from its clips' pans and its name.
 #include "track_pan.h"
 

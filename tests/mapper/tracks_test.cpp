@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From slots to tracks: which slots are mapped, how losses name them, what is told on the way.
 #include "song.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <trellant/model/enum_names.h>
 #include <trellant/model/stem_role.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "kept_json.h"
 #include "sample_timeline.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is JSON at all, whatever record is read from it.
 #include "decoding_error.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Encoding whose outcome is kept for the tests of the schemas.
 #pragma once
 

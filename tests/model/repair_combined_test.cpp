@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What becomes of a timeline with several things wrong, and where one repair leads to another.
 #include "repair_lines.h"
 #include "sample_timeline.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a repair changed, in a form that a test can write down by hand.
 #pragma once
 

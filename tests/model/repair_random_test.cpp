@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Timelines damaged at random: whatever is wrong with them, the repaired one passes validation.
 #include "repair_lines.h"
 #include "sample_timeline.h"

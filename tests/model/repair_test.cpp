@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What becomes of a timeline with one thing wrong, problem by problem.
 #include "repair_lines.h"
 #include "sample_timeline.h"

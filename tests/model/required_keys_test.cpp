@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // For every record: each key taken away in turn. Required ones fail and are named, optional ones
 // leave their field absent.
 #include "decoding_error.h"

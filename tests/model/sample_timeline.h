@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A timeline with every field filled, and its JSON text, written by hand.
 #pragma once
 

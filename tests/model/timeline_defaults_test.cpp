@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a record holds where its maker says nothing: nothing that would be heard or counted.
 #include <trellant/model/timeline.h>
 

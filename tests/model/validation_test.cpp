@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "repair_lines.h"
 #include "sample_timeline.h"
 

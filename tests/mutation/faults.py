@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Which small faults can be planted in a C++ source, found in its text alone.
 
 Sources are formatted by clang-format: a binary operator has blanks around it, a template bracket,

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Plants small faults in the sources, one at a time, and says which of them no test sees.
 
 It works on a copy in a temporary folder that is removed at the end, however the end comes. What

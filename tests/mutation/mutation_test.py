@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The faults that are planted: where they are found, what they change, and that they go again."""
 import os
 import select

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Which test executables judge a fault in which room: those of the room itself and of the rooms
 directly above it, the quickest first."""
 from dataclasses import dataclass

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The trial of one tree: a copy of it, the faults drawn for it, and what the tests say of each."""
 import os
 import random

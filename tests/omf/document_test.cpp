@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Opening a document: what makes a container one, its header, its byte order, its classes.
 #include "opened_document.h"
 

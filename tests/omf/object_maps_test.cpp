@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Mobs and media data by identifier, and the identifier itself.
 #include "opened_document.h"
 

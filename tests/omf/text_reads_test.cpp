@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Text values: one-byte text, UTF-16 told by its zero bytes, and what falls back.
 #include "opened_document.h"
 

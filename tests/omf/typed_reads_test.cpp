@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Numbers, fractions, identifiers and references: widths, caps, candidates.
 #include "opened_document.h"
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Builds the worker and the converter as a release has them. Variables: SOURCE, FOLDER.
 include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)
 run(${CMAKE_COMMAND} -S ${SOURCE} -B ${FOLDER} -G ${GENERATOR} -DCMAKE_CXX_COMPILER=${COMPILER}

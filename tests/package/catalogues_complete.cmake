@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Each catalogue has a text for every key that the sources ask for, and for no other.
 # Variables: SOURCE.
 include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)

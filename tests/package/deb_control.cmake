@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What the Debian packages say of themselves. Variables: PACKAGES, VERSION.
 include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The package of the command, unpacked alone: it runs, and has nothing that only hosts are built with.
 # Variables: PACKAGES, FOLDER, EXAMPLES.
 include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The papers that each Debian package carries: copyright and changelogs, and that they are those of this
 # version. Variables: PACKAGES, SOURCE, FOLDER.
 include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The host is put beside the staged worker, where the client looks by itself.
 # Variables: PREFIX, FOLDER, EXAMPLES.
 include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Reads a program of a hardened release and the archives that it was linked from.
 # Variables: FILE, SELF_CONTAINED, BUILD, SOURCE, COMPILER_ID, READELF, OBJDUMP.
 include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The libraries show what their public headers declare, and no private helper.
 # Variables: PREFIX, LIBRARIES (the folder below it), NM.
 include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The distribution's checks of packages, where they are installed. Exceptions stand with their reasons in
 # packaging/debian. Variables: PACKAGES, LINTIAN.
 include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)

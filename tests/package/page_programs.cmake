@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Builds and runs what docs/embedding.md shows, as it stands on the page: its files, then each
 # console block, whose output must be the page's. Variables: PAGE, PREFIX, FOLDER, EXAMPLES.
 include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The same program, built without CMake. Variables: PREFIX, LIBRARIES, FOLDER, EXAMPLES, PKG_CONFIG.
 include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)
 set(project ${CMAKE_CURRENT_LIST_DIR}/reader)

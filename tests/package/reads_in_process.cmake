@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Variables: PREFIX, FOLDER, EXAMPLES.
 include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)
 set(project ${CMAKE_CURRENT_LIST_DIR}/reader)

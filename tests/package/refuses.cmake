@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # An outside project that must not configure, and is told why.
 # Variables: PREFIX, FOLDER, OPTIONS (parted by blanks), EXPECTED.
 include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Unpacks all packages of one kind into an empty folder, asks the worker, builds a host against the
 # libraries and puts it beside the worker. Variables: PACKAGES, KIND (deb or tar.gz), FOLDER, EXAMPLES.
 include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)

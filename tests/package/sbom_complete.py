@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Reads the list of what is linked: its form, and that no library of the documents is missing.
 
 Arguments: the list, docs/dependencies.md, the version of the project.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """scripts/spdx over a tree of one file of each kind. Argument: the script."""
 
 import pathlib

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What the package tests share. They run in a locale of their own, so that texts are English.
 set(ENV{LC_ALL} C)
 set(ENV{LANGUAGE} "")

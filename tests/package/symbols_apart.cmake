@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The programs in the package are stripped, and the symbols of each lie in a package of their own, to
 # be found by the number that both have. Variables: PACKAGES, LIBRARY_COUNT, FOLDER, READELF.
 include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Variables: SOURCE, FOLDER.
 include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)
 configure(${CMAKE_CURRENT_LIST_DIR}/subproject ${FOLDER} / -DTRELLANT_SOURCE=${SOURCE})

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Names that a stranger gave to embedded audio, and the files that they become.
 #include "places_fixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where a stranger's locators lead, and what a search directory may hold.
 #include "places_fixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A composition of sources with odd names or odd locators, put to the real worker in a folder that
 // is watched.
 #pragma once

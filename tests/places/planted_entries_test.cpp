@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What somebody has put into the work directory before.
 #include "places_fixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <trellant/model/timeline_json.h>
 #include <trellant/model/validation.h>
 #include <trellant/protocol/messages.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What holds for any file of a workstation, whatever is in it.
 #include "real_files.h"
 

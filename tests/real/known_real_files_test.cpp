@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Two known files, value by value, as their objects say when one reads them by hand. Lengths there
 // are in samples of the tracks' edit rates.
 #include "real_files.h"

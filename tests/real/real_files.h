@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Files of real workstations: where they are, and the worker run over one of them.
 #pragma once
 

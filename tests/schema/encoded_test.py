@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Everything that the tests encode is valid: their programs run once more with TRELLANT_ENCODED set
 and leave each document that they write in a folder, in a file KIND-HASH.json."""
 import collections

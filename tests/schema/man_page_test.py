@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The man page is well formed, names everything that it should, and its examples work as printed."""
 import os
 import re

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """A document, changed in one place at a time, and who must take the outcome.
 
 The schemas describe what is written, the decoder is what reads. Both refuse what has the wrong

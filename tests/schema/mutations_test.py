@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Every key taken away and every value of another type: schema and decoder judge alike."""
 import collections
 import json

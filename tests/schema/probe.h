@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tests of the schemas ask the code: the tables from which encoder and decoder work, one
 // document with every field of each kind, and which documents the decoder takes.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The field tables as the schemas would say them. Names of records are given here a second time, on
 // purpose: a record without one does not compile, so nothing enters the format unseen.
 #include "message_fields.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The four schemas, and JSON read without losing a digit.
 
 A definition is a part of a schema that describes one record; `Definition` follows references and

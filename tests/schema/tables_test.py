@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The schemas say what the field tables of the code say: records, keys, presence, shapes, values."""
 import copy
 import subprocess

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <bit>
 #include <trellant_testing/aiff_builder.h>
 #include <trellant_testing/byte_writer.h>

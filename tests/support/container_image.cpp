@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <limits>
 #include <stdexcept>
 #include <trellant_testing/byte_writer.h>

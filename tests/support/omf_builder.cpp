@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The document, its segments, slots and attributes.
 #include <array>
 #include <trellant_testing/omf_builder.h>

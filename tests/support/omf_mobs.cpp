@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Mobs, media and where media lie, of a document under construction.
 #include <trellant_testing/omf_builder.h>
 #include <utility>

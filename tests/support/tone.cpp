@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <trellant_testing/byte_writer.h>
 #include <trellant_testing/tone.h>
 

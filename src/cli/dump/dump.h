@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The container behind a file, for engineers.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A container's objects, names and values, however damaged it is: what the readable part of the
 // table of contents gives.
 #pragma once

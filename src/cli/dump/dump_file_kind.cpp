@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Told from the first bytes, as people mistake files: audio, archives, other interchange formats,
 // what systems leave beside a file, and containers that lost their end on the way.
 #include "dump_file_kind.h"

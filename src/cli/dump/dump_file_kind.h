@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a file is that is no container.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is wrong is told in full here: a reader needs only the first of it.
 #include "dump_footer.h"
 

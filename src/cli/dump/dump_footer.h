@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The end of a container, read as far as it makes sense.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Standard output of a dump: lines gathered into pieces, and whether anything was left out.
 #pragma once
 

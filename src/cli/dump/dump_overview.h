@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a container is, what it holds, and where it stops making sense.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "dump_path.h"
 
 #include "dump_object.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The object that a path of a loss record leads to.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A fault ends the reading and costs nothing that stands before it.
 #include "dump_toc.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A table of contents item by item, as far as it makes sense.
 #pragma once
 

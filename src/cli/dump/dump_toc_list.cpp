@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Fixed columns, so that a line can go out as soon as it is read.
 #include "dump_toc_list.h"
 

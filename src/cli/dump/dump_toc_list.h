@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The table of contents as a list.
 #pragma once
 

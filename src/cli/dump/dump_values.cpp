@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "dump_values.h"
 
 #include "dump_bytes.h"

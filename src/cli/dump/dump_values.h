@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Property values in words: typed where the container, or the property's name, tells the type.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // `trellant extract`: the audio of a file, each piece in a file of its own.
 //
 // The worker writes into a fresh folder inside the wanted one, and only whole files move from there

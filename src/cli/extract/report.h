@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What an extraction has come to, for people and for machines.
 #pragma once
 

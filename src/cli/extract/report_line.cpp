@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The summary for a machine.
 #include "look/json_row.h"
 #include "report.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The summary for a person: what is where, then what is missing, then what to do next.
 #include "report.h"
 #include "report_table.h"

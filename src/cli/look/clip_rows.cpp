@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The list of clips: everything that is known of each.
 #include "rows.h"
 #include "short_text.h"

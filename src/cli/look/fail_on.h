@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which losses a script wants to stop at.
 #pragma once
 

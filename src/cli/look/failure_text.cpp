@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "failure_text.h"
 
 #include "dump/dump_file_kind.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What went wrong with a file, in words for an editor, with what to do next.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // `trellant info`: one screen about a file.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "json_row.h"
 
 #include <trellant/base/text.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One line of JSON for a machine, its members in the order in which they are named.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lists of facts in three forms: aligned columns for people, CSV for sheets, one JSON object a line
 // for programs. What a person sees is a choice of the columns; the others get all.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the commands that only look have in common: one handOff with a bar, its failures in
 // words, its verdict for scripts.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "loss_blocks.h"
 
 #include "terminal/console.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Losses for people: a short paragraph each, since sentences do not fit into columns.
 #pragma once
 

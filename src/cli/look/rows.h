@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What `trellant list` lists: tracks, clips, audio files and losses, a row each.
 #pragma once
 

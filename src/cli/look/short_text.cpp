@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "short_text.h"
 
 #include "terminal/shown_text.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Fades in a few letters, for narrow columns.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The child's answer is one byte, which tells a text from an exception's, and the bytes of the text
 // to the end of the pipe. A child that was cut short ends by a signal or without the last status.
 #include "isolated.h"

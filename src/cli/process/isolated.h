@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Work on a stranger's file in a process of its own, so that whatever the file does to it, the
 // command goes on and can say so.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The line at the foot of the terminal that shows how far something is.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a command says: data on standard output, messages on standard error. Knows whether a person
 // or a pipe is at the other end.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where the data of a command goes: standard output, or a file that is whole or not there.
 #pragma once
 

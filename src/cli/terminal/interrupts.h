@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Ctrl-C: a call that can be cancelled is, everything else ends at once.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Names in advice that people paste into a shell.
 #pragma once
 

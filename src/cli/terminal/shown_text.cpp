@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "shown_text.h"
 
 #include "table.h"

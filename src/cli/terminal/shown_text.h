@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts from strangers on a terminal: made harmless, measured in cells and cut to fit.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Aligned columns. A row costs what its cells are long, whatever strangers put in them.
 #include "table.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Running text on lines of a terminal.
 #pragma once
 

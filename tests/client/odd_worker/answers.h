@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The answers that the odd worker gives, for itself and for the tests that expect them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Everything that the odd worker can be, by the name under which it is started.
 #pragma once
 

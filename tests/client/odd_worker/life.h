@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What every behaviour of the odd worker is made of. All of it ends the process when something
 // fails that no test asks for.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A worker that does one thing out of the ordinary, told by the name under which it is started:
 // the tests make links to it.
 #include "behaviours.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What an example's event must be, worked out by hand.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Requests as JSON text, written here and not by the code under test.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The real worker executable, started over pipes as a host starts it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Three calls of the client: one followed to its end, one cancelled at its first progress, one
 // that fails.
 #include <trellant/client/worker_client.h>

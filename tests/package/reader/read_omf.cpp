@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads each named file within this process; says so of one that is no such file.
 #include <trellant/io/errors.h>
 #include <trellant/mapper/mapper.h>

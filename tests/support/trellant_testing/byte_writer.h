@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bytes of fixtures, written as a reader of the format would name them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A locale that writes 2,75 where others write 2.75.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Describes a container as objects with property values and lays them out as a file, always the
 // same bytes for the same description.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A container file in its three parts, so that a test can damage one of them before they are put
 // together: value bytes from offset 0, then the table of contents, then the footer.
 #pragma once

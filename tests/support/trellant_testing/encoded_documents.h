@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Everything that the encoder writes in a test can be kept for the tests of the schemas: where the
 // environment variable TRELLANT_ENCODED names a folder, each document becomes a file in it, named
 // after its kind and its content, so that equal ones are kept once. Without the variable nothing

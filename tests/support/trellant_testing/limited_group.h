@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A control group with little memory, where a test may make one.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One object of a document under construction, its properties set by name in the document's byte
 // order. A handle: cheap to copy, and an object number wherever one is wanted.
 #pragma once

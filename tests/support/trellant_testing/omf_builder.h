@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An OMF 2.x document under construction: objects with classes, and makers for the ones that a
 // composition needs. A fixture built with it reads as a description of the file:
 //

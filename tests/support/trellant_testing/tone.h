@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Audible samples, the same on every machine: whole-number arithmetic only.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Boxed<T>: an optional that keeps its value on the heap. A timeline holds a clip event per clip,
 // most events have no fade, automation or export note, and a pointer is what they pay for each.
 //

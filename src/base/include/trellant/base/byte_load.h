@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Numbers out of raw bytes, for decoders that have checked their bounds already.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The byte order of numbers in a file. The container's footer fixes that of the table of contents,
 // the object model's header that of property values.
 #pragma once

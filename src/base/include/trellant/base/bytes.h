@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bytes with their owner, and bytes of somebody else's.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One side requests a stop, others look whether it was requested or are called when it is. The
 // meaning is that of std::stop_source, std::stop_token and std::stop_callback, which not every
 // standard library has.

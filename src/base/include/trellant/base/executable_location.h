@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where the running program lies: what is installed beside it is found from there.
 #pragma once
 

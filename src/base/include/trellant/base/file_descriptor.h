@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Descriptors that close themselves, and pipes made of them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // 128-bit integers, where products of 64-bit numbers must be exact.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The texts that a host shows to a person: looked up by key in message catalogues (domain
 // "trellant"), English when there is none for the host's locale.
 #pragma once

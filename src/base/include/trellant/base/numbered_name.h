@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Names that differ by a number: "Kick.wav", "Kick_2.wav", "Kick_3.wav".
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Programming errors stop the process: they are told apart from data errors, which are typed and
 // reported. Always on, in release builds too.
 #pragma once

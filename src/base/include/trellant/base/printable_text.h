@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Text that came from outside, made fit for one line of a message.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Starting another program: the one place that knows the system's way to do so.
 //
 // posix_spawn, because its cost does not grow with the host: a fork copies the page tables of a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A refusal of the operating system.
 #pragma once
 

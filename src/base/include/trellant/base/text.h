@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Unicode as the reader needs it. Every text inside the program is UTF-8.
 #pragma once
 

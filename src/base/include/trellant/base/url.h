@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // File locations as URL text. A URL is kept as the text it was given; only paths are converted.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One scalar at a time out of UTF-8, and back. Strict: overlong forms, surrogates and what lies
 // beyond U+10FFFF are broken.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writing to a descriptor until all is out.
 #pragma once
 

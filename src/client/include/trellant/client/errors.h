@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How a call of the worker client fails: a fault between host and worker, or a cancellation.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // AAFWorkerClient: the host's side of a worker process. Each call starts one worker, hands it one
 // request, turns its progress lines into callbacks and gives back what it answered. Whatever a file
 // does to the worker, the host sees it as a typed error.

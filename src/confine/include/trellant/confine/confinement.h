@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Giving up what the process will not need, before the first byte of a stranger's file is read: a
 // fault in reading it can then do no harm beyond the one request. There is no way back, so only an
 // executable's main calls this, or a child that was forked for one file.

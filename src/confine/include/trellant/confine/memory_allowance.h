@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A process that takes more memory than there is gets ended by the system, without a word. One that
 // asks for more than it may have is told so, and can say it.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What an extraction has come to: each audio file, where it is, who plays it, and what is missing.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A file that an extraction has put into the wanted folder.
 #pragma once
 

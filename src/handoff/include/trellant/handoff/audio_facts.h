@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a person compares audio files by: format and length.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What had to be changed to make an unusual timeline usable, in words and in its place.
 #pragma once
 

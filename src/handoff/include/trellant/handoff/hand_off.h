@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One look at a hand-off: what a host or a command needs of one file, read once by one worker. The
 // timeline is usable as it stands, what had to be changed for that is told, losses stand where
 // editors look for them, and external media have one verdict.

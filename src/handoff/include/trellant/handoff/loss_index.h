@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which losses touch a clip: those of its track whose time it shares.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What each kind of loss means for the mix, in one sentence for an editor.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The audio files beside a hand-off and in the folders that a person named, by file name.
 #pragma once
 

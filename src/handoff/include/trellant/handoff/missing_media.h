@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Audio files that lie outside of the interchange file, not where it says: which of the files that
 // bear the name it can be.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The audio files of a timeline: where each one's sound is to be had, and who plays it.
 #pragma once
 

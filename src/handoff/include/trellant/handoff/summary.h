@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The figures of a file that its one-screen summary shows, counted once.
 #pragma once
 

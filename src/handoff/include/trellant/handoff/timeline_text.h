@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Values of a timeline as editors read them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How a long piece of work says how far it is, and how it learns that nobody waits any more.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A Bento container: objects that hold properties, each with one value that lies in one or more
 // pieces in the file. Opened whole or not at all, read only ever after; safe to share.
 #pragma once

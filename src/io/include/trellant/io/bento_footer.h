@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The end of a container: where its table of contents lies and how it is written, and everything
 // that can be wrong with saying so. The layout stands in bento_footer.cpp.
 #pragma once

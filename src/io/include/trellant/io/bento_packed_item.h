@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One item of a table of contents as it is held in memory: 32 bytes, millions of them in one array.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The 1.0d4 table of contents: entries of 24 bytes.
 //
 //   offset  size  meaning

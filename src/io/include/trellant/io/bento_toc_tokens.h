@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The compressed table of contents: tokens of one code byte and a payload whose size the code
 // fixes, in blocks; 0xFF between tokens is padding.
 //

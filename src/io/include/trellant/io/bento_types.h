@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a table of contents holds: items, each one piece of one property value of one object.
 #pragma once
 

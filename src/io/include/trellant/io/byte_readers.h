@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Integers and text in a buffer of bytes. Every read is checked against the buffer.
 #pragma once
 

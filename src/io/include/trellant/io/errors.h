@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The errors of the file-access stack. Two kinds, told apart by what a person does about them: the
 // file is damaged or unusual (OMFIOError), or the system refused something (FileSystemError).
 #pragma once

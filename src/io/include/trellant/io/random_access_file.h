@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One input file, read at given places. Only this file and the copy beside it do input.
 #pragma once
 

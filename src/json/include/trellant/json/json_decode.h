@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records from JSON: strict RFC 8259 in UTF-8, a byte-order mark skipped. Unknown keys are ignored
 // whatever lies under them; of equal keys the last wins; a required key that is missing, a type
 // that does not fit and a value outside its range are errors that name the key path.

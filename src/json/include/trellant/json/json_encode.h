@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records as JSON. Keys come in sorted or in documented order; absent optional fields are left out.
 // JSON has no form for infinities and not-a-number: a record that holds one is refused before
 // anything is written, so a failing encoding leaves no half a document behind.

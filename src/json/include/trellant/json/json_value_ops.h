@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How a decoder that knows no types fills typed values. Each kind of value has one constant table
 // of operations (`ValueOps`) made from the field tables; the decoder in json_decode.cpp walks the
 // text and calls them. Nothing here is for others than json_decode.

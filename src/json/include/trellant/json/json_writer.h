@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // JsonWriter: compact JSON, written as it is said, without a tree in between.
 //
 // Strings are UTF-8 by contract and are not checked. The caller keeps the grammar: a key before

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Enumerations with text raw values. The raw values stand in one table per enumeration, in
 // declaration order; they are the form in JSON and are compared exactly, case included.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Hashes of records. Values that compare equal have equal hashes; every stored field takes part,
 // nested records and lists included, in order.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What records are made of. A record has one table of its fields; JSON keys, their order and
 // presence, hashing and decoding are all driven by it, so a field is added in one place.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The compositions of a file. One of them is mapped; a person should know of the others.
 #pragma once
 

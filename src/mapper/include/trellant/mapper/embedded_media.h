@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Audio inside the interchange file that a timeline alone does not account for: media that no source
 // of it is, and sources that were written over one another because their names left no free one.
 #pragma once

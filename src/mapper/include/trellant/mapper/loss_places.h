@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where on the timeline a loss lies. A record of the timeline names the object at fault and
 // nothing else; a person asks for track, clip and time. A mapping that is told to
 // (MappingPlaces::placesLosses) keeps both side by side.

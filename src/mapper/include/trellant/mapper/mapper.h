@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From an opened document to a timeline. The one public door of this folder.
 #pragma once
 

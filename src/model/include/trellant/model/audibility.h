@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which events can be heard under the mute and solo settings of their tracks.
 #pragma once
 

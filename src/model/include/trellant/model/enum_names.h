@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The raw values of the timeline's enumerations.
 #pragma once
 

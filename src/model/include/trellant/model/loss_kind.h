@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Kinds of losses: what a record of the timeline says in words of the interchange format, as a case
 // that a program can tell apart and a person's language can name.
 #pragma once

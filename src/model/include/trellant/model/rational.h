@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // AAFRational: an exact fraction of two signed 64-bit integers. Every time (in seconds), duration,
 // edit rate and sample rate of a timeline is one.
 //

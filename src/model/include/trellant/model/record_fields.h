@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The field tables of the timeline records: the keys, in the documented order. A field that is
 // added to a record is added here and nowhere else.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Makes a timeline that fails validation pass it. Odd but real files lead to such timelines, and
 // one bad channel number must not cost a person all the audio: just the piece at fault is left
 // out, clamped or replaced, and every change is listed.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a person is shown of stem roles: which of them are outputs, and what they are called.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Timecode: a frame rate with optional drop-frame counting, a label at such a rate, and the clock
 // that ties timeline seconds to labels.
 //

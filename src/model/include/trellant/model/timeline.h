@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The timeline records: what one composition became. Plain aggregates; treat a finished record as
 // const. Their JSON keys are the field names (record_fields.h holds the table of each record).
 // Times and durations are seconds, rates are per second, gains are linear factors (1 leaves the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The timeline's records from JSON and to it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What can be wrong with a timeline, and with which part of it. Validation reports one such
 // problem, repair lists what it did about each.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // AAFRawTimelineValidation: what must hold for a timeline that was read from JSON before anything
 // computes with it. The decoder checks shapes; this checks references between records, the ranges
 // of values and every computation that later code does with 64-bit arithmetic (sample ends,

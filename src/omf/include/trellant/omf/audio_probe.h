@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the header of a WAVE or AIFF/AIFC file says about its audio.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The object model over a container: objects with classes, and forgiving typed reads.
 //
 // Every typed read takes an object and candidate properties, tries them in the given order and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From a mob's identifier to an object. Sorted, not hashed: identifiers are chosen by whoever wrote
 // the file, and no choice of them makes it slow.
 #pragma once

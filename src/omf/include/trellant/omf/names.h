@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The names of the object model: properties, and the classes that the program treats apart.
 // A document resolves each property to the container's number once.
 #pragma once

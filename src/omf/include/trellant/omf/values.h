@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Values of the object model that are no plain numbers.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a worker adds to its answer when a request asks for it by name. Without such a wish nothing
 // of this is written, so older hosts see what they always saw; a name that a worker does not know
 // is passed over, so newer hosts ask and look what came.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The lines of a worker's standard error. A line that begins with the progress marker carries one
 // Progress as compact JSON; every other line is log text. Each line is made whole, so that it can
 // go out in one write.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // AAFWorkerProtocol: the contract between a host and a worker process. The host writes one Request
 // to the worker's standard input and closes it; the worker writes any number of Progress records to
 // standard error (lines.h frames them) and, on success only, one Result to standard output, without

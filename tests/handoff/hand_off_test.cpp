@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: Apache-2.0
+// One look at a file with the real worker.
+#include <trellant/client/errors.h>
+#include <trellant/handoff/hand_off.h>
+#include <trellant/handoff/sources.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <trellant_testing/temporary_directory.h>
+#include <trellant_testing/worker_process.h>
+
+namespace trellant::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+std::string example(const std::string& name) {
+    return std::string(TRELLANT_EXAMPLES "/") + name;
+}
+
+HandOffRequest requestOf(const std::string& file) {
+    return {.file = file, .helperURLProvider = [](const std::string&) -> std::optional<fs::path> {
+                return workerPath();
+            }};
+}
+
+TEST(HandOff, PlacesEachLossOnItsTrackAndTime) {
+    WorkProgress progress;
+    const HandOff handOff = readHandOff(requestOf(example("session.omf")), progress);
+    ASSERT_THAT(handOff.losses, SizeIs(3));
+    const PlacedLoss& effect = handOff.losses[1];
+    EXPECT_EQ(effect.trackName, "Atmo");
+    EXPECT_EQ(effect.trackNumber, 7);
+    EXPECT_EQ(effect.start, AAFRational(3, 2));
+    EXPECT_EQ(effect.duration, AAFRational(2, 5));
+    EXPECT_EQ(effect.plain, "The effect is not applied: the clips play without it.");
+    EXPECT_EQ(effect.description, handOff.timeline.unsupportedFeatures[1].description);
+}
+
+TEST(HandOff, NamesTheCompositionThatWasRead) {
+    WorkProgress progress;
+    const HandOff handOff = readHandOff(requestOf(example("session.omf")), progress);
+    ASSERT_THAT(handOff.compositions, SizeIs(1));
+    EXPECT_EQ(handOff.compositions[0].name, "Scene 12");
+    EXPECT_TRUE(handOff.compositions[0].isRead);
+}
+
+TEST(HandOff, FindsAudioBesideTheFileWithoutBeingTold) {
+    WorkProgress progress;
+    const HandOff handOff = readHandOff(requestOf(example("external.omf")), progress);
+    const Sources sources(handOff);
+    ASSERT_THAT(sources.all(), SizeIs(2));
+    EXPECT_EQ(sources.all()[0].state, SourceState::located);
+    EXPECT_EQ(sources.all()[1].state, SourceState::missing);
+    EXPECT_THAT(handOff.openChoices, IsEmpty());
+}
+
+TEST(HandOff, FileOfAnotherRateIsNoFind) {
+    const TemporaryDirectory folder;
+    const std::string file = folder.file("external.omf");
+    fs::copy_file(example("external.omf"), file);
+    Bytes door = readFile(example("media/Door.wav"));
+    // "fmt " stands right behind the RIFF head, its rate 12 bytes on: 11025 Hz becomes 11026.
+    ASSERT_EQ(door.at(24), std::byte{0x11});
+    door.at(24) = std::byte{0x12};
+    writeFile(folder.file("Door.wav"), door);
+    WorkProgress progress;
+    const HandOff handOff = readHandOff(requestOf(file), progress);
+    const Sources sources(handOff);
+    EXPECT_EQ(sources.all()[0].state, SourceState::misfit);
+    ASSERT_THAT(handOff.openChoices, SizeIs(1));
+    const auto& candidates = handOff.openChoices.begin()->second;
+    ASSERT_THAT(candidates, SizeIs(1));
+    EXPECT_EQ(candidates[0].path, folder.file("Door.wav"));
+    EXPECT_EQ(candidates[0].misfit, "another rate, the clips need 11025 Hz");
+}
+
+TEST(HandOff, StopBeforeTheLookIsHeeded) {
+    StopSource stop;
+    stop.request_stop();
+    WorkProgress progress(stop.get_token());
+    EXPECT_THROW(static_cast<void>(readHandOff(requestOf(example("session.omf")), progress)),
+                 AAFCancellationError);
+}
+
+TEST(HandOff, FileThatIsNoneIsTheWorkersError) {
+    const TemporaryDirectory folder;
+    const std::string file = writeFile(folder.file("none.omf"), Bytes(100));
+    WorkProgress progress;
+    EXPECT_THROW(static_cast<void>(readHandOff(requestOf(file), progress)), AAFWorkerClientError);
+}
+
+TEST(HandOff, AnswerWithoutExtensionsHasLossesWithoutPlaces) {
+    AAFWorkerProtocol::Result answer;
+    answer.timeline.unsupportedFeatures = {{.id = "omf-loss-0", .description = "gone"}};
+    const HandOff handOff = handOffOf(answer);
+    ASSERT_THAT(handOff.losses, SizeIs(1));
+    EXPECT_EQ(handOff.losses[0].description, "gone");
+    EXPECT_EQ(handOff.losses[0].plain, "");
+    EXPECT_THAT(handOff.compositions, IsEmpty());
+}
+
+}  // namespace
+}  // namespace trellant::testing

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+// What a request may ask for beside the timeline.
+#include "worker_fixture.h"
+
+namespace trellant::testing {
+
+namespace {
+
+class HelperExtensions : public WorkerTest {
+  protected:
+    [[nodiscard]] WorkerRun runAsking(const std::string& names,
+                                      std::string_view operation = "inspect") const {
+        auto request = requestFor(operation, source_, path("work"));
+        request.more = ",\"extensions\":" + names;
+        return run(request);
+    }
+    /// The answer to the same request without extensions, with these added where their key belongs.
+    [[nodiscard]] std::string resultWith(const std::string& extensions,
+                                         std::string_view fileURL = {}) const {
+        std::string result = oneClipResult(jsonFileURL(source_), fileURL);
+        const std::size_t at = result.find("\"protocolVersion\"");
+        EXPECT_NE(at, std::string::npos);
+        return result.insert(at, "\"extensions\":" + extensions + ",");
+    }
+
+    std::string source_ = oneClipFile();
+};
+
+TEST_F(HelperExtensions, AreAnEmptyObjectWhereNoneIsKnown) {
+    for (const std::string names : {"[]", "[\"later\"]", "[\"LossPlaces\"]"}) {
+        const auto answer = runAsking(names);
+        EXPECT_EQ(answer.output, resultWith("{}")) << names;
+        EXPECT_EQ(answer.errors, oneSlotProgress());
+        EXPECT_EQ(answer.status, 0);
+    }
+}
+
+TEST_F(HelperExtensions, NullIsNoWish) {
+    const auto answer = runAsking("null");
+    EXPECT_EQ(answer.output, oneClipResult(jsonFileURL(source_)));
+}
+
+TEST_F(HelperExtensions, OfAnotherTypeAreNoRequest) {
+    expectRejected(runAsking("\"lossPlaces\""),
+                   "invalid request JSON: extensions: expected an array, found a string");
+    expectRejected(runAsking("[1]"),
+                   "invalid request JSON: extensions[0]: expected a string, found a number");
+}
+
+TEST_F(HelperExtensions, CompositionsAreListed) {
+    EXPECT_EQ(runAsking("[\"compositions\",\"compositions\"]").output,
+              resultWith("{\"compositions\":{\"compositions\":[{\"isRead\":true,"
+                         "\"mobID\":\"000000C0-00000000-00000001\",\"name\":\"Piece\","
+                         "\"object\":13,\"slotCount\":1}]}}"));
+}
+
+TEST_F(HelperExtensions, WithoutLossesThereAreNoPlaces) {
+    EXPECT_EQ(runAsking("[\"lossPlaces\"]").output, resultWith("{\"lossPlaces\":{\"places\":[]}}"));
+}
+
+TEST_F(HelperExtensions, MediaThatAreAllPlayedAreNotUnused) {
+    const std::string none =
+        "{\"embeddedMedia\":{\"separateFiles\":[],\"unusedCount\":0,\"unusedNames\":[]}}";
+    EXPECT_EQ(runAsking("[\"embeddedMedia\"]").output, resultWith(none));
+    EXPECT_EQ(runAsking("[\"embeddedMedia\"]", "extractAndInspect").output,
+              resultWith(none, jsonFileURL(path("work/Tone.wav"))));
+}
+
+}  // namespace
+
+}  // namespace trellant::testing
