@@ -26,8 +26,11 @@ TESTS = {
     "omf": of_room("omf", "mapper"),
     "mapper": of_room("mapper", "examples"),
     "protocol": of_room("protocol", "helper", "client"),
+    "confine": of_room("confine", "helper"),
     "helper": of_room("helper", "examples"),
     "client": of_room("client", "cli"),
+    "handoff": (*of_room("handoff"), *of_room("cli")),
+    "extraction": (*of_room("extraction"), EXTRACT),
     "cli": (*of_room("cli"), EXTRACT),
     "wav": (EXTRACT,),
 }

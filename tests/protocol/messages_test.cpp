@@ -306,7 +306,8 @@ TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
         AAFWorkerExtensions::Compositions{{{.object = 9, .slotCount = 4, .isRead = true}}};
     extensions.embeddedMedia = AAFWorkerExtensions::EmbeddedMedia{
         .unusedCount = 1, .unusedNames = {"Kick"}, .separateFiles = {{.essenceID = "e"}}};
-    Result result{.timeline = {}, .diagnostics = {}, .extensions = extensions};
+    Result result;
+    result.extensions = extensions;
     result.timeline.clock = {AAFRational(25), AAFTimecodeRate::fps25(),
                              AAFTimecodeAddress(0, 0, 0, 0, AAFTimecodeRate::fps25())};
     result.timeline.sourceAAF.text = "file:///mix.omf";

@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace trellant::test {
 
@@ -18,11 +19,37 @@ namespace {
 
 using Protocol = AAFWorkerProtocol;
 
+/// With every field that there is.
+AAFWorkerExtensions sampleExtensions() {
+    using Extensions = AAFWorkerExtensions;
+    Extensions extensions;
+    extensions.lossPlaces = Extensions::LossPlaces{{{.kind = LossKind::transitionAsCut,
+                                                     .trackID = "omf-track-4",
+                                                     .trackName = "Atmo",
+                                                     .trackIndex = 3,
+                                                     .start = AAFRational(1, 2),
+                                                     .duration = AAFRational(2),
+                                                     .cut = AAFRational(1),
+                                                     .clipObject = 12,
+                                                     .clipName = "Rain"}}};
+    extensions.compositions = Extensions::Compositions{{{.object = 9,
+                                                         .name = "Reel",
+                                                         .mobID = "0000002A-00000001-FFFFFFFF",
+                                                         .slotCount = 4,
+                                                         .isRead = true}}};
+    extensions.embeddedMedia = Extensions::EmbeddedMedia{
+        .unusedCount = 1,
+        .unusedNames = {"Kick"},
+        .separateFiles = {{.essenceID = "omf-essence-1", .path = "/out/Kick_1000.wav"}}};
+    return extensions;
+}
+
 std::string sampleResultJson() {
     Protocol::Result result;
     result.timeline = sampleTimeline();
     result.diagnostics = {"first", "second"};
     result.embeddedMediaSHA256 = std::map<std::string, std::string>{{"Take.wav", "e3b0c442"}};
+    result.extensions = sampleExtensions();
     StringSink sink;
     encodeResult(result, sink);
     return sink.text;
@@ -51,7 +78,8 @@ void printSamples(std::ostream& out) {
                                     "/out",
                                     "/media",
                                     true,
-                                    false};
+                                    false,
+                                    std::vector<std::string>{"lossPlaces", "later"}};
     out << "request\t" << encodeRequest(request) << '\n'
         << "progress\t" << encodeProgress({"resolving", 0.5, "slot 3"}) << '\n'
         << "result\t" << sampleResultJson() << '\n'

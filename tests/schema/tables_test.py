@@ -33,7 +33,7 @@ def shape(definition):
     """As the tables spell it."""
     if definition.name:
         return NARROWED.get(definition.name, definition.name)
-    if definition.types == {"array"}:
+    if definition.types - {"null"} == {"array"}:
         return "array of " + shape(definition.items())
     if definition.is_map:
         return "map of " + shape(definition.values())
