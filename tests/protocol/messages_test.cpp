@@ -305,7 +305,9 @@ TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
     extensions.compositions =
         AAFWorkerExtensions::Compositions{{{.object = 9, .slotCount = 4, .isRead = true}}};
     extensions.embeddedMedia = AAFWorkerExtensions::EmbeddedMedia{
-        .unusedCount = 1, .unusedNames = {"Kick"}, .separateFiles = {{.essenceID = "e"}}};
+        .unusedCount = 1,
+        .unusedNames = {"Kick"},
+        .separateFiles = {{.essenceID = "e"}, {.essenceID = "f", .path = "/out/f.wav"}}};
     Result result;
     result.extensions = extensions;
     result.timeline.clock = {AAFRational(25), AAFTimecodeRate::fps25(),
@@ -317,7 +319,8 @@ TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
     EXPECT_NE(
         sink.text.find(
             R"("extensions":{"compositions":{"compositions":[{"isRead":true,"object":9,)"
-            R"("slotCount":4}]},"embeddedMedia":{"separateFiles":[{"essenceID":"e"}],)"
+            R"("slotCount":4}]},"embeddedMedia":{"separateFiles":[{"essenceID":"e"},)"
+            R"({"essenceID":"f","path":"\/out\/f.wav"}],)"
             R"("unusedCount":1,"unusedNames":["Kick"]},"lossPlaces":{"places":[{"clipName":"Rain",)"
             R"("clipObject":7,"cut":{"denominator":1,"numerator":2},)"
             R"("duration":{"denominator":1,"numerator":3},"kind":"transitionAsCut",)"
