@@ -23,10 +23,6 @@ constexpr std::uint64_t firstFurtherNumber = 1'000;
 /// Unused media that are named; more would bury the message.
 constexpr std::size_t namedUnused = 5;
 constexpr std::size_t longestShownName = 80;
-/// Media may lie over one another in the file, so the sum of their sizes says little.
-constexpr std::uint64_t mostTimesTheFile = 16;
-constexpr std::uint64_t freeBytes = 67'108'864;
-
 struct Media {
     OMFObject object = OMFObject::none;
     OMFProperty data{};
@@ -107,12 +103,7 @@ std::map<std::string, std::vector<std::size_t>> sharers(const AAFTimeline& timel
 class Separation {
   public:
     explicit Separation(const OMFDocument& document)
-        : document_(document), media_(audioMedia(document)) {
-        const std::uint64_t size = document.bento().file().size();
-        left_ = size > (UINT64_MAX - freeBytes) / mostTimesTheFile
-                    ? UINT64_MAX
-                    : size * mostTimesTheFile + freeBytes;
-    }
+        : reads_(document), media_(audioMedia(document)) {}
 
     [[nodiscard]] SeparatedSource take(const AAFSourceEssence& essence, std::string path) {
         SeparatedSource source{.essenceID = essence.id};
@@ -124,19 +115,17 @@ class Separation {
     }
 
   private:
+    /// Damage and bounds cost this source, not the answer.
     [[nodiscard]] bool write(const Media& media, const std::string& path) {
-        const auto& bento = document_.bento();
-        const std::uint64_t bytes = bento.copiedBytes(number(media.object), nameOf(media.data));
-        if (bytes > left_) {
+        try {
+            return reads_.copy(media.object, media.data, path);
+        } catch (const OMFIOError&) {
             return false;
         }
-        left_ -= bytes;
-        return bento.copyValue(number(media.object), nameOf(media.data), path);
     }
 
-    const OMFDocument& document_;
+    BoundedReads reads_;
     std::unordered_map<std::string, Media> media_;
-    std::uint64_t left_ = 0;
 };
 
 }  // namespace

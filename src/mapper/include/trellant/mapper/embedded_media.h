@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Audio inside the interchange file that a timeline alone does not account for: media that no source
-// of it is, and sources that were written over one another because their names left no free one.
+// Audio inside the interchange file that a timeline alone does not account for: media that no
+// source of it is, and sources that were written over one another because their names left no free
+// one.
 #pragma once
 
 #include <trellant/model/timeline.h>
@@ -30,8 +31,9 @@ struct SeparatedSource {
 };
 
 /// Takes the audio of all embedded essences that name a common file out of `document` once more,
-/// each into a new file beside it: nobody knows whose audio the common one holds. Writes at most 16
-/// times the bytes of the input, and 64 MiB; what is beyond is left without a file.
+/// each into a new file beside it: nobody knows whose audio the common one holds. What is
+/// damaged, or beyond the bounds of a mapping's extraction, is left without a file. Throws
+/// FileSystemError.
 [[nodiscard]] std::vector<SeparatedSource> separateSources(const OMFDocument& document,
                                                            const AAFTimeline& timeline);
 
