@@ -2,6 +2,8 @@
 #include <trellant/base/url.h>
 
 #include <algorithm>
+#include <initializer_list>
+#include <iterator>
 #include <vector>
 
 namespace trellant {
@@ -61,14 +63,10 @@ namespace {
     return decoded;
 }
 
-}  // namespace
-
-std::string absolutePath(std::string_view path, std::string_view currentDirectory) {
-    if (path.starts_with('/')) {
-        return std::string(path);
-    }
+/// The names that a path passes through, without what leads nowhere.
+[[nodiscard]] std::vector<std::string_view> namesOf(std::initializer_list<std::string_view> parts) {
     std::vector<std::string_view> names;
-    for (std::string_view part : {currentDirectory, path}) {
+    for (std::string_view part : parts) {
         while (!part.empty()) {
             const std::string_view name = part.substr(0, part.find('/'));
             part.remove_prefix(std::min(name.size() + 1, part.size()));
@@ -79,18 +77,14 @@ std::string absolutePath(std::string_view path, std::string_view currentDirector
             }
         }
     }
-    std::string absolute;
-    for (const std::string_view name : names) {
-        absolute.append("/").append(name);
-    }
-    return absolute.empty() ? "/" : absolute;
+    return names;
 }
 
-AAFURL fileURL(std::string_view absolutePath) {
+[[nodiscard]] std::string percentEncoded(std::string_view path) {
     constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string text = "file://";
-    text.reserve(text.size() + absolutePath.size());
-    for (const char byte : absolutePath) {
+    std::string text;
+    text.reserve(path.size());
+    for (const char byte : path) {
         if (staysUnencoded(byte)) {
             text.push_back(byte);
         } else {
@@ -98,7 +92,30 @@ AAFURL fileURL(std::string_view absolutePath) {
             text.append({'%', digits[bits >> 4U], digits[bits & 15U]});
         }
     }
-    return {std::move(text)};
+    return text;
+}
+
+/// Whether a reference begins with a scheme: what stands before a colon in its first segment.
+[[nodiscard]] bool hasScheme(std::string_view reference) noexcept {
+    const std::size_t end = reference.find_first_of(":/?#");
+    return end != std::string_view::npos && reference[end] == ':';
+}
+
+}  // namespace
+
+std::string absolutePath(std::string_view path, std::string_view currentDirectory) {
+    if (path.starts_with('/')) {
+        return std::string(path);
+    }
+    std::string absolute;
+    for (const std::string_view name : namesOf({currentDirectory, path})) {
+        absolute.append("/").append(name);
+    }
+    return absolute.empty() ? "/" : absolute;
+}
+
+AAFURL fileURL(std::string_view absolutePath) {
+    return {"file://" + percentEncoded(absolutePath)};
 }
 
 std::optional<std::string> pathOfFileURL(std::string_view url) {
@@ -120,6 +137,30 @@ std::optional<std::string> pathOfFileURL(std::string_view url) {
         return std::nullopt;
     }
     return percentDecoded(url);
+}
+
+AAFURL relativeFileURL(std::string_view path, std::string_view directory) {
+    const auto target = namesOf({path});
+    const auto base = namesOf({directory});
+    const auto [aside, from] =
+        std::mismatch(target.begin(), target.end(), base.begin(), base.end());
+    std::string text;
+    for (auto name = from; name != base.end(); ++name) {
+        text += "../";
+    }
+    for (auto name = aside; name != target.end(); ++name) {
+        text.append(*name).append(std::next(name) == target.end() ? "" : "/");
+    }
+    text = percentEncoded(text);
+    return {hasScheme(text) ? "./" + text : text};
+}
+
+std::optional<std::string> pathOfReference(std::string_view reference, std::string_view directory) {
+    if (hasScheme(reference)) {
+        return pathOfFileURL(reference);
+    }
+    const auto path = percentDecoded(reference.substr(0, reference.find_first_of("?#")));
+    return path ? std::optional(absolutePath(*path, directory)) : std::nullopt;
 }
 
 }  // namespace trellant

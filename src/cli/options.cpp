@@ -159,9 +159,10 @@ class Parser {
 
     void addList() {
         list_ =
-            &command("list", "Lists the tracks, clips, audio files or losses of an OMF file",
+            &command("list", "Lists the tracks, clips, audio files or losses of OMF files",
                      "  trellant list clips mix.omf\n"
                      "  trellant list clips mix.omf --csv -o mix.csv\n"
+                     "  trellant list sources reel1.omf reel2.omf      each file after the other\n"
                      "  trellant list losses mix.omf -v                with the technical texts\n"
                      "  trellant list losses mix.omf --json");
         addChoice<ListOptions::What>(*list_, "WHAT", listOptions_.what, "What to list",
@@ -170,7 +171,7 @@ class Parser {
                                       {"sources", ListOptions::What::sources},
                                       {"losses", ListOptions::What::losses}})
             ->required();
-        list_->add_option("FILE", listOptions_.file, "OMF file")->required()->type_name("");
+        list_->add_option("FILE", listOptions_.files, "OMF files")->required();
         auto* const csvFlag = list_->add_flag("--csv", csv_, "Comma-separated, for sheets");
         list_->add_flag("--json", json_, "One JSON object a line")->excludes(csvFlag);
         addMedia(*list_, listOptions_.mediaFolders);
@@ -180,18 +181,24 @@ class Parser {
 
     void addExtract() {
         extract_ = &command(
-            "extract", "Takes the audio out of an OMF file and finds what lies beside it",
+            "extract", "Takes the audio out of OMF files and finds what lies beside them",
             "  trellant extract mix.omf --to mix-audio\n"
             "  trellant extract mix.omf --to mix-audio --wav\n"
             "  trellant extract mix.omf --to mix-audio --media /Volumes/A --media /Volumes/B");
-        extract_->add_option("FILE", extractCall_.file, "OMF file")->required()->type_name("");
+        extract_
+            ->add_option("FILE", extractCall_.files,
+                         "OMF files; of several each gets a folder of its own")
+            ->required();
         extract_->add_option("--to", extractCall_.directory, "Write here; created when missing")
             ->required()
             ->type_name("FOLDER");
         addMedia(*extract_, extractCall_.mediaFolders);
         extract_->add_flag("--wav", extractCall_.wav, "Write AIFF audio as WAVE, sample by sample");
         extract_->add_flag("--force", extractCall_.force, "Replace existing files");
-        extract_->add_flag("--json", extractCall_.json, "Summary as one JSON object");
+        extract_->add_flag("--absolute", extractCall_.absolutePaths,
+                           "timeline.json names files by their whole paths");
+        extract_->add_flag("--json", extractCall_.json,
+                           "Summary as one JSON object a line for each file");
         addFailOn(*extract_, extractCall_.failOn);
     }
 

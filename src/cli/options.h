@@ -28,7 +28,7 @@ struct ListOptions {
     enum class What { tracks, clips, sources, losses };
     enum class Form { people, csv, json };
     What what = What::clips;
-    std::string file;
+    std::vector<std::string> files;
     std::vector<std::string> mediaFolders;
     Form form = Form::people;
     FailOn failOn = FailOn::nothing;

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 // `trellant validate`: is this JSON a timeline that programs may rely on?
 #include "commands.h"
+#include "look/inspect.h"
+#include "look/list.h"
+#include "terminal/json_line.h"
 
 #include <trellant/base/printable_text.h>
-#include <trellant/base/text.h>
 #include <trellant/handoff/changes.h>
 #include <trellant/io/errors.h>
 #include <trellant/io/random_access_file.h>
-#include <trellant/json/json_writer.h>
 #include <trellant/model/repair.h>
 #include <trellant/model/timeline_json.h>
 #include <trellant/model/validation.h>
@@ -120,28 +121,17 @@ std::string forPeople(const std::string& file, const Finding& finding) {
 }
 
 std::string forPrograms(const std::string& file, const Finding& finding) {
-    StringSink sink;
-    JsonWriter writer(sink);
-    const auto text = [&writer](std::string_view key, std::string_view value) {
-        writer.plainKey(key);
-        writer.string(value);
-    };
-    writer.beginObject();
-    text("file", isValidUTF8(file) ? file : printableText(file, file.size()));
-    writer.plainKey("valid");
-    writer.boolean(finding.valid);
-    if (finding.failure) {
-        text("code", finding.failure->code);
-        text("object", finding.failure->object);
-        if (!finding.place.empty()) {
-            text("place", finding.place);
+    return jsonLine([&](JsonLine& line) {
+        line.text("file", fileForPrograms(file)).boolean("valid", finding.valid);
+        if (finding.failure) {
+            line.text("code", finding.failure->code).text("object", finding.failure->object);
+            if (!finding.place.empty()) {
+                line.text("place", finding.place);
+            }
+        } else if (!finding.valid) {
+            line.text("error", finding.fault);
         }
-    } else if (!finding.valid) {
-        text("error", finding.fault);
-    }
-    writer.endObject();
-    writer.flush();
-    return sink.text + "\n";
+    });
 }
 
 }  // namespace
@@ -159,6 +149,9 @@ ExitStatus runValidate(const ValidateOptions& options, Console& console) {
             throw;
         } catch (const std::exception& error) {
             console.error(error.what());
+            if (options.json) {
+                console.out(failureLine(file, error.what()));
+            }
             status = ExitStatus::fileFailed;
         }
     }

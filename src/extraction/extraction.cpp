@@ -4,6 +4,7 @@
 #include "wave_conversion.h"
 
 #include <trellant/base/url.h>
+#include <trellant/client/errors.h>
 #include <trellant/extraction/extraction.h>
 #include <trellant/io/errors.h>
 #include <trellant/model/timeline_json.h>
@@ -27,6 +28,14 @@ namespace {
 
 std::string absoluteText(const std::string& path) {
     return fs::absolute(path).native();
+}
+
+/// The path with the links of its folders followed: the system would follow them on the way back
+/// up. The last name stays, it may be a link of its own.
+std::string linkless(const fs::path& path) {
+    std::error_code error;
+    const fs::path folder = fs::weakly_canonical(path.parent_path(), error);
+    return error ? path.native() : (folder / path.filename()).native();
 }
 
 std::optional<std::string> pathOf(const AAFSourceEssence& essence) {
@@ -66,8 +75,10 @@ class Extraction::Run {
     void takeOut();
     void separate();
     void convert();
+    void protectWhatIsRead();
     void placeAudio();
     void search();
+    [[nodiscard]] AAFTimeline writtenTimeline() const;
     PlacedFile writeDocument(const std::string& name, const std::string& text);
     [[nodiscard]] std::string manifestText() const;
     [[nodiscard]] std::vector<AudioEntry> entries();
@@ -85,9 +96,17 @@ class Extraction::Run {
 };
 
 ExtractionReport Extraction::Run::all() {
-    takeOut();
+    try {
+        takeOut();
+    } catch (const AAFCancellationError&) {
+        for (const std::string& name : staging_.wholeFiles()) {
+            placement_.keep(staging_.file(name), name);
+        }
+        throw;
+    }
     separate();
     convert();
+    protectWhatIsRead();
     placeAudio();
     search();
     makeUsable(handOff_);
@@ -95,11 +114,10 @@ ExtractionReport Extraction::Run::all() {
     report.file = request_.file;
     report.directory = request_.directory;
     if (embedded_) {
-        const Boxed<AAFWorkerExtensions::EmbeddedMedia>& told = embedded_;
-        report.embedded = *told;
+        report.embedded = *embedded_;
     }
     report.audio = entries();
-    report.timeline = writeDocument("timeline.json", sortedJson(handOff_.timeline) + "\n");
+    report.timeline = writeDocument("timeline.json", sortedJson(writtenTimeline()) + "\n");
     report.manifest = writeDocument("MANIFEST.sha256", manifestText());
     report.handOff = std::move(handOff_);
     return report;
@@ -138,9 +156,8 @@ void Extraction::Run::separate() {
     if (!embedded_) {
         return;
     }
-    const Boxed<AAFWorkerExtensions::EmbeddedMedia>& told = embedded_;
     std::unordered_map<std::string_view, const AAFWorkerExtensions::SeparateFile*> files;
-    for (const AAFWorkerExtensions::SeparateFile& file : told->separateFiles) {
+    for (const AAFWorkerExtensions::SeparateFile& file : embedded_->separateFiles) {
         files.emplace(file.essenceID, &file);
     }
     for (AAFSourceEssence& essence : handOff_.timeline.essences) {
@@ -157,6 +174,27 @@ void Extraction::Run::separate() {
 void Extraction::Run::convert() {
     if (request_.waveConverter) {
         conversions_ = convertAll(*request_.waveConverter, handOff_.timeline, staging_, progress_);
+    }
+}
+
+/// Files are replaced before the search for media, so what that may find is looked up first.
+void Extraction::Run::protectWhatIsRead() {
+    if (!request_.force) {
+        return;
+    }
+    placement_.protect(absoluteText(request_.file));
+    HandOff found = handOff_;
+    findMedia(found, request_.file, request_.mediaFolders, {}, progress_);
+    for (const AAFSourceEssence& essence : found.timeline.essences) {
+        const auto path = pathOf(essence);
+        if (path && !essence.embedded) {
+            placement_.protect(*path);
+        }
+    }
+    for (const auto& [id, candidates] : found.openChoices) {
+        for (const MediaCandidate& candidate : candidates) {
+            placement_.protect(candidate.path);
+        }
     }
 }
 
@@ -192,6 +230,28 @@ void Extraction::Run::search() {
         written.push_back(file.path);
     }
     findMedia(handOff_, request_.file, request_.mediaFolders, written, progress_);
+}
+
+/// The timeline as it is written: in a document, ways are shorter than paths and last longer.
+AAFTimeline Extraction::Run::writtenTimeline() const {
+    AAFTimeline timeline = handOff_.timeline;
+    if (request_.absolutePaths) {
+        return timeline;
+    }
+    const std::string directory =
+        fs::path(linkless(request_.directoryPath + "/timeline.json")).parent_path().native();
+    const auto shorten = [&directory](AAFURL& url) {
+        if (const auto path = pathOfFileURL(url.text)) {
+            url = relativeFileURL(linkless(*path), directory);
+        }
+    };
+    shorten(timeline.sourceAAF);
+    for (AAFSourceEssence& essence : timeline.essences) {
+        if (essence.fileURL) {
+            shorten(*essence.fileURL);
+        }
+    }
+    return timeline;
 }
 
 PlacedFile Extraction::Run::writeDocument(const std::string& name, const std::string& text) {

@@ -90,7 +90,7 @@ bool Placement::settle(const std::string& path, const std::string& staged, Place
             file.wasThere = true;
             return true;
         case Standing::other:
-            if (!force_ || !mayBeReplaced(path)) {
+            if (!force_ || !mayBeReplaced(path) || read_.holds(path)) {
                 return false;
             }
             rename(staged, path);
@@ -115,6 +115,17 @@ PlacedFile Placement::place(const std::string& staged, const NumberedName& wante
         return placed_.emplace_back(std::move(file));
     }
     throw FileSystemError("find a free name for", directory_ + "/" + wanted.text(), EEXIST);
+}
+
+void Placement::keep(const std::string& staged, const std::string& name) {
+    std::string path = directory_ + "/" + name;
+    if (!taken_.contains(path) && moveWithoutReplacing(staged, path)) {
+        taken_.insert(path);
+        PlacedFile file;
+        file.name = name;
+        file.path = std::move(path);
+        placed_.push_back(std::move(file));
+    }
 }
 
 }  // namespace trellant

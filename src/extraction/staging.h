@@ -3,6 +3,7 @@
 // does not see half a file.
 #pragma once
 
+#include <trellant/base/file_descriptor.h>
 #include <trellant/base/numbered_name.h>
 
 #include <cstdint>
@@ -35,11 +36,15 @@ class Staging {
     }
     /// The path of `name`, under the first number from its own on that is free here.
     [[nodiscard]] std::string freeFile(const NumberedName& name) const;
+    /// Names of the files in it that are whole: all but the one that was written to last.
+    [[nodiscard]] std::vector<std::string> wholeFiles() const;
     /// Bytes of all files in it so far.
     [[nodiscard]] std::uint64_t bytes() const;
 
   private:
     std::string path_;
+    /// Locked as long as the run lives, so that others can tell this folder from one that is left.
+    FileDescriptor lock_;
 };
 
 /// Bytes of the regular file at `path`; 0 for anything else.

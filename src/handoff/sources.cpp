@@ -23,6 +23,22 @@ std::string_view stateText(SourceState state) noexcept {
     preconditionFailure("enumeration value outside its cases");
 }
 
+std::string_view stateWord(SourceState state) noexcept {
+    switch (state) {
+        case SourceState::embedded:
+            return "embedded";
+        case SourceState::located:
+            return "located";
+        case SourceState::missing:
+            return "missing";
+        case SourceState::severalCandidates:
+            return "severalCandidates";
+        case SourceState::misfit:
+            return "misfit";
+    }
+    preconditionFailure("enumeration value outside its cases");
+}
+
 namespace {
 
 SourceState stateOf(const AAFSourceEssence& essence, const OpenChoices& open) {

@@ -104,5 +104,35 @@ TEST(PathOfFileURL, LooksAtNothingBeyondItsView) {
     EXPECT_EQ(pathOfFileURL(longer.substr(0, 4)), std::nullopt);
 }
 
+TEST(RelativeFileURL, NamesAFileInTheSameFolderByItsName) {
+    EXPECT_EQ(relativeFileURL("/srv/mix-audio/Rain_ garden.wav", "/srv/mix-audio").text,
+              "Rain_%20garden.wav");
+}
+
+TEST(RelativeFileURL, GoesUpAndDownFromTheFolder) {
+    EXPECT_EQ(relativeFileURL("/srv/mix.omf", "/srv/out/audio").text, "../../mix.omf");
+    EXPECT_EQ(relativeFileURL("/srv/out/sub/a.wav", "/srv/out").text, "sub/a.wav");
+    EXPECT_EQ(relativeFileURL("/a.wav", "/").text, "a.wav");
+}
+
+TEST(RelativeFileURL, IsNeverTakenForAScheme) {
+    EXPECT_EQ(relativeFileURL("/srv/file:a.wav", "/srv").text, "./file:a.wav");
+    EXPECT_EQ(relativeFileURL("/srv/b/file:a.wav", "/srv").text, "b/file:a.wav");
+}
+
+TEST(PathOfReference, LeadsBackToTheFile) {
+    for (const auto path : {"/srv/out/Rain_ garden.wav"sv, "/srv/mix.omf"sv,
+                            "/srv/out/file:a.wav"sv, "/x/100% \xC3\xA9?#.wav"sv}) {
+        EXPECT_EQ(pathOfReference(relativeFileURL(path, "/srv/out").text, "/srv/out"), path);
+        EXPECT_EQ(pathOfReference(fileURL(path).text, "/srv/out"), path);
+    }
+}
+
+TEST(PathOfReference, IsAbsentForOtherSchemesAndBrokenTexts) {
+    EXPECT_EQ(pathOfReference("http://host/a.wav", "/srv"), std::nullopt);
+    EXPECT_EQ(pathOfReference("a%2.wav", "/srv"), std::nullopt);
+    EXPECT_EQ(pathOfReference("a%00.wav", "/srv"), std::nullopt);
+}
+
 }  // namespace
 }  // namespace trellant

@@ -76,8 +76,8 @@ TEST_F(Deliver, TheFileThatIsReadIsNeverReplaced) {
         return mayDeliver({.path = path_, .force = true}, {"other", link}, console) ? 1 : 0;
     });
     EXPECT_EQ(said.status, 0);
-    EXPECT_EQ(said.errors, "trellant: " + path_ +
-                               " is the file that is read. Name another file for the output\n");
+    EXPECT_EQ(said.errors,
+              "trellant: " + path_ + " is a file that is read. Name another file for the output\n");
 }
 
 TEST_F(Deliver, AFolderThatIsMissingIsTold) {

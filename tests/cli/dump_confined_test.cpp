@@ -3,7 +3,7 @@
 #include "confined_child.h"
 #include "dumped.h"
 #include "environment_variable.h"
-#include "process/isolated.h"
+#include "process/forked_child.h"
 
 #include <gtest/gtest.h>
 
@@ -21,17 +21,17 @@ namespace trellant::testing {
 
 namespace {
 
+using cli::ForkedAnswer;
+using cli::ForkedFailure;
 using cli::inConfinedChild;
-using cli::IsolatedAnswer;
-using cli::IsolatedFailure;
 
 constexpr const char* variable = "TRELLANT_SANDBOX";
 
 /// What an attempt in the child comes to: "works", or the name of errno.
 std::string tried(const std::function<long()>& attempt) {
-    const IsolatedAnswer answer = inConfinedChild([&] { return outcome(attempt()); });
+    const ForkedAnswer answer = inConfinedChild([&] { return outcome(attempt()); });
     const auto* text = std::get_if<std::string>(&answer);
-    return text == nullptr ? std::get<IsolatedFailure>(answer).reason : *text;
+    return text == nullptr ? std::get<ForkedFailure>(answer).reason : *text;
 }
 
 std::string ownStatus(const std::string& key) {
@@ -39,7 +39,7 @@ std::string ownStatus(const std::string& key) {
 }
 
 std::string statusInChild(const std::string& key) {
-    const IsolatedAnswer answer = inConfinedChild([&] { return ownStatus(key); });
+    const ForkedAnswer answer = inConfinedChild([&] { return ownStatus(key); });
     return std::get<std::string>(answer);
 }
 
@@ -80,14 +80,14 @@ TEST_F(ConfinedChild, WritesNoFile) {
 
 TEST_F(ConfinedChild, CreatesFilesWhereItIsAllowedTo) {
     const std::string made = folder_.file("new");
-    const IsolatedAnswer answer = inConfinedChild(
+    const ForkedAnswer answer = inConfinedChild(
         [&] {
             const int flags = O_WRONLY | O_CREAT | O_EXCL;
             return outcome(::open(made.c_str(), flags, 0666)) + ", " +
                    outcome(::open("/none", flags | O_TRUNC, 0666));
         },
         folder_.path().string());
-    EXPECT_EQ(answer, IsolatedAnswer("works, ENOSYS"));
+    EXPECT_EQ(answer, ForkedAnswer("works, ENOSYS"));
     EXPECT_TRUE(std::filesystem::exists(made));
 }
 
@@ -99,7 +99,7 @@ TEST_F(ConfinedChild, ReachesNoNetworkAndNoProgram) {
 }
 
 TEST_F(ConfinedChild, ReadsFilesAndWritesToOpenStreams) {
-    EXPECT_EQ(inConfinedChild([&] { return textOfFile(file_); }), IsolatedAnswer("text"));
+    EXPECT_EQ(inConfinedChild([&] { return textOfFile(file_); }), ForkedAnswer("text"));
     EXPECT_EQ(tried([] { return ::write(STDOUT_FILENO, "", 0); }), "works");
     EXPECT_EQ(tried([] {
                   pollfd out{.fd = STDOUT_FILENO, .events = POLLOUT, .revents = 0};
@@ -124,10 +124,9 @@ TEST_F(ConfinedChild, GivesUpNothingWhenToldSo) {
 
 TEST_F(ConfinedChild, DoesNoWorkUnderAWishThatIsNone) {
     const EnvironmentVariable wish(variable, "yes");
-    EXPECT_EQ(
-        inConfinedChild([]() -> std::string { ::_exit(7); }),
-        IsolatedAnswer(IsolatedFailure{IsolatedFailure::Kind::exception,
-                                       "TRELLANT_SANDBOX is neither \"require\" nor \"off\""}));
+    EXPECT_EQ(inConfinedChild([]() -> std::string { ::_exit(7); }),
+              ForkedAnswer(ForkedFailure{ForkedFailure::Kind::exception,
+                                         "TRELLANT_SANDBOX is neither \"require\" nor \"off\""}));
 }
 
 TEST(DumpConfined, SaysThatTheWishIsNoneBeforeItOpensTheFile) {

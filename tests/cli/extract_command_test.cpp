@@ -2,10 +2,14 @@
 // Extraction as a person meets it: what lies in the folder afterwards, and what is said about it.
 #include "extract_fixture.h"
 
+#include <trellant/base/file_descriptor.h>
+
 #include <gmock/gmock.h>
 
 #include <cstdio>
+#include <fcntl.h>
 #include <filesystem>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <trellant_testing/aiff_builder.h>
 #include <trellant_testing/byte_writer.h>
@@ -93,8 +97,7 @@ TEST_F(Extract, OtherFilesOfTheNameStayAndTheNewOneIsNumbered) {
     EXPECT_EQ(textOf(readFile(out("Take.wav"))), "mine");
     EXPECT_EQ(textOf(readFile(out("timeline.json"))), "mine too");
     EXPECT_EQ(readFile(out("Take_2.wav")), waveOf(kick));
-    EXPECT_EQ(timeline("timeline_2.json").essences.at(0).fileURL,
-              AAFURL{"file://" + out("Take_2.wav")});
+    EXPECT_EQ(timeline("timeline_2.json").essences.at(0).fileURL, AAFURL{"Take_2.wav"});
     EXPECT_EQ(said.errors,
               "trellant: timeline.json is there with other contents and stays; this one is "
               "timeline_2.json\n");
@@ -125,7 +128,7 @@ TEST_F(Extract, NeverReplacesAudioOfOneSourceByAnothers) {
     ASSERT_EQ(made.essences.size(), count);
     for (std::uint32_t source = 1; source <= count; ++source) {
         // The mob identifiers ascend with the sources, and so do the essences.
-        const auto path = pathOfFileURL(made.essences[source - 1].fileURL.value().text);
+        const auto path = pathOfReference(made.essences[source - 1].fileURL.value().text, out());
         ASSERT_EQ(sampleBytesOf(path.value()), samples16({static_cast<std::int16_t>(source)}));
     }
     const auto names = namesIn(out());
@@ -141,7 +144,7 @@ TEST_F(Extract, NumberThatASourceIsCalledByIsNotGivenToAnother) {
     }
     extractWell(options(writeDocument()));
     const AAFTimeline made = timeline();
-    EXPECT_EQ(made.essences.at(0).fileURL, AAFURL{"file://" + out("Take_1000.wav")});
+    EXPECT_EQ(made.essences.at(0).fileURL, AAFURL{"Take_1000.wav"});
     EXPECT_EQ(sampleBytesOf(out("Take_1000.wav")), samples16({7}));
     EXPECT_EQ(namesIn(out()).size(), count + 2);
 }
@@ -226,9 +229,105 @@ TEST_F(Extract, FolderThatAnEndedRunLeftIsNamedAndStays) {
     const Said said = extract(options(writeDocument()));
     EXPECT_EQ(said.status, 0);
     EXPECT_EQ(said.errors, "trellant: the folder .trellant-Ab12Cd in " + out() +
-                               " is left from a run that was ended and may go, unless one is "
-                               "still at work there\n");
+                               " is left from a run that was ended and may go\n");
     EXPECT_TRUE(fs::is_directory(out(".trellant-Ab12Cd")));
+}
+
+TEST_F(Extract, FoldersThatManyRunsLeftAreOneLine) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    for (const char* name : {".trellant-aaaaaa", ".trellant-bbbbbb", ".trellant-cccccc",
+                             ".trellant-dddddd", ".trellant-eeeeee"}) {
+        fs::create_directories(out(name));
+    }
+    EXPECT_EQ(extract(options(writeDocument())).errors,
+              "trellant: the folders .trellant-aaaaaa, .trellant-bbbbbb, .trellant-cccccc and 2 "
+              "more in " +
+                  out() + " are left from runs that were ended and may go\n");
+}
+
+TEST_F(Extract, FolderOfARunAtWorkIsNotTakenForALeftOne) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    fs::create_directories(out(".trellant-Ab12Cd"));
+    const FileDescriptor held(::open(out(".trellant-Ab12Cd").c_str(), O_RDONLY | O_CLOEXEC));
+    ASSERT_EQ(::flock(held.number(), LOCK_EX), 0);
+    EXPECT_EQ(extract(options(writeDocument())).errors, "");
+}
+
+TEST_F(Extract, AbsolutePathsAreWrittenOnWish) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    auto call = options(writeDocument());
+    call.call.absolutePaths = true;
+    extractWell(call);
+    EXPECT_EQ(timeline().essences.at(0).fileURL, AAFURL{"file://" + out("Kick.wav")});
+    EXPECT_EQ(timeline().sourceAAF, AAFURL{"file://" + call.call.files.front()});
+}
+
+TEST_F(Extract, TheSameHandOffGivesTheSameTimelineWhereverItLies) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    const std::string file = writeDocument();
+    const Bytes document = readFile(file);
+    const auto timelineIn = [&](const std::string& place) {
+        fs::create_directories(folder_.file(place));
+        auto call = options(writeFile(folder_.file(place + "/mix.omf"), document));
+        call.call.directory = folder_.file(place + "/audio");
+        extractWell(call);
+        return textOf(readFile(call.call.directory + "/timeline.json"));
+    };
+    const std::string here = timelineIn("here");
+    EXPECT_EQ(timelineIn("there/and deeper"), here);
+    EXPECT_THAT(here, HasSubstr(R"("sourceAAF":"..\/mix.omf")"));
+    EXPECT_THAT(here, HasSubstr(R"("fileURL":"Kick.wav")"));
+}
+
+TEST_F(Extract, ForceNeverReplacesTheFileThatIsRead) {
+    // The hand-off bears a name that its own audio gets, in the folder for the audio.
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    const Bytes document = readFile(writeDocument());
+    fs::create_directory(out());
+    auto call = options(writeFile(out("Kick.wav"), document));
+    call.call.force = true;
+    extractWell(call);
+    EXPECT_EQ(readFile(out("Kick.wav")), document);
+    EXPECT_EQ(readFile(out("Kick_2.wav")), waveOf(kick));
+}
+
+TEST_F(Extract, ForceNeverReplacesTheFileThatIsReadByAnotherName) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    add({.name = "Snare.wav", .media = waveOf(snare)});
+    const Bytes document = readFile(writeDocument());
+    fs::create_directory(out());
+    const std::string real = writeFile(folder_.file("real.omf"), document);
+    fs::create_hard_link(real, out("Kick.wav"));
+    fs::create_symlink(real, out("Snare.wav"));
+    auto call = options(out("Snare.wav"));
+    call.call.force = true;
+    extractWell(call);
+    EXPECT_EQ(readFile(out("Kick.wav")), document);
+    EXPECT_TRUE(fs::is_symlink(out("Snare.wav")));
+    EXPECT_EQ(readFile(out("Kick_2.wav")), waveOf(kick));
+    EXPECT_EQ(readFile(out("Snare_2.wav")), waveOf(snare));
+}
+
+TEST_F(Extract, SeveralFilesGetAFolderEach) {
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    const Bytes document = readFile(writeDocument());
+    fs::create_directories(folder_.file("a"));
+    auto call = options(writeFile(folder_.file("reel.omf"), document));
+    call.call.files.push_back(writeFile(folder_.file("a/REEL.omf"), document));
+    extractWell(call);
+    EXPECT_THAT(namesIn(out()), ElementsAre("REEL_2", "reel"));
+    EXPECT_THAT(namesIn(out("reel")), ElementsAre("Kick.wav", "MANIFEST.sha256", "timeline.json"));
+    EXPECT_THAT(namesIn(out("REEL_2")),
+                ElementsAre("Kick.wav", "MANIFEST.sha256", "timeline.json"));
+}
+
+TEST_F(Extract, AFileThatCannotBeReadIsAnObjectToo) {
+    auto call = options(writeFile(folder_.file("bad.omf"), bytesOf("x")));
+    call.call.json = true;
+    const Said said = extract(call);
+    EXPECT_EQ(said.status, 2);
+    EXPECT_THAT(said.out, StartsWith("{\"file\":\""));
+    EXPECT_THAT(said.out, HasSubstr("bad.omf\",\"error\":\""));
 }
 
 TEST_F(Extract, SummaryShowsEachAudioFile) {
@@ -258,7 +357,10 @@ TEST_F(Extract, JsonTellsTheSameAsOneObject) {
     EXPECT_THAT(text, EndsWith("}\n"));
     EXPECT_THAT(text, HasSubstr(R"("timeline":"timeline.json","manifest":"MANIFEST.sha256")"));
     EXPECT_THAT(text, HasSubstr(R"("audio":[{"state":"takenOut","name":"Kick.wav")"));
-    EXPECT_THAT(text, HasSubstr(R"("clips":1,"frames":4,"seconds":"1\/12000")"));
+    EXPECT_THAT(
+        text,
+        HasSubstr(
+            R"("clips":1,"frames":4,"lengthSeconds":8.333333333333333e-05,"lengthSecondsExact":"1\/12000","sampleRate":48000,"sampleRateExact":"48000","bitDepth":16,"channels":1,)"));
     EXPECT_THAT(text, HasSubstr(R"("notPlayed":0,"losses":0,"changes":0})"));
 }
 

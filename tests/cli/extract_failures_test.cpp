@@ -46,7 +46,7 @@ TEST_F(ExtractFailures, CancelledBeforeItsStartLeavesNothing) {
     const Said said = extract(call, {}, stop.get_token());
     EXPECT_EQ(said.status, 2);
     EXPECT_EQ(said.out, "");
-    EXPECT_EQ(said.errors, "trellant: " + call.call.file +
+    EXPECT_EQ(said.errors, "trellant: " + call.call.files.front() +
                                ": cancelled\n"
                                "trellant: nothing was written to " +
                                out() + "\n");
@@ -65,7 +65,7 @@ TEST_F(ExtractFailures, CancelledWhileTheWorkerRunsLeavesAnExistingFolderAsItWas
     writeFile(out("mine.txt"), bytesOf("mine"));
     const Said said = extract(call, {}, stop.get_token());
     EXPECT_EQ(said.status, 2);
-    EXPECT_EQ(said.errors, "trellant: " + call.call.file +
+    EXPECT_EQ(said.errors, "trellant: " + call.call.files.front() +
                                ": cancelled\n"
                                "trellant: nothing was written to " +
                                out() + "\n");
@@ -130,7 +130,7 @@ TEST_F(ExtractFailures, FolderThatMayNotBeWrittenToIsToldWithTheSystemsReason) {
         return static_cast<int>(cli::runExtract(call, console, {}));
     });
     EXPECT_EQ(said.status, 2);
-    EXPECT_EQ(said.errors, "trellant: " + call.call.file + ": cannot write to \"" + out() +
+    EXPECT_EQ(said.errors, "trellant: " + call.call.files.front() + ": cannot write to \"" + out() +
                                "\": Permission denied\n"
                                "trellant: nothing was written to " +
                                out() + "\n");
@@ -151,7 +151,7 @@ TEST_F(ExtractFailures, FullDiskIsToldWithTheFolderAsItWasNamed) {
     const Said said = extract(call);
     EXPECT_EQ(said.status, 2);
     EXPECT_EQ(said.out, "");
-    EXPECT_EQ(said.errors, "trellant: " + call.call.file + ": cannot write to " + out() +
+    EXPECT_EQ(said.errors, "trellant: " + call.call.files.front() + ": cannot write to " + out() +
                                ": No space left on device\n"
                                "trellant: nothing was written to " +
                                out() + "\n");

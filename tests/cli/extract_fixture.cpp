@@ -84,7 +84,7 @@ std::string ExtractTest::writeDocument() {
 
 cli::ExtractOptions ExtractTest::options(const std::string& file) const {
     cli::ExtractOptions options;
-    options.call.file = file;
+    options.call.files = {file};
     options.call.directory = out();
     options.helperURLProvider = [](const std::string&) { return workerPath(); };
     options.waveConverter = TRELLANT_WAV;
@@ -117,7 +117,7 @@ std::optional<std::string> ExtractTest::pathOfSource(std::uint32_t number) const
     static_cast<void>(std::snprintf(mobID.data(), mobID.size(), "00000001-00000000-%08X", number));
     for (const AAFSourceEssence& essence : timeline().essences) {
         if (essence.mobID == mobID.data()) {
-            return essence.fileURL ? pathOfFileURL(essence.fileURL->text) : std::nullopt;
+            return essence.fileURL ? pathOfReference(essence.fileURL->text, out()) : std::nullopt;
         }
     }
     throw std::runtime_error("no such source");

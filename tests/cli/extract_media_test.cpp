@@ -62,7 +62,8 @@ TEST_F(ExtractMedia, FileInALaterFolderIsFoundWithItsFormat) {
     const std::string kick = media("c/kick.wav", silence(needed));
     extractWell(searching({"a", "b", "c"}));
     const AAFSourceEssence essence = timeline().essences.at(0);
-    EXPECT_EQ(essence.fileURL, AAFURL{"file://" + kick});
+    EXPECT_EQ(essence.fileURL, AAFURL{"../c/kick.wav"});
+    EXPECT_EQ(pathOfSource(1), kick);
     EXPECT_EQ(essence.bitDepth, 16);
     EXPECT_EQ(essence.codec, "PCM");
     EXPECT_EQ(essence.originalPath, "D:\\Audio\\Kick.WAV");
@@ -163,9 +164,9 @@ TEST_F(ExtractMedia, MissingFileIsToldWithThePathThatWasRecordedAndWhatToDo) {
     const auto call = searching({});
     const std::string said = extractWell(call);
     EXPECT_THAT(said, HasSubstr("\nMissing\n  Kick, 1 clip, recorded as D:\\Audio\\Kick.WAV\n"));
-    EXPECT_THAT(said, HasSubstr("\n  Where the missing audio files lie may be told: trellant "
+    EXPECT_THAT(said, HasSubstr("\n  If you know where the missing audio files lie: trellant "
                                 "extract " +
-                                call.call.file + " --to " + out() + " --media FOLDER\n"));
+                                call.call.files.front() + " --to " + out() + " --media FOLDER\n"));
 }
 
 TEST_F(ExtractMedia, WhatAnEarlierRunWroteIsNoFind) {
@@ -187,6 +188,47 @@ TEST_F(ExtractMedia, FolderForTheAudioMayBeTheMediaFolder) {
     EXPECT_EQ(pathOfSource(1), kick);
     extractWell(call);
     EXPECT_THAT(namesIn(out()), ElementsAre("MANIFEST.sha256", "kick.wav", "timeline.json"));
+}
+
+TEST_F(ExtractMedia, ForceNeverReplacesMediaThatWereFound) {
+    // An embedded source gets the name of a file that another source is found in.
+    add({.name = "kick.wav", .media = silence(1)});
+    const std::string found = media("out/kick.wav", silence(needed));
+    auto call = searching({"out"});
+    call.call.force = true;
+    extractWell(call);
+    EXPECT_EQ(readFile(found), silence(needed));
+    EXPECT_EQ(readFile(out("kick_2.wav")), silence(1));
+}
+
+TEST_F(ExtractMedia, AFileThatIsMissingStandsInOnePlaceOnly) {
+    add({.name = "Snare.wav", .media = silence(needed)});
+    const std::string said = extractWell(searching({}));
+    EXPECT_EQ(said.find("Kick"),
+              said.rfind("Kick.WAV") - std::string("Kick, 1 clip, recorded as D:\\Audio\\").size());
+}
+
+TEST_F(ExtractMedia, ManyMissingFilesAreNotAllListedOnTheScreen) {
+    for (int i = 0; i < 60; ++i) {
+        add({.name = "Take " + std::to_string(i),
+             .locators = {omf_.dosLocator("D:\\Take.WAV")},
+             .clipLength = 100});
+    }
+    auto call = options(writeDocument());
+    const std::string said = extractWell(call);
+    EXPECT_THAT(said, HasSubstr("  Take 49, 1 clip"));
+    EXPECT_THAT(said, Not(HasSubstr("Take 50")));
+    EXPECT_THAT(said, HasSubstr("\n  and 10 more: --json lists all\n"));
+    call.call.json = true;
+    EXPECT_THAT(extractWell(call), HasSubstr("\"name\":\"Take 59\""));
+}
+
+TEST_F(ExtractMedia, AHandOffWithoutAnyOfItsAudioIsAWarning) {
+    const auto call = searching({});
+    EXPECT_EQ(extract(call).errors,
+              "trellant: " + call.call.files.front() +
+                  ": none of its audio files is there; name the folder that holds them with "
+                  "--media FOLDER\n");
 }
 
 }  // namespace

@@ -266,7 +266,7 @@ TEST_F(ExtractWave, AifcBecomesWaveAndTheTimelineNamesIt) {
     EXPECT_THAT(namesIn(out()), ElementsAre("Kick.wav", "MANIFEST.sha256", "timeline.json"));
     EXPECT_EQ(sampleBytesOf(out("Kick.wav")), samples16({1, -2, 3}));
     const AAFSourceEssence essence = timeline().essences.at(0);
-    EXPECT_EQ(essence.fileURL, AAFURL{"file://" + out("Kick.wav")});
+    EXPECT_EQ(essence.fileURL, AAFURL{"Kick.wav"});
     EXPECT_EQ(essence.codec, "PCM");
     EXPECT_EQ(essence.bitDepth, 16);
     EXPECT_THAT(said, HasSubstr("  Audio      1 taken out as WAVE\n"));

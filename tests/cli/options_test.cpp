@@ -50,7 +50,7 @@ TEST(Options, ListTakesWhatAndForm) {
 TEST(Options, ExtractTakesSeveralMediaFolders) {
     const auto call = callOf<ExtractCall>(
         {"extract", "a.omf", "--to", "out", "--media", "m", "--media", "n", "--wav", "--force"});
-    EXPECT_EQ(call.file, "a.omf");
+    EXPECT_THAT(call.files, ElementsAre("a.omf"));
     EXPECT_EQ(call.directory, "out");
     EXPECT_THAT(call.mediaFolders, ElementsAre("m", "n"));
     EXPECT_TRUE(call.wav);

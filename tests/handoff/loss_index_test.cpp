@@ -56,5 +56,31 @@ TEST(LossIndex, LossesWithoutTrackOrTimeTouchNoClip) {
     EXPECT_THAT(LossIndex(losses).touching(clip("a", 0, 9)), IsEmpty());
 }
 
+TEST(LossIndex, CountsAllAndNamesTheFirst) {
+    // 40 losses over the whole clip, in the order of their starts: 16 are named.
+    std::vector<PlacedLoss> losses;
+    for (int i = 0; i < 40; ++i) {
+        losses.push_back(loss("a", i, 100));
+    }
+    const LossIndex index(losses);
+    EXPECT_EQ(index.countTouching(clip("a", 50, 60)), 40U);
+    EXPECT_THAT(index.touching(clip("a", 50, 60)),
+                ElementsAre(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15));
+}
+
+TEST(LossIndex, TheCountIsThatOfThePositions) {
+    const std::vector<PlacedLoss> losses{loss("a", 0, 1), loss("a", 1, 0), loss("a", 1, 2),
+                                         loss("a", 2, 0), loss("a", 3, 1), loss("b", 0, 9)};
+    const LossIndex index(losses);
+    for (int start = 0; start < 5; ++start) {
+        for (int end = start + 1; end < 6; ++end) {
+            const AAFClipEvent event = clip("a", start, end - start);
+            EXPECT_EQ(index.countTouching(event), index.touching(event).size()) << start << end;
+        }
+    }
+    // Cuts at 1 and 2 touch on both sides; the losses 0-1 and 3-4 only meet the clip.
+    EXPECT_THAT(index.touching(clip("a", 1, 2)), ElementsAre(1, 2, 3));
+}
+
 }  // namespace
 }  // namespace trellant

@@ -8,7 +8,7 @@
 #include "dump_path.h"
 #include "dump_toc_list.h"
 #include "dump_values.h"
-#include "process/isolated.h"
+#include "process/forked_child.h"
 #include "terminal/shown_text.h"
 #include "terminal/table.h"
 
@@ -118,9 +118,9 @@ std::string dumpInChild(const DumpOptions& options, Console& console) {
 }  // namespace
 
 ExitStatus runDump(const DumpOptions& options, Console& console) {
-    const IsolatedAnswer answer = inConfinedChild([&] { return dumpInChild(options, console); });
-    if (const auto* failure = std::get_if<IsolatedFailure>(&answer)) {
-        const bool isOwnText = failure->kind == IsolatedFailure::Kind::exception;
+    const ForkedAnswer answer = inConfinedChild([&] { return dumpInChild(options, console); });
+    if (const auto* failure = std::get_if<ForkedFailure>(&answer)) {
+        const bool isOwnText = failure->kind == ForkedFailure::Kind::exception;
         console.error(isOwnText
                           ? failure->reason
                           : quoted(options.file) + ": the process that read it " + failure->reason);

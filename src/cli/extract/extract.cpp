@@ -2,19 +2,22 @@
 #include "extract.h"
 
 #include "look/console_progress.h"
-#include "look/looking.h"
+#include "look/inspect.h"
 #include "report.h"
 #include "terminal/interrupts.h"
 #include "terminal/pasted_word.h"
 
+#include <trellant/base/numbered_name.h>
 #include <trellant/base/printable_text.h>
+#include <trellant/base/text.h>
 #include <trellant/base/url.h>
 #include <trellant/client/errors.h>
 #include <trellant/extraction/extraction.h>
 #include <trellant/io/errors.h>
 
-#include <cerrno>
+#include <algorithm>
 #include <filesystem>
+#include <set>
 #include <system_error>
 #include <unistd.h>
 
@@ -101,8 +104,8 @@ std::optional<std::string> reasonNotWritten(const std::string& failure,
 }
 
 /// What a run that did not come to its end has left.
-void tellWhatIsThere(const ExtractOptions& options, std::size_t placed, Console& console) {
-    const std::string directory = shown(options.call.directory);
+void reportWhatIsThere(const std::string& folder, std::size_t placed, Console& console) {
+    const std::string directory = shown(folder);
     if (placed == 0) {
         console.error("nothing was written to " + directory);
         return;
@@ -111,16 +114,26 @@ void tellWhatIsThere(const ExtractOptions& options, std::size_t placed, Console&
                   directory + ", whole; the same command again goes on from there");
 }
 
-void tellLeftFolders(const ExtractOptions& options, const std::string& directory,
-                     Console& console) {
-    for (const std::string& name : stagingFoldersIn(directory)) {
-        console.note("the folder " + name + " in " + shown(options.call.directory) +
-                     " is left from a run that was ended and may go, "
-                     "unless one is still at work there");
+void reportLeftFolders(const std::string& named, const std::string& directory, Console& console) {
+    constexpr std::size_t mostNames = 3;
+    const std::vector<std::string> left = stagingFoldersIn(directory);
+    if (left.empty()) {
+        return;
     }
+    std::string names;
+    for (std::size_t i = 0; i < std::min(left.size(), mostNames); ++i) {
+        names += (i == 0 ? "" : ", ") + left[i];
+    }
+    if (left.size() > mostNames) {
+        names += " and " + std::to_string(left.size() - mostNames) + " more";
+    }
+    console.note(left.size() == 1 ? "the folder " + names + " in " + shown(named) +
+                                        " is left from a run that was ended and may go"
+                                  : "the folders " + names + " in " + shown(named) +
+                                        " are left from runs that were ended and may go");
 }
 
-void tellUnused(const ExtractionReport& report, Console& console) {
+void reportUnused(const ExtractionReport& report, Console& console) {
     if (!report.embedded || report.embedded->unusedCount == 0) {
         return;
     }
@@ -143,7 +156,7 @@ void tellUnused(const ExtractionReport& report, Console& console) {
                  shown(pastedFileName(report.file)));
 }
 
-void tellNotConverted(const ExtractionReport& report, Console& console) {
+void reportNotConverted(const ExtractionReport& report, Console& console) {
     for (const AudioEntry& entry : report.audio) {
         if (entry.notConverted) {
             console.note((entry.placed ? entry.placed->name : std::string()) +
@@ -152,48 +165,135 @@ void tellNotConverted(const ExtractionReport& report, Console& console) {
     }
 }
 
-std::optional<ExtractionReport> report(const ExtractOptions& options, Console& console,
-                                       const StopToken& stop) {
-    const Cancellable heeded;
-    std::size_t placed = 0;
-    try {
-        const Folder folder(options.call.directory);
-        tellLeftFolders(options, folder.path(), console);
-        ConsoleProgress progress(console, stop);
-        progress.check();
-        Extraction extraction({.file = options.call.file,
-                               .directory = options.call.directory,
-                               .directoryPath = folder.path(),
-                               .mediaFolders = options.call.mediaFolders,
-                               .force = options.call.force,
-                               .waveConverter = options.waveConverter,
-                               .helperURLProvider = options.helperURLProvider},
-                              progress);
-        try {
-            ExtractionReport made = extraction.run();
-            console.endBar();
-            return made;
-        } catch (const std::exception& error) {
-            placed = extraction.placedCount();
-            const auto reason = reasonNotWritten(error.what(), extraction.stagingName());
-            if (!reason) {
-                throw;
-            }
-            console.endBar();
-            console.error(shown(options.call.file) + ": cannot write to " +
-                          shown(options.call.directory) + ": " + *reason);
-        }
-        tellWhatIsThere(options, placed, console);
-        return std::nullopt;
-    } catch (const OutputClosed&) {
-        throw;
-    } catch (const std::exception&) {
-        console.endBar();
-        tellFailure(options.call.file, console);
-        tellWhatIsThere(options, placed, console);
-        return std::nullopt;
+/// Nobody should have to read a table to see that a hand-off came without its sound.
+void reportAllMissing(const ExtractionReport& report, Console& console) {
+    if (!report.audio.empty() &&
+        std::all_of(report.audio.begin(), report.audio.end(),
+                    [](const AudioEntry& entry) { return entry.isMissing(); })) {
+        console.error(shown(report.file) +
+                      ": none of its audio files is there; name the folder that holds them with "
+                      "--media FOLDER");
     }
 }
+
+/// One file of a call, and where its audio goes.
+struct Job {
+    std::string file;
+    std::string directory;
+};
+
+/// Each of several files gets a folder that bears its name.
+std::vector<Job> jobsOf(const ExtractCall& call) {
+    if (call.files.size() == 1) {
+        return {{call.files.front(), call.directory}};
+    }
+    std::vector<Job> jobs;
+    std::set<std::string> taken;
+    for (const std::string& file : call.files) {
+        const std::string stem = fs::path(file).stem().native();
+        const bool isName = !stem.empty() && stem != "." && stem != "..";
+        const NumberedName name = NumberedName::whole(isName ? stem : "audio");
+        std::uint64_t number = name.number;
+        // Names that differ in case only are one on some file systems.
+        while (!taken.insert(lowerCased(name.withNumber(number))).second) {
+            ++number;
+        }
+        jobs.push_back({file, call.directory + "/" + name.withNumber(number)});
+    }
+    return jobs;
+}
+
+/// A job's report, or why there is none, which was said then.
+struct Outcome {
+    std::optional<ExtractionReport> report{};
+    std::string failure{};
+};
+
+class Extractor {
+  public:
+    Extractor(const ExtractOptions& options, Console& console, const StopToken& stop)
+        : options_(options), console_(console), stop_(stop) {}
+
+    [[nodiscard]] ExitStatus run(const Job& job) {
+        const Outcome outcome = extract(job);
+        if (!outcome.report) {
+            if (options_.call.json) {
+                console_.out(failureLine(job.file, outcome.failure));
+            }
+            return ExitStatus::fileFailed;
+        }
+        return conclude(job, *outcome.report);
+    }
+
+  private:
+    [[nodiscard]] Outcome extract(const Job& job) {
+        const Cancellable heeded;
+        std::size_t placed = 0;
+        try {
+            const Folder folder(job.directory);
+            reportLeftFolders(job.directory, folder.path(), console_);
+            ConsoleProgress progress(console_, stop_);
+            progress.check();
+            Extraction extraction({.file = job.file,
+                                   .directory = job.directory,
+                                   .directoryPath = folder.path(),
+                                   .mediaFolders = options_.call.mediaFolders,
+                                   .force = options_.call.force,
+                                   .absolutePaths = options_.call.absolutePaths,
+                                   .waveConverter = options_.waveConverter,
+                                   .helperURLProvider = options_.helperURLProvider},
+                                  progress);
+            try {
+                ExtractionReport made = extraction.run();
+                console_.endBar();
+                return {.report = std::move(made)};
+            } catch (const std::exception& error) {
+                placed = extraction.placedCount();
+                const auto reason = reasonNotWritten(error.what(), extraction.stagingName());
+                if (!reason) {
+                    throw;
+                }
+                console_.endBar();
+                const std::string failure =
+                    "cannot write to " + shown(job.directory) + ": " + *reason;
+                console_.error(shown(job.file) + ": " + failure);
+                reportWhatIsThere(job.directory, placed, console_);
+                return {.failure = failure};
+            }
+        } catch (const OutputClosed&) {
+            throw;
+        } catch (const std::exception& error) {
+            console_.endBar();
+            const std::string failure = reportFailure(job.file, error, console_);
+            reportWhatIsThere(job.directory, placed, console_);
+            return {.failure = failure};
+        }
+    }
+
+    [[nodiscard]] ExitStatus conclude(const Job& job, const ExtractionReport& made) {
+        reportChanges(job.file, made.handOff, console_);
+        reportNotConverted(made, console_);
+        reportUnused(made, console_);
+        reportAllMissing(made, console_);
+        if (options_.call.json) {
+            console_.out(summaryLine(made));
+        } else if (console_.verbosity() != Verbosity::quiet) {
+            console_.out(isFirst_ ? "" : "\n");
+            console_.out(summaryScreen(made, console_.outColumns(), console_.outHasColour()));
+        }
+        isFirst_ = false;
+        if (made.count(AudioState::failed) != 0) {
+            console_.error(shown(job.file) + ": not all audio could be taken out");
+            return ExitStatus::fileFailed;
+        }
+        return verdict(made.handOff, options_.call.failOn);
+    }
+
+    const ExtractOptions& options_;
+    Console& console_;
+    const StopToken& stop_;
+    bool isFirst_ = true;
+};
 
 }  // namespace
 
@@ -214,23 +314,15 @@ ExitStatus runExtract(const ExtractOptions& given, Console& console, const StopT
             return ExitStatus::fileFailed;
         }
     }
-    const auto made = report(options, console, stop);
-    if (!made) {
-        return ExitStatus::fileFailed;
+    ExitStatus status = ExitStatus::done;
+    Extractor extractor(options, console, stop);
+    for (const Job& job : jobsOf(options.call)) {
+        status = worse(status, extractor.run(job));
+        if (stop.stop_requested()) {
+            return ExitStatus::fileFailed;
+        }
     }
-    tellChanges(options.call.file, made->handOff, console);
-    tellNotConverted(*made, console);
-    tellUnused(*made, console);
-    if (options.call.json) {
-        console.out(summaryLine(*made));
-    } else if (console.verbosity() != Verbosity::quiet) {
-        console.out(summaryScreen(*made, console.outColumns(), console.outHasColour()));
-    }
-    if (made->count(AudioState::failed) != 0) {
-        console.error(shown(options.call.file) + ": not all audio could be taken out");
-        return ExitStatus::fileFailed;
-    }
-    return verdict(made->handOff, options.call.failOn);
+    return status;
 }
 
 }  // namespace trellant::cli

@@ -20,12 +20,15 @@
 namespace trellant::cli {
 
 struct ExtractCall {
-    std::string file;
+    /// At least one. Of several each gets a folder of its own in `directory`.
+    std::vector<std::string> files;
     std::string directory;
     std::vector<std::string> mediaFolders;
     bool wav = false;
     bool force = false;
     bool json = false;
+    /// The written timelines name files by their whole paths.
+    bool absolutePaths = false;
     FailOn failOn = FailOn::nothing;
 };
 
@@ -37,7 +40,7 @@ struct ExtractOptions {
 };
 
 /// Takes the audio out and says on `console` what is where. A stop ends it soon; what is on disk
-/// then is told. Throws OutputClosed, and FileSystemError for standard output; all other failures
+/// then is said. Throws OutputClosed, and FileSystemError for standard output; all other failures
 /// are messages and a status.
 [[nodiscard]] ExitStatus runExtract(const ExtractOptions& given, Console& console,
                                     const StopToken& stop);

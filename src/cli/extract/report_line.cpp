@@ -1,91 +1,98 @@
 // SPDX-License-Identifier: Apache-2.0
-// The summary for a machine.
-#include "look/json_row.h"
+// The summary for a program.
+#include "look/list.h"
 #include "report.h"
+#include "terminal/json_line.h"
 
 #include <trellant/base/url.h>
 #include <trellant/handoff/sources.h>
-#include <trellant/handoff/timeline_text.h>
 
 namespace trellant::cli {
 
 namespace {
 
-std::int64_t integer(std::size_t count) {
-    return static_cast<std::int64_t>(count);
-}
-
-std::optional<std::int64_t> framesOf(const std::optional<AudioFacts>& facts) {
-    return facts && facts->frames ? std::optional(static_cast<std::int64_t>(*facts->frames))
-                                  : std::nullopt;
-}
-
-std::optional<std::string> secondsOf(const std::optional<AudioFacts>& facts) {
-    const auto length = facts ? seconds(*facts) : std::nullopt;
-    return length ? std::optional(fractionText(*length)) : std::nullopt;
-}
-
 /// A path that need not be UTF-8 as text for reading and as a URL for use.
-void addPlace(JsonRow& row, const std::optional<std::string>& path) {
-    row.text("path", path);
-    row.text("fileURL", path ? std::optional(fileURL(*path).text) : std::nullopt);
+void addPlace(JsonLine& line, const std::optional<std::string>& path) {
+    if (path) {
+        line.text("path", *path).text("fileURL", fileURL(*path).text);
+    }
 }
 
-void addCandidate(JsonRow& row, const MediaCandidate& candidate) {
+void addLength(JsonLine& line, const std::optional<AudioFacts>& facts) {
+    if (facts && facts->frames) {
+        line.count("frames", *facts->frames);
+    }
+    if (const auto length = facts ? seconds(*facts) : std::nullopt) {
+        line.number("lengthSeconds", length->doubleValue()).fraction("lengthSecondsExact", *length);
+    }
+}
+
+void addRate(JsonLine& line, const std::optional<AAFRational>& rate) {
+    if (rate) {
+        line.number("sampleRate", rate->doubleValue()).fraction("sampleRateExact", *rate);
+    }
+}
+
+void addCandidate(JsonLine& line, const MediaCandidate& candidate) {
     const AudioFormatInfo format = candidate.facts ? candidate.facts->format : AudioFormatInfo{};
-    addPlace(row, candidate.path);
-    row.integer("frames", framesOf(candidate.facts));
-    row.text("seconds", secondsOf(candidate.facts));
-    row.text("sampleRate",
-             format.sampleRate ? std::optional(fractionText(*format.sampleRate)) : std::nullopt);
-    row.integer("channels", format.channels);
-    row.integer("bits", format.bitDepth);
-    row.boolean("fits", !candidate.misfit);
-    row.text("misfit", candidate.misfit);
+    addPlace(line, candidate.path);
+    addLength(line, candidate.facts);
+    addRate(line, format.sampleRate);
+    line.integer("channels", format.channels)
+        .integer("bitDepth", format.bitDepth)
+        .boolean("fits", !candidate.misfit)
+        .text("misfit", candidate.misfit);
 }
 
-void addEntry(JsonRow& row, const AudioEntry& entry, const AAFTimeline& timeline) {
-    const AAFSourceEssence& essence = timeline.essences[entry.essences.front()];
-    row.text("state", stateWord(entry.state));
-    row.text("name", entry.placed ? std::optional(entry.placed->name) : std::nullopt);
-    addPlace(row, entry.path);
-    row.objects("sources", entry.essences, [&timeline](JsonRow& source, std::size_t index) {
-        source.text("id", timeline.essences[index].id);
-        source.text("name", sourceName(timeline.essences[index]));
+void addEntry(JsonLine& line, const AudioEntry& entry, const std::vector<Source>& sources) {
+    const AAFSourceEssence& essence = *sources[entry.essences.front()].essence;
+    line.text("state", stateWord(entry.state));
+    if (entry.placed) {
+        line.text("name", entry.placed->name);
+    }
+    addPlace(line, entry.path);
+    line.objects("sources", entry.essences, [&sources](JsonLine& item, std::size_t index) {
+        const Source& source = sources[index];
+        item.text("id", source.essence->id)
+            .text("name", sourceName(*source.essence))
+            .text("state", stateWord(source.state));
     });
-    row.integer("clips", integer(entry.clips));
-    row.integer("frames", framesOf(entry.facts));
-    row.text("seconds", secondsOf(entry.facts));
-    row.text("sampleRate", fractionText(essence.sampleRate));
-    row.integer("bits", essence.bitDepth);
+    line.count("clips", entry.clips);
+    addLength(line, entry.facts);
+    addRate(line, essence.sampleRate);
+    line.integer("bitDepth", essence.bitDepth);
     // Without the file the number would be a guess.
-    row.integer("channels", entry.path ? std::optional(essence.channelCount) : std::nullopt);
-    row.text("codec", essence.codec);
-    row.text("recordedAs", essence.originalPath);
-    row.text("sha256", entry.placed ? std::optional(entry.placed->sha256) : std::nullopt);
-    row.boolean("wasThere", entry.wasThere());
-    row.boolean("readable", entry.path && !entry.isUnreadable());
-    row.text("notConverted", entry.notConverted);
-    row.objects("candidates", entry.candidates, addCandidate);
+    if (entry.path) {
+        line.integer("channels", essence.channelCount);
+    }
+    line.text("codec", essence.codec).text("recordedPath", essence.originalPath);
+    if (entry.placed) {
+        line.text("sha256", entry.placed->sha256);
+    }
+    line.boolean("wasThere", entry.wasThere())
+        .boolean("readable", entry.path && !entry.isUnreadable())
+        .text("notConverted", entry.notConverted);
+    line.objects("candidates", entry.candidates, addCandidate);
 }
 
 }  // namespace
 
 std::string summaryLine(const ExtractionReport& report) {
-    const AAFTimeline& timeline = report.handOff.timeline;
-    JsonRow row;
-    row.text("file", report.file);
-    row.text("directory", report.directory);
-    row.text("timeline", report.timeline.name);
-    row.text("manifest", report.manifest.name);
-    row.objects("audio", report.audio, [&timeline](JsonRow& item, const AudioEntry& entry) {
-        addEntry(item, entry, timeline);
+    const Sources sources(report.handOff);
+    return jsonLine([&](JsonLine& line) {
+        line.text("file", fileForPrograms(report.file))
+            .text("directory", fileForPrograms(report.directory))
+            .text("timeline", report.timeline.name)
+            .text("manifest", report.manifest.name);
+        line.objects("audio", report.audio, [&sources](JsonLine& item, const AudioEntry& entry) {
+            addEntry(item, entry, sources.all());
+        });
+        if (report.embedded) {
+            line.integer("notPlayed", report.embedded->unusedCount);
+        }
+        line.count("losses", report.handOff.timeline.unsupportedFeatures.size())
+            .count("changes", report.handOff.changes.size());
     });
-    row.integer("notPlayed",
-                report.embedded ? std::optional(report.embedded->unusedCount) : std::nullopt);
-    row.integer("losses", integer(timeline.unsupportedFeatures.size()));
-    row.integer("changes", integer(report.handOff.changes.size()));
-    return row.line();
 }
 
 }  // namespace trellant::cli

@@ -17,6 +17,8 @@ namespace {
 
 /// Candidates of one source that are listed; more would bury the rest.
 constexpr std::size_t listedCandidates = 10;
+/// Missing sources that are listed.
+constexpr std::size_t listedMissing = 50;
 
 std::string counted(std::size_t count, std::string_view one, std::string_view many) {
     return std::to_string(count) + " " + std::string(count == 1 ? one : many);
@@ -30,10 +32,11 @@ class Screen {
     std::string text() {
         text_ = painted(shownText(report_.file), Paint::bold, colour_) + "\n";
         addHead();
-        if (!report_.audio.empty()) {
+        if (!std::all_of(report_.audio.begin(), report_.audio.end(),
+                         [](const AudioEntry& entry) { return entry.isMissing(); })) {
             text_ += "\n" + fittingTable(report_, columns_, colour_);
         }
-        addMissing();
+        addAllMissing();
         addAdvice();
         return std::move(text_);
     }
@@ -93,28 +96,39 @@ class Screen {
         return text + (candidate.misfit ? ", does not fit: " + *candidate.misfit : ", fits");
     }
 
-    void addMissing() {
-        bool first = true;
+    void addMissing(const AudioEntry& entry) {
+        const AAFSourceEssence& essence = timeline_.essences[entry.essences.front()];
+        text_ +=
+            "  " + sourceNames(timeline_, entry) + ", " + counted(entry.clips, "clip", "clips");
+        if (essence.originalPath) {
+            text_ += ", recorded as " + shownText(*essence.originalPath);
+        }
+        text_ += "\n";
+        const std::size_t shown = std::min(entry.candidates.size(), listedCandidates);
+        for (std::size_t index = 0; index < shown; ++index) {
+            text_ += "    " + candidateText(entry.candidates[index]) + "\n";
+        }
+        if (shown < entry.candidates.size()) {
+            text_ += "    and " + std::to_string(entry.candidates.size() - shown) + " more\n";
+        }
+    }
+
+    void addAllMissing() {
+        std::size_t count = 0;
         for (const AudioEntry& entry : report_.audio) {
-            if (entry.state != AudioState::missing && entry.state != AudioState::undecided) {
+            if (!entry.isMissing()) {
                 continue;
             }
-            const AAFSourceEssence& essence = timeline_.essences[entry.essences.front()];
-            text_ += first ? "\n" + painted("Missing", Paint::yellow, colour_) + "\n" : "";
-            first = false;
-            text_ +=
-                "  " + sourceNames(timeline_, entry) + ", " + counted(entry.clips, "clip", "clips");
-            if (essence.originalPath) {
-                text_ += ", recorded as " + shownText(*essence.originalPath);
+            if (count == 0) {
+                text_ += "\n" + painted("Missing", Paint::yellow, colour_) + "\n";
             }
-            text_ += "\n";
-            const std::size_t shown = std::min(entry.candidates.size(), listedCandidates);
-            for (std::size_t index = 0; index < shown; ++index) {
-                text_ += "    " + candidateText(entry.candidates[index]) + "\n";
+            if (count < listedMissing) {
+                addMissing(entry);
             }
-            if (shown < entry.candidates.size()) {
-                text_ += "    and " + std::to_string(entry.candidates.size() - shown) + " more\n";
-            }
+            ++count;
+        }
+        if (count > listedMissing) {
+            text_ += "  and " + std::to_string(count - listedMissing) + " more: --json lists all\n";
         }
     }
 
@@ -122,7 +136,7 @@ class Screen {
         const std::string file = shownText(pastedFileName(report_.file));
         std::string advice;
         if (report_.count(AudioState::missing) != 0) {
-            advice += "  Where the missing audio files lie may be told: trellant extract " + file +
+            advice += "  If you know where the missing audio files lie: trellant extract " + file +
                       " --to " + shownText(pastedFileName(report_.directory)) + " --media FOLDER\n";
         }
         if (report_.count(AudioState::undecided) != 0) {

@@ -37,9 +37,7 @@ constexpr std::array forms{
 
 /// The state in as few words as a column has room for.
 std::string shortState(const AudioEntry& entry) {
-    const std::string text(entry.wasThere()                       ? "already there"
-                           : entry.state == AudioState::undecided ? "undecided"
-                                                                  : stateText(entry.state));
+    const std::string text(entry.wasThere() ? "already there" : stateText(entry.state));
     return entry.isUnreadable() ? text + ", but no readable audio" : text;
 }
 
@@ -52,8 +50,8 @@ std::string fileText(const AudioEntry& entry, const Form& form) {
     return form.hasPath || slash == std::string::npos ? path : "\xE2\x80\xA6" + path.substr(slash);
 }
 
-std::vector<Column> columnsOf(const Form& form) {
-    std::vector<Column> columns{{"Audio file", Align::left, form.cutsFile}};
+std::vector<TableColumn> columnsOf(const Form& form) {
+    std::vector<TableColumn> columns{{"Audio file", Align::left, form.cutsFile}};
     if (form.hasSource) {
         columns.push_back({"Source", Align::left, form.cutsSource});
     }
@@ -93,7 +91,9 @@ std::vector<std::string> rowOf(const AAFTimeline& timeline, const AudioEntry& en
 Table tableOf(const ExtractionReport& report, const Form& form) {
     Table table{.columns = columnsOf(form), .rows = {}};
     for (const AudioEntry& entry : report.audio) {
-        table.rows.push_back(rowOf(report.handOff.timeline, entry, form));
+        if (!entry.isMissing()) {
+            table.rows.push_back(rowOf(report.handOff.timeline, entry, form));
+        }
     }
     return table;
 }

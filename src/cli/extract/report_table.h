@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The table of the audio files, a row each.
+// The table of the audio files that are there, a row each; those that are missing stand in a list
+// of their own.
 #pragma once
 
 #include "report.h"

@@ -13,6 +13,7 @@
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace trellant::cli {
 
@@ -30,41 +31,12 @@ std::optional<struct stat> statusOf(const std::string& path) {
     return ::stat(path.c_str(), &status) == 0 ? std::optional(status) : std::nullopt;
 }
 
-/// Writes all of it and closes the descriptor; 0 or the error's number.
-int writeAndClose(int descriptor, std::string_view text) {
-    const int failure = writeAll(descriptor, text);
-    return ::close(descriptor) != 0 && failure == 0 ? errno : failure;
-}
-
-/// A device or a pipe is written to, never replaced.
-int writeInto(const std::string& path, std::string_view text) {
-    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
-    return descriptor < 0 ? errno : writeAndClose(descriptor, text);
-}
-
-/// Beside the file first, then in its place: link refuses what is there, rename replaces it.
-int writeBeside(const std::string& path, std::string_view text, bool replace) {
-    std::string beside = path + ".XXXXXX";
-    const int descriptor = ::mkostemp(beside.data(), O_CLOEXEC);
-    if (descriptor < 0) {
-        return errno;
-    }
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    ::fchmod(descriptor, everybodyMayRead & ~mask);
-    int failure = writeAndClose(descriptor, text);
-    if (failure == 0 && (replace ? std::rename(beside.c_str(), path.c_str())
-                                 : ::link(beside.c_str(), path.c_str())) != 0) {
-        failure = errno;
-    }
-    if (failure != 0 || !replace) {
-        ::unlink(beside.c_str());
-    }
-    return failure;
-}
-
-void tellExisting(const std::string& path, Console& console) {
+void sayExisting(const std::string& path, Console& console) {
     console.error(shown(path) + " is there already. Name another file, or replace it with --force");
+}
+
+void sayRead(const std::string& path, Console& console) {
+    console.error(shown(path) + " is a file that is read. Name another file for the output");
 }
 
 }  // namespace
@@ -78,36 +50,117 @@ bool mayDeliver(const Destination& destination, const std::vector<std::string>& 
     if (!there) {
         return true;
     }
+    ReadFiles read;
     for (const std::string& input : inputs) {
-        const auto read = statusOf(input);
-        if (read && read->st_dev == there->st_dev && read->st_ino == there->st_ino) {
-            console.error(shown(destination.path) +
-                          " is the file that is read. Name another file for the output");
-            return false;
-        }
+        read.add(input);
+    }
+    if (read.holds(destination.path)) {
+        sayRead(destination.path, console);
+        return false;
     }
     if (S_ISREG(there->st_mode) && !destination.force) {
-        tellExisting(destination.path, console);
+        sayExisting(destination.path, console);
         return false;
     }
     return true;
 }
 
-bool deliver(const Destination& destination, const std::string& text, Console& console) {
-    if (destination.path == "-") {
-        console.out(text);
+Delivery::Delivery(Destination destination, Console& console)
+    : destination_(std::move(destination)),
+      console_(console),
+      isConsole_(destination_.path == "-") {
+    if (!isConsole_) {
+        open();
+    }
+}
+
+Delivery::~Delivery() {
+    if (descriptor_ >= 0) {
+        ::close(descriptor_);
+    }
+    if (!beside_.empty()) {
+        ::unlink(beside_.c_str());
+    }
+}
+
+/// A device or a pipe is written to, never replaced; a file is made beside the one it replaces.
+void Delivery::open() {
+    const auto there = statusOf(destination_.path);
+    if (there && !S_ISREG(there->st_mode)) {
+        descriptor_ = ::open(destination_.path.c_str(), O_WRONLY | O_CLOEXEC);
+        failure_ = descriptor_ < 0 ? errno : 0;
+        return;
+    }
+    std::string name = destination_.path + ".XXXXXX";
+    descriptor_ = ::mkostemp(name.data(), O_CLOEXEC);
+    if (descriptor_ < 0) {
+        failure_ = errno;
+        return;
+    }
+    beside_ = std::move(name);
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    ::fchmod(descriptor_, everybodyMayRead & ~mask);
+}
+
+void Delivery::write(std::string_view bytes) {
+    constexpr std::size_t most = 65'536;
+    gathered_ += bytes;
+    if (gathered_.size() >= most) {
+        flush();
+    }
+}
+
+void Delivery::flush() {
+    if (isConsole_) {
+        console_.out(gathered_);
+    } else if (failure_ == 0) {
+        failure_ = writeAll(descriptor_, gathered_);
+    }
+    gathered_.clear();
+}
+
+/// link refuses what is there, rename replaces it.
+int Delivery::place() {
+    const bool isPlaced =
+        (destination_.force ? std::rename(beside_.c_str(), destination_.path.c_str())
+                            : ::link(beside_.c_str(), destination_.path.c_str())) == 0;
+    const int failure = isPlaced ? 0 : errno;
+    if (isPlaced && destination_.force) {
+        beside_.clear();
+    }
+    return failure;
+}
+
+bool Delivery::finish() {
+    flush();
+    if (isConsole_) {
         return true;
     }
-    const auto there = statusOf(destination.path);
-    const int failure = there && !S_ISREG(there->st_mode)
-                            ? writeInto(destination.path, text)
-                            : writeBeside(destination.path, text, destination.force);
-    if (failure == EEXIST) {
-        tellExisting(destination.path, console);
-    } else if (failure != 0) {
-        console.error("cannot write " + shown(destination.path) + ": " + systemErrorText(failure));
+    if (descriptor_ >= 0) {
+        const bool isClosed = ::close(std::exchange(descriptor_, -1)) == 0;
+        failure_ = failure_ == 0 && !isClosed ? errno : failure_;
     }
-    return failure == 0;
+    if (failure_ == 0 && !beside_.empty() && read_.holds(destination_.path)) {
+        sayRead(destination_.path, console_);
+        return false;
+    }
+    if (failure_ == 0 && !beside_.empty()) {
+        failure_ = place();
+    }
+    if (failure_ == EEXIST) {
+        sayExisting(destination_.path, console_);
+    } else if (failure_ != 0) {
+        console_.error("cannot write " + shown(destination_.path) + ": " +
+                       systemErrorText(failure_));
+    }
+    return failure_ == 0;
+}
+
+bool deliver(const Destination& destination, std::string_view text, Console& console) {
+    Delivery delivery(destination, console);
+    delivery.write(text);
+    return delivery.finish();
 }
 
 }  // namespace trellant::cli

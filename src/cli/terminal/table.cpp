@@ -39,7 +39,7 @@ Row shownRow(const std::vector<std::string>& texts) {
 
 std::vector<Row> shownRows(const Table& table) {
     std::vector<std::string> titles;
-    for (const Column& column : table.columns) {
+    for (const TableColumn& column : table.columns) {
         titles.push_back(column.title);
     }
     std::vector<Row> rows{shownRow(titles)};
@@ -61,7 +61,7 @@ std::vector<std::size_t> fullWidths(const std::vector<Row>& rows) {
 }
 
 /// Takes from the widest shrinkable column, cell by cell, until the line fits or nothing gives.
-void shrink(std::vector<std::size_t>& widths, const std::vector<Column>& columns,
+void shrink(std::vector<std::size_t>& widths, const std::vector<TableColumn>& columns,
             std::size_t lineCells) {
     const std::size_t gaps = gap * (widths.size() - 1);
     const std::size_t room = lineCells > gaps ? lineCells - gaps : 0;
@@ -87,7 +87,7 @@ void shrink(std::vector<std::size_t>& widths, const std::vector<Column>& columns
     }
 }
 
-std::string lineOf(const Row& row, const std::vector<Column>& columns,
+std::string lineOf(const Row& row, const std::vector<TableColumn>& columns,
                    const std::vector<std::size_t>& widths) {
     std::string line;
     for (std::size_t i = 0; i < row.size(); ++i) {
@@ -106,7 +106,7 @@ std::string lineOf(const Row& row, const std::vector<Column>& columns,
 /// Which columns stay: as many as fit at the width they can be read in, in order of rank up to the
 /// first that does not, so that nothing stands there in the place of something of more weight.
 std::vector<bool> fittingColumns(const std::vector<std::size_t>& widths,
-                                 const std::vector<Column>& columns, std::size_t lineCells) {
+                                 const std::vector<TableColumn>& columns, std::size_t lineCells) {
     std::vector<std::size_t> order(columns.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::stable_sort(order.begin(), order.end(), [&columns](std::size_t left, std::size_t right) {
@@ -136,7 +136,7 @@ std::vector<T> kept(std::vector<T> all, const std::vector<bool>& stays) {
     return chosen;
 }
 
-std::string textOf(const std::vector<Row>& rows, const std::vector<Column>& columns,
+std::string textOf(const std::vector<Row>& rows, const std::vector<TableColumn>& columns,
                    std::vector<std::size_t> widths, std::size_t lineCells, bool colour) {
     if (lineCells != Console::unlimitedColumns) {
         shrink(widths, columns, lineCells);

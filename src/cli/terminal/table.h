@@ -11,7 +11,7 @@ namespace trellant::cli {
 
 enum class Align { left, right };
 
-struct Column {
+struct TableColumn {
     std::string title;
     Align align = Align::left;
     /// The cells may be cut (with "…") when the line is too narrow; the widest such column first.
@@ -22,7 +22,7 @@ struct Column {
 };
 
 struct Table {
-    std::vector<Column> columns;
+    std::vector<TableColumn> columns;
     /// Each row has a cell for each column. Texts are UTF-8, from strangers.
     std::vector<std::vector<std::string>> rows;
 };

@@ -27,4 +27,13 @@ struct AAFURL {
 /// other text, a broken percent escape or an encoded NUL.
 [[nodiscard]] std::optional<std::string> pathOfFileURL(std::string_view url);
 
+/// How a document in `directory` names the file at `path`, both absolute and without links: by the
+/// way from one to the other, percent-encoded as in fileURL, never with a scheme.
+[[nodiscard]] AAFURL relativeFileURL(std::string_view path, std::string_view directory);
+
+/// The path that a document in `directory` (absolute) names: of a file URL its own, of a text
+/// without a scheme the place that it leads to from there. Absent for any other text.
+[[nodiscard]] std::optional<std::string> pathOfReference(std::string_view reference,
+                                                         std::string_view directory);
+
 }  // namespace trellant

@@ -25,8 +25,12 @@ struct ExtractionRequest {
     std::string directoryPath{};
     /// Searched for audio files that lie outside, beside the folder of `file` itself.
     std::vector<std::string> mediaFolders{};
-    /// A file that is there with other bytes is replaced; else the new one gets another name.
+    /// A file that is there with other bytes is replaced; else the new one gets another name. A
+    /// file that the run reads (the hand-off, media outside of it) is never replaced.
     bool force = false;
+    /// The written timeline names files by their whole paths; else by the way from its own folder,
+    /// so that a folder may be moved and the same hand-off always gives the same bytes.
+    bool absolutePaths = false;
     /// The program that makes AIFC files into WAVE files; absent: they stay as they are.
     std::optional<std::string> waveConverter{};
     AAFWorkerClient::HelperURLProvider helperURLProvider = installedWorker;
@@ -36,7 +40,8 @@ struct ExtractionRequest {
 /// seen from its folder; absent when it is in neither place.
 [[nodiscard]] std::optional<std::string> installedWaveConverter();
 
-/// The names of folders in `directory` in which an extraction was or is at work, ascending.
+/// The names of folders in `directory` that runs which were ended have left, ascending. One in
+/// which a run is at work is not among them.
 [[nodiscard]] std::vector<std::string> stagingFoldersIn(const std::string& directory);
 
 /// One run. Its steps throw AAFWorkerClientError, AAFCancellationError after a stop and
@@ -51,7 +56,7 @@ class Extraction {
     Extraction(Extraction&&) = delete;
     Extraction& operator=(Extraction&&) = delete;
 
-    /// All of it; call once.
+    /// All of it; call once. After a stop the audio files that are whole keep their final names.
     [[nodiscard]] ExtractionReport run();
 
     /// The name of the hidden folder.

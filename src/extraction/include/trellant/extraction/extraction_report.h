@@ -47,6 +47,10 @@ struct AudioEntry {
     /// Why it was not made into WAVE although that was asked for.
     std::optional<std::string> notConverted{};
 
+    /// No file was found, or none that was certain.
+    [[nodiscard]] bool isMissing() const noexcept {
+        return state == AudioState::missing || state == AudioState::undecided;
+    }
     /// An earlier run has put it into the folder.
     [[nodiscard]] bool wasThere() const noexcept { return placed && placed->wasThere; }
     /// There is a file, and no audio that can be read in it.

@@ -16,9 +16,16 @@ class LossIndex {
     /// `losses` must outlive this.
     explicit LossIndex(const std::vector<PlacedLoss>& losses);
 
-    /// Positions (from 0, ascending) of the losses on the event's track that begin before its end
-    /// and end after its start; one without extent (a cut) touches the clips on both of its sides.
-    /// A loss of the whole track touches none of its clips in particular.
+    /// Positions that touching() gives at most.
+    static constexpr std::size_t mostPositions = 16;
+
+    /// How many losses touch the event: those on its track that begin before its end and end after
+    /// its start; one without extent (a cut) touches the clips on both of its sides. A loss of the
+    /// whole track touches none of its clips in particular.
+    [[nodiscard]] std::size_t countTouching(const AAFClipEvent& event) const;
+    /// Positions (from 0, ascending) of losses that touch the event: the earliest on the timeline,
+    /// at most mostPositions. A file may lay every loss over every clip, so a list of all of them
+    /// would grow with the product of both; what is left out is in the count.
     [[nodiscard]] std::vector<std::size_t> touching(const AAFClipEvent& event) const;
 
   private:
@@ -29,8 +36,16 @@ class LossIndex {
         AAFRational latestEnd;
         std::size_t position;
     };
-    /// By track id, each in order of start.
-    std::unordered_map<std::string_view, std::vector<Span>> byTrack_;
+    /// The losses of one track.
+    struct Track {
+        /// In order of start.
+        std::vector<Span> spans;
+        /// Of spans with extent, and of cuts: each ascending.
+        std::vector<AAFRational> starts;
+        std::vector<AAFRational> ends;
+        std::vector<AAFRational> cuts;
+    };
+    std::unordered_map<std::string_view, Track> byTrack_;
 };
 
 }  // namespace trellant

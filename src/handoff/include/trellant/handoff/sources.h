@@ -26,8 +26,10 @@ enum class SourceState {
     misfit
 };
 
-/// "embedded", "located", "missing", "several candidates", "does not fit".
+/// For people: "embedded", "located", "missing", "several candidates", "does not fit".
 [[nodiscard]] std::string_view stateText(SourceState state) noexcept;
+/// For programs: "embedded", "located", "missing", "severalCandidates", "misfit".
+[[nodiscard]] std::string_view stateWord(SourceState state) noexcept;
 
 struct Source {
     const AAFSourceEssence* essence = nullptr;

@@ -75,6 +75,12 @@ class JsonWriter {
     void number(double value);
     void boolean(bool value);
 
+    /// A line feed behind a whole document: the next one stands on a line of its own.
+    void endLine() {
+        put('\n');
+        needsComma_ = false;
+    }
+
     /// Hands the rest to the sink. Nothing is flushed by the destructor: what is not flushed was
     /// not meant to go out.
     void flush();

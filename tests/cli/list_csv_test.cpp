@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Records for sheets: quotes, and cells that must not become formulas.
-#include "look/listing.h"
+#include "cell_list.h"
 
 #include <gtest/gtest.h>
 
@@ -9,44 +9,42 @@ namespace trellant::testing {
 namespace {
 
 /// The one record that holds the cell, beside another.
-std::string record(const cli::Value& cell) {
-    const std::string text =
-        cli::csv({.fields = {{"a", "A"}, {"b", "B"}}, .rows = {{cell, std::string("b")}}});
-    EXPECT_EQ(text.substr(0, 5), "A,B\r\n");
-    return text.substr(5);
+std::string record(SaidCell cell) {
+    const std::string csv =
+        csvOf(CellList({{"a", "A"}, {"b", "B"}}, {{std::move(cell), text("b")}}));
+    EXPECT_EQ(csv.substr(0, 5), "A,B\r\n");
+    return csv.substr(5);
 }
 
 std::string record(const char* cell) {
-    return record(cli::Value(std::string(cell)));
+    return record(text(cell));
 }
 
 }  // namespace
 
 TEST(CsvTable, PutsTitlesFirstAndEndsEachRecord) {
-    EXPECT_EQ(cli::csv({.fields = {{"track", "Track"}, {"clip", "Clip"}},
-                        .rows = {{std::int64_t{1}, std::string("Anna")},
-                                 {std::int64_t{2}, cli::Value()}}}),
+    EXPECT_EQ(csvOf(CellList({{"track", "Track"}, {"clip", "Clip"}},
+                             {{integer(1), text("Anna")}, {integer(2), nothing()}})),
               "Track,Clip\r\n1,Anna\r\n2,\r\n");
 }
 
 TEST(CsvTable, WithoutRowsIsTheTitles) {
-    EXPECT_EQ(cli::csv({.fields = {{"a", "A"}, {"b", "B"}}, .rows = {}}), "A,B\r\n");
+    EXPECT_EQ(csvOf(CellList({{"a", "A"}, {"b", "B"}}, {})), "A,B\r\n");
 }
 
 TEST(CsvTable, HoldsNothingThatOnlyPeopleSee) {
-    EXPECT_EQ(cli::csv({.fields = {{"", "Short", cli::Audience::people},
-                                   {"a", "Whole", cli::Audience::machines}},
-                        .rows = {{std::string("s"), std::string("whole")}}}),
+    EXPECT_EQ(csvOf(CellList(
+                  {{"", "Short", cli::Audience::people}, {"a", "Whole", cli::Audience::machines}},
+                  {{text("s"), text("whole")}})),
               "Whole\r\nwhole\r\n");
 }
 
 TEST(CsvTable, TellsFractionsInTwoColumns) {
-    const cli::Field exact{"exact", "Exact", cli::Audience::details, cli::Align::left, false,
-                           0,       true};
-    EXPECT_EQ(cli::csv({.fields = {exact, {"b", "B"}},
-                        .rows = {{cli::Fraction{AAFRational(-1, 2)}, true},
-                                 {cli::Fraction{AAFRational(3)}, false},
-                                 {cli::Value(), true}}}),
+    const cli::Column exact{"exact", "Exact", cli::Audience::details, cli::Align::left, false,
+                            0,       true};
+    EXPECT_EQ(csvOf(CellList({exact, {"b", "B"}}, {{fraction(AAFRational(-1, 2)), boolean(true)},
+                                                   {fraction(AAFRational(3)), boolean(false)},
+                                                   {nothing(), boolean(true)}})),
               "Exact numerator,Exact denominator,B\r\n-1,2,yes\r\n3,1,no\r\n,,yes\r\n");
 }
 
@@ -64,8 +62,7 @@ TEST(CsvTable, LeavesOtherCellsAsTheyAre) {
 }
 
 TEST(CsvTable, QuotesALoneEmptyCell) {
-    EXPECT_EQ(cli::csv({.fields = {{"a", "A"}}, .rows = {{cli::Value()}, {std::string("x")}}}),
-              "A\r\n\"\"\r\nx\r\n");
+    EXPECT_EQ(csvOf(CellList({{"a", "A"}}, {{nothing()}, {text("x")}})), "A\r\n\"\"\r\nx\r\n");
 }
 
 TEST(CsvTable, GuardsWhatASheetTakesForAFormula) {
@@ -91,15 +88,15 @@ TEST(CsvTable, GuardsTextsThatLookLikeNumbers) {
 }
 
 TEST(CsvTable, LeavesNumbersNumbers) {
-    EXPECT_EQ(record(cli::Value(std::int64_t{-3})), "-3,b\r\n");
-    EXPECT_EQ(record(cli::Value(-1.5)), "-1.5,b\r\n");
+    EXPECT_EQ(record(integer(-3)), "-3,b\r\n");
+    EXPECT_EQ(record(number(-1.5)), "-1.5,b\r\n");
     // 20 * log10(0.5) = -6.0206
-    EXPECT_EQ(record(cli::Value(cli::Gain{0.5})), "-6.02,b\r\n");
+    EXPECT_EQ(record(decibels(0.5)), "-6.02,b\r\n");
 }
 
 TEST(CsvTable, GuardsGainsThatAreNoNumbers) {
-    EXPECT_EQ(record(cli::Value(cli::Gain{0})), "'-inf,b\r\n");
-    EXPECT_EQ(record(cli::Value(cli::Gain{-0.5})), "'-6.02 inverted,b\r\n");
+    EXPECT_EQ(record(decibels(0)), "'-inf,b\r\n");
+    EXPECT_EQ(record(decibels(-0.5)), "'-6.02 inverted,b\r\n");
 }
 
 TEST(CsvTable, ReplacesControlCharactersOtherThanTabAndLineFeed) {
@@ -111,16 +108,32 @@ TEST(CsvTable, ReplacesControlCharactersOtherThanTabAndLineFeed) {
 }
 
 TEST(CsvTable, GuardsTitlesToo) {
-    EXPECT_EQ(cli::csv({.fields = {{"a", "=A"}}, .rows = {}}), "'=A\r\n");
+    EXPECT_EQ(csvOf(CellList({{"a", "=A"}}, {})), "'=A\r\n");
 }
 
 TEST(CsvTable, ReplacesWhatIsNotText) {
     EXPECT_EQ(record("a\xFF"), "a\uFFFD,b\r\n");
 }
 
-TEST(CsvTableDeathTest, RefusesRowsOfOtherLengths) {
-    EXPECT_DEATH(static_cast<void>(cli::csv({.fields = {{"a", "A"}}, .rows = {{true, false}}})),
-                 "precondition failed: a row has a value for each field");
+TEST(CsvTable, GuardsFormulasBehindOtherSeparators) {
+    // A sheet that is set to ";" does not see the quotes around the cell, and begins one there.
+    EXPECT_EQ(record("a;=1+1"), "a;'=1+1,b\r\n");
+    EXPECT_EQ(record("a;\"=1+1\""), "\"a;'\"\"=1+1\"\"\",b\r\n");
+    EXPECT_EQ(record("a\t@SUM"), "a\t'@SUM,b\r\n");
+    EXPECT_EQ(record("a\n-A1"), "\"a\n'-A1\",b\r\n");
+    EXPECT_EQ(record("\"=1\""), "\"'\"\"=1\"\"\",b\r\n");
+    EXPECT_EQ(record("a; b"), "a; b,b\r\n");
+    EXPECT_EQ(record("a, -3"), "\"a, -3\",b\r\n");
+}
+
+TEST(CsvTable, NamesTheFileOfEachRecordWhereThereAreSeveral) {
+    const CellList list({{"a", "A"}}, {{integer(1)}, {nothing()}});
+    StringSink sink;
+    cli::CsvWriter csv(sink, true);
+    csv.titles(list);
+    csv.records("one.omf", list);
+    csv.records("=two.omf", list);
+    EXPECT_EQ(sink.text, "File,A\r\none.omf,1\r\none.omf,\r\n'=two.omf,1\r\n'=two.omf,\r\n");
 }
 
 }  // namespace trellant::testing

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "looking.h"
+#include "inspect.h"
 
 #include "console_progress.h"
 #include "failure_text.h"
+#include "list.h"
 #include "terminal/interrupts.h"
+#include "terminal/json_line.h"
 
 #include <trellant/base/printable_text.h>
+#include <trellant/base/url.h>
 #include <trellant/client/errors.h>
 #include <trellant/handoff/sources.h>
 
@@ -25,17 +28,19 @@ std::string shown(const std::string& file) {
 
 }  // namespace
 
-std::optional<HandOff> look(const std::string& file, const std::vector<std::string>& mediaFolders,
-                            Console& console, const StopToken& stop) {
+Inspection inspect(const std::string& file, const std::vector<std::string>& mediaFolders,
+                   Console& console, const StopToken& stop) {
     if (file.empty()) {
         console.error("a file has an empty name");
-        return std::nullopt;
+        return {.failure = "a file has an empty name"};
     }
     for (const std::string& folder : mediaFolders) {
         std::error_code ignored;
         if (!std::filesystem::is_directory(folder, ignored)) {
-            console.error(shown(folder) + ": there is no such folder to look for audio files in");
-            return std::nullopt;
+            const std::string failure =
+                shown(folder) + ": there is no such folder to look for audio files in";
+            console.error(failure);
+            return {.failure = failure};
         }
     }
     try {
@@ -43,41 +48,62 @@ std::optional<HandOff> look(const std::string& file, const std::vector<std::stri
         ConsoleProgress progress(console, stop);
         HandOff handOff = readHandOff({.file = file, .mediaFolders = mediaFolders}, progress);
         console.endBar();
-        tellChanges(file, handOff, console);
+        reportChanges(file, handOff, console);
         for (const std::string& line : handOff.diagnostics) {
             console.detail(shown(file) + ": " + line);
         }
-        return handOff;
+        return {.handOff = std::move(handOff)};
     } catch (const OutputClosed&) {
         throw;
     } catch (const std::exception& error) {
         console.endBar();
-        tellFailure(file, error, console);
-        return std::nullopt;
+        return {.failure = reportFailure(file, error, console)};
     }
 }
 
-void tellFailure(const std::string& file, const std::exception& error, Console& console) {
-    console.error(shown(file) + ": " + failureText(file, error));
+std::string reportFailure(const std::string& file, const std::exception& error, Console& console) {
+    std::string failure = failureText(file, error);
+    console.error(shown(file) + ": " + failure);
     if (const auto* const failed = dynamic_cast<const AAFWorkerClientError*>(&error)) {
         console.detail(failed->technicalDetail());
     }
+    return failure;
 }
 
-void tellFailure(const std::string& file, Console& console) {
-    try {
-        throw;
-    } catch (const std::exception& error) {
-        tellFailure(file, error, console);
-    }
-}
-
-void tellChanges(const std::string& file, const HandOff& handOff, Console& console) {
+void reportChanges(const std::string& file, const HandOff& handOff, Console& console) {
     for (const DescribedChange& change : handOff.changes) {
         const std::string place = placeText(change, handOff.timeline);
         console.note(shown(file) + ": the file is odd here: " + place +
                      (place.empty() ? "" : ": ") + change.what + " (" + change.code + ", " +
                      change.object + ")");
+    }
+}
+
+std::string failureLine(const std::string& file, const std::string& failure) {
+    return jsonLine(
+        [&](JsonLine& line) { line.text("file", fileForPrograms(file)).text("error", failure); });
+}
+
+ExitStatus worse(ExitStatus left, ExitStatus right) {
+    if (left == ExitStatus::fileFailed || right == ExitStatus::fileFailed) {
+        return ExitStatus::fileFailed;
+    }
+    return std::max(left, right);
+}
+
+void protectMedia(const HandOff& handOff, Delivery& delivery) {
+    for (const AAFSourceEssence& essence : handOff.timeline.essences) {
+        const auto path = essence.fileURL && !essence.embedded
+                              ? pathOfFileURL(essence.fileURL->text)
+                              : std::nullopt;
+        if (path) {
+            delivery.protect(*path);
+        }
+    }
+    for (const auto& [id, candidates] : handOff.openChoices) {
+        for (const MediaCandidate& candidate : candidates) {
+            delivery.protect(candidate.path);
+        }
     }
 }
 

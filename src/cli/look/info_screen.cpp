@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "info.h"
-
+#include "info_output.h"
 #include "terminal/console.h"
 #include "terminal/pasted_word.h"
 #include "terminal/shown_text.h"
 
-#include <trellant/base/printable_text.h>
-#include <trellant/base/text.h>
 #include <trellant/handoff/summary.h>
 #include <trellant/handoff/timeline_text.h>
-#include <trellant/json/json_writer.h>
 
 #include <array>
 #include <string_view>
@@ -141,9 +137,9 @@ class Screen {
         line("Sample rates", ratesText(summary_));
         line("Bit depths", depthsText(summary_));
         line("Lost", lossesText(summary_));
-        if (const std::size_t odd = handOff_.changes.size(); odd != 0) {
-            line("Repaired",
-                 counted(odd, "thing was", "things were") + " odd and set right (told above)");
+        if (const std::size_t count = handOff_.changes.size(); count != 0) {
+            line("Repaired", counted(count, "thing was", "things were") +
+                                 " not as it should be and set right (see above)");
         }
     }
 
@@ -174,149 +170,10 @@ class Screen {
     std::string text_;
 };
 
-class Line {
-  public:
-    explicit Line(const HandOff& handOff)
-        : handOff_(handOff), timeline_(handOff.timeline), summary_(handOff) {}
-
-    std::string text(const std::string& file) {
-        writer_.beginObject();
-        text("file", isValidUTF8(file) ? file : printableText(file, file.size()));
-        if (timeline_.compositionName) {
-            text("composition", *timeline_.compositionName);
-        }
-        writeCompositions();
-        writeTimes();
-        writeCounts();
-        writeChanges();
-        writer_.endObject();
-        writer_.flush();
-        return std::move(sink_.text) + "\n";
-    }
-
-  private:
-    void text(std::string_view key, std::string_view value) {
-        writer_.plainKey(key);
-        writer_.string(value);
-    }
-    void maybeText(std::string_view key, const std::optional<std::string>& value) {
-        if (value) {
-            text(key, *value);
-        }
-    }
-    void count(std::string_view key, std::size_t value) {
-        writer_.plainKey(key);
-        writer_.integer(static_cast<std::int64_t>(value));
-    }
-
-    void writeCompositions() {
-        writer_.plainKey("compositions");
-        writer_.beginArray();
-        for (const AAFWorkerExtensions::Composition& composition : handOff_.compositions) {
-            writer_.beginObject();
-            writer_.plainKey("object");
-            writer_.integer(composition.object);
-            if (composition.name) {
-                text("name", *composition.name);
-            }
-            writer_.plainKey("read");
-            writer_.boolean(composition.isRead);
-            writer_.endObject();
-        }
-        writer_.endArray();
-    }
-
-    void writeTimes() {
-        text("start", timeline_.clock.timelineZero.description());
-        text("rate", rateText(timeline_.clock.timecodeRate));
-        writer_.plainKey("timecodeInFile");
-        writer_.boolean(timeline_.hasNativeTimecode.value_or(false));
-        if (timeline_.compositionLength) {
-            text("length", lengthText(timeline_, *timeline_.compositionLength));
-            text("lengthSecondsExact", fractionText(*timeline_.compositionLength));
-            writer_.plainKey("lengthSeconds");
-            writer_.number(timeline_.compositionLength->doubleValue());
-        }
-        if (summary_.firstAudible) {
-            text("firstAudible", timecodeText(timeline_, *summary_.firstAudible));
-            text("firstAudibleSecondsExact", fractionText(*summary_.firstAudible));
-        }
-        writeRates();
-    }
-
-    void writeRates() {
-        text("editRate", fractionText(timeline_.clock.editRate));
-        text("timecodeRate", fractionText(timeline_.clock.timecodeRate.exactRate));
-        if (const auto drift = rateDrift(timeline_.clock)) {
-            writer_.plainKey("driftSecondsPerHour");
-            writer_.number(drift->secondsPerHour);
-            text("rateDisagreement", rateDisagreement(timeline_.clock).value_or(""));
-        }
-    }
-
-    void writeCounts() {
-        count("tracks", summary_.tracks);
-        count("clips", summary_.clips);
-        count("audioFiles", summary_.sources);
-        count("embedded", summary_.inState(SourceState::embedded));
-        count("located", summary_.inState(SourceState::located));
-        count("missing", summary_.inState(SourceState::missing));
-        count("severalCandidates", summary_.inState(SourceState::severalCandidates));
-        count("misfit", summary_.inState(SourceState::misfit));
-        writer_.plainKey("sampleRates");
-        writer_.beginObject();
-        for (const auto& [rate, sources] : summary_.sampleRates) {
-            writer_.key(fractionText(rate));
-            writer_.integer(static_cast<std::int64_t>(sources));
-        }
-        writer_.endObject();
-        writer_.plainKey("bitDepths");
-        writer_.beginObject();
-        for (const auto& [bits, sources] : summary_.bitDepths) {
-            writer_.key(bits == 0 ? "unknown" : std::to_string(bits));
-            writer_.integer(static_cast<std::int64_t>(sources));
-        }
-        writer_.endObject();
-        count("losses", summary_.losses);
-        count("lossesDropped", summary_.dropped);
-        count("lossesSoundDifferent", summary_.soundsDifferent);
-        count("lossPlaces", summary_.lossPlaces);
-    }
-
-    void writeChanges() {
-        writer_.plainKey("changes");
-        writer_.beginArray();
-        for (const DescribedChange& change : handOff_.changes) {
-            writer_.beginObject();
-            text("code", change.code);
-            text("object", change.object);
-            text("what", change.what);
-            maybeText("track", change.track);
-            maybeText("clip", change.clip);
-            maybeText("audioFile", change.audioFile);
-            if (change.start) {
-                text("timecode", timecodeText(timeline_, *change.start));
-            }
-            writer_.endObject();
-        }
-        writer_.endArray();
-    }
-
-    const HandOff& handOff_;
-    const AAFTimeline& timeline_;
-    Summary summary_;
-    StringSink sink_;
-    JsonWriter writer_{sink_};
-};
-
 }  // namespace
 
 std::string infoScreen(const std::string& file, const HandOff& handOff, bool colour) {
     return Screen(handOff, colour).text(file);
-}
-
-std::string infoLine(const std::string& file, const HandOff& handOff) {
-    return Line(handOff).text(file);
 }
 
 }  // namespace trellant::cli

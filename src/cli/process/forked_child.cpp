@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The child's answer is one byte, which tells a text from an exception's, and the bytes of the text
 // to the end of the pipe. A child that was cut short ends by a signal or without the last status.
-#include "isolated.h"
+#include "forked_child.h"
 
 #include <trellant/base/file_descriptor.h>
 #include <trellant/base/system_call_error.h>
@@ -105,29 +105,29 @@ int reap(pid_t child) noexcept {
     return reaped == child ? status : answeredStatus;
 }
 
-IsolatedAnswer judged(std::string text, int status) {
+ForkedAnswer judged(std::string text, int status) {
     if (WIFSIGNALED(status)) {
         const int signal = WTERMSIG(status);
         // NOLINTNEXTLINE(concurrency-mt-unsafe): the text is copied before anything else is asked.
         const std::string name(::strsignal(signal));
-        return IsolatedFailure{IsolatedFailure::Kind::crashed,
-                               "ended by signal " + std::to_string(signal) + " (" + name + ")"};
+        return ForkedFailure{ForkedFailure::Kind::crashed,
+                             "ended by signal " + std::to_string(signal) + " (" + name + ")"};
     }
     if (WEXITSTATUS(status) != answeredStatus || text.empty()) {
-        return IsolatedFailure{IsolatedFailure::Kind::crashed,
-                               "ended early with status " + std::to_string(WEXITSTATUS(status))};
+        return ForkedFailure{ForkedFailure::Kind::crashed,
+                             "ended early with status " + std::to_string(WEXITSTATUS(status))};
     }
     const bool isException = text.front() == exceptionMark;
     text.erase(0, 1);
     if (isException) {
-        return IsolatedFailure{IsolatedFailure::Kind::exception, std::move(text)};
+        return ForkedFailure{ForkedFailure::Kind::exception, std::move(text)};
     }
     return text;
 }
 
 }  // namespace
 
-IsolatedAnswer inChildProcess(const std::function<std::string()>& work, std::size_t maxBytes) try {
+ForkedAnswer inForkedChild(const std::function<std::string()>& work, std::size_t maxBytes) try {
     Pipe pipe = makePipe();
     const pid_t parent = ::getpid();
     const pid_t child = ::fork();
@@ -146,17 +146,17 @@ IsolatedAnswer inChildProcess(const std::function<std::string()>& work, std::siz
     if (!text) {
         ::kill(child, SIGKILL);
         reap(child);
-        return IsolatedFailure{IsolatedFailure::Kind::tooLong,
-                               "more than " + std::to_string(maxBytes) + " bytes"};
+        return ForkedFailure{ForkedFailure::Kind::tooLong,
+                             "more than " + std::to_string(maxBytes) + " bytes"};
     }
     return judged(std::move(*text), reap(child));
 } catch (const SystemCallError& error) {
-    return IsolatedFailure{IsolatedFailure::Kind::system, error.what()};
+    return ForkedFailure{ForkedFailure::Kind::system, error.what()};
 }
 
-IsolatedAnswer inConfinedChild(const std::function<std::string()>& work,
-                               const std::optional<std::string>& writableDirectory) {
-    return inChildProcess([&] {
+ForkedAnswer inConfinedChild(const std::function<std::string()>& work,
+                             const std::optional<std::string>& writableDirectory) {
+    return inForkedChild([&] {
         keepWithinMemory();
         confine(sandboxFromEnvironment(),
                 {.writableDirectory = writableDirectory, .awaitsStreams = true});

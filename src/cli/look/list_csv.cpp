@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: Apache-2.0
+// Lists for sheets.
+#include "cell_text.h"
+#include "list.h"
+
+#include <trellant/base/text.h>
+
+#include <algorithm>
+
+namespace trellant::cli {
+
+namespace {
+
+constexpr std::string_view digits = "0123456789";
+
+/// Takes the digits at the head off `text`; false when there are none.
+bool skipDigits(std::string_view& text) {
+    const std::size_t count = std::min(text.find_first_not_of(digits), text.size());
+    text.remove_prefix(count);
+    return count > 0;
+}
+
+bool skipAnyOf(std::string_view& text, std::string_view letters) {
+    const bool isThere = !text.empty() && letters.find(text.front()) != std::string_view::npos;
+    text.remove_prefix(isThere ? 1 : 0);
+    return isThere;
+}
+
+/// A sign, digits, a fraction, an exponent: what a sheet reads as a number, never as a formula.
+bool isPlainNumber(std::string_view text) {
+    skipAnyOf(text, "+-");
+    if (!skipDigits(text)) {
+        return false;
+    }
+    if (skipAnyOf(text, ".") && !skipDigits(text)) {
+        return false;
+    }
+    if (skipAnyOf(text, "eE")) {
+        skipAnyOf(text, "+-");
+        if (!skipDigits(text)) {
+            return false;
+        }
+    }
+    return text.empty();
+}
+
+/// Where a sheet would begin a cell with a formula, in quotes or not.
+bool looksLikeFormula(std::string_view text) {
+    while (skipAnyOf(text, "\"")) {
+    }
+    return skipAnyOf(text, "=+-@\t");
+}
+
+/// With an apostrophe before each formula: at the head, and behind whatever separates cells in a
+/// sheet that is set to another separator and so does not see the quotes around this cell.
+std::string guarded(std::string_view text) {
+    std::string safe;
+    safe.reserve(text.size() + 1);
+    bool maySplit = true;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (maySplit && looksLikeFormula(text.substr(i))) {
+            safe += '\'';
+        }
+        safe += text[i];
+        maySplit = text[i] == ';' || text[i] == '\t' || text[i] == '\n';
+    }
+    return safe;
+}
+
+/// Without what no cell of a sheet can hold. C1 controls are C2 80 to C2 9F in UTF-8.
+std::string withoutControls(const std::string& text) {
+    constexpr std::string_view replacement = "\xEF\xBF\xBD";
+    std::string clean;
+    clean.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const bool isC1 =
+            byte == 0xC2 && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xA0;
+        const bool isC0 = (byte < 0x20 && byte != '\t' && byte != '\n') || byte == 0x7F;
+        if (isC0 || isC1) {
+            clean += replacement;
+            i += isC1 ? 1 : 0;
+        } else {
+            clean += text[i];
+        }
+    }
+    return clean;
+}
+
+void appendQuoted(std::string& record, std::string_view text) {
+    if (text.find_first_of("\",\n") == std::string_view::npos) {
+        record += text;
+        return;
+    }
+    record += '"';
+    for (const char byte : text) {
+        record.append(byte == '"' ? 2 : 1, byte);
+    }
+    record += '"';
+}
+
+void appendText(std::string& record, std::string_view cell) {
+    appendQuoted(record, guarded(withoutControls(madeValidUTF8(cell))));
+}
+
+/// Writes records into a text, which its owner takes away.
+class RecordTaker final : public TextCell, public List::RowTaker {
+  public:
+    explicit RecordTaker(const List& list) {
+        for (std::size_t i = 0; i < list.columns().size(); ++i) {
+            if (list.columns()[i].audience != Audience::people) {
+                chosen.push_back(i);
+            }
+        }
+        columns_ = &list.columns();
+    }
+
+    std::vector<std::size_t> chosen;
+    std::string records;
+
+    void beginRecord(const std::string* file) {
+        start_ = records.size();
+        isFirst_ = true;
+        if (file != nullptr) {
+            appendText(records, *file);
+            isFirst_ = false;
+        }
+    }
+    void endRecord() {
+        endFraction();
+        // A record of one empty cell would be an empty line.
+        records += records.size() == start_ ? "\"\"\r\n" : "\r\n";
+    }
+    Cell& begin(std::size_t column) override {
+        endFraction();
+        records += isFirst_ ? "" : ",";
+        isFirst_ = false;
+        owesDenominator_ = (*columns_)[column].isFraction;
+        return *this;
+    }
+    void fraction(const AAFRational& value) override {
+        records += std::to_string(value.numerator()) + ',' + std::to_string(value.denominator());
+        owesDenominator_ = false;
+    }
+
+  private:
+    void endFraction() {
+        records += owesDenominator_ ? "," : "";
+        owesDenominator_ = false;
+    }
+    void take(std::string_view text) override { appendText(records, text); }
+    void takeNumber(std::string_view text) override {
+        if (isPlainNumber(text)) {
+            records += text;
+        } else {
+            take(text);
+        }
+    }
+
+    const std::vector<Column>* columns_ = nullptr;
+    std::size_t start_ = 0;
+    bool isFirst_ = true;
+    /// A fraction's column was begun and nothing was said: it has two cells all the same.
+    bool owesDenominator_ = false;
+};
+
+}  // namespace
+
+void CsvWriter::titles(const List& list) {
+    std::string record = tellsFiles_ ? "File," : "";
+    for (const Column& column : list.columns()) {
+        if (column.audience == Audience::people) {
+            continue;
+        }
+        const std::string title(column.title);
+        if (column.isFraction) {
+            appendText(record, title + " numerator");
+            record += ',';
+            appendText(record, title + " denominator");
+        } else {
+            appendText(record, title);
+        }
+        record += ',';
+    }
+    record.pop_back();
+    sink_.write(record + "\r\n");
+}
+
+void CsvWriter::records(const std::string& file, const List& list) {
+    constexpr std::size_t gathered = 65'536;
+    RecordTaker taker(list);
+    const std::string name = fileForPrograms(file);
+    for (std::size_t row = 0; row < list.rowCount(); ++row) {
+        taker.beginRecord(tellsFiles_ ? &name : nullptr);
+        list.sayRow(row, taker.chosen, taker);
+        taker.endRecord();
+        if (taker.records.size() >= gathered) {
+            sink_.write(taker.records);
+            taker.records.clear();
+        }
+    }
+    sink_.write(taker.records);
+}
+
+}  // namespace trellant::cli

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "json_line.h"
+
+#include <trellant/base/text.h>
+
+#include <array>
+#include <charconv>
+#include <cmath>
+
+namespace trellant::cli {
+
+JsonLine& JsonLine::text(std::string_view name, std::string_view value) {
+    writer_.plainKey(name);
+    string(value);
+    return *this;
+}
+
+JsonLine& JsonLine::text(std::string_view name, const std::optional<std::string>& value) {
+    return value ? text(name, std::string_view(*value)) : *this;
+}
+
+JsonLine& JsonLine::integer(std::string_view name, std::int64_t value) {
+    writer_.plainKey(name);
+    writer_.integer(value);
+    return *this;
+}
+
+JsonLine& JsonLine::integer(std::string_view name, std::optional<std::int64_t> value) {
+    return value ? integer(name, *value) : *this;
+}
+
+JsonLine& JsonLine::number(std::string_view name, double value) {
+    if (std::isfinite(value)) {
+        writer_.plainKey(name);
+        writer_.number(value);
+    }
+    return *this;
+}
+
+JsonLine& JsonLine::number(std::string_view name, std::optional<double> value) {
+    return value ? number(name, *value) : *this;
+}
+
+JsonLine& JsonLine::boolean(std::string_view name, bool value) {
+    writer_.plainKey(name);
+    writer_.boolean(value);
+    return *this;
+}
+
+JsonLine& JsonLine::fraction(std::string_view name, const AAFRational& value) {
+    // Two numbers of 64 bits, a sign each, a slash.
+    std::array<char, 48> text{};
+    char* end = std::to_chars(text.data(), text.data() + text.size(), value.numerator()).ptr;
+    if (value.denominator() != 1) {
+        *end++ = '/';
+        end = std::to_chars(end, text.data() + text.size(), value.denominator()).ptr;
+    }
+    writer_.plainKey(name);
+    writer_.string({text.data(), static_cast<std::size_t>(end - text.data())});
+    return *this;
+}
+
+JsonLine& JsonLine::fraction(std::string_view name, const std::optional<AAFRational>& value) {
+    return value ? fraction(name, *value) : *this;
+}
+
+void JsonLine::string(std::string_view value) {
+    if (isValidUTF8(value)) {
+        writer_.string(value);
+    } else {
+        writer_.string(madeValidUTF8(value));
+    }
+}
+
+void JsonLine::end() {
+    writer_.endObject();
+    writer_.endLine();
+    writer_.flush();
+}
+
+}  // namespace trellant::cli
