@@ -28,7 +28,7 @@ ExitStatus perform(const Call& call, Console& console) {
                 return runList(options, console, stop);
             } else if constexpr (std::is_same_v<Options, ValidateOptions>) {
                 return runValidate(options, console);
-            } else if constexpr (std::is_same_v<Options, DumpOptions>) {
+            } else if constexpr (std::is_same_v<Options, DumpCall>) {
                 return runDump(options, console);
             } else {
                 static_assert(std::is_same_v<Options, ExtractCall>);
@@ -46,7 +46,7 @@ ExitStatus run(int argc, const char* const* argv) {
     try {
         if (line.call) {
             // A dump forks at once, and no thread may be about then; an interrupt ends it anyhow.
-            if (!std::holds_alternative<DumpOptions>(*line.call)) {
+            if (!std::holds_alternative<DumpCall>(*line.call)) {
                 watchInterrupts();
             }
             return perform(*line.call, console);

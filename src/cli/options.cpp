@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "options.h"
 
+#include "nearest_word.h"
+
 #include <trellant/base/printable_text.h>
 #include <trellant/version.h>
 
@@ -112,6 +114,9 @@ class Parser {
 
     CommandLine read(int argc, const char* const* argv) {
         CommandLine line;
+        if (argc < 2 || argv[1] == std::string_view("help")) {
+            return helpFor(argc > 2 ? argv[2] : "");
+        }
         try {
             app_.parse(argc, argv);
         } catch (const CLI::CallForVersion& call) {
@@ -123,7 +128,7 @@ class Parser {
         } catch (const CLI::ParseError& error) {
             const std::string word = firstWord(argc, argv);
             if (app_.get_subcommands().empty() && !word.empty()) {
-                return wrongUse("there is no command \"" + printableText(word) + "\"");
+                return unknownCommand(word);
             }
             return wrongUse(error.what());
         }
@@ -207,17 +212,19 @@ class Parser {
                          "  trellant dump mix.omf\n"
                          "  trellant dump mix.omf --object 12\n"
                          "  trellant dump mix.omf --path 'CMOB[12]/slot[34]/SEQU[56]'");
-        dump_->add_option("FILE", dumpCall_.file, "Any file")->required()->type_name("");
-        auto* const toc = dump_->add_flag("--toc", dumpCall_.toc, "Every entry of the table");
+        dump_->add_option("FILE", dumpCall_.files, "Any files")->required();
+        auto* const toc = dump_->add_flag("--toc", dumpCall_.each.toc, "Every entry of the table");
         auto* const object =
-            dump_->add_option("--object", dumpCall_.object, "One object with its properties")
+            dump_->add_option("--object", dumpCall_.each.object, "One object with its properties")
                 ->type_name("N")
                 ->excludes(toc);
-        dump_->add_option("--path", dumpCall_.path, "The place that a loss names, step by step")
+        dump_
+            ->add_option("--path", dumpCall_.each.path, "The place that a loss names, step by step")
             ->type_name("PATH")
             ->excludes(toc)
             ->excludes(object);
-        dump_->add_flag("--all", dumpCall_.all, "Without bounds on what is shown");
+        dump_->add_flag("--all", dumpCall_.each.all, "Without bounds on what is shown");
+        dump_->add_flag("--json", dumpCall_.each.json, "One JSON object a line");
     }
 
     void addValidate() {
@@ -227,6 +234,35 @@ class Parser {
         validate_->add_option("RESULT", validateOptions_.files, "JSON files; - is standard input")
             ->required();
         validate_->add_flag("--json", validateOptions_.json, "One JSON object a line");
+    }
+
+    [[nodiscard]] static CommandLine page(const CLI::App& command) {
+        CommandLine line;
+        line.text = command.help();
+        return line;
+    }
+
+    /// `trellant help` and `trellant help list`.
+    [[nodiscard]] CommandLine helpFor(const std::string& name) const {
+        if (name.empty()) {
+            return page(app_);
+        }
+        for (const CLI::App* const command : app_.get_subcommands({})) {
+            if (command->get_name() == name) {
+                return page(*command);
+            }
+        }
+        return unknownCommand(name);
+    }
+
+    [[nodiscard]] CommandLine unknownCommand(const std::string& word) const {
+        std::vector<std::string> names{"help"};
+        for (const CLI::App* const command : app_.get_subcommands({})) {
+            names.push_back(command->get_name());
+        }
+        const auto meant = nearestWord(word, names);
+        return wrongUse("there is no command \"" + printableText(word) + "\"" +
+                        (meant ? ". Did you mean \"" + *meant + "\"?" : ""));
     }
 
     /// The first argument that is no option.
@@ -284,7 +320,7 @@ class Parser {
     InfoOptions infoOptions_;
     ListOptions listOptions_;
     ExtractCall extractCall_;
-    DumpOptions dumpCall_;
+    DumpCall dumpCall_;
     ValidateOptions validateOptions_;
     bool quiet_ = false;
     bool verbose_ = false;

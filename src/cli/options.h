@@ -41,7 +41,7 @@ struct ValidateOptions {
     bool json = false;
 };
 
-using Call = std::variant<InfoOptions, ListOptions, ExtractCall, DumpOptions, ValidateOptions>;
+using Call = std::variant<InfoOptions, ListOptions, ExtractCall, DumpCall, ValidateOptions>;
 
 struct CommandLine {
     Verbosity verbosity = Verbosity::normal;

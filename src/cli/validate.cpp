@@ -3,6 +3,7 @@
 #include "commands.h"
 #include "look/inspect.h"
 #include "look/list.h"
+#include "terminal/failure_line.h"
 #include "terminal/json_line.h"
 
 #include <trellant/base/printable_text.h>

@@ -5,8 +5,6 @@
 #include <trellant/base/precondition.h>
 #include <trellant/model/timecode.h>
 
-#include <array>
-#include <cstdio>
 #include <limits>
 
 namespace trellant {
@@ -121,14 +119,19 @@ AAFTimecodeAddress AAFTimecodeAddress::fromAbsoluteFrameNumber(std::int64_t fram
 }
 
 std::string AAFTimecodeAddress::description() const {
-    // Four 64-bit numbers of up to 20 characters and three separators.
-    constexpr std::size_t longest = 84;
-    std::array<char, longest> text{};
-    const int length = std::snprintf(text.data(), text.size(), "%02lld:%02lld:%02lld%c%02lld",
-                                     static_cast<long long>(hours), static_cast<long long>(minutes),
-                                     static_cast<long long>(seconds), rate.dropFrame ? ';' : ':',
-                                     static_cast<long long>(frames));
-    return {text.data(), static_cast<std::size_t>(length)};
+    std::string text;
+    const auto add = [&text](std::int64_t number) {
+        text += number >= 0 && number < 10 ? "0" : "";
+        text += std::to_string(number);
+    };
+    add(hours);
+    text += ':';
+    add(minutes);
+    text += ':';
+    add(seconds);
+    text += rate.dropFrame ? ';' : ':';
+    add(frames);
+    return text;
 }
 
 std::int64_t AAFTimecodeAddress::absoluteFrameNumber() const {

@@ -212,7 +212,8 @@ TEST(DumpFileKind, KnowsAContainerWithoutItsEnd) {
     Bytes file = omf.build();
     file.erase(file.end() - 24, file.end());
     EXPECT_EQ(looks(file),
-              "the front of an OMF file whose end is missing: copy or export it again");
+              "the front of an OMF file whose end is missing: " + std::to_string(file.size()) +
+                  " bytes are there. Copy or export it again");
 }
 
 // Whatever stands in a file, a dump ends by itself.

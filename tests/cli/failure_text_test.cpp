@@ -33,6 +33,43 @@ TEST(FailureText, AFileThatIsNoContainerIsToldByItsLooks) {
               "file: Bento footer signature not found)");
 }
 
+TEST(FailureText, AFileThatLostItsEndIsToldWithWhatToDo) {
+    // What workstations write at the front of their files.
+    const TemporaryDirectory folder;
+    const std::string file = folder.file("mix.omf");
+    std::ofstream(file, std::ios::binary) << "b\xb5\x14\xcc" << '\0' << "omfi:data:NoDatakind";
+    EXPECT_EQ(ofWorker(file, "Malformed OMF/Bento file: Bento footer signature not found"),
+              "this is the front of an OMF file whose end is missing: 25 bytes are there. Copy or "
+              "export it again (Malformed OMF/Bento file: Bento footer signature not found)");
+}
+
+TEST(FailureText, AudioInsideAFileWithoutItsEndIsAHint) {
+    const TemporaryDirectory folder;
+    const std::string file = folder.file("mix.omf");
+    std::ofstream(file, std::ios::binary) << "\x62\xb5\x14\xb8\x01"
+                                          << "FORM\x01\x01\x01\x01"
+                                          << "AIFC";
+    EXPECT_EQ(ofWorker(file, "Malformed OMF/Bento file: file too small for Bento footer"),
+              "this is what may be the front of an OMF file whose end is missing: 17 bytes are "
+              "there. Copy or export it again (Malformed OMF/Bento file: file too small for Bento "
+              "footer)");
+}
+
+TEST(FailureText, AnEmptyFileIsToldAsOne) {
+    const TemporaryDirectory folder;
+    const std::string file = folder.file("mix.omf");
+    std::ofstream(file, std::ios::binary) << "";
+    EXPECT_EQ(ofWorker(file, "Malformed OMF/Bento file: file too small for Bento footer"),
+              "this is no OMF file that can be read, it looks like an empty file (Malformed "
+              "OMF/Bento file: file too small for Bento footer)");
+}
+
+TEST(FailureText, ADamagedTableIsToldWithWhatToDo) {
+    EXPECT_EQ(ofWorker("a.omf", "Malformed OMF/Bento file: V1 immediate value longer than 4 bytes"),
+              "the file is damaged: copy or export it again (Malformed OMF/Bento file: V1 "
+              "immediate value longer than 4 bytes)");
+}
+
 TEST(FailureText, AnOlderFileIsToldHowToBecomeReadable) {
     const std::string words =
         "Unsupported OMF/Bento feature: not an OMF 2.x object model (OMFI:OOBJ:ObjClass registry "

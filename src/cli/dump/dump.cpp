@@ -2,6 +2,7 @@
 #include "dump.h"
 
 #include "dump_contents.h"
+#include "dump_json.h"
 #include "dump_object.h"
 #include "dump_output.h"
 #include "dump_overview.h"
@@ -9,6 +10,7 @@
 #include "dump_toc_list.h"
 #include "dump_values.h"
 #include "process/forked_child.h"
+#include "terminal/failure_line.h"
 #include "terminal/shown_text.h"
 #include "terminal/table.h"
 
@@ -27,20 +29,34 @@ std::string quoted(const std::string& path) {
     return "\"" + printableText(path, 4096) + "\"";
 }
 
-ExitStatus dumpOne(const DumpContents& contents, std::uint32_t object, bool all,
-                   DumpOutput& output) {
+/// Says why there is nothing to show; to programs as an object too.
+ExitStatus refuse(const DumpOptions& options, const std::string& why, DumpOutput& output) {
+    if (options.json) {
+        output.write(failureLine(options.file, why));
+    }
+    output.flush();
+    output.console().error(why);
+    return ExitStatus::wrongUse;
+}
+
+ExitStatus dumpOne(const DumpContents& contents, std::uint32_t object, const DumpOptions& options,
+                   const std::optional<PathResolution>& path, DumpOutput& output) {
     if (contents.has(object)) {
-        dumpObject(contents, object, all, output);
+        if (options.json) {
+            dumpObjectJson(contents, object, path, options.all, output);
+        } else {
+            dumpObject(contents, object, options.all, output);
+        }
         return ExitStatus::done;
     }
     const auto objects = contents.objects();
-    output.flush();
-    output.console().error("there is no object " + std::to_string(object) +
-                           (objects.empty() ? ": the file holds none that can be read"
-                                            : "; the objects are numbered from " +
-                                                  std::to_string(objects.front()) + " to " +
-                                                  std::to_string(objects.back())));
-    return ExitStatus::wrongUse;
+    return refuse(options,
+                  "there is no object " + std::to_string(object) +
+                      (objects.empty()
+                           ? ": the file holds none that can be read"
+                           : "; the objects are numbered from " + std::to_string(objects.front()) +
+                                 " to " + std::to_string(objects.back())),
+                  output);
 }
 
 std::string lengthText(const DumpContents& contents, std::uint32_t object) {
@@ -49,9 +65,7 @@ std::string lengthText(const DumpContents& contents, std::uint32_t object) {
     return hasLength ? valueText(contents, object, *property, ValueBounds{}).line : std::string();
 }
 
-ExitStatus dumpPath(const DumpContents& contents, std::string_view path, bool all,
-                    DumpOutput& output) {
-    const PathResolution resolution = resolvePath(contents, path);
+void dumpSteps(const DumpContents& contents, const PathResolution& resolution, DumpOutput& output) {
     Table table{.columns = {{.title = "Step"},
                             {.title = "Object", .align = Align::right},
                             {.title = "Class"},
@@ -65,28 +79,34 @@ ExitStatus dumpPath(const DumpContents& contents, std::string_view path, bool al
     if (!table.rows.empty()) {
         output.write(aligned(table, Console::unlimitedColumns, output.console().outHasColour()));
     }
-    if (resolution.fault) {
-        output.flush();
-        output.console().error(*resolution.fault);
-        return ExitStatus::wrongUse;
+}
+
+ExitStatus dumpPath(const DumpContents& contents, const DumpOptions& options, DumpOutput& output) {
+    const PathResolution resolution = resolvePath(contents, *options.path);
+    if (!options.json) {
+        dumpSteps(contents, resolution, output);
     }
-    output.line("");
-    const std::uint32_t last = resolution.steps.back().object;
-    return dumpOne(contents, last, all, output);
+    if (resolution.fault) {
+        return refuse(options, *resolution.fault, output);
+    }
+    if (!options.json) {
+        output.line("");
+    }
+    return dumpOne(contents, resolution.steps.back().object, options, resolution, output);
 }
 
 ExitStatus dumpWanted(const DumpContents& contents, const DumpOptions& options,
                       DumpOutput& output) {
     if (options.object) {
-        return dumpOne(contents, *options.object, options.all, output);
+        return dumpOne(contents, *options.object, options, std::nullopt, output);
     }
     if (options.path) {
-        return dumpPath(contents, *options.path, options.all, output);
+        return dumpPath(contents, options, output);
     }
     if (options.toc) {
-        dumpToc(contents, options.all, output);
+        (options.json ? dumpTocJson : dumpToc)(contents, options.all, output);
     } else {
-        dumpOverview(contents, options.all, output);
+        (options.json ? dumpOverviewJson : dumpOverview)(contents, options.all, output);
     }
     return ExitStatus::done;
 }
@@ -95,7 +115,7 @@ ExitStatus dump(const DumpOptions& options, Console& console) {
     const DumpContents contents(options.file);
     DumpOutput output(console);
     const ExitStatus status = dumpWanted(contents, options, output);
-    if (output.isCut()) {
+    if (output.isCut() && !options.json) {
         output.line("");
         output.line("Shown in part: --all shows everything.");
     }
@@ -121,9 +141,13 @@ ExitStatus runDump(const DumpOptions& options, Console& console) {
     const ForkedAnswer answer = inConfinedChild([&] { return dumpInChild(options, console); });
     if (const auto* failure = std::get_if<ForkedFailure>(&answer)) {
         const bool isOwnText = failure->kind == ForkedFailure::Kind::exception;
-        console.error(isOwnText
-                          ? failure->reason
-                          : quoted(options.file) + ": the process that read it " + failure->reason);
+        const std::string why =
+            isOwnText ? failure->reason
+                      : quoted(options.file) + ": the process that read it " + failure->reason;
+        if (options.json) {
+            console.out(failureLine(options.file, why));
+        }
+        console.error(why);
         return ExitStatus::fileFailed;
     }
     const auto& text = std::get<std::string>(answer);
@@ -133,6 +157,21 @@ ExitStatus runDump(const DumpOptions& options, Console& console) {
     return text == "0"   ? ExitStatus::done
            : text == "1" ? ExitStatus::wrongUse
                          : ExitStatus::fileFailed;
+}
+
+ExitStatus runDump(const DumpCall& call, Console& console) {
+    ExitStatus status = ExitStatus::done;
+    bool isFirst = true;
+    for (const std::string& file : call.files) {
+        DumpOptions options = call.each;
+        options.file = file;
+        if (!isFirst && !options.json) {
+            console.out("\n");
+        }
+        isFirst = false;
+        status = worse(status, runDump(options, console));
+    }
+    return status;
 }
 
 }  // namespace trellant::cli

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace trellant::cli {
 
@@ -22,6 +23,15 @@ struct DumpOptions {
     std::optional<std::string> path{};
     /// Lists and values are shown whole.
     bool all = false;
+    /// JSON objects, a line each.
+    bool json = false;
+};
+
+/// The same of several files, one after the other.
+struct DumpCall {
+    std::vector<std::string> files;
+    /// Without a file.
+    DumpOptions each{};
 };
 
 /// Reads in a confined child process, which writes to standard output as it goes: no file takes the
@@ -29,5 +39,7 @@ struct DumpOptions {
 /// file that is damaged, after what could be read of it; `wrongUse` for an object or a path that is
 /// not in the file. Throws OutputClosed.
 [[nodiscard]] ExitStatus runDump(const DumpOptions& options, Console& console);
+/// Each file in a child of its own; the worst of their statuses.
+[[nodiscard]] ExitStatus runDump(const DumpCall& call, Console& console);
 
 }  // namespace trellant::cli

@@ -74,14 +74,46 @@ bool isPlainText(std::string_view text) {
     return false;
 }
 
-bool namesObjectModel(const RandomAccessFile& file) {
-    const auto holdsName = [&](std::uint64_t offset) {
+/// What a file has in it that a container of the object model has.
+struct Marks {
+    /// A name of the object model, which workstations write at the front in lower case too.
+    bool name = false;
+    /// An audio file that begins inside this one.
+    bool audio = false;
+};
+
+bool holdsAudio(std::string_view text) {
+    for (std::size_t at = text.find("FORM", 1); at != std::string_view::npos;
+         at = text.find("FORM", at + 1)) {
+        const std::string_view kind = text.substr(std::min(at + 8, text.size()), 4);
+        if (kind == "AIFC" || kind == "AIFF") {
+            return true;
+        }
+    }
+    for (std::size_t at = text.find("RIFF", 1); at != std::string_view::npos;
+         at = text.find("RIFF", at + 1)) {
+        if (text.substr(std::min(at + 8, text.size()), 4) == "WAVE") {
+            return true;
+        }
+    }
+    return false;
+}
+
+Marks marksOf(const RandomAccessFile& file) {
+    Marks marks;
+    const auto look = [&](std::uint64_t offset) {
         const std::string text = readText(
             file, offset,
             static_cast<std::size_t>(std::min<std::uint64_t>(file.size() - offset, searchedBytes)));
-        return text.find("OMFI:") != std::string::npos;
+        marks.name |=
+            text.find("OMFI:") != std::string::npos || text.find("omfi:") != std::string::npos;
+        marks.audio |= offset == 0 && holdsAudio(text);
     };
-    return holdsName(0) || (file.size() > searchedBytes && holdsName(file.size() - searchedBytes));
+    look(0);
+    if (file.size() > searchedBytes) {
+        look(file.size() - searchedBytes);
+    }
+    return marks;
 }
 
 }  // namespace
@@ -98,8 +130,9 @@ std::optional<std::string> fileKind(const RandomAccessFile& file) {
             return std::string(signature.kind);
         }
     }
-    if (namesObjectModel(file)) {
-        return "the front of an OMF file whose end is missing: copy or export it again";
+    if (const Marks marks = marksOf(file); marks.name || marks.audio) {
+        return std::string(marks.name ? "" : "what may be ") + std::string(frontOfFile) + ": " +
+               std::to_string(file.size()) + " bytes are there. Copy or export it again";
     }
     if (std::all_of(head.begin(), head.end(), [](char byte) { return byte == '\0'; })) {
         return "zero bytes, as an unfinished copy leaves them";

@@ -13,7 +13,6 @@ namespace trellant::cli {
 
 namespace {
 
-constexpr std::size_t mostItems = 10'000;
 constexpr std::size_t storageCells = 40;
 
 std::string storageText(const BentoPackedItem& item, std::uint64_t fileSize) {
@@ -59,7 +58,7 @@ void dumpToc(const DumpContents& contents, bool all, DumpOutput& output) {
         readToc(contents.file(), *contents.footer().footer, [&](const BentoPackedItem& item) {
             output.line(itemLine(contents, item));
             ++count;
-            return all || count < mostItems;
+            return all || count < mostTocItems;
         }));
     if (count < contents.items().size()) {
         output.line("and " + std::to_string(contents.items().size() - count) + " more items");

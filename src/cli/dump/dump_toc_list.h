@@ -7,6 +7,9 @@
 
 namespace trellant::cli {
 
+/// Items that are listed unless all are wanted.
+inline constexpr std::size_t mostTocItems = 10'000;
+
 /// The items of the table of contents, one a line, as they are read. `all`: without a bound.
 void dumpToc(const DumpContents& contents, bool all, DumpOutput& output);
 

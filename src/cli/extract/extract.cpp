@@ -2,6 +2,7 @@
 #include "extract.h"
 
 #include "look/console_progress.h"
+#include "look/failure_text.h"
 #include "look/inspect.h"
 #include "report.h"
 #include "terminal/interrupts.h"
@@ -229,6 +230,10 @@ class Extractor {
     [[nodiscard]] Outcome extract(const Job& job) {
         const Cancellable heeded;
         std::size_t placed = 0;
+        if (const auto failure = streamFailure(job.file)) {
+            console_.error(shown(job.file) + ": " + *failure);
+            return {.failure = *failure};
+        }
         try {
             const Folder folder(job.directory);
             reportLeftFolders(job.directory, folder.path(), console_);

@@ -2,6 +2,7 @@
 // The summary for a program.
 #include "look/list.h"
 #include "report.h"
+#include "terminal/failure_line.h"
 #include "terminal/json_line.h"
 
 #include <trellant/base/url.h>

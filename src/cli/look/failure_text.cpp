@@ -9,8 +9,10 @@
 #include <trellant/io/random_access_file.h>
 
 #include <cstddef>
+#include <filesystem>
 #include <optional>
 #include <string_view>
+#include <system_error>
 #include <variant>
 
 namespace trellant::cli {
@@ -19,8 +21,12 @@ namespace {
 
 constexpr std::string_view workerPrefix = "trellant-omf: ";
 constexpr std::string_view systemPrefix = "unexpected failure: ";
-/// How the reader begins what it says of a file that has no container in it.
+/// How the reader begins what it says of a file that has no container in it, and of one that is
+/// shorter than the end of a container.
 constexpr std::string_view noContainer = "Malformed OMF/Bento file: Bento footer signature";
+constexpr std::string_view tooSmall = "Malformed OMF/Bento file: file too small";
+/// And of a container that makes no sense.
+constexpr std::string_view malformed = "Malformed OMF/Bento file: ";
 /// How it says that the container's object model is the older one.
 constexpr std::string_view olderModel = "OMFI:OOBJ:ObjClass";
 
@@ -30,6 +36,16 @@ std::optional<std::string> looksLike(const std::string& path) {
     } catch (const std::exception&) {
         return std::nullopt;
     }
+}
+
+/// What the file is instead, and what to do.
+std::string noContainerText(const std::string& path) {
+    const auto kind = looksLike(path);
+    if (kind && kind->find(frontOfFile) != std::string::npos) {
+        return "this is " + *kind;
+    }
+    return "this is no OMF file that can be read" +
+           (kind ? ", it looks like " + *kind : std::string());
 }
 
 /// The worker's own last line, without its name.
@@ -43,15 +59,24 @@ std::string ofWorker(const std::string& path, const std::string& logLines) {
     if (words.starts_with(systemPrefix)) {
         return words.substr(systemPrefix.size());
     }
-    if (words.starts_with(noContainer)) {
-        const auto kind = looksLike(path);
-        return "this is no OMF file that can be read" +
-               (kind ? ", it looks like " + *kind : std::string()) + " (" + words + ")";
+    if (words.starts_with(noContainer) || words.starts_with(tooSmall)) {
+        return noContainerText(path) + " (" + words + ")";
     }
     if (words.find(olderModel) != std::string::npos) {
         return "this is an OMF 1.x file: export the session as OMF 2 to read it (" + words + ")";
     }
+    if (words.starts_with(malformed)) {
+        return "the file is damaged: copy or export it again (" + words + ")";
+    }
     return words;
+}
+
+/// Standard input, a pipe, a socket or a device: nothing that can be read twice.
+bool isStream(const std::string& file) {
+    std::error_code ignored;
+    const std::filesystem::file_status status = std::filesystem::status(file, ignored);
+    return (file == "-" && !std::filesystem::exists(status)) || std::filesystem::is_fifo(status) ||
+           std::filesystem::is_socket(status) || std::filesystem::is_character_file(status);
 }
 
 struct Explain {
@@ -89,6 +114,13 @@ std::string failureText(const std::string& file, const std::exception& error) {
         return "cancelled";
     }
     return error.what();
+}
+
+std::optional<std::string> streamFailure(const std::string& file) {
+    if (!isStream(file)) {
+        return std::nullopt;
+    }
+    return "an OMF file is read back and forth, which a pipe cannot do: save it, and name the file";
 }
 
 }  // namespace trellant::cli

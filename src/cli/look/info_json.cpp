@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "info_output.h"
 #include "list.h"
+#include "terminal/failure_line.h"
 #include "terminal/json_line.h"
 
 #include <trellant/handoff/summary.h>

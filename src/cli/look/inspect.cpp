@@ -3,9 +3,7 @@
 
 #include "console_progress.h"
 #include "failure_text.h"
-#include "list.h"
 #include "terminal/interrupts.h"
-#include "terminal/json_line.h"
 
 #include <trellant/base/printable_text.h>
 #include <trellant/base/url.h>
@@ -43,6 +41,10 @@ Inspection inspect(const std::string& file, const std::vector<std::string>& medi
             return {.failure = failure};
         }
     }
+    if (const auto failure = streamFailure(file)) {
+        console.error(shown(file) + ": " + *failure);
+        return {.failure = *failure};
+    }
     try {
         const Cancellable heeded;
         ConsoleProgress progress(console, stop);
@@ -77,18 +79,6 @@ void reportChanges(const std::string& file, const HandOff& handOff, Console& con
                      (place.empty() ? "" : ": ") + change.what + " (" + change.code + ", " +
                      change.object + ")");
     }
-}
-
-std::string failureLine(const std::string& file, const std::string& failure) {
-    return jsonLine(
-        [&](JsonLine& line) { line.text("file", fileForPrograms(file)).text("error", failure); });
-}
-
-ExitStatus worse(ExitStatus left, ExitStatus right) {
-    if (left == ExitStatus::fileFailed || right == ExitStatus::fileFailed) {
-        return ExitStatus::fileFailed;
-    }
-    return std::max(left, right);
 }
 
 void protectMedia(const HandOff& handOff, Delivery& delivery) {

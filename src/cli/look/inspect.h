@@ -7,6 +7,7 @@
 #include "terminal/console.h"
 #include "terminal/deliver.h"
 #include "terminal/exit_status.h"
+#include "terminal/failure_line.h"
 
 #include <trellant/base/cancellation.h>
 #include <trellant/handoff/hand_off.h>
@@ -36,17 +37,10 @@ std::string reportFailure(const std::string& file, const std::exception& error, 
 /// Says, one by one, what had to be changed to make the timeline usable.
 void reportChanges(const std::string& file, const HandOff& handOff, Console& console);
 
-/// One line of JSON for a file that could not be read.
-[[nodiscard]] std::string failureLine(const std::string& file, const std::string& failure);
-
 /// Audio files outside of the hand-off that were looked into: no output takes their place.
 void protectMedia(const HandOff& handOff, Delivery& delivery);
 
 /// done, or lossesFound when the hand-off holds what `failOn` names.
 [[nodiscard]] ExitStatus verdict(const HandOff& handOff, FailOn failOn);
-
-/// The status of two files together: one that could not be read outweighs what was found in
-/// another.
-[[nodiscard]] ExitStatus worse(ExitStatus left, ExitStatus right);
 
 }  // namespace trellant::cli

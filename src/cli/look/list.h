@@ -170,7 +170,4 @@ class CsvWriter {
 /// columns, what is absent left out.
 void writeJsonLines(const std::string& file, const List& list, JsonSink& sink);
 
-/// How programs and sheets name a file: as it was given, made readable where it is not UTF-8.
-[[nodiscard]] std::string fileForPrograms(const std::string& file);
-
 }  // namespace trellant::cli

@@ -2,6 +2,7 @@
 // Lists for sheets.
 #include "cell_text.h"
 #include "list.h"
+#include "terminal/failure_line.h"
 
 #include <trellant/base/text.h>
 
@@ -99,7 +100,18 @@ void appendQuoted(std::string& record, std::string_view text) {
     record += '"';
 }
 
+/// Letters, digits and the like, which stay as they are: most cells.
+bool isHarmless(std::string_view cell) {
+    return !looksLikeFormula(cell) && std::all_of(cell.begin(), cell.end(), [](char byte) {
+        return byte >= ' ' && byte <= '~' && byte != '"' && byte != ',' && byte != ';';
+    });
+}
+
 void appendText(std::string& record, std::string_view cell) {
+    if (isHarmless(cell)) {
+        record += cell;
+        return;
+    }
     appendQuoted(record, guarded(withoutControls(madeValidUTF8(cell))));
 }
 

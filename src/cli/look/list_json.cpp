@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Lists for programs.
 #include "list.h"
+#include "terminal/failure_line.h"
 #include "terminal/json_line.h"
-
-#include <trellant/base/printable_text.h>
-#include <trellant/base/text.h>
 
 #include <cmath>
 
@@ -48,24 +46,20 @@ class JsonCell final : public Cell {
 
 class JsonRow final : public List::RowTaker {
   public:
-    JsonRow(JsonLine& line, JsonCell& cell, const List& list)
-        : line_(line), cell_(cell), list_(list) {}
+    JsonRow(JsonLine& line, JsonCell& cell, const std::vector<Column>& columns)
+        : line_(line), cell_(cell), columns_(columns) {}
     Cell& begin(std::size_t column) override {
-        cell_.aim(line_, list_.columns()[column].key);
+        cell_.aim(line_, columns_[column].key);
         return cell_;
     }
 
   private:
     JsonLine& line_;
     JsonCell& cell_;
-    const List& list_;
+    const std::vector<Column>& columns_;
 };
 
 }  // namespace
-
-std::string fileForPrograms(const std::string& file) {
-    return isValidUTF8(file) ? file : printableText(file, file.size());
-}
 
 void writeJsonLines(const std::string& file, const List& list, JsonSink& sink) {
     std::vector<std::size_t> chosen;
@@ -79,7 +73,7 @@ void writeJsonLines(const std::string& file, const List& list, JsonSink& sink) {
     for (std::size_t row = 0; row < list.rowCount(); ++row) {
         JsonLine line(sink);
         line.text("file", name);
-        JsonRow taker(line, cell, list);
+        JsonRow taker(line, cell, list.columns());
         list.sayRow(row, chosen, taker);
         line.end();
     }

@@ -14,4 +14,8 @@ enum class ExitStatus {
     lossesFound = 3
 };
 
+/// The status of two files together: one that could not be read outweighs what was found in
+/// another.
+[[nodiscard]] ExitStatus worse(ExitStatus left, ExitStatus right) noexcept;
+
 }  // namespace trellant::cli

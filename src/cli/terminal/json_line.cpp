@@ -48,15 +48,20 @@ JsonLine& JsonLine::boolean(std::string_view name, bool value) {
 }
 
 JsonLine& JsonLine::fraction(std::string_view name, const AAFRational& value) {
-    // Two numbers of 64 bits, a sign each, a slash.
+    // Two numbers of 64 bits, a sign, a slash.
     std::array<char, 48> text{};
-    char* end = std::to_chars(text.data(), text.data() + text.size(), value.numerator()).ptr;
-    if (value.denominator() != 1) {
-        *end++ = '/';
-        end = std::to_chars(end, text.data() + text.size(), value.denominator()).ptr;
+    std::size_t used = 0;
+    const auto put = [&text, &used](std::int64_t number) {
+        char* const end = std::to_chars(text.data() + used, text.data() + text.size(), number).ptr;
+        used = static_cast<std::size_t>(end - text.data());
+    };
+    put(value.numerator());
+    if (value.denominator() != 1 && used < text.size()) {
+        text[used++] = '/';
+        put(value.denominator());
     }
     writer_.plainKey(name);
-    writer_.string({text.data(), static_cast<std::size_t>(end - text.data())});
+    writer_.string({text.data(), used});
     return *this;
 }
 
