@@ -4,6 +4,7 @@
 #include "look/info_output.h"
 #include "look/inspect.h"
 #include "terminal/deliver.h"
+#include "terminal/shown_text.h"
 
 namespace trellant::cli {
 
@@ -34,7 +35,7 @@ ExitStatus runInfo(const InfoOptions& options, Console& console, const StopToken
             delivery.write(infoLine(file, *found.handOff));
         } else {
             delivery.write(isFirst ? "" : "\n");
-            delivery.write(infoScreen(file, *found.handOff, hasColour));
+            delivery.write(shownLines(infoScreen(file, *found.handOff, hasColour)));
         }
         isFirst = false;
         hasData = true;

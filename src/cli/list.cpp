@@ -110,9 +110,9 @@ class Lister {
         if (list.rowCount() == 0) {
             console_.note(emptyListText(options_.what, handOff));
         } else if (options_.what == ListOptions::What::losses) {
-            delivery_.write(
+            delivery_.write(shownLines(
                 lossBlocks(handOff, toConsole_ ? console_.outColumns() : Console::unlimitedColumns,
-                           toConsole_ && console_.outHasColour()));
+                           toConsole_ && console_.outHasColour())));
         } else {
             addTable(list);
         }
@@ -129,7 +129,7 @@ class Lister {
             console_.note("left out for want of room: " + joined(table.leftOut) +
                           " (-v and --csv show every column)");
         }
-        delivery_.write(table.text);
+        delivery_.write(shownLines(table.text));
     }
 
     /// Lists that give timecodes of places warn of a clock that drifts from them.

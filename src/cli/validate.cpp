@@ -5,8 +5,10 @@
 #include "look/list.h"
 #include "terminal/failure_line.h"
 #include "terminal/json_line.h"
+#include "terminal/shown_text.h"
 
 #include <trellant/base/printable_text.h>
+#include <trellant/base/url.h>
 #include <trellant/handoff/changes.h>
 #include <trellant/io/errors.h>
 #include <trellant/io/random_access_file.h>
@@ -15,9 +17,12 @@
 #include <trellant/model/validation.h>
 #include <trellant/protocol/messages.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <filesystem>
 #include <optional>
+#include <system_error>
 #include <unistd.h>
 
 namespace trellant::cli {
@@ -85,14 +90,33 @@ struct Finding {
     std::string fault{};
     std::size_t tracks = 0;
     std::size_t clips = 0;
+    /// Audio files that the timeline names, and those of them that are not there.
+    std::size_t audioFiles = 0;
+    std::vector<std::string> missingAudio{};
 };
 
-Finding check(const std::string& text) {
+/// `folder`: where a document lies that names files by their way from it.
+void lookForAudio(const AAFTimeline& timeline, const std::string& folder, Finding& finding) {
+    for (const AAFSourceEssence& essence : timeline.essences) {
+        if (!essence.fileURL) {
+            continue;
+        }
+        ++finding.audioFiles;
+        const auto path = pathOfReference(essence.fileURL->text, folder);
+        std::error_code ignored;
+        if (!path || !std::filesystem::is_regular_file(*path, ignored)) {
+            finding.missingAudio.push_back(path.value_or(essence.fileURL->text));
+        }
+    }
+}
+
+Finding check(const std::string& text, const std::string& folder) {
     Finding finding;
     try {
         const AAFTimeline timeline = timelineIn(text);
         finding.tracks = timeline.tracks.size();
         finding.clips = timeline.events.size();
+        lookForAudio(timeline, folder, finding);
         try {
             AAFRawTimelineValidation::validate(timeline);
             finding.valid = true;
@@ -107,12 +131,44 @@ Finding check(const std::string& text) {
     return finding;
 }
 
+std::string audioText(const Finding& finding) {
+    if (finding.audioFiles == 0) {
+        return {};
+    }
+    const std::string count = std::to_string(finding.audioFiles) +
+                              (finding.audioFiles == 1 ? " audio file" : " audio files");
+    return ", " + count +
+           (finding.missingAudio.empty()
+                ? ""
+                : ", " + std::to_string(finding.missingAudio.size()) + " of them not there");
+}
+
+/// Each once, but no more than a screen takes.
+void reportMissingAudio(const std::string& file, const Finding& finding, Console& console) {
+    constexpr std::size_t most = 20;
+    const std::string name = printableText(file, longestShownPath);
+    for (std::size_t i = 0; i < std::min(finding.missingAudio.size(), most); ++i) {
+        console.note(name + ": not there: " + finding.missingAudio[i]);
+    }
+    if (finding.missingAudio.size() > most) {
+        console.note(name + ": and " + std::to_string(finding.missingAudio.size() - most) +
+                     " more are not there: --json lists all");
+    }
+}
+
+/// Where the ways of a document begin: its own folder, for standard input the current one.
+std::string folderOf(const std::string& file) {
+    std::error_code ignored;
+    const std::filesystem::path current = std::filesystem::current_path(ignored);
+    return file == "-" ? current.native() : (current / file).parent_path().native();
+}
+
 std::string forPeople(const std::string& file, const Finding& finding) {
     const std::string name = printableText(file, longestShownPath);
     if (finding.valid) {
         return name + ": valid, " + std::to_string(finding.tracks) +
                (finding.tracks == 1 ? " track, " : " tracks, ") + std::to_string(finding.clips) +
-               (finding.clips == 1 ? " clip\n" : " clips\n");
+               (finding.clips == 1 ? " clip" : " clips") + audioText(finding) + "\n";
     }
     if (finding.failure) {
         return name + ": not valid: " + finding.failure->code + " (" + finding.failure->object +
@@ -131,7 +187,12 @@ std::string forPrograms(const std::string& file, const Finding& finding) {
             }
         } else if (!finding.valid) {
             line.text("error", finding.fault);
+            return;
         }
+        line.count("tracks", finding.tracks)
+            .count("clips", finding.clips)
+            .count("audioFiles", finding.audioFiles)
+            .texts("missingAudio", finding.missingAudio);
     });
 }
 
@@ -141,8 +202,12 @@ ExitStatus runValidate(const ValidateOptions& options, Console& console) {
     ExitStatus status = ExitStatus::done;
     for (const std::string& file : options.files) {
         try {
-            const Finding finding = check(wholeFile(file));
-            console.out(options.json ? forPrograms(file, finding) : forPeople(file, finding));
+            const Finding finding = check(wholeFile(file), folderOf(file));
+            console.out(options.json ? forPrograms(file, finding)
+                                     : shownLines(forPeople(file, finding)));
+            if (!options.json) {
+                reportMissingAudio(file, finding, console);
+            }
             if (!finding.valid) {
                 status = ExitStatus::fileFailed;
             }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <trellant/base/precondition.h>
+#include <trellant/base/utf8.h>
 #include <trellant/json/json_writer.h>
 
 #include <algorithm>
@@ -119,6 +120,42 @@ void JsonWriter::key(std::string_view key) {
 void JsonWriter::string(std::string_view text) {
     separate();
     quoted(text);
+    needsComma_ = true;
+}
+
+void JsonWriter::escaped(unsigned unit) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    const std::array text{'\\',
+                          'u',
+                          digits[unit >> 12U & 15U],
+                          digits[unit >> 8U & 15U],
+                          digits[unit >> 4U & 15U],
+                          digits[unit & 15U]};
+    append({text.data(), text.size()});
+}
+
+void JsonWriter::asciiString(std::string_view text) {
+    constexpr unsigned firstSupplementary = 0x10000;
+    separate();
+    put('"');
+    for (std::size_t at = 0; at < text.size();) {
+        const UTF8Step step = utf8Step(text, at);
+        const auto scalar = static_cast<unsigned>(step.scalar);
+        const char letter = scalar < 0x80U ? escapeLetter(text[at]) : 'u';
+        if (letter == 0 && scalar != 0x7FU) {
+            put(text[at]);
+        } else if (letter != 0 && letter != 'u') {
+            put('\\');
+            put(letter);
+        } else if (scalar < firstSupplementary) {
+            escaped(scalar);
+        } else {
+            escaped(0xD800U + ((scalar - firstSupplementary) >> 10U));
+            escaped(0xDC00U + ((scalar - firstSupplementary) & 0x3FFU));
+        }
+        at += step.length;
+    }
+    put('"');
     needsComma_ = true;
 }
 

@@ -229,7 +229,9 @@ TEST(Command, ValidateNamesTheClipBehindAFault) {
         contentOf(std::filesystem::path(TRELLANT_EXAMPLES) / "session.accepted.json");
     const Said valid = run({"validate", "session.accepted.json"});
     EXPECT_EQ(valid.status, 0);
-    EXPECT_EQ(valid.out, "session.accepted.json: valid, 5 tracks, 11 clips\n");
+    EXPECT_EQ(
+        valid.out,
+        "session.accepted.json: valid, 5 tracks, 11 clips, 4 audio files, 4 of them not there\n");
 
     const std::string intact = "\"sourceStartSample\":";
     const std::size_t at = text.find(intact);
@@ -253,7 +255,89 @@ TEST(Command, ValidateNamesTheClipBehindAFault) {
                 return escaped;
             }() +
             "\",\"valid\":false,\"code\":\"negative-source-range\",\"object\":\"event[0]\","
-            "\"place\":\"track Dialog_L, clip Anna take 1, at 01:00:00;15\"}\n");
+            "\"place\":\"track Dialog_L, clip Anna take 1, at 01:00:00;15\",\"tracks\":5,"
+            "\"clips\":11,\"audioFiles\":4,\"missingAudio\":["
+            "\"file:\\/\\/WORK\\/Voice_Anna.wav\",\"file:\\/\\/WORK\\/Voice_Ben.wav\","
+            "\"file:\\/\\/WORK\\/Theme.aifc\",\"file:\\/\\/WORK\\/Rain_%20garden.wav\"]}\n");
+}
+
+TEST(Command, ValidateFindsTheAudioOfAFolderThatWasMoved) {
+    const TemporaryDirectory directory;
+    ASSERT_EQ(run({"extract", "session.omf", "--to", directory.file("here")}).status, 0);
+    std::filesystem::rename(directory.file("here"), directory.file("there"));
+    const std::string timeline = directory.file("there/timeline.json");
+    const Said whole = run({"validate", timeline});
+    EXPECT_EQ(whole.status, 0);
+    EXPECT_EQ(whole.out, timeline + ": valid, 5 tracks, 11 clips, 4 audio files\n");
+    EXPECT_EQ(whole.errors, "");
+    const std::string theme = directory.file("there/Theme.aifc");
+    std::filesystem::remove(theme);
+    const Said poorer = run({"validate", timeline});
+    EXPECT_EQ(poorer.status, 0);
+    EXPECT_EQ(poorer.out,
+              timeline + ": valid, 5 tracks, 11 clips, 4 audio files, 1 of them not there\n");
+    EXPECT_EQ(poorer.errors, "trellant: " + timeline + ": not there: " + theme + "\n");
+}
+
+TEST(Command, ValidateSendsNothingHarmfulToATerminal) {
+    // CSI in one byte, a line separator of its own, a turn of direction, a new line.
+    const TemporaryDirectory directory;
+    std::string text =
+        contentOf(std::filesystem::path(TRELLANT_EXAMPLES) / "session.accepted.json");
+    const auto replace = [&text](const std::string& from, const std::string& to) {
+        const std::size_t at = text.find(from);
+        ASSERT_NE(at, std::string::npos);
+        text.replace(at, from.size(), to);
+    };
+    replace("Anna take 1", "A\u009b31m\u2028\u202e\u0085Z");
+    replace("\"sourceStartSample\":", "\"sourceStartSample\":-1");
+    const std::string file = directory.file("damaged.json");
+    std::ofstream(file) << text;
+    EXPECT_THAT(run({"validate", file}).out, HasSubstr("A\uFFFD31m\uFFFD\uFFFD\uFFFDZ"));
+    EXPECT_THAT(run({"validate", "--json", file}).out,
+                HasSubstr("A\\u009b31m\\u2028\\u202e\\u0085Z"));
+}
+
+TEST(Command, ListsOfSeveralFilesFollowEachOther) {
+    const Said people = run({"list", "tracks", "archive.omf", "external.omf"});
+    EXPECT_EQ(people.status, 0);
+    EXPECT_EQ(people.out, "archive.omf\n" + run({"list", "tracks", "archive.omf"}).out +
+                              "\nexternal.omf\n" + run({"list", "tracks", "external.omf"}).out);
+    const Said programs = run({"list", "tracks", "archive.omf", "none.omf", "--json"});
+    EXPECT_EQ(programs.status, 2);
+    EXPECT_THAT(programs.out, StartsWith("{\"file\":\"archive.omf\",\"track\":1,"));
+    EXPECT_THAT(programs.out, HasSubstr("}\n{\"file\":\"none.omf\",\"error\":\"cannot open"));
+    const Said sheet = run({"list", "tracks", "archive.omf", "external.omf", "--csv"});
+    EXPECT_THAT(sheet.out, StartsWith("File,Track,"));
+    EXPECT_THAT(sheet.out, HasSubstr("\r\nexternal.omf,2,"));
+}
+
+TEST(Command, NothingThatIsReadIsReplaced) {
+    const TemporaryDirectory directory;
+    const std::string examples = TRELLANT_EXAMPLES;
+    const std::string file = directory.file("mix.omf");
+    std::filesystem::copy_file(examples + "/external.omf", file);
+    std::filesystem::create_directory(directory.file("media"));
+    const std::string door = directory.file("media/Door.wav");
+    std::filesystem::copy_file(examples + "/media/Door.wav", door);
+    const std::string before = contentOf(door);
+    for (const std::vector<std::string>& call :
+         {std::vector<std::string>{"list", "clips", file, "--csv", "-o", door, "--force"},
+          std::vector<std::string>{"info", file, "-o", door, "--force"}}) {
+        const Said said = run(call);
+        EXPECT_EQ(said.status, 2);
+        EXPECT_EQ(said.errors, "trellant: " + door +
+                                   " is a file that is read. Name another file for the output\n");
+        EXPECT_EQ(contentOf(door), before);
+    }
+}
+
+TEST(Command, AStreamIsToldToNameAFile) {
+    const std::string why =
+        "an OMF file is read back and forth, which a pipe cannot do: save it, and name the file\n";
+    EXPECT_EQ(run({"info", "-"}).errors, "trellant: -: " + why);
+    EXPECT_EQ(run({"list", "clips", "/dev/null"}).errors, "trellant: /dev/null: " + why);
+    EXPECT_THAT(run({"info", "--json", "-"}).out, StartsWith("{\"file\":\"-\",\"error\":\"an OMF"));
 }
 
 TEST(Command, ValidateTellsWhatIsNoTimeline) {

@@ -87,7 +87,12 @@ TEST(JsonLine, EscapesTexts) {
 }
 
 TEST(JsonLine, ReplacesWhatIsNotText) {
-    EXPECT_EQ(jsonLine([](JsonLine& line) { line.text("a", "x\xFF"); }), "{\"a\":\"x\uFFFD\"}\n");
+    EXPECT_EQ(jsonLine([](JsonLine& line) { line.text("a", "x\xFF"); }), "{\"a\":\"x\\ufffd\"}\n");
+}
+
+TEST(JsonLine, EscapesWhatATerminalWouldObey) {
+    EXPECT_EQ(jsonLine([](JsonLine& line) { line.text("a", "x\u009bK\u00e4"); }),
+              "{\"a\":\"x\\u009bK\\u00e4\"}\n");
 }
 
 TEST(JsonLine, LeavesOutWhatIsNotFinite) {

@@ -79,11 +79,27 @@ TEST(Options, WrongUseNamesTheFaultAndTheHelp) {
     const CommandLine line = lineOf({"list", "clips"});
     EXPECT_EQ(line.status, ExitStatus::wrongUse);
     EXPECT_EQ(line.text, "FILE is required\nTry: trellant list -h");
-    EXPECT_EQ(lineOf({}).status, ExitStatus::wrongUse);
     EXPECT_EQ(lineOf({"list", "pears", "a.omf"}).status, ExitStatus::wrongUse);
     EXPECT_EQ(lineOf({"list", "clips", "a.omf", "--csv", "--json"}).status, ExitStatus::wrongUse);
     EXPECT_EQ(lineOf({"-q", "-v", "info", "a.omf"}).status, ExitStatus::wrongUse);
     EXPECT_EQ(lineOf({"info", "a.omf", "--fail-on=rain"}).status, ExitStatus::wrongUse);
+}
+
+TEST(Options, WithoutACommandTheHelpIsShown) {
+    const CommandLine bare = lineOf({});
+    EXPECT_EQ(bare.status, ExitStatus::done);
+    EXPECT_THAT(bare.text, HasSubstr("\nExamples:\n"));
+    EXPECT_EQ(lineOf({"help"}).text, bare.text);
+    EXPECT_EQ(lineOf({"-h"}).text, bare.text);
+    EXPECT_EQ(lineOf({"help", "list"}).text, lineOf({"list", "-h"}).text);
+}
+
+TEST(Options, AnUnknownCommandNamesTheNearestOne) {
+    EXPECT_EQ(lineOf({"lits", "clips", "a.omf"}).text,
+              "there is no command \"lits\". Did you mean \"list\"?\nTry: trellant -h");
+    EXPECT_EQ(lineOf({"help", "exract"}).text,
+              "there is no command \"exract\". Did you mean \"extract\"?\nTry: trellant -h");
+    EXPECT_EQ(lineOf({"mix.omf"}).text, "there is no command \"mix.omf\"\nTry: trellant -h");
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 // Cells of texts, and texts made harmless.
 #include "terminal/shown_text.h"
 
+#include "terminal/console.h"
 #include "terminal/table.h"
 
 #include <gtest/gtest.h>
@@ -82,6 +83,27 @@ TEST(CutToCells, KeepsMarksWithTheirLetter) {
     EXPECT_EQ(cutToCells("ae\u0301fg", 3), "ae\u0301\u2026");
     EXPECT_EQ(cutToCells("ae\u0301fg", 2), "a\u2026");
     EXPECT_EQ(cutToCells("abe\u0301", 3), "abe\u0301");
+}
+
+TEST(ShownLines, KeepsLineFeedsAndOurColours) {
+    const std::string page = cli::painted("head", cli::Paint::bold, true) + "\n" +
+                             cli::painted("x", cli::Paint::yellow, true) + " \u00e4\n";
+    EXPECT_EQ(cli::shownLines(page), page);
+}
+
+TEST(ShownLines, ReplacesWhatATerminalWouldObey) {
+    EXPECT_EQ(cli::shownLines("a\x1b[2Jb\x1b[31mc"), "a\uFFFD[2Jb\x1b[31mc");
+    EXPECT_EQ(cli::shownLines("\u009bK\u0085\u2028\u202e\r\t"),
+              "\uFFFDK\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD");
+    EXPECT_EQ(cli::shownLines("x\xFF"), "x\uFFFD");
+}
+
+TEST(HarmfulText, IsWhatATerminalWouldObey) {
+    EXPECT_FALSE(cli::isHarmfulText("plain \u00e4 \u96e8"));
+    for (const char* text :
+         {"\x1b", "\u009b", "\u0085", "\u202e", "\u2066", "\u2028", "\x7f", "\n"}) {
+        EXPECT_TRUE(cli::isHarmfulText(text));
+    }
 }
 
 }  // namespace trellant::testing

@@ -144,4 +144,14 @@ TEST(AlignedTableDeathTest, RefusesRowsOfOtherLengths) {
                  "precondition failed: a row has a cell for each column");
 }
 
+TEST(Table, OneLongCellDoesNotMakeAPageOfBlanks) {
+    cli::Table table{.columns = {{"Name"}, {"Id"}}, .rows = {}};
+    table.rows.push_back({std::string(100'000, 'x'), "1"});
+    table.rows.push_back({"y", "2"});
+    const std::string text = cli::aligned(table, cli::Console::unlimitedColumns, false);
+    // Each line has 200 cells of names at most, two blanks and the id.
+    EXPECT_EQ(text, "Name" + std::string(198, ' ') + "Id\n" + std::string(199, 'x') +
+                        "\u2026  1\ny" + std::string(201, ' ') + "2\n");
+}
+
 }  // namespace trellant::testing

@@ -200,6 +200,26 @@ TEST(JsonWriter, FlushOfNothingCallsNobody) {
     EXPECT_TRUE(sink.pieces.empty());
 }
 
+TEST(JsonWriter, AsciiStringsEscapeAllElse) {
+    StringSink sink;
+    JsonWriter writer(sink);
+    writer.asciiString("a/\"\\\n\x01\x7f\u00e9\u202e\U0001F600\xFF");
+    writer.flush();
+    EXPECT_EQ(sink.text, R"("a\/\"\\\n\u0001\u007f\u00e9\u202e\ud83d\ude00\ufffd")");
+}
+
+TEST(JsonWriter, DocumentsMayFollowEachOtherOnLines) {
+    StringSink sink;
+    JsonWriter writer(sink);
+    for (int i = 0; i < 2; ++i) {
+        writer.beginObject();
+        writer.endObject();
+        writer.endLine();
+    }
+    writer.flush();
+    EXPECT_EQ(sink.text, "{}\n{}\n");
+}
+
 class RefusingSink final : public JsonSink {
   public:
     void write(std::string_view /*bytes*/) override { throw std::runtime_error("refused"); }

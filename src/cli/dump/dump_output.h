@@ -3,6 +3,7 @@
 #pragma once
 
 #include "terminal/console.h"
+#include "terminal/shown_text.h"
 
 #include <string>
 #include <string_view>
@@ -33,9 +34,9 @@ class DumpOutput {
     }
     /// Nothing is written by the destructor: it must not throw.
     void flush() {
-        const std::string piece = std::exchange(gathered_, {});
+        std::string piece = std::exchange(gathered_, {});
         if (!piece.empty()) {
-            console_.out(piece);
+            console_.out(shownLines(std::move(piece)));
         }
     }
 

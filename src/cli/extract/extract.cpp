@@ -7,6 +7,7 @@
 #include "report.h"
 #include "terminal/interrupts.h"
 #include "terminal/pasted_word.h"
+#include "terminal/shown_text.h"
 
 #include <trellant/base/numbered_name.h>
 #include <trellant/base/printable_text.h>
@@ -284,7 +285,8 @@ class Extractor {
             console_.out(summaryLine(made));
         } else if (console_.verbosity() != Verbosity::quiet) {
             console_.out(isFirst_ ? "" : "\n");
-            console_.out(summaryScreen(made, console_.outColumns(), console_.outHasColour()));
+            console_.out(
+                shownLines(summaryScreen(made, console_.outColumns(), console_.outHasColour())));
         }
         isFirst_ = false;
         if (made.count(AudioState::failed) != 0) {

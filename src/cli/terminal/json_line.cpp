@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "json_line.h"
 
+#include "shown_text.h"
+
 #include <trellant/base/text.h>
 
 #include <array>
@@ -70,10 +72,11 @@ JsonLine& JsonLine::fraction(std::string_view name, const std::optional<AAFRatio
 }
 
 void JsonLine::string(std::string_view value) {
-    if (isValidUTF8(value)) {
+    // Escapes say the same to programs, and nothing to a terminal that the line is shown on.
+    if (!isHarmfulText(value)) {
         writer_.string(value);
     } else {
-        writer_.string(madeValidUTF8(value));
+        writer_.asciiString(madeValidUTF8(value));
     }
 }
 

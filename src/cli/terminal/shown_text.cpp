@@ -8,6 +8,7 @@
 
 #include <utf8proc.h>
 
+#include <algorithm>
 #include <cstdint>
 
 namespace trellant::cli {
@@ -30,6 +31,17 @@ bool isHarmful(std::int32_t scalar) {
     const bool turnsDirection =
         (scalar >= 0x202A && scalar <= 0x202E) || (scalar >= 0x2066 && scalar <= 0x2069);
     return isSeparator || turnsDirection || utf8proc_category(scalar) == UTF8PROC_CATEGORY_CC;
+}
+
+/// Bytes of what painted() puts around a text, when `text` begins with it.
+std::size_t colourLength(std::string_view text) {
+    for (const std::string_view colour :
+         {"\x1b[0m", "\x1b[1m", "\x1b[2m", "\x1b[31m", "\x1b[32m", "\x1b[33m"}) {
+        if (text.starts_with(colour)) {
+            return colour.size();
+        }
+    }
+    return 0;
 }
 
 /// Cells of the scalar that a text begins with, and its bytes. A stray byte counts as the
@@ -67,6 +79,53 @@ std::string shownText(std::string_view text) {
         text.remove_prefix(length == 0 ? 1 : length);
     }
     return shown;
+}
+
+bool isHarmfulText(std::string_view text) {
+    while (!text.empty()) {
+        const unsigned char first = static_cast<unsigned char>(text.front());
+        if (first >= ' ' && first < 0x7F) {
+            text.remove_prefix(1);
+            continue;
+        }
+        const std::size_t length = utf8SequenceLength(text);
+        if (length == 0 || isHarmful(scalarOf(text, length))) {
+            return true;
+        }
+        text.remove_prefix(length);
+    }
+    return false;
+}
+
+std::string shownLines(std::string text) {
+    std::string shown;
+    std::size_t begin = 0;
+    bool isChanged = false;
+    for (std::size_t at = 0; at < text.size();) {
+        const auto first = static_cast<unsigned char>(text[at]);
+        if ((first >= ' ' && first < 0x7F) || first == '\n') {
+            ++at;
+            continue;
+        }
+        const std::string_view rest = std::string_view(text).substr(at);
+        if (const std::size_t colour = colourLength(rest); colour != 0) {
+            at += colour;
+            continue;
+        }
+        const std::size_t length = utf8SequenceLength(rest);
+        if (length != 0 && !isHarmful(scalarOf(rest, length))) {
+            at += length;
+            continue;
+        }
+        isChanged = true;
+        shown.append(text, begin, at - begin).append(replacement);
+        at += std::max<std::size_t>(length, 1);
+        begin = at;
+    }
+    if (!isChanged) {
+        return text;
+    }
+    return shown.append(text, begin);
 }
 
 std::size_t displayWidth(std::string_view text) {

@@ -20,6 +20,10 @@ constexpr std::size_t narrowestCut = 4;
 /// Columns are left out before others become narrower than this.
 constexpr std::size_t readableCut = 8;
 
+/// Cells of a column at most, on a page of any width: one long name in a list of many rows would be
+/// a page of blanks.
+constexpr std::size_t widestCell = 200;
+
 struct Cell {
     std::string text;
     std::size_t cells = 0;
@@ -30,7 +34,7 @@ Row shownRow(const std::vector<std::string>& texts) {
     Row row;
     row.reserve(texts.size());
     for (const std::string& text : texts) {
-        std::string shown = shownText(text);
+        std::string shown = cutToCells(shownText(text), widestCell);
         const std::size_t cells = displayWidth(shown);
         row.push_back({std::move(shown), cells});
     }

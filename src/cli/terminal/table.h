@@ -32,7 +32,7 @@ struct Table {
 
 /// Aligned columns, two blanks between them, titles first, no blanks at the ends of lines; control
 /// characters replaced. `columns` cells to a line at most when the shrinkable columns allow it;
-/// Console::unlimitedColumns: nothing is cut.
+/// Console::unlimitedColumns: nothing is cut but cells of more than 200.
 [[nodiscard]] std::string aligned(const Table& table, std::size_t columns, bool colour);
 
 struct FittedTable {

@@ -68,6 +68,8 @@ class JsonWriter {
     void key(std::string_view key);
 
     void string(std::string_view text);
+    /// The same in printable ASCII only: all else as \uXXXX, in pairs where one does not do.
+    void asciiString(std::string_view text);
     void integer(std::int64_t value);
     /// The fewest digits that read back the same: plain from 0.0001 to below 1e16, with an exponent
     /// beyond ("1e-05", "1e+16"), whole values without a point, minus zero as "-0". Requires a
@@ -113,6 +115,7 @@ class JsonWriter {
     }
     void append(std::string_view bytes);
     void quoted(std::string_view text);
+    void escaped(unsigned unit);
 
     JsonSink& sink_;
     std::size_t room_;
