@@ -1,27 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 // `trellant validate`: is this JSON a timeline that programs may rely on?
 #include "commands.h"
-#include "look/inspect.h"
-#include "look/list.h"
+#include "look/timeline_check.h"
 #include "terminal/failure_line.h"
 #include "terminal/json_line.h"
 #include "terminal/shown_text.h"
 
 #include <trellant/base/printable_text.h>
-#include <trellant/base/url.h>
-#include <trellant/handoff/changes.h>
 #include <trellant/io/errors.h>
 #include <trellant/io/random_access_file.h>
-#include <trellant/model/repair.h>
-#include <trellant/model/timeline_json.h>
-#include <trellant/model/validation.h>
-#include <trellant/protocol/messages.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <filesystem>
-#include <optional>
 #include <system_error>
 #include <unistd.h>
 
@@ -63,75 +55,7 @@ std::string wholeFile(const std::string& path) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-/// The timeline of a result, or a timeline by itself, without its checks.
-AAFTimeline timelineIn(const std::string& text) {
-    try {
-        return decodeResult(text, TimelineChecks::none).timeline;
-    } catch (const JsonDecodingError& asResult) {
-        try {
-            return decodeJson<AAFTimeline>(text, TimelineChecks::none);
-        } catch (const JsonDecodingError&) {
-            // A fault inside "timeline" is one of a result; at the outermost level either may be
-            // meant, and the timeline says more.
-            if (asResult.keyPath().starts_with("timeline.")) {
-                throw JsonDecodingError(asResult.keyPath(), asResult.reason());
-            }
-            throw;
-        }
-    }
-}
-
-struct Finding {
-    bool valid = false;
-    /// The failure of a timeline that could be decoded.
-    std::optional<DescribedChange> failure{};
-    std::string place{};
-    /// Why it could not even be decoded.
-    std::string fault{};
-    std::size_t tracks = 0;
-    std::size_t clips = 0;
-    /// Audio files that the timeline names, and those of them that are not there.
-    std::size_t audioFiles = 0;
-    std::vector<std::string> missingAudio{};
-};
-
-/// `folder`: where a document lies that names files by their way from it.
-void lookForAudio(const AAFTimeline& timeline, const std::string& folder, Finding& finding) {
-    for (const AAFSourceEssence& essence : timeline.essences) {
-        if (!essence.fileURL) {
-            continue;
-        }
-        ++finding.audioFiles;
-        const auto path = pathOfReference(essence.fileURL->text, folder);
-        std::error_code ignored;
-        if (!path || !std::filesystem::is_regular_file(*path, ignored)) {
-            finding.missingAudio.push_back(path.value_or(essence.fileURL->text));
-        }
-    }
-}
-
-Finding check(const std::string& text, const std::string& folder) {
-    Finding finding;
-    try {
-        const AAFTimeline timeline = timelineIn(text);
-        finding.tracks = timeline.tracks.size();
-        finding.clips = timeline.events.size();
-        lookForAudio(timeline, folder, finding);
-        try {
-            AAFRawTimelineValidation::validate(timeline);
-            finding.valid = true;
-        } catch (const AAFRawTimelineValidation::Failure& failure) {
-            finding.failure = placeOfFailure(timeline, failure);
-            // The clock may be what is at fault: timecodes are shown by a repaired one.
-            finding.place = placeText(*finding.failure, repairedTimeline(timeline).timeline);
-        }
-    } catch (const JsonDecodingError& error) {
-        finding.fault = error.what();
-    }
-    return finding;
-}
-
-std::string audioText(const Finding& finding) {
+std::string audioText(const TimelineCheck& finding) {
     if (finding.audioFiles == 0) {
         return {};
     }
@@ -144,7 +68,7 @@ std::string audioText(const Finding& finding) {
 }
 
 /// Each once, but no more than a screen takes.
-void reportMissingAudio(const std::string& file, const Finding& finding, Console& console) {
+void reportMissingAudio(const std::string& file, const TimelineCheck& finding, Console& console) {
     constexpr std::size_t most = 20;
     const std::string name = printableText(file, longestShownPath);
     for (std::size_t i = 0; i < std::min(finding.missingAudio.size(), most); ++i) {
@@ -163,7 +87,7 @@ std::string folderOf(const std::string& file) {
     return file == "-" ? current.native() : (current / file).parent_path().native();
 }
 
-std::string forPeople(const std::string& file, const Finding& finding) {
+std::string forPeople(const std::string& file, const TimelineCheck& finding) {
     const std::string name = printableText(file, longestShownPath);
     if (finding.valid) {
         return name + ": valid, " + std::to_string(finding.tracks) +
@@ -177,7 +101,7 @@ std::string forPeople(const std::string& file, const Finding& finding) {
     return name + ": no timeline: " + finding.fault + "\n";
 }
 
-std::string forPrograms(const std::string& file, const Finding& finding) {
+std::string forPrograms(const std::string& file, const TimelineCheck& finding) {
     return jsonLine([&](JsonLine& line) {
         line.text("file", fileForPrograms(file)).boolean("valid", finding.valid);
         if (finding.failure) {
@@ -202,7 +126,7 @@ ExitStatus runValidate(const ValidateOptions& options, Console& console) {
     ExitStatus status = ExitStatus::done;
     for (const std::string& file : options.files) {
         try {
-            const Finding finding = check(wholeFile(file), folderOf(file));
+            const TimelineCheck finding = checkTimeline(wholeFile(file), folderOf(file));
             console.out(options.json ? forPrograms(file, finding)
                                      : shownLines(forPeople(file, finding)));
             if (!options.json) {

@@ -135,22 +135,22 @@ class Places {
     /// As a DescribedChange without a code and a `what`.
     [[nodiscard]] DescribedChange of(const AAFTimelinePlace& place) const {
         using Kind = AAFTimelinePlace::Kind;
-        DescribedChange told{.object = place.text()};
+        DescribedChange described{.object = place.text()};
         if (!place.index) {
-            return told;
+            return described;
         }
         if (place.kind == Kind::event && *place.index < timeline_.events.size()) {
-            placeClip(told, timeline_.events[*place.index]);
+            placeClip(described, timeline_.events[*place.index]);
         } else if (place.kind == Kind::essence && *place.index < timeline_.essences.size()) {
             const AAFSourceEssence& essence = timeline_.essences[*place.index];
-            told.audioFile = sourceName(essence);
+            described.audioFile = sourceName(essence);
             if (const auto clip = firstClips_.find(essence.id); clip != firstClips_.end()) {
-                placeClip(told, *clip->second);
+                placeClip(described, *clip->second);
             }
         } else if (place.kind == Kind::track && *place.index < timeline_.tracks.size()) {
-            told.track = nameOf(timeline_.tracks[*place.index]);
+            described.track = nameOf(timeline_.tracks[*place.index]);
         }
-        return told;
+        return described;
     }
 
   private:
@@ -176,9 +176,9 @@ class Places {
 
 DescribedChange placeOfFailure(const AAFTimeline& timeline,
                                const AAFRawTimelineValidation::Failure& failure) {
-    DescribedChange told = Places(timeline).of(failure.place());
-    told.code = failure.code();
-    return told;
+    DescribedChange described = Places(timeline).of(failure.place());
+    described.code = failure.code();
+    return described;
 }
 
 std::vector<DescribedChange> describedChanges(const AAFTimeline& original,

@@ -93,10 +93,10 @@ TEST(Console, TakesEightyColumnsWhenTheTerminalDoesNotTell) {
 TEST(Console, HeedsTheColumnsThatThePersonSet) {
     EXPECT_EQ(seen({.out = Listener::terminal, .environment = {{"COLUMNS", "120"}}}),
               "trellant: 120 terminal colour\n");
-    for (const char* odd : {"", "0", "-5", "70000", "12x", " 12"}) {
-        EXPECT_EQ(seen({.out = Listener::terminal, .environment = {{"COLUMNS", odd}}}),
+    for (const char* useless : {"", "0", "-5", "70000", "12x", " 12"}) {
+        EXPECT_EQ(seen({.out = Listener::terminal, .environment = {{"COLUMNS", useless}}}),
                   "trellant: 80 terminal colour\n")
-            << odd;
+            << useless;
     }
 }
 

@@ -15,34 +15,34 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 
 TEST(ConsoleProgress, BarMovesWithTheBytes) {
-    const Said heard = said({.errors = Listener::terminal}, [](cli::Console& console) {
+    const Said shown = said({.errors = Listener::terminal}, [](cli::Console& console) {
         cli::ConsoleProgress progress(console, {});
         progress.begin("Taking the audio out", 200);
         progress.at(50);
         progress.advance(100);
     });
-    EXPECT_THAT(heard.errors, HasSubstr("Taking the audio out"));
-    EXPECT_THAT(heard.errors, HasSubstr(" 25%"));
-    EXPECT_THAT(heard.errors, HasSubstr(" 75%"));
-    EXPECT_THAT(heard.errors, Not(HasSubstr(" 50%")));
+    EXPECT_THAT(shown.errors, HasSubstr("Taking the audio out"));
+    EXPECT_THAT(shown.errors, HasSubstr(" 25%"));
+    EXPECT_THAT(shown.errors, HasSubstr(" 75%"));
+    EXPECT_THAT(shown.errors, Not(HasSubstr(" 50%")));
 }
 
 TEST(ConsoleProgress, MoreBytesThanExpectedAreAllOfThem) {
-    const Said heard = said({.errors = Listener::terminal}, [](cli::Console& console) {
+    const Said shown = said({.errors = Listener::terminal}, [](cli::Console& console) {
         cli::ConsoleProgress progress(console, {});
         progress.begin("Looking", 0);
         progress.at(1'000);
     });
-    EXPECT_THAT(heard.errors, HasSubstr("100%"));
+    EXPECT_THAT(shown.errors, HasSubstr("100%"));
 }
 
 TEST(ConsoleProgress, PipeHearsNothing) {
-    const Said heard = said({}, [](cli::Console& console) {
+    const Said shown = said({}, [](cli::Console& console) {
         cli::ConsoleProgress progress(console, {});
         progress.begin("Looking", 10);
         progress.at(5);
     });
-    EXPECT_EQ(heard.errors, "");
+    EXPECT_EQ(shown.errors, "");
 }
 
 TEST(ConsoleProgress, StopEndsTheStep) {

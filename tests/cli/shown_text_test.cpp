@@ -50,8 +50,8 @@ TEST(ShownText, ReplacesControlCharacters) {
 }
 
 TEST(ShownText, ReplacesLineSeparatorsAndTurnsOfDirection) {
-    for (const char* odd : {"\u2028", "\u2029", "\u202a", "\u202e", "\u2066", "\u2069"}) {
-        EXPECT_EQ(shownText(odd), "\uFFFD");
+    for (const char* harmful : {"\u2028", "\u2029", "\u202a", "\u202e", "\u2066", "\u2069"}) {
+        EXPECT_EQ(shownText(harmful), "\uFFFD");
     }
     EXPECT_EQ(shownText("\u202f"), "\u202f");
 }

@@ -53,8 +53,8 @@ PipeEnds makePipe() {
     ::close(input.reading);
     ::close(output.writing);
     static_cast<void>(::write(number, &worker, sizeof(worker)));
-    const std::string told = isWhole ? request : request.substr(0, request.size() / 2);
-    static_cast<void>(::write(input.writing, told.data(), told.size()));
+    const std::string sent = isWhole ? request : request.substr(0, request.size() / 2);
+    static_cast<void>(::write(input.writing, sent.data(), sent.size()));
     if (isWhole) {
         ::close(input.writing);
         char first = 0;

@@ -53,7 +53,7 @@ class Fault:
         """Counted from 1."""
         return text.count("\n", 0, self.start) + 1
 
-    def told(self, text):
+    def description(self, text):
         """The change for people, on one line."""
         before = " ".join(text[self.start:self.end].split())
         after = " ".join(self.replacement.split()) or "nothing"

@@ -61,7 +61,7 @@ def run(options, folder):
             counts[verdict] += 1
             text = (trial_.copy / candidate.source).read_text(encoding="utf-8")
             line = (f"{verdict} {candidate.source}:{candidate.line}: "
-                    f"{candidate.fault.told(text)}")
+                    f"{candidate.fault.description(text)}")
             if verdict == "survived":
                 show(line)
             else:

@@ -138,7 +138,7 @@ class Telling(unittest.TestCase):
         text = "void f() {\n    a(b,\n      c);\n}\n"
         fault = next(fault for fault in faults.faults_in(text)
                      if fault.kind == "dropped statement")
-        self.assertEqual(fault.told(text), "dropped statement: a(b, c) becomes nothing")
+        self.assertEqual(fault.description(text), "dropped statement: a(b, c) becomes nothing")
 
 
 class Planting(unittest.TestCase):

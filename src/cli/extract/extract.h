@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// `trellant extract`: the audio of a file, each piece in a file of its own.
-//
-// The worker writes into a fresh folder inside the wanted one, and only whole files move from there
-// to their final names. So whatever ends the run, what is on disk is whole.
+// `trellant extract`: the audio of files, each piece in a file of its own.
 #pragma once
 
 #include "look/fail_on.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "dump.h"
+#include "dump_container.h"
 
 #include "dump_contents.h"
 #include "dump_json.h"
@@ -9,7 +9,6 @@
 #include "dump_path.h"
 #include "dump_toc_list.h"
 #include "dump_values.h"
-#include "process/forked_child.h"
 #include "terminal/failure_line.h"
 #include "terminal/shown_text.h"
 #include "terminal/table.h"
@@ -21,9 +20,6 @@
 namespace trellant::cli {
 
 namespace {
-
-/// What the child answers beside a status when nobody reads any more.
-constexpr std::string_view closedAnswer = "closed";
 
 std::string quoted(const std::string& path) {
     return "\"" + printableText(path, 4096) + "\"";
@@ -111,7 +107,9 @@ ExitStatus dumpWanted(const DumpContents& contents, const DumpOptions& options,
     return ExitStatus::done;
 }
 
-ExitStatus dump(const DumpOptions& options, Console& console) {
+}  // namespace
+
+ExitStatus dumpContainer(const DumpOptions& options, Console& console) {
     const DumpContents contents(options.file);
     DumpOutput output(console);
     const ExitStatus status = dumpWanted(contents, options, output);
@@ -125,53 +123,6 @@ ExitStatus dump(const DumpOptions& options, Console& console) {
         console.error(quoted(options.file) + ": " + damage);
     }
     return damages.empty() ? status : ExitStatus::fileFailed;
-}
-
-std::string dumpInChild(const DumpOptions& options, Console& console) {
-    try {
-        return std::to_string(static_cast<int>(dump(options, console)));
-    } catch (const OutputClosed&) {
-        return std::string(closedAnswer);
-    }
-}
-
-}  // namespace
-
-ExitStatus runDump(const DumpOptions& options, Console& console) {
-    const ForkedAnswer answer = inConfinedChild([&] { return dumpInChild(options, console); });
-    if (const auto* failure = std::get_if<ForkedFailure>(&answer)) {
-        const bool isOwnText = failure->kind == ForkedFailure::Kind::exception;
-        const std::string why =
-            isOwnText ? failure->reason
-                      : quoted(options.file) + ": the process that read it " + failure->reason;
-        if (options.json) {
-            console.out(failureLine(options.file, why));
-        }
-        console.error(why);
-        return ExitStatus::fileFailed;
-    }
-    const auto& text = std::get<std::string>(answer);
-    if (text == closedAnswer) {
-        throw OutputClosed{};
-    }
-    return text == "0"   ? ExitStatus::done
-           : text == "1" ? ExitStatus::wrongUse
-                         : ExitStatus::fileFailed;
-}
-
-ExitStatus runDump(const DumpCall& call, Console& console) {
-    ExitStatus status = ExitStatus::done;
-    bool isFirst = true;
-    for (const std::string& file : call.files) {
-        DumpOptions options = call.each;
-        options.file = file;
-        if (!isFirst && !options.json) {
-            console.out("\n");
-        }
-        isFirst = false;
-        status = worse(status, runDump(options, console));
-    }
-    return status;
 }
 
 }  // namespace trellant::cli

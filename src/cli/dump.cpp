@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+// `trellant dump`: the container behind a file, read in a confined child.
+#include "dump/dump.h"
+
+#include "dump/dump_container.h"
+#include "process/forked_child.h"
+#include "terminal/failure_line.h"
+
+#include <trellant/base/printable_text.h>
+
+#include <string_view>
+
+namespace trellant::cli {
+
+namespace {
+
+/// What the child answers beside a status when nobody reads any more.
+constexpr std::string_view closedAnswer = "closed";
+
+std::string quoted(const std::string& path) {
+    return "\"" + printableText(path, 4096) + "\"";
+}
+
+std::string dumpInChild(const DumpOptions& options, Console& console) {
+    try {
+        return std::to_string(static_cast<int>(dumpContainer(options, console)));
+    } catch (const OutputClosed&) {
+        return std::string(closedAnswer);
+    }
+}
+
+}  // namespace
+
+ExitStatus runDump(const DumpOptions& options, Console& console) {
+    const ForkedAnswer answer = inConfinedChild([&] { return dumpInChild(options, console); });
+    if (const auto* failure = std::get_if<ForkedFailure>(&answer)) {
+        const bool isOwnText = failure->kind == ForkedFailure::Kind::exception;
+        const std::string why =
+            isOwnText ? failure->reason
+                      : quoted(options.file) + ": the process that read it " + failure->reason;
+        if (options.json) {
+            console.out(failureLine(options.file, why));
+        }
+        console.error(why);
+        return ExitStatus::fileFailed;
+    }
+    const auto& text = std::get<std::string>(answer);
+    if (text == closedAnswer) {
+        throw OutputClosed{};
+    }
+    return text == "0"   ? ExitStatus::done
+           : text == "1" ? ExitStatus::wrongUse
+                         : ExitStatus::fileFailed;
+}
+
+ExitStatus runDump(const DumpCall& call, Console& console) {
+    ExitStatus status = ExitStatus::done;
+    bool isFirst = true;
+    for (const std::string& file : call.files) {
+        DumpOptions options = call.each;
+        options.file = file;
+        if (!isFirst && !options.json) {
+            console.out("\n");
+        }
+        isFirst = false;
+        status = worse(status, runDump(options, console));
+    }
+    return status;
+}
+
+}  // namespace trellant::cli

@@ -1,0 +1,240 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "extractor.h"
+
+#include "look/console_progress.h"
+#include "look/failure_text.h"
+#include "look/inspect.h"
+#include "report.h"
+#include "terminal/interrupts.h"
+#include "terminal/pasted_word.h"
+#include "terminal/shown_text.h"
+
+#include <trellant/base/printable_text.h>
+#include <trellant/base/url.h>
+#include <trellant/client/errors.h>
+#include <trellant/extraction/extraction.h>
+#include <trellant/io/errors.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+#include <unistd.h>
+
+namespace trellant::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::size_t longestShownPath = 4'096;
+
+std::string shown(const std::string& path) {
+    return printableText(path, longestShownPath);
+}
+
+/// The wanted folder, made when it is missing, and gone again when nothing came to lie in it.
+class Folder {
+  public:
+    /// Throws FileSystemError.
+    explicit Folder(const std::string& given) : path_(absolute(given)) {
+        std::error_code error;
+        isNew_ = fs::create_directories(path_, error);
+        if (error) {
+            throw FileSystemError("create folder", given, error.value());
+        }
+    }
+    ~Folder() {
+        if (isNew_) {
+            // Refused as long as there is something in it.
+            ::rmdir(path_.c_str());
+        }
+    }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+    Folder(Folder&&) = delete;
+    Folder& operator=(Folder&&) = delete;
+
+    [[nodiscard]] const std::string& path() const noexcept { return path_; }
+
+  private:
+    static std::string absolute(const std::string& given) {
+        std::error_code ignored;
+        std::string path = absolutePath(given, fs::current_path(ignored).native());
+        while (path.size() > 1 && path.back() == '/') {
+            path.pop_back();
+        }
+        return path;
+    }
+
+    std::string path_;
+    bool isNew_ = false;
+};
+
+/// The system's reason in a failure of which a file in the hidden folder is the object, such as
+/// cannot write "/home/.trellant-Ab12Cd/Kick.wav": No space left on device. Absent for others.
+std::optional<std::string> reasonNotWritten(const std::string& failure,
+                                            const std::string& stagingName) {
+    constexpr std::string_view behindPath = "\": ";
+    const auto path = failure.find("/" + stagingName);
+    const auto end = path == std::string::npos ? path : failure.rfind(behindPath);
+    if (end == std::string::npos || end < path) {
+        return std::nullopt;
+    }
+    return failure.substr(end + behindPath.size());
+}
+
+/// What a run that did not come to its end has left.
+void reportWhatIsThere(const std::string& folder, std::size_t placed, Console& console) {
+    const std::string directory = shown(folder);
+    if (placed == 0) {
+        console.error("nothing was written to " + directory);
+        return;
+    }
+    console.error((placed == 1 ? "1 file is" : std::to_string(placed) + " files are") + " in " +
+                  directory + ", whole; the same command again goes on from there");
+}
+
+void reportLeftFolders(const std::string& named, const std::string& directory, Console& console) {
+    constexpr std::size_t mostNames = 3;
+    const std::vector<std::string> left = stagingFoldersIn(directory);
+    if (left.empty()) {
+        return;
+    }
+    std::string names;
+    for (std::size_t i = 0; i < std::min(left.size(), mostNames); ++i) {
+        names += (i == 0 ? "" : ", ") + left[i];
+    }
+    if (left.size() > mostNames) {
+        names += " and " + std::to_string(left.size() - mostNames) + " more";
+    }
+    console.note(left.size() == 1 ? "the folder " + names + " in " + shown(named) +
+                                        " is left from a run that was ended and may go"
+                                  : "the folders " + names + " in " + shown(named) +
+                                        " are left from runs that were ended and may go");
+}
+
+void reportUnused(const ExtractionReport& report, Console& console) {
+    if (!report.embedded || report.embedded->unusedCount == 0) {
+        return;
+    }
+    const AAFWorkerExtensions::EmbeddedMedia& embedded = *report.embedded;
+    const auto unusedCount = static_cast<std::size_t>(embedded.unusedCount);
+    std::string names;
+    for (const std::string& name : embedded.unusedNames) {
+        names += (names.empty() ? "" : ", ") + name;
+    }
+    if (embedded.unusedNames.size() < unusedCount) {
+        names += " and " + std::to_string(unusedCount - embedded.unusedNames.size()) + " more";
+    }
+    const bool isOne = unusedCount == 1;
+    console.note(shown(report.file) + ": " + std::to_string(unusedCount) +
+                 (isOne ? " audio file inside is" : " audio files inside are") +
+                 " not played by any clip: " + names + ". " +
+                 (isOne ? "It is no part of the composition and was"
+                        : "They are no part of the composition and were") +
+                 " not taken out; to see what is inside: trellant dump " +
+                 shown(pastedFileName(report.file)));
+}
+
+void reportNotConverted(const ExtractionReport& report, Console& console) {
+    for (const AudioEntry& entry : report.audio) {
+        if (entry.notConverted) {
+            console.note((entry.placed ? entry.placed->name : std::string()) +
+                         " stays as it is: " + *entry.notConverted);
+        }
+    }
+}
+
+/// Nobody should have to read a table to see that a hand-off came without its sound.
+void reportAllMissing(const ExtractionReport& report, Console& console) {
+    if (!report.audio.empty() &&
+        std::all_of(report.audio.begin(), report.audio.end(),
+                    [](const AudioEntry& entry) { return entry.isMissing(); })) {
+        console.error(shown(report.file) +
+                      ": none of its audio files is there; name the folder that holds them with "
+                      "--media FOLDER");
+    }
+}
+
+}  // namespace
+
+ExitStatus Extractor::run(const ExtractJob& job) {
+    const Outcome outcome = extract(job);
+    if (!outcome.report) {
+        if (options_.call.json) {
+            console_.out(failureLine(job.file, outcome.failure));
+        }
+        return ExitStatus::fileFailed;
+    }
+    return conclude(job, *outcome.report);
+}
+
+Extractor::Outcome Extractor::extract(const ExtractJob& job) {
+    const Cancellable heeded;
+    std::size_t placed = 0;
+    if (const auto failure = streamFailure(job.file)) {
+        console_.error(shown(job.file) + ": " + *failure);
+        return {.failure = *failure};
+    }
+    try {
+        const Folder folder(job.directory);
+        reportLeftFolders(job.directory, folder.path(), console_);
+        ConsoleProgress progress(console_, stop_);
+        progress.check();
+        Extraction extraction({.file = job.file,
+                               .directory = job.directory,
+                               .directoryPath = folder.path(),
+                               .mediaFolders = options_.call.mediaFolders,
+                               .force = options_.call.force,
+                               .absolutePaths = options_.call.absolutePaths,
+                               .waveConverter = options_.waveConverter,
+                               .helperURLProvider = options_.helperURLProvider},
+                              progress);
+        try {
+            ExtractionReport made = extraction.run();
+            console_.endBar();
+            return {.report = std::move(made)};
+        } catch (const std::exception& error) {
+            placed = extraction.placedCount();
+            const auto reason = reasonNotWritten(error.what(), extraction.stagingName());
+            if (!reason) {
+                throw;
+            }
+            console_.endBar();
+            const std::string failure =
+                "cannot write to " + shown(job.directory) + ": " + *reason;
+            console_.error(shown(job.file) + ": " + failure);
+            reportWhatIsThere(job.directory, placed, console_);
+            return {.failure = failure};
+        }
+    } catch (const OutputClosed&) {
+        throw;
+    } catch (const std::exception& error) {
+        console_.endBar();
+        const std::string failure = reportFailure(job.file, error, console_);
+        reportWhatIsThere(job.directory, placed, console_);
+        return {.failure = failure};
+    }
+}
+
+ExitStatus Extractor::conclude(const ExtractJob& job, const ExtractionReport& made) {
+    reportChanges(job.file, made.handOff, console_);
+    reportNotConverted(made, console_);
+    reportUnused(made, console_);
+    reportAllMissing(made, console_);
+    if (options_.call.json) {
+        console_.out(summaryLine(made));
+    } else if (console_.verbosity() != Verbosity::quiet) {
+        console_.out(isFirst_ ? "" : "\n");
+        console_.out(
+            shownLines(summaryScreen(made, console_.outColumns(), console_.outHasColour())));
+    }
+    isFirst_ = false;
+    if (made.count(AudioState::failed) != 0) {
+        console_.error(shown(job.file) + ": not all audio could be taken out");
+        return ExitStatus::fileFailed;
+    }
+    return verdict(made.handOff, options_.call.failOn);
+}
+
+}  // namespace trellant::cli
