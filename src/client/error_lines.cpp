@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace trellant {
 
@@ -37,9 +38,8 @@ void ErrorLines::take(std::string_view chunk) {
 
 void ErrorLines::takePiece(std::string_view piece) {
     if (piece.starts_with(progressMarker)) {
-        const auto progress = progressIn(piece.substr(progressMarker.size()));
-        if (progress && progress_) {
-            progress_(*progress);
+        if (auto progress = progressIn(piece.substr(progressMarker.size()))) {
+            progress_.add(std::move(*progress));
         }
         return;
     }

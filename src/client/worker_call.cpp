@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "worker_call.h"
 
+#include "call_alarm.h"
 #include "child_process.h"
 #include "error_lines.h"
+#include "progress_delivery.h"
 
 #include <trellant/base/file_descriptor.h>
-#include <trellant/base/system_call_error.h>
 #include <trellant/base/system_error_text.h>
 
 #include <array>
@@ -30,71 +31,50 @@ constexpr int lastReads = 17;
 /// Lines of the worker that an error carries.
 constexpr std::size_t reportedLines = 8;
 
-Pipe pipeForWorker() {
-    try {
-        return makePipe();
-    } catch (const SystemCallError& error) {
-        throw AAFWorkerClientError::launchFailed(error.what());
-    }
-}
-
-/// Wakes the call from the thread that requests its stop.
-class StopNotice {
-  public:
-    explicit StopNotice(const StopToken& stop) {
-        if (stop.stop_possible()) {
-            pipe_ = pipeForWorker();
-            callback_.emplace(stop, Wake{pipe_.writing.number()});
-        }
-    }
-    [[nodiscard]] int descriptor() const noexcept { return pipe_.reading.number(); }
-
-  private:
-    struct Wake {
-        int descriptor;
-        void operator()() const noexcept {
-            const char byte = 0;
-            [[maybe_unused]] const auto written = ::write(descriptor, &byte, 1);
-        }
-    };
-
-    // The callback goes first: it must not meet a closed pipe.
-    Pipe pipe_;
-    std::optional<StopCallback<Wake>> callback_;
-};
-
 class Conversation {
   public:
     explicit Conversation(const WorkerCall& call)
         : call_(call),
-          stopNotice_(call.stop),
-          lines_(call.progress),
+          onStop_(call.stop, Ring{alarm_}),
+          progress_(call.progress, alarm_),
+          lines_(progress_),
           chunk_(std::make_unique_for_overwrite<Chunk>()) {}
+    /// However it ends, no callback begins while the worker is seen to its end.
+    ~Conversation() { progress_.close(); }
+    Conversation(const Conversation&) = delete;
+    Conversation& operator=(const Conversation&) = delete;
+    Conversation(Conversation&&) = delete;
+    Conversation& operator=(Conversation&&) = delete;
 
     std::string answer() {
         start();
         while (!outputEnded_ || !workerEnded_) {
             waitForNews();
         }
-        if (call_.stop.stop_requested()) {
-            throw AAFCancellationError();
-        }
+        const ChildEnd end = worker_->reap();
+        progress_.finish(call_.stop);
+        checkAlarm();
         // Whether its end or the closed pipe is seen first is chance, and another process that is
         // just being started may hold the pipe open for a moment.
         if (inputEnd_.isOpen()) {
             failWrite(EPIPE);
         }
-        checkStatus(worker_->reap());
+        checkStatus(end);
         return std::move(output_);
     }
 
   private:
     enum class Reading { more, nothingNow, ended };
 
+    struct Ring {
+        CallAlarm& alarm;
+        void operator()() const noexcept { alarm.ring(); }
+    };
+
     void start() {
-        Pipe input = pipeForWorker();
-        Pipe output = pipeForWorker();
-        Pipe errors = pipeForWorker();
+        Pipe input = makePipeOfCall();
+        Pipe output = makePipeOfCall();
+        Pipe errors = makePipeOfCall();
         makeNonBlocking(input.writing);
         makeNonBlocking(output.reading);
         makeNonBlocking(errors.reading);
@@ -115,7 +95,7 @@ class Conversation {
             pollfd{.fd = inputEnd_.number(), .events = POLLOUT, .revents = 0},
             pollfd{.fd = outputEnd_.number(), .events = POLLIN, .revents = 0},
             pollfd{.fd = errorsEnd_.number(), .events = POLLIN, .revents = 0},
-            pollfd{.fd = stopNotice_.descriptor(), .events = POLLIN, .revents = 0},
+            pollfd{.fd = alarm_.descriptor(), .events = POLLIN, .revents = 0},
             pollfd{.fd = workerEnded_ ? -1 : worker_->endNotice(), .events = POLLIN, .revents = 0}};
         const bool told = workerEnded_ || worker_->endNotice() >= 0;
         if (::poll(watched.data(), watched.size(), told ? -1 : lookMilliseconds) < 0 &&
@@ -123,9 +103,7 @@ class Conversation {
             throw AAFWorkerClientError::launchFailed("cannot wait for the helper: " +
                                                      systemErrorText(errno));
         }
-        if (call_.stop.stop_requested()) {
-            throw AAFCancellationError();
-        }
+        checkAlarm();
         if (watched[0].revents != 0) {
             writeRequest();
         }
@@ -137,6 +115,13 @@ class Conversation {
         }
         if (!workerEnded_ && (watched[4].revents != 0 || !told) && worker_->hasEnded()) {
             noticeEnd();
+        }
+    }
+
+    void checkAlarm() const {
+        progress_.check();
+        if (call_.stop.stop_requested()) {
+            throw AAFCancellationError();
         }
     }
 
@@ -212,7 +197,11 @@ class Conversation {
     }
 
     const WorkerCall& call_;
-    StopNotice stopNotice_;
+    // What rings goes before the alarm, and the worker before the progress: while it is asked to
+    // end, so may a callback.
+    CallAlarm alarm_;
+    StopCallback<Ring> onStop_;
+    ProgressDelivery progress_;
     ErrorLines lines_;
     std::unique_ptr<Chunk> chunk_;
     FileDescriptor inputEnd_;

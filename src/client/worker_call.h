@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// One call: a worker is started, fed, listened to and seen to its end, all on the calling thread.
+// One call: a worker is started, fed, listened to and seen to its end on the calling thread, while
+// the progress goes out on another.
 #pragma once
 
 #include <trellant/base/cancellation.h>

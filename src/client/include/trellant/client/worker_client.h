@@ -33,11 +33,19 @@ struct AAFWorkerClient {
     /// the current directory of the moment of the start. What it throws comes out of the future.
     using HelperURLProvider =
         std::function<std::optional<std::filesystem::path>(const std::string& helperName)>;
-    /// Takes each progress record in the order written, on the call's own thread (where all signals
-    /// are blocked except those of faults). Nothing of the worker is read and no stop is heeded
-    /// meanwhile: return soon. What it throws ends the worker and comes out of the future. May be
-    /// empty. The record is as the worker wrote it: a fraction is any finite number, a phase any
-    /// text of up to 64 KiB.
+    /// Takes each progress record in the order written, one at a time, on a thread of its own
+    /// (where all signals are blocked except those of faults). The worker is read, seen to its end
+    /// and cancelled meanwhile. Records that come while the callback runs wait for it: the newest
+    /// 1,024 of them, and of these the newest that fit 1 MiB; older ones are left out.
+    ///
+    /// No callback begins once the future is ready, and one that returns soon is never running
+    /// then. A slow one holds the future up: with all that wait by two seconds at most after the
+    /// worker has ended, the one that runs by half a second at most after a failure or a stop. One
+    /// that has not returned by then (because it waits for a thread that waits for the call) is
+    /// left to itself: what it uses must live as long as it runs.
+    ///
+    /// What it throws ends the worker and comes out of the future. May be empty. The record is as
+    /// the worker wrote it: a fraction is any finite number, a phase any text of up to 64 KiB.
     using Progress = std::function<void(const AAFWorkerProtocol::Progress&)>;
 
     /// The bound for one answer, in bytes: about a thousand times what a feature film needs.
@@ -63,7 +71,8 @@ struct AAFWorkerClient {
     /// call, "." and ".." removed without a look at links.
     ///
     /// Returns at once; the work is done on a thread of its own, which is gone once `get`, `wait`
-    /// or the future's destructor has returned. The future gives a timeline that passed
+    /// or the future's destructor has returned, and so is that of the callback, unless it was left
+    /// to itself. The future gives a timeline that passed
     /// AAFRawTimelineValidation, or throws AAFWorkerClientError, AAFCancellationError within a
     /// second of a request to `stop` (the worker is asked to end, then killed), what
     /// `helperURLProvider` or `progress` threw, or std::bad_alloc. Its destructor waits for the end
