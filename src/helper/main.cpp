@@ -5,6 +5,7 @@
 #include "omf_reader.h"
 #include "standard_streams.h"
 
+#include <trellant/base/host_watch.h>
 #include <trellant/confine/confinement.h>
 #include <trellant/confine/memory_allowance.h>
 #include <trellant/io/errors.h>
@@ -45,7 +46,8 @@ void serve(const AAFWorkerProtocol::Request& request) {
             emitProgress(fraction < resolvingFrom ? "reconstructing" : "resolving", fraction);
         },
         [](const std::optional<std::string>& writableDirectory) {
-            confine(sandboxFromEnvironment(), {.writableDirectory = writableDirectory});
+            confine(sandboxFromEnvironment(),
+                    {.writableDirectory = writableDirectory, .awaitsStreams = true});
         });
     emitProgress("finishing", 0.95);
     StandardOutput output;
@@ -55,6 +57,7 @@ void serve(const AAFWorkerProtocol::Request& request) {
 
 ExitStatus run() {
     prepareStandardStreams();
+    watchHost(static_cast<int>(ExitStatus::processingFailed));
     try {
         keepWithinMemory();
         serve(acceptedRequest(readStandardInput()));
