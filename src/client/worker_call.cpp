@@ -23,7 +23,8 @@ namespace trellant {
 namespace {
 
 /// What a pipe holds, so that one read takes all that is there.
-using Chunk = std::array<char, 65'536>;
+constexpr int pipeBytes = 65'536;
+using Chunk = std::array<char, pipeBytes>;
 /// How often to look after the worker where the system does not tell of its end.
 constexpr int lookMilliseconds = 5;
 /// Reads that empty the largest pipe; more would come from somebody who outlived the worker.
@@ -78,6 +79,8 @@ class Conversation {
         makeNonBlocking(input.writing);
         makeNonBlocking(output.reading);
         makeNonBlocking(errors.reading);
+        // With larger pages a pipe holds more, and a read would cut a line in two.
+        limitCapacity(errors.reading, pipeBytes);
         inputEnd_ = std::move(input.writing);
         outputEnd_ = std::move(output.reading);
         errorsEnd_ = std::move(errors.reading);
