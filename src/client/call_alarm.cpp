@@ -12,7 +12,8 @@ Pipe makePipeOfCall() {
     try {
         return makePipe();
     } catch (const SystemCallError& error) {
-        throw AAFWorkerClientError::launchFailed(error.what());
+        throw AAFWorkerClientError::launchFailed(
+            error.what(), AAFWorkerClientError::LaunchFailed::Cause::systemRefused);
     }
 }
 

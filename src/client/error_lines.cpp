@@ -6,6 +6,7 @@
 #include <trellant/protocol/lines.h>
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -47,6 +48,13 @@ void ErrorLines::takePiece(std::string_view piece) {
         lines_.pop_front();
     }
     lines_.emplace_back(piece);
+}
+
+std::vector<std::string> ErrorLines::taken() {
+    std::vector<std::string> taken(std::make_move_iterator(lines_.begin()),
+                                   std::make_move_iterator(lines_.end()));
+    lines_.clear();
+    return taken;
 }
 
 std::string ErrorLines::lastLines(std::size_t count) const {

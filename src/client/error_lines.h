@@ -9,6 +9,7 @@
 #include <deque>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace trellant {
 
@@ -24,6 +25,8 @@ class ErrorLines {
     /// share counts as two: workers write each line at once.
     void take(std::string_view chunk);
 
+    /// All that are kept; nothing is left.
+    [[nodiscard]] std::vector<std::string> taken();
     /// The last lines, at most `count`, joined by line feeds.
     [[nodiscard]] std::string lastLines(std::size_t count) const;
 

@@ -63,8 +63,9 @@ ProgressDelivery::ProgressDelivery(const AAFWorkerClient::Progress& callback, Ca
     try {
         thread_ = std::thread([state = state_] { deliver(*state); });
     } catch (const std::system_error& error) {
-        throw AAFWorkerClientError::launchFailed("cannot start a thread: " +
-                                                 systemErrorText(error.code().value()));
+        throw AAFWorkerClientError::launchFailed(
+            "cannot start a thread: " + systemErrorText(error.code().value()),
+            AAFWorkerClientError::LaunchFailed::Cause::systemRefused);
     }
 }
 

@@ -32,6 +32,8 @@ constexpr int lastReads = 17;
 /// Lines of the worker that an error carries.
 constexpr std::size_t reportedLines = 8;
 
+using LaunchFailed = AAFWorkerClientError::LaunchFailed;
+
 class Conversation {
   public:
     explicit Conversation(const WorkerCall& call)
@@ -47,7 +49,7 @@ class Conversation {
     Conversation(Conversation&&) = delete;
     Conversation& operator=(Conversation&&) = delete;
 
-    std::string answer() {
+    WorkerOutput answer() {
         start();
         while (!outputEnded_ || !workerEnded_) {
             waitForNews();
@@ -61,7 +63,7 @@ class Conversation {
             failWrite(EPIPE);
         }
         checkStatus(end);
-        return std::move(output_);
+        return {std::move(output_), lines_.taken()};
     }
 
   private:
@@ -91,6 +93,11 @@ class Conversation {
         worker_.emplace(call_.executable,
                         ChildStreams{std::move(input.reading), std::move(output.writing),
                                      std::move(errors.writing)});
+        // It waits for the end of its request before it takes any memory.
+        if (call_.memoryLimit) {
+            worker_->limitMemory(*call_.memoryLimit);
+        }
+        endWrittenRequest();
     }
 
     void waitForNews() {
@@ -101,14 +108,20 @@ class Conversation {
             pollfd{.fd = alarm_.descriptor(), .events = POLLIN, .revents = 0},
             pollfd{.fd = workerEnded_ ? -1 : worker_->endNotice(), .events = POLLIN, .revents = 0}};
         const bool told = workerEnded_ || worker_->endNotice() >= 0;
-        if (::poll(watched.data(), watched.size(), told ? -1 : lookMilliseconds) < 0 &&
+        if (::poll(watched.data(), watched.size(),
+                   call_.timeLimit.wait(told ? -1 : lookMilliseconds)) < 0 &&
             errno != EINTR && errno != EAGAIN) {
-            throw AAFWorkerClientError::launchFailed("cannot wait for the helper: " +
-                                                     systemErrorText(errno));
+            throw AAFWorkerClientError::launchFailed(
+                "cannot wait for the helper: " + systemErrorText(errno),
+                LaunchFailed::Cause::systemRefused);
         }
         checkAlarm();
+        if (call_.timeLimit.isOver()) {
+            throw AAFTimeLimitError();
+        }
         if (watched[0].revents != 0) {
             writeRequest();
+            endWrittenRequest();
         }
         if (watched[1].revents != 0) {
             readOutput();
@@ -151,12 +164,17 @@ class Conversation {
                 failWrite(errno);
             }
         }
-        inputEnd_.close();
+    }
+    void endWrittenRequest() {
+        if (written_ == call_.request.size()) {
+            inputEnd_.close();
+        }
     }
 
     [[noreturn]] static void failWrite(int errorNumber) {
-        throw AAFWorkerClientError::launchFailed("cannot write the request: " +
-                                                 systemErrorText(errorNumber));
+        throw AAFWorkerClientError::launchFailed(
+            "cannot write the request: " + systemErrorText(errorNumber),
+            LaunchFailed::Cause::requestNotTaken);
     }
 
     /// One read; what came is in the chunk until the next.
@@ -179,7 +197,8 @@ class Conversation {
         outputEnded_ = reading == Reading::ended;
         if (chunk.size() > call_.resultLimit - output_.size()) {
             throw AAFWorkerClientError::invalidResponse(
-                "longer than " + std::to_string(call_.resultLimit) + " bytes");
+                "longer than " + std::to_string(call_.resultLimit) + " bytes",
+                AAFWorkerClientError::InvalidResponse::Kind::tooLong);
         }
         output_.append(chunk);
     }
@@ -219,7 +238,7 @@ class Conversation {
 
 }  // namespace
 
-std::string answerTo(const WorkerCall& call) {
+WorkerOutput answerTo(const WorkerCall& call) {
     return Conversation(call).answer();
 }
 
