@@ -102,6 +102,10 @@ struct AAFWorkerClient {
     /// The client for a file, told by its name's extension in any case: "trellant-omf" for "omf"
     /// and "omfi", else "trellant-aaf". The file is not looked at.
     [[nodiscard]] static AAFWorkerClient fuer(const std::filesystem::path& url);
+    /// The same in English.
+    [[nodiscard]] static AAFWorkerClient forFile(const std::filesystem::path& url) {
+        return fuer(url);
+    }
 
     /// Reads the file at `aafURL`, taking embedded audio out into `workDirectory` (created when
     /// missing) and looking for external media in `mediaSearchDirectory` and below. Relative
