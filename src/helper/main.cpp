@@ -4,6 +4,7 @@
 // of three outcomes happened. This is the one place where errors become texts.
 #include "omf_reader.h"
 #include "standard_streams.h"
+#include "usage.h"
 
 #include <trellant/base/host_watch.h>
 #include <trellant/confine/confinement.h>
@@ -11,8 +12,10 @@
 #include <trellant/io/errors.h>
 #include <trellant/protocol/messages.h>
 
+#include <cstddef>
 #include <exception>
 #include <new>
+#include <span>
 
 namespace trellant {
 
@@ -55,10 +58,14 @@ void serve(const AAFWorkerProtocol::Request& request) {
     emitProgress("done", 1.0);
 }
 
-ExitStatus run() {
+ExitStatus run(std::span<char* const> arguments) {
     prepareStandardStreams();
     watchHost(static_cast<int>(ExitStatus::processingFailed));
     try {
+        if (const auto text = askedOfWorker(arguments)) {
+            StandardOutput().write(*text);
+            return ExitStatus::success;
+        }
         keepWithinMemory();
         serve(acceptedRequest(readStandardInput()));
     } catch (const OMFIOError& error) {
@@ -75,7 +82,7 @@ ExitStatus run() {
 
 }  // namespace trellant
 
-int main() {
+int main(int count, char** arguments) {
     // Ends without unwinding what the system reclaims anyway.
-    trellant::end(trellant::run());
+    trellant::end(trellant::run({arguments, static_cast<std::size_t>(count)}));
 }
