@@ -62,6 +62,15 @@ Pipe makePipe() {
     return pipe;
 }
 
+void limitCapacity([[maybe_unused]] const FileDescriptor& end,
+                   [[maybe_unused]] int bytes) noexcept {
+#ifdef F_SETPIPE_SZ
+    if (::fcntl(end.number(), F_GETPIPE_SZ) > bytes) {
+        ::fcntl(end.number(), F_SETPIPE_SZ, bytes);
+    }
+#endif
+}
+
 void makeNonBlocking(const FileDescriptor& descriptor) noexcept {
     const int flags = ::fcntl(descriptor.number(), F_GETFL);
     ::fcntl(descriptor.number(), F_SETFL, flags | O_NONBLOCK);

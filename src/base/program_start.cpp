@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "kept_descriptors.h"
+
 #include <trellant/base/program_start.h>
 #include <trellant/base/system_call_error.h>
 
@@ -42,8 +44,10 @@ ProgramStart::ProgramStart(const ProgramStreams& streams) {
     unsigned flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP;
 #if defined(__APPLE__)
     flags |= POSIX_SPAWN_CLOEXEC_DEFAULT;
-#elif defined(__GLIBC__)
+#elif defined(TRELLANT_HAS_ADDCLOSEFROM)
     check(::posix_spawn_file_actions_addclosefrom_np(&actions_.value, STDERR_FILENO + 1));
+#else
+    check(closeKeptDescriptors(actions_.value));
 #endif
     check(::posix_spawnattr_setflags(&attributes_.value, static_cast<short>(flags)));
 }

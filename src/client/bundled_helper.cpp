@@ -16,23 +16,29 @@ constexpr std::array<std::string_view, 3> helperFolders{"AAFTools", "../libexec/
 
 }  // namespace
 
-std::optional<std::filesystem::path> bundledHelper(const std::string& helperName) {
+std::vector<std::filesystem::path> bundledHelperPlaces(const std::string& helperName) {
     // A name with a slash in it would lead anywhere, one with a NUL to another file; an empty one
     // is a folder.
     if (helperName.empty() ||
         helperName.find_first_of(std::string_view("/\0", 2)) != std::string::npos) {
-        return std::nullopt;
+        return {};
     }
-    const std::optional<std::string> program = executableDirectory();
-    if (!program) {
-        return std::nullopt;
+    std::vector<std::filesystem::path> places;
+    if (const std::optional<std::string> program = executableDirectory()) {
+        for (const std::string_view folder : helperFolders) {
+            places.push_back(
+                (std::filesystem::path(*program) / folder / helperName).lexically_normal());
+        }
     }
-    for (const std::string_view folder : helperFolders) {
-        auto candidate = (std::filesystem::path(*program) / folder / helperName).lexically_normal();
+    return places;
+}
+
+std::optional<std::filesystem::path> bundledHelper(const std::string& helperName) {
+    for (const std::filesystem::path& place : bundledHelperPlaces(helperName)) {
         std::error_code ignored;
-        const auto status = std::filesystem::status(candidate, ignored);
+        const auto status = std::filesystem::status(place, ignored);
         if (std::filesystem::exists(status) && !std::filesystem::is_directory(status)) {
-            return candidate;
+            return place;
         }
     }
     return std::nullopt;

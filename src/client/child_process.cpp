@@ -7,6 +7,7 @@
 #include <trellant/base/system_error_text.h>
 #include <trellant/client/errors.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <poll.h>
@@ -16,6 +17,7 @@
 #include <unistd.h>
 
 #ifdef __linux__
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #endif
 
@@ -29,13 +31,37 @@ constexpr int graceMilliseconds = 400;
 constexpr int lookMilliseconds = 5;
 constexpr std::size_t longestShownPath = 4096;
 
+using LaunchFailed = AAFWorkerClientError::LaunchFailed;
+
 ProgramStart prepared(const ChildStreams& streams) {
     try {
         return ProgramStart({.input = streams.input.number(),
                              .output = streams.output.number(),
                              .errors = streams.errors.number()});
     } catch (const SystemCallError& error) {
-        throw AAFWorkerClientError::launchFailed(error.what());
+        throw AAFWorkerClientError::launchFailed(error.what(), LaunchFailed::Cause::systemRefused);
+    }
+}
+
+LaunchFailed::Cause causeOf(int errorNumber) noexcept {
+    switch (errorNumber) {
+        case ENOENT:
+        case ENOTDIR:
+            return LaunchFailed::Cause::workerNotFound;
+        case EACCES:
+        case EPERM:
+        case ENOEXEC:
+        case EISDIR:
+        case ELOOP:
+        case ELIBBAD:
+            return LaunchFailed::Cause::workerNotExecutable;
+        case EAGAIN:
+        case ENOMEM:
+        case EMFILE:
+        case ENFILE:
+            return LaunchFailed::Cause::systemRefused;
+        default:
+            return LaunchFailed::Cause::other;
     }
 }
 
@@ -44,9 +70,10 @@ ProgramStart prepared(const ChildStreams& streams) {
     if (errorNumber == EACCES && std::filesystem::is_directory(executable, ignored)) {
         errorNumber = EISDIR;
     }
-    throw AAFWorkerClientError::launchFailed("cannot start \"" +
-                                             printableText(executable.string(), longestShownPath) +
-                                             "\": " + systemErrorText(errorNumber));
+    throw AAFWorkerClientError::launchFailed(
+        "cannot start \"" + printableText(executable.string(), longestShownPath) +
+            "\": " + systemErrorText(errorNumber),
+        causeOf(errorNumber));
 }
 
 FileDescriptor openEndNotice([[maybe_unused]] pid_t process) noexcept {
@@ -81,6 +108,24 @@ ChildProcess::~ChildProcess() {
     if (hasEnded()) {
         reap();
     }
+}
+
+void ChildProcess::limitMemory([[maybe_unused]] std::uint64_t bytes) const {
+#ifdef __linux__
+    rlimit present{};
+    int failure = ::prlimit(process_, RLIMIT_DATA, nullptr, &present);
+    if (failure == 0) {
+        const auto limit = std::min<rlim_t>(bytes, present.rlim_max);
+        const rlimit wanted{limit, limit};
+        failure = ::prlimit(process_, RLIMIT_DATA, &wanted, nullptr);
+    }
+    // One that has ended already needs no limit.
+    if (failure != 0 && errno != ESRCH) {
+        throw AAFWorkerClientError::launchFailed(
+            "cannot limit the memory of the helper: " + systemErrorText(errno),
+            LaunchFailed::Cause::systemRefused);
+    }
+#endif
 }
 
 /// The group too, because a worker may be a script whose programs hold the pipes.

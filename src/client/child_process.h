@@ -40,6 +40,10 @@ class ChildProcess {
     ChildProcess(ChildProcess&&) = delete;
     ChildProcess& operator=(ChildProcess&&) = delete;
 
+    /// Lets it have no more than so many bytes of data, on Linux. Throws AAFWorkerClientError
+    /// launchFailed.
+    void limitMemory(std::uint64_t bytes) const;
+
     /// Becomes readable when the process ends; a negative number where the system has no such
     /// thing, then hasEnded() must be asked now and then.
     [[nodiscard]] int endNotice() const noexcept { return endNotice_.number(); }

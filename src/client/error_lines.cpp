@@ -6,7 +6,9 @@
 #include <trellant/protocol/lines.h>
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
+#include <utility>
 
 namespace trellant {
 
@@ -37,9 +39,8 @@ void ErrorLines::take(std::string_view chunk) {
 
 void ErrorLines::takePiece(std::string_view piece) {
     if (piece.starts_with(progressMarker)) {
-        const auto progress = progressIn(piece.substr(progressMarker.size()));
-        if (progress && progress_) {
-            progress_(*progress);
+        if (auto progress = progressIn(piece.substr(progressMarker.size()))) {
+            progress_.add(std::move(*progress));
         }
         return;
     }
@@ -47,6 +48,13 @@ void ErrorLines::takePiece(std::string_view piece) {
         lines_.pop_front();
     }
     lines_.emplace_back(piece);
+}
+
+std::vector<std::string> ErrorLines::taken() {
+    std::vector<std::string> taken(std::make_move_iterator(lines_.begin()),
+                                   std::make_move_iterator(lines_.end()));
+    lines_.clear();
+    return taken;
 }
 
 std::string ErrorLines::lastLines(std::size_t count) const {

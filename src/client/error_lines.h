@@ -3,12 +3,13 @@
 // that the worker fails.
 #pragma once
 
-#include <trellant/client/worker_client.h>
+#include "progress_delivery.h"
 
 #include <cstddef>
 #include <deque>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace trellant {
 
@@ -17,20 +18,22 @@ class ErrorLines {
     /// Lines kept; the oldest go first.
     static constexpr std::size_t keptLines = 60;
 
-    /// `progress` may be empty and must outlive this.
-    explicit ErrorLines(const AAFWorkerClient::Progress& progress) : progress_(progress) {}
+    /// `progress` must outlive this.
+    explicit ErrorLines(ProgressDelivery& progress) : progress_(progress) {}
 
     /// What one read gave. A chunk that is not UTF-8 is dropped whole, and a line that two chunks
-    /// share counts as two: workers write each line at once. Throws what `progress` throws.
+    /// share counts as two: workers write each line at once.
     void take(std::string_view chunk);
 
+    /// All that are kept; nothing is left.
+    [[nodiscard]] std::vector<std::string> taken();
     /// The last lines, at most `count`, joined by line feeds.
     [[nodiscard]] std::string lastLines(std::size_t count) const;
 
   private:
     void takePiece(std::string_view piece);
 
-    const AAFWorkerClient::Progress& progress_;
+    ProgressDelivery& progress_;
     std::deque<std::string> lines_;
 };
 

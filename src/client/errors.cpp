@@ -28,20 +28,24 @@ struct Describe {
 AAFWorkerClientError::AAFWorkerClientError(Fault fault)
     : fault_(std::move(fault)), technicalDetail_(std::visit(Describe{}, fault_)) {}
 
-AAFWorkerClientError AAFWorkerClientError::launchFailed(std::string reason) {
-    return AAFWorkerClientError(LaunchFailed{std::move(reason)});
+AAFWorkerClientError AAFWorkerClientError::launchFailed(std::string reason,
+                                                        LaunchFailed::Cause cause) {
+    return AAFWorkerClientError(LaunchFailed{std::move(reason), cause});
 }
 
 AAFWorkerClientError AAFWorkerClientError::nonZeroExit(std::int32_t status, std::string logLines) {
     return AAFWorkerClientError(NonZeroExit{status, std::move(logLines)});
 }
 
-AAFWorkerClientError AAFWorkerClientError::invalidResponse(std::string reason) {
-    return AAFWorkerClientError(InvalidResponse{std::move(reason)});
+AAFWorkerClientError AAFWorkerClientError::invalidResponse(std::string reason,
+                                                           InvalidResponse::Kind kind,
+                                                           std::string keyPath) {
+    return AAFWorkerClientError(InvalidResponse{std::move(reason), kind, std::move(keyPath)});
 }
 
-AAFWorkerClientError AAFWorkerClientError::helperMissing() {
-    return AAFWorkerClientError(HelperMissing{});
+AAFWorkerClientError AAFWorkerClientError::helperMissing(
+    std::string helperName, std::vector<std::filesystem::path> searched) {
+    return AAFWorkerClientError(HelperMissing{std::move(helperName), std::move(searched)});
 }
 
 std::string AAFWorkerClientError::errorDescription() const {

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "worker_call.h"
 
+#include "call_alarm.h"
 #include "child_process.h"
 #include "error_lines.h"
+#include "progress_delivery.h"
 
 #include <trellant/base/file_descriptor.h>
-#include <trellant/base/system_call_error.h>
 #include <trellant/base/system_error_text.h>
 
 #include <array>
@@ -22,7 +23,8 @@ namespace trellant {
 namespace {
 
 /// What a pipe holds, so that one read takes all that is there.
-using Chunk = std::array<char, 65'536>;
+constexpr int pipeBytes = 65'536;
+using Chunk = std::array<char, pipeBytes>;
 /// How often to look after the worker where the system does not tell of its end.
 constexpr int lookMilliseconds = 5;
 /// Reads that empty the largest pipe; more would come from somebody who outlived the worker.
@@ -30,74 +32,57 @@ constexpr int lastReads = 17;
 /// Lines of the worker that an error carries.
 constexpr std::size_t reportedLines = 8;
 
-Pipe pipeForWorker() {
-    try {
-        return makePipe();
-    } catch (const SystemCallError& error) {
-        throw AAFWorkerClientError::launchFailed(error.what());
-    }
-}
-
-/// Wakes the call from the thread that requests its stop.
-class StopNotice {
-  public:
-    explicit StopNotice(const StopToken& stop) {
-        if (stop.stop_possible()) {
-            pipe_ = pipeForWorker();
-            callback_.emplace(stop, Wake{pipe_.writing.number()});
-        }
-    }
-    [[nodiscard]] int descriptor() const noexcept { return pipe_.reading.number(); }
-
-  private:
-    struct Wake {
-        int descriptor;
-        void operator()() const noexcept {
-            const char byte = 0;
-            [[maybe_unused]] const auto written = ::write(descriptor, &byte, 1);
-        }
-    };
-
-    // The callback goes first: it must not meet a closed pipe.
-    Pipe pipe_;
-    std::optional<StopCallback<Wake>> callback_;
-};
+using LaunchFailed = AAFWorkerClientError::LaunchFailed;
 
 class Conversation {
   public:
     explicit Conversation(const WorkerCall& call)
         : call_(call),
-          stopNotice_(call.stop),
-          lines_(call.progress),
+          onStop_(call.stop, Ring{alarm_}),
+          progress_(call.progress, alarm_),
+          lines_(progress_),
           chunk_(std::make_unique_for_overwrite<Chunk>()) {}
+    /// However it ends, no callback begins while the worker is seen to its end.
+    ~Conversation() { progress_.close(); }
+    Conversation(const Conversation&) = delete;
+    Conversation& operator=(const Conversation&) = delete;
+    Conversation(Conversation&&) = delete;
+    Conversation& operator=(Conversation&&) = delete;
 
-    std::string answer() {
+    WorkerOutput answer() {
         start();
         while (!outputEnded_ || !workerEnded_) {
             waitForNews();
         }
-        if (call_.stop.stop_requested()) {
-            throw AAFCancellationError();
-        }
+        const ChildEnd end = worker_->reap();
+        progress_.finish(call_.stop);
+        checkAlarm();
         // Whether its end or the closed pipe is seen first is chance, and another process that is
         // just being started may hold the pipe open for a moment.
         if (inputEnd_.isOpen()) {
             failWrite(EPIPE);
         }
-        checkStatus(worker_->reap());
-        return std::move(output_);
+        checkStatus(end);
+        return {std::move(output_), lines_.taken()};
     }
 
   private:
     enum class Reading { more, nothingNow, ended };
 
+    struct Ring {
+        CallAlarm& alarm;
+        void operator()() const noexcept { alarm.ring(); }
+    };
+
     void start() {
-        Pipe input = pipeForWorker();
-        Pipe output = pipeForWorker();
-        Pipe errors = pipeForWorker();
+        Pipe input = makePipeOfCall();
+        Pipe output = makePipeOfCall();
+        Pipe errors = makePipeOfCall();
         makeNonBlocking(input.writing);
         makeNonBlocking(output.reading);
         makeNonBlocking(errors.reading);
+        // With larger pages a pipe holds more, and a read would cut a line in two.
+        limitCapacity(errors.reading, pipeBytes);
         inputEnd_ = std::move(input.writing);
         outputEnd_ = std::move(output.reading);
         errorsEnd_ = std::move(errors.reading);
@@ -108,6 +93,11 @@ class Conversation {
         worker_.emplace(call_.executable,
                         ChildStreams{std::move(input.reading), std::move(output.writing),
                                      std::move(errors.writing)});
+        // It waits for the end of its request before it takes any memory.
+        if (call_.memoryLimit) {
+            worker_->limitMemory(*call_.memoryLimit);
+        }
+        endWrittenRequest();
     }
 
     void waitForNews() {
@@ -115,19 +105,23 @@ class Conversation {
             pollfd{.fd = inputEnd_.number(), .events = POLLOUT, .revents = 0},
             pollfd{.fd = outputEnd_.number(), .events = POLLIN, .revents = 0},
             pollfd{.fd = errorsEnd_.number(), .events = POLLIN, .revents = 0},
-            pollfd{.fd = stopNotice_.descriptor(), .events = POLLIN, .revents = 0},
+            pollfd{.fd = alarm_.descriptor(), .events = POLLIN, .revents = 0},
             pollfd{.fd = workerEnded_ ? -1 : worker_->endNotice(), .events = POLLIN, .revents = 0}};
         const bool told = workerEnded_ || worker_->endNotice() >= 0;
-        if (::poll(watched.data(), watched.size(), told ? -1 : lookMilliseconds) < 0 &&
+        if (::poll(watched.data(), watched.size(),
+                   call_.timeLimit.wait(told ? -1 : lookMilliseconds)) < 0 &&
             errno != EINTR && errno != EAGAIN) {
-            throw AAFWorkerClientError::launchFailed("cannot wait for the helper: " +
-                                                     systemErrorText(errno));
+            throw AAFWorkerClientError::launchFailed(
+                "cannot wait for the helper: " + systemErrorText(errno),
+                LaunchFailed::Cause::systemRefused);
         }
-        if (call_.stop.stop_requested()) {
-            throw AAFCancellationError();
+        checkAlarm();
+        if (call_.timeLimit.isOver()) {
+            throw AAFTimeLimitError();
         }
         if (watched[0].revents != 0) {
             writeRequest();
+            endWrittenRequest();
         }
         if (watched[1].revents != 0) {
             readOutput();
@@ -137,6 +131,13 @@ class Conversation {
         }
         if (!workerEnded_ && (watched[4].revents != 0 || !told) && worker_->hasEnded()) {
             noticeEnd();
+        }
+    }
+
+    void checkAlarm() const {
+        progress_.check();
+        if (call_.stop.stop_requested()) {
+            throw AAFCancellationError();
         }
     }
 
@@ -163,12 +164,17 @@ class Conversation {
                 failWrite(errno);
             }
         }
-        inputEnd_.close();
+    }
+    void endWrittenRequest() {
+        if (written_ == call_.request.size()) {
+            inputEnd_.close();
+        }
     }
 
     [[noreturn]] static void failWrite(int errorNumber) {
-        throw AAFWorkerClientError::launchFailed("cannot write the request: " +
-                                                 systemErrorText(errorNumber));
+        throw AAFWorkerClientError::launchFailed(
+            "cannot write the request: " + systemErrorText(errorNumber),
+            LaunchFailed::Cause::requestNotTaken);
     }
 
     /// One read; what came is in the chunk until the next.
@@ -191,7 +197,8 @@ class Conversation {
         outputEnded_ = reading == Reading::ended;
         if (chunk.size() > call_.resultLimit - output_.size()) {
             throw AAFWorkerClientError::invalidResponse(
-                "longer than " + std::to_string(call_.resultLimit) + " bytes");
+                "longer than " + std::to_string(call_.resultLimit) + " bytes",
+                AAFWorkerClientError::InvalidResponse::Kind::tooLong);
         }
         output_.append(chunk);
     }
@@ -212,7 +219,11 @@ class Conversation {
     }
 
     const WorkerCall& call_;
-    StopNotice stopNotice_;
+    // What rings goes before the alarm, and the worker before the progress: while it is asked to
+    // end, so may a callback.
+    CallAlarm alarm_;
+    StopCallback<Ring> onStop_;
+    ProgressDelivery progress_;
     ErrorLines lines_;
     std::unique_ptr<Chunk> chunk_;
     FileDescriptor inputEnd_;
@@ -227,7 +238,7 @@ class Conversation {
 
 }  // namespace
 
-std::string answerTo(const WorkerCall& call) {
+WorkerOutput answerTo(const WorkerCall& call) {
     return Conversation(call).answer();
 }
 

@@ -4,11 +4,9 @@
 #include <trellant/base/printable_text.h>
 #include <trellant/base/system_error_text.h>
 #include <trellant/base/text.h>
-#include <trellant/base/url.h>
 #include <trellant/client/worker_client.h>
 #include <trellant/model/validation.h>
 
-#include <algorithm>
 #include <csignal>
 #include <string_view>
 #include <system_error>
@@ -20,6 +18,8 @@ namespace {
 
 using Request = AAFWorkerProtocol::Request;
 using Result = AAFWorkerProtocol::Result;
+using LaunchFailed = AAFWorkerClientError::LaunchFailed;
+using InvalidResponse = AAFWorkerClientError::InvalidResponse;
 
 /// While one lives, threads that are started have their signals blocked from birth. Signals are the
 /// host's: its handlers do not expect to run on a call's thread, and a write to a worker that is
@@ -45,8 +45,9 @@ class SignalsBlocked {
 };
 
 [[noreturn]] void failText(std::string_view text) {
-    throw AAFWorkerClientError::launchFailed("\"" + printableText(text) +
-                                             "\" is not UTF-8 and cannot be sent to a worker");
+    throw AAFWorkerClientError::launchFailed(
+        "\"" + printableText(text) + "\" is not UTF-8 and cannot be sent to a worker",
+        LaunchFailed::Cause::unsendableRequest);
 }
 
 std::string encoded(const Request& request) {
@@ -61,6 +62,18 @@ std::string encoded(const Request& request) {
     return encodeRequest(request);
 }
 
+InvalidResponse::Kind kindOf(JsonDecodingError::Kind kind) noexcept {
+    switch (kind) {
+        case JsonDecodingError::Kind::missingKey:
+            return InvalidResponse::Kind::missingKey;
+        case JsonDecodingError::Kind::wrongType:
+            return InvalidResponse::Kind::wrongType;
+        case JsonDecodingError::Kind::corrupt:
+            return InvalidResponse::Kind::corrupt;
+    }
+    return InvalidResponse::Kind::other;
+}
+
 Result decoded(std::string_view answer, TimelineChecks checks, const StopToken& stop) {
     try {
         Result result = decodeResult(answer, checks, stop);
@@ -70,43 +83,68 @@ Result decoded(std::string_view answer, TimelineChecks checks, const StopToken& 
     } catch (const JsonDecodingStopped&) {
         throw AAFCancellationError();
     } catch (const JsonDecodingError& error) {
-        throw AAFWorkerClientError::invalidResponse(error.what());
+        throw AAFWorkerClientError::invalidResponse(error.what(), kindOf(error.kind()),
+                                                    error.keyPath());
     } catch (const AAFRawTimelineValidation::Failure& failure) {
-        throw AAFWorkerClientError::invalidResponse(failure.description());
+        throw AAFWorkerClientError::invalidResponse(failure.description(),
+                                                    InvalidResponse::Kind::invalidTimeline);
     }
-    throw AAFWorkerClientError::invalidResponse("protocol version mismatch");
+    throw AAFWorkerClientError::invalidResponse("protocol version mismatch",
+                                                InvalidResponse::Kind::otherVersion);
 }
 
 struct Call {
     AAFWorkerClient client;
     Request request;
-    AAFWorkerClient::Progress progress;
-    StopToken stop;
-    TimelineChecks checks;
+    AAFWorkerCallOptions options;
+    TimeLimit timeLimit{client.timeLimit};
 };
 
-/// The whole call, on its own thread.
-Result perform(const Call& call) {
-    if (call.stop.stop_requested()) {
-        throw AAFCancellationError();
-    }
+/// Whether the client searches as it does by default.
+bool searchesBundle(const AAFWorkerClient& client) {
+    using Function = std::optional<std::filesystem::path> (*)(const std::string&);
+    const Function* const function = client.helperURLProvider.target<Function>();
+    return function != nullptr && *function == &bundledHelper;
+}
+
+std::filesystem::path executableFor(const Call& call) {
+    const AAFWorkerClient& client = call.client;
+    const bool searches = searchesBundle(client);
+    const std::string name = searches && client.helperName == AAFWorkerClient::defaultHelperName
+                                 ? AAFWorkerClient::fuer(call.request.aafPath).helperName
+                                 : client.helperName;
     std::optional<std::filesystem::path> executable;
-    if (call.client.helperURLProvider) {
-        executable = call.client.helperURLProvider(call.client.helperName);
+    if (client.helperURLProvider) {
+        executable = client.helperURLProvider(name);
     }
     if (!executable) {
-        throw AAFWorkerClientError::helperMissing();
+        throw AAFWorkerClientError::helperMissing(
+            name, searches ? bundledHelperPlaces(name) : std::vector<std::filesystem::path>());
     }
-    const std::string request = encoded(call.request);
-    if (call.stop.stop_requested()) {
+    return *executable;
+}
+
+void checkStop(const Call& call) {
+    if (call.options.stop.stop_requested()) {
         throw AAFCancellationError();
     }
-    const std::string answer = answerTo({.executable = *executable,
-                                         .request = request,
-                                         .progress = call.progress,
-                                         .stop = call.stop,
-                                         .resultLimit = call.client.resultLimit});
-    return decoded(answer, call.checks, call.stop);
+}
+
+/// The whole call, on its own thread.
+AAFWorkerAnswer perform(const Call& call) {
+    checkStop(call);
+    const std::filesystem::path executable = executableFor(call);
+    const std::string request = encoded(call.request);
+    checkStop(call);
+    WorkerOutput output = answerTo({.executable = executable,
+                                    .request = request,
+                                    .progress = call.options.progress,
+                                    .stop = call.options.stop,
+                                    .resultLimit = call.client.resultLimit,
+                                    .memoryLimit = call.client.memoryLimit,
+                                    .timeLimit = call.timeLimit});
+    return {decoded(output.answer, call.options.checks, call.options.stop),
+            std::move(output.logLines)};
 }
 
 template <class T>
@@ -117,89 +155,95 @@ std::future<T> failedFuture(std::exception_ptr failure) {
 }
 
 /// The future of `work`, done on a thread of its own. A thread that the system refuses is a launch
-/// that failed, told in the same way as any other.
+/// that failed.
 template <class Work>
 auto started(Work work) -> std::future<decltype(work())> {
     try {
         const SignalsBlocked inTheNewThread;
         return std::async(std::launch::async, std::move(work));
     } catch (const std::system_error& error) {
-        return failedFuture<decltype(work())>(
-            std::make_exception_ptr(AAFWorkerClientError::launchFailed(
-                "cannot start a thread: " + systemErrorText(error.code().value()))));
+        throw AAFWorkerClientError::launchFailed(
+            "cannot start a thread: " + systemErrorText(error.code().value()),
+            LaunchFailed::Cause::systemRefused);
     }
 }
 
-/// Throws AAFWorkerClientError launchFailed for a relative path where the current directory is
-/// gone.
-std::string absoluteText(const std::filesystem::path& path) {
-    if (path.is_absolute()) {
-        return path.native();
+/// What `start` gives; what fails before there is a thread is told in the same way as all else.
+template <class Start>
+auto futureOf(const Start& start) -> decltype(start()) {
+    try {
+        return start();
+    } catch (const AAFWorkerClientError&) {
+        return failedFuture<decltype(start().get())>(std::current_exception());
     }
-    std::error_code failure;
-    const std::filesystem::path directory = std::filesystem::current_path(failure);
-    if (failure) {
-        throw AAFWorkerClientError::launchFailed("cannot tell the current directory: " +
-                                                 systemErrorText(failure.value()));
-    }
-    return absolutePath(path.native(), directory.native());
 }
 
-Request inspection(const std::filesystem::path& aafURL, const std::filesystem::path& workDirectory,
-                   const std::optional<std::filesystem::path>& mediaSearchDirectory) {
-    Request request{.protocolVersion = AAFWorkerProtocol::version,
-                    .operation = Request::Operation::extractAndInspect,
-                    .aafPath = absoluteText(aafURL),
-                    .workDirectory = absoluteText(workDirectory),
-                    .mediaSearchDirectory = std::nullopt,
-                    .recoverProToolsTrueFades = true,
-                    .removeProToolsSampleAccurateEditFragments = true};
-    if (mediaSearchDirectory) {
-        request.mediaSearchDirectory = absoluteText(*mediaSearchDirectory);
+/// What `work` gives or throws, after a call of `completion`.
+template <class Work>
+auto completed(const Work& work, const std::function<void()>& completion) -> decltype(work()) {
+    std::optional<decltype(work())> value;
+    std::exception_ptr failure;
+    try {
+        value = work();
+    } catch (...) {
+        failure = std::current_exception();
     }
-    return request;
-}
-
-/// Letters of ASCII only: the extensions that are looked for hold no others.
-std::string lowerCased(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
-        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    });
-    return text;
+    if (completion) {
+        completion();
+    }
+    if (failure != nullptr) {
+        std::rethrow_exception(failure);
+    }
+    return std::move(*value);
 }
 
 }  // namespace
-
-AAFWorkerClient AAFWorkerClient::fuer(const std::filesystem::path& url) {
-    const std::string extension =
-        lowerCased((url.has_filename() ? url : url.parent_path()).extension().string());
-    AAFWorkerClient client;
-    if (extension == ".omf" || extension == ".omfi") {
-        client.helperName = "trellant-omf";
-    }
-    return client;
-}
 
 std::future<AAFTimeline> AAFWorkerClient::inspect(
     const std::filesystem::path& aafURL, const std::filesystem::path& workDirectory,
     const std::optional<std::filesystem::path>& mediaSearchDirectory, Progress progress,
     StopToken stop) const {
-    try {
-        return started(
-            [call = Call{*this, inspection(aafURL, workDirectory, mediaSearchDirectory),
-                         std::move(progress), std::move(stop), TimelineChecks::validate}] {
-                return std::move(perform(call).timeline);
-            });
-    } catch (const AAFWorkerClientError&) {
-        return failedFuture<AAFTimeline>(std::current_exception());
-    }
+    return futureOf([&] {
+        return started([call = Call{*this,
+                                    inspection(aafURL, workDirectory, mediaSearchDirectory),
+                                    {.progress = std::move(progress), .stop = std::move(stop)}}] {
+            return std::move(perform(call).result.timeline);
+        });
+    });
 }
 
 std::future<AAFWorkerProtocol::Result> AAFWorkerClient::run(AAFWorkerProtocol::Request request,
                                                             Progress progress, StopToken stop,
                                                             TimelineChecks checks) const {
-    return started([call = Call{*this, std::move(request), std::move(progress), std::move(stop),
-                                checks}] { return perform(call); });
+    return futureOf([&] {
+        return started(
+            [call = Call{
+                 *this,
+                 std::move(request),
+                 {.progress = std::move(progress), .stop = std::move(stop), .checks = checks}}] {
+                return std::move(perform(call).result);
+            });
+    });
+}
+
+std::future<AAFWorkerAnswer> AAFWorkerClient::ask(AAFWorkerProtocol::Request request,
+                                                  AAFWorkerCallOptions options) const {
+    const std::function<void()> completion = options.completion;
+    try {
+        return started([call = Call{*this, std::move(request), std::move(options)}] {
+            return completed([&] { return perform(call); }, call.options.completion);
+        });
+    } catch (const AAFWorkerClientError&) {
+        const std::exception_ptr refusal = std::current_exception();
+        std::promise<AAFWorkerAnswer> failed;
+        try {
+            failed.set_value(completed(
+                [&]() -> AAFWorkerAnswer { std::rethrow_exception(refusal); }, completion));
+        } catch (...) {
+            failed.set_exception(std::current_exception());
+        }
+        return failed.get_future();
+    }
 }
 
 }  // namespace trellant

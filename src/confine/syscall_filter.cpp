@@ -42,7 +42,7 @@ constexpr std::array allowedCalls{
     SCMP_SYS(mprotect), SCMP_SYS(madvise),
     // Locks, clocks and chance, as the libraries of the language use them.
     SCMP_SYS(futex), SCMP_SYS(sched_yield), SCMP_SYS(clock_gettime), SCMP_SYS(getrandom),
-    SCMP_SYS(getpid), SCMP_SYS(gettid), SCMP_SYS(pipe2),
+    SCMP_SYS(getpid), SCMP_SYS(getppid), SCMP_SYS(gettid), SCMP_SYS(pipe2),
     // Signals that arrive, going on after a stop, and the end.
     SCMP_SYS(rt_sigaction), SCMP_SYS(rt_sigprocmask), SCMP_SYS(rt_sigreturn), SCMP_SYS(sigreturn),
     SCMP_SYS(sigaltstack), SCMP_SYS(restart_syscall), SCMP_SYS(exit), SCMP_SYS(exit_group)};

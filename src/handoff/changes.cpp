@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 
-
 #include <trellant/base/precondition.h>
 #include <trellant/base/printable_text.h>
 #include <trellant/handoff/changes.h>

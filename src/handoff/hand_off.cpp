@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <memory>
+#include <mutex>
 #include <system_error>
 #include <utility>
 
@@ -34,6 +36,41 @@ AAFWorkerProtocol::Request requestFor(const WorkerTask& task) {
     sent.extensions = task.extensions;
     return sent;
 }
+
+/// Progress on its way to a callback that belongs to whoever asks: the client may leave one that is
+/// stuck to itself, and it must not outlive the asking.
+class AskersProgress {
+  public:
+    explicit AskersProgress(AAFWorkerClient::Progress callback)
+        : state_(std::make_shared<State>(std::move(callback))) {}
+    /// Waits for a callback that is running.
+    ~AskersProgress() {
+        const std::lock_guard lock(state_->mutex);
+        state_->callback = nullptr;
+    }
+    AskersProgress(const AskersProgress&) = delete;
+    AskersProgress& operator=(const AskersProgress&) = delete;
+    AskersProgress(AskersProgress&&) = delete;
+    AskersProgress& operator=(AskersProgress&&) = delete;
+
+    [[nodiscard]] AAFWorkerClient::Progress callback() const {
+        return [state = state_](const AAFWorkerProtocol::Progress& report) {
+            const std::lock_guard lock(state->mutex);
+            if (state->callback) {
+                state->callback(report);
+            }
+        };
+    }
+
+  private:
+    struct State {
+        explicit State(AAFWorkerClient::Progress called) : callback(std::move(called)) {}
+
+        std::mutex mutex{};
+        AAFWorkerClient::Progress callback;
+    };
+    std::shared_ptr<State> state_;
+};
 
 PlacedLoss placedLoss(const AAFUnsupportedFeature& feature, const Extensions::LossPlace& place) {
     PlacedLoss loss{.description = feature.description,
@@ -89,7 +126,8 @@ AAFWorkerProtocol::Result askWorker(const WorkerTask& task, const StopToken& sto
     AAFWorkerClient client;
     client.helperName = "trellant-omf";
     client.helperURLProvider = task.helperURLProvider;
-    auto answer = client.run(requestFor(task), std::move(progress), stop, TimelineChecks::none);
+    const AskersProgress askers(std::move(progress));
+    auto answer = client.run(requestFor(task), askers.callback(), stop, TimelineChecks::none);
     while (answer.wait_for(betweenLooks) != std::future_status::ready) {
         if (whileWaiting) {
             whileWaiting();

@@ -4,14 +4,18 @@
 // of three outcomes happened. This is the one place where errors become texts.
 #include "omf_reader.h"
 #include "standard_streams.h"
+#include "usage.h"
 
+#include <trellant/base/host_watch.h>
 #include <trellant/confine/confinement.h>
 #include <trellant/confine/memory_allowance.h>
 #include <trellant/io/errors.h>
 #include <trellant/protocol/messages.h>
 
+#include <cstddef>
 #include <exception>
 #include <new>
+#include <span>
 
 namespace trellant {
 
@@ -45,7 +49,8 @@ void serve(const AAFWorkerProtocol::Request& request) {
             emitProgress(fraction < resolvingFrom ? "reconstructing" : "resolving", fraction);
         },
         [](const std::optional<std::string>& writableDirectory) {
-            confine(sandboxFromEnvironment(), {.writableDirectory = writableDirectory});
+            confine(sandboxFromEnvironment(),
+                    {.writableDirectory = writableDirectory, .awaitsStreams = true});
         });
     emitProgress("finishing", 0.95);
     StandardOutput output;
@@ -53,9 +58,14 @@ void serve(const AAFWorkerProtocol::Request& request) {
     emitProgress("done", 1.0);
 }
 
-ExitStatus run() {
+ExitStatus run(std::span<char* const> arguments) {
     prepareStandardStreams();
+    watchHost(static_cast<int>(ExitStatus::processingFailed));
     try {
+        if (const auto text = askedOfWorker(arguments)) {
+            StandardOutput().write(*text);
+            return ExitStatus::success;
+        }
         keepWithinMemory();
         serve(acceptedRequest(readStandardInput()));
     } catch (const OMFIOError& error) {
@@ -72,7 +82,7 @@ ExitStatus run() {
 
 }  // namespace trellant
 
-int main() {
+int main(int count, char** arguments) {
     // Ends without unwinding what the system reclaims anyway.
-    trellant::end(trellant::run());
+    trellant::end(trellant::run({arguments, static_cast<std::size_t>(count)}));
 }

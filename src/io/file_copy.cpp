@@ -2,6 +2,7 @@
 // Copying stored pieces out into a new file. The kernel copies from file to file where it can;
 // where it cannot, or fails, bytes go through a buffer, and that path alone reports errors, so that
 // they are the same either way.
+#include <trellant/base/host_watch.h>
 #include <trellant/base/write_all.h>
 #include <trellant/io/errors.h>
 #include <trellant/io/random_access_file.h>
@@ -11,6 +12,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <memory>
+#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -77,6 +79,7 @@ class NewFile {
         if (descriptor_ < 0) {
             throw FileSystemError("create", path, errno);
         }
+        unfinished_.emplace(path_.c_str());
     }
     ~NewFile() { ::close(descriptor_); }
     NewFile(const NewFile&) = delete;
@@ -95,6 +98,7 @@ class NewFile {
   private:
     const std::string& path_;
     int descriptor_ = -1;
+    std::optional<UnfinishedFile> unfinished_;
 };
 
 /// The pieces on their way out: short ones are gathered and written together.
@@ -177,6 +181,11 @@ class ChunkCopier {
         if (done < length) {
             copyByBuffer(offset, length, done);
         }
+        copied_ += length;
+        if (copied_ >= chunkLimit) {
+            copied_ = 0;
+            endIfHostIsGone();
+        }
     }
 
   private:
@@ -231,6 +240,8 @@ class ChunkCopier {
     Output& output_;
     std::atomic<std::uint64_t>& readCalls_;
     bool kernelCopies_ = true;
+    /// Bytes since the last look at the host.
+    std::uint64_t copied_ = 0;
 };
 
 void copySegment(const BentoValueSegment& segment, std::uint64_t fileSize, ChunkCopier& copier,

@@ -9,8 +9,9 @@
 
 namespace trellant {
 
-JsonDecodingError::JsonDecodingError(std::string keyPath, std::string reason)
-    : keyPath_(std::move(keyPath)),
+JsonDecodingError::JsonDecodingError(std::string keyPath, std::string reason, Kind kind)
+    : kind_(kind),
+      keyPath_(std::move(keyPath)),
       reason_(std::move(reason)),
       description_(keyPath_.empty() ? reason_ : keyPath_ + ": " + reason_) {}
 

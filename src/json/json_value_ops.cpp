@@ -8,7 +8,7 @@ namespace {
 
 [[noreturn]] void missingKey(Frame& frame, std::string_view key) {
     frame.key = key;
-    throw ValueFault{"missing key"};
+    throw ValueFault{"missing key", Misfit::missingKey};
 }
 
 }  // namespace

@@ -201,7 +201,7 @@ void parseInto(std::string_view text, ValueSlot root, RecordChecks checks, const
         JsonLibrary::sax_parse(TextReader(stop, text.data()),
                                TextReader(stop, text.data() + text.size()), &events);
     } catch (const ValueFault& fault) {
-        throw JsonDecodingError(filler.keyPath(), fault.reason);
+        throw JsonDecodingError(filler.keyPath(), fault.reason, fault.misfit);
     }
 }
 

@@ -9,8 +9,8 @@ namespace trellant::jsonDecoding {
 namespace {
 
 [[noreturn]] void mismatch(const ValueOps& ops, std::string_view found) {
-    throw ValueFault{
-        std::string("expected ").append(ops.expected).append(", found ").append(found)};
+    throw ValueFault{std::string("expected ").append(ops.expected).append(", found ").append(found),
+                     Misfit::wrongType};
 }
 
 }  // namespace

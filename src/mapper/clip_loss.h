@@ -50,6 +50,10 @@ using ClipLoss = std::variant<ClipWithoutSource, ClipSourceMissing, ClipSourceTr
 
 /// The reason in words; absent where a record of its own gives it.
 [[nodiscard]] std::optional<std::string> verlustGrund(const ClipLoss& loss);
+/// The same in English.
+[[nodiscard]] inline std::optional<std::string> lossReason(const ClipLoss& loss) {
+    return verlustGrund(loss);
+}
 
 /// Records that the clip in hand is dropped; before that, what else the reason asks for: a
 /// diagnostic or a record of its own.

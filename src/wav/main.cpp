@@ -3,6 +3,8 @@
 // status 0 done, 1 wrong use, 2 not converted, with the reason on standard error.
 #include "wave_copy.h"
 
+#include <trellant/base/host_watch.h>
+
 #include <cstdio>
 #include <exception>
 
@@ -11,6 +13,8 @@ int main(int argumentCount, char** arguments) {
         static_cast<void>(std::fputs("usage: trellant-wav IN OUT\n", stderr));
         return 1;
     }
+    trellant::watchHost(2);
+    trellant::removeUnfinishedFileOnSignals();
     try {
         trellant::wav::copyAsWave(arguments[1], arguments[2]);
         return 0;

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "wave_copy.h"
 
+#include <trellant/base/host_watch.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <sndfile.h>
 #include <string_view>
 #include <system_error>
@@ -96,6 +99,7 @@ class NewFile {
         if (descriptor_ < 0) {
             throw because("no WAVE file could be created", systemText(errno));
         }
+        unfinished_.emplace(path_.c_str());
     }
     ~NewFile() {
         if (!kept_) {
@@ -115,6 +119,7 @@ class NewFile {
     const std::string& path_;
     int descriptor_;
     bool kept_ = false;
+    std::optional<UnfinishedFile> unfinished_;
 };
 
 template <class Sample>
@@ -138,6 +143,7 @@ void moveFrames(const Source& source, SNDFILE* target, Transfer<Sample> read,
             throw because(notWritten, ::sf_strerror(target));
         }
         moved += wanted;
+        endIfHostIsGone();
     }
 }
 

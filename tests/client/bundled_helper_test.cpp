@@ -38,6 +38,17 @@ class BundledHelper : public ::testing::Test {
             .lexically_relative(std::filesystem::canonical(directory_.path()))
             .string();
     }
+    /// How a call of the host ends that has no worker: the worker's name, and where it was looked
+    /// for, seen from the prefix.
+    [[nodiscard]] std::string missing(const std::string& name, const std::string& file) const {
+        std::string output = outputOfProgram({host_, name, file});
+        const std::string prefix = std::filesystem::canonical(directory_.path()).string() + "/";
+        for (std::size_t at = output.find(prefix); at != std::string::npos;
+             at = output.find(prefix)) {
+            output.erase(at, prefix.size());
+        }
+        return output;
+    }
     [[nodiscard]] std::string path(const std::string& place) const {
         return directory_.file(place);
     }
@@ -120,6 +131,26 @@ TEST_F(BundledHelper, NameThatLeadsElsewhereFindsNothing) {
     folderAt("bin/AAFTools");
     workerAt("secret/trellant-omf");
     EXPECT_EQ(found("../../secret/trellant-omf"), "nothing");
+}
+
+TEST_F(BundledHelper, CallWithoutAWorkerTellsWhereItWasLookedFor) {
+    hostIn("bin");
+    EXPECT_EQ(missing("trellant-aaf", "/mix.aaf"),
+              "trellant-aaf bin/AAFTools/trellant-aaf libexec/trellant/AAFTools/trellant-aaf "
+              "bin/trellant-aaf\n");
+    EXPECT_EQ(missing("../worker", "/mix.omf"), "../worker\n");
+}
+
+TEST_F(BundledHelper, ClientThatNamesNoWorkerReadsOmfWithTheOneThatIsShipped) {
+    hostIn("bin");
+    constexpr const char* places =
+        "trellant-omf bin/AAFTools/trellant-omf libexec/trellant/AAFTools/trellant-omf "
+        "bin/trellant-omf\n";
+    EXPECT_EQ(missing("", "/mix.omf"), places);
+    EXPECT_EQ(missing("", "/mix.OMFI"), places);
+    EXPECT_TRUE(missing("", "/mix.aaf").starts_with("trellant-aaf "));
+    workerAt("bin/trellant-omf");
+    EXPECT_TRUE(missing("", "/mix.omf").starts_with("helper launch failed: cannot start \""));
 }
 
 TEST_F(BundledHelper, LinkToAWorkerCounts) {

@@ -61,6 +61,12 @@ TEST(WorkerChoice, ClientWithoutAChoiceIsForTheAafWorker) {
     EXPECT_EQ(AAFWorkerClient{}.helperName, "trellant-aaf");
 }
 
+TEST(WorkerChoice, IsTheSameInEnglish) {
+    for (const std::string path : {"mix.omf", "mix.OMFI", "mix.aaf", "mix", ""}) {
+        EXPECT_EQ(AAFWorkerClient::forFile(path).helperName, chosenFor(path)) << path;
+    }
+}
+
 TEST(WorkerChoice, ChosenClientIsOtherwiseAsAnyClient) {
     const AAFWorkerClient chosen = AAFWorkerClient::fuer("mix.omf");
     EXPECT_TRUE(static_cast<bool>(chosen.helperURLProvider));

@@ -120,10 +120,13 @@ void OddWorkers::release(const std::string& behaviour) const {
     writeFile(directory_.file(behaviour + ".release"), {});
 }
 
-void OddWorkers::expectGone(const std::string& behaviour) const {
+bool OddWorkers::areGone(const std::string& behaviour) const {
     const std::vector<pid_t> processes = announced(behaviour);
-    EXPECT_FALSE(processes.empty()) << behaviour;
-    EXPECT_TRUE(std::all_of(processes.begin(), processes.end(), isGone)) << behaviour;
+    return !processes.empty() && std::all_of(processes.begin(), processes.end(), isGone);
+}
+
+void OddWorkers::expectGone(const std::string& behaviour) const {
+    EXPECT_TRUE(areGone(behaviour)) << behaviour;
 }
 
 void OddWorkers::expectGrandchildrenEnd(const std::string& behaviour) const {

@@ -86,6 +86,7 @@ class OddWorkers {
     void release(const std::string& behaviour) const;
 
     /// At least one process was started under this name and all of them are gone and reaped.
+    [[nodiscard]] bool areGone(const std::string& behaviour) const;
     void expectGone(const std::string& behaviour) const;
     /// What a worker of this name started ends too. Nobody says when it is reaped: it is not the
     /// client's child.

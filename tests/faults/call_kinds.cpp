@@ -88,6 +88,7 @@ std::optional<CallKind> plainKind(std::uint64_t number) {
             return CallKind::memoryLook;
         case SYS_exit_group:
         case SYS_getpid:
+        case SYS_getppid:
             return CallKind::infallible;
         default:
             return std::nullopt;

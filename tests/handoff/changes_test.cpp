@@ -37,7 +37,8 @@ TEST(Changes, PointsAreCounted) {
                                       .action = AAFRepairChange::Action::clamped,
                                       .field = "fadeIn.points",
                                       .count = 3}});
-    EXPECT_EQ(described.at(0).what, "3 points of the fade in are moved to the nearest possible value");
+    EXPECT_EQ(described.at(0).what,
+              "3 points of the fade in are moved to the nearest possible value");
 }
 
 TEST(Changes, AudioFilesAndWholeClipsAreToldByWhatTheyAre) {

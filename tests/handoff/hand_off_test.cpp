@@ -7,9 +7,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <thread>
 #include <trellant_testing/temporary_directory.h>
 #include <trellant_testing/worker_process.h>
 
@@ -105,6 +107,21 @@ TEST(HandOff, AnswerWithoutExtensionsHasLossesWithoutPlaces) {
     EXPECT_EQ(handOff.losses[0].description, "gone");
     EXPECT_EQ(handOff.losses[0].plain, "");
     EXPECT_THAT(handOff.compositions, IsEmpty());
+}
+
+TEST(HandOff, NoCallbackRunsOnceTheWorkerHasAnswered) {
+    // Longer than the client waits for a callback once its worker is gone.
+    constexpr std::chrono::milliseconds longTime{2'500};
+    bool hasReturned = false;
+    EXPECT_NO_THROW((void)askWorker(
+        {.file = example("session.omf"), .helperURLProvider = requestOf("").helperURLProvider}, {},
+        [&](const AAFWorkerProtocol::Progress& report) {
+            if (report.phase == "opening") {
+                std::this_thread::sleep_for(longTime);
+                hasReturned = true;
+            }
+        }));
+    EXPECT_TRUE(hasReturned);
 }
 
 }  // namespace

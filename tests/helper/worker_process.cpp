@@ -14,6 +14,7 @@
 #include <trellant_testing/worker_process.h>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 namespace trellant::testing {
 
@@ -98,8 +99,12 @@ class Setup {
             ::posix_spawn_file_actions_addchdir_np(&actions_, path.c_str());
         }
     }
-    [[nodiscard]] pid_t start(std::string program) {
-        std::array<char*, 2> arguments{program.data(), nullptr};
+    [[nodiscard]] pid_t start(std::string program, std::vector<std::string> words) {
+        std::vector<char*> arguments{program.data()};
+        for (std::string& word : words) {
+            arguments.push_back(word.data());
+        }
+        arguments.push_back(nullptr);
         pid_t child = 0;
         if (::posix_spawn(&child, program.c_str(), &actions_, &attributes_, arguments.data(),
                           environ) != 0) {
@@ -223,7 +228,7 @@ WorkerRun runWorker(const WorkerStart& start) {
             outputs[stream].reading.close();
         }
     }
-    const pid_t child = setup.start(workerPath());
+    const pid_t child = setup.start(workerPath(), start.arguments);
     input.reading.close();
     for (std::size_t stream = 0; stream < outputs.size(); ++stream) {
         outputs[stream].writing.close();

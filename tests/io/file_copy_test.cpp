@@ -1,13 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "expect_throw.h"
 
+#include <trellant/base/host_watch.h>
 #include <trellant/io/random_access_file.h>
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <filesystem>
+#include <functional>
+#include <optional>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <trellant_testing/byte_writer.h>
+#include <trellant_testing/killed_host.h>
 #include <trellant_testing/temporary_directory.h>
 #include <vector>
 
@@ -163,6 +169,50 @@ TEST_F(FileCopy, ADestinationWithANulIsRefused) {
     EXPECT_EQ(refusalOf([&] { return RandomAccessFile(input_).copy(Segments{}, path), 0; }),
               "cannot create \"a\xEF\xBF\xBD"
               "b\": Invalid argument");
+}
+
+/// More than is copied while a test runs; what a test that fails writes of it is bounded.
+constexpr std::uint64_t endless = 8'589'934'592;
+
+/// The end of a process that copies without end when its host is killed.
+int endOfCopying(const std::string& input, const std::string& output, bool isTold) {
+    fs::resize_file(input, endless);
+    testing::KilledHost host([&](const std::function<void()>& ready) {
+        watchHost(7);
+        if (!isTold) {
+            sigset_t all;
+            ::sigfillset(&all);
+            ::pthread_sigmask(SIG_BLOCK, &all, nullptr);
+        }
+        const RandomAccessFile file(input);
+        bool isFirst = true;
+        file.copy(
+            [&]() -> std::optional<BentoValueSegment> {
+                if (!isFirst) {
+                    return std::nullopt;
+                }
+                isFirst = false;
+                ready();
+                return range(0, endless);
+            },
+            output);
+    });
+    host.kill();
+    return host.endOfWorker();
+}
+
+TEST_F(FileCopy, EndsWithTheHostAndLeavesNoHalfFile) {
+    const int status = endOfCopying(input_, output_, true);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 7);
+    EXPECT_FALSE(fs::exists(output_));
+}
+
+TEST_F(FileCopy, LooksAfterItsHostBetweenPieces) {
+    const int status = endOfCopying(input_, output_, false);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 7);
+    EXPECT_FALSE(fs::exists(output_));
 }
 
 }  // namespace

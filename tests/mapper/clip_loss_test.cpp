@@ -65,6 +65,14 @@ TEST(ClipLoss, MissingTrackIsWordedApartInDiagnosticAndReason) {
     EXPECT_THAT(result.kinds, ElementsAre(LossKind::clipSourceTrackMissing));
 }
 
+TEST(ClipLoss, ReasonIsTheSameInEnglish) {
+    const ClipSourceTrackMissing told{mob, 4};
+    EXPECT_TRUE(verlustGrund(told).has_value());
+    EXPECT_EQ(lossReason(told), verlustGrund(told));
+    EXPECT_EQ(lossReason(ClipSourceCycle{OMFObject{9}}),
+              verlustGrund(ClipSourceCycle{OMFObject{9}}));
+}
+
 TEST(ClipLoss, CycleHasARecordOfItsOwnInsteadOfAReason) {
     EXPECT_EQ(verlustGrund(ClipSourceCycle{OMFObject{9}}), std::nullopt);
     const Dropped result = dropped(ClipSourceCycle{OMFObject{9}});

@@ -68,6 +68,14 @@ TEST(StemRole, UnclassifiedSharesTheDisplayNameOfOther) {
     EXPECT_EQ(anzeigename(AAFStemRole::unclassified), "Other");
 }
 
+TEST(StemRole, NamesAreTheSameInEnglish) {
+    EXPECT_EQ(&outputRoles, &ausgaberollen);
+    for (const AAFStemRole role : allStemRoles) {
+        EXPECT_EQ(displayNameKey(role), anzeigenameKey(role));
+        EXPECT_EQ(displayName(role), anzeigename(role));
+    }
+}
+
 TEST(EnumNamesDeathTest, ANumberThatIsNoCaseStopsTheProcess) {
     EXPECT_DEATH((void)rawValue(static_cast<AAFStemRole>(5)),
                  testing::Eq("precondition failed: enumeration value outside its cases\n"));

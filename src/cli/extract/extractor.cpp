@@ -201,8 +201,7 @@ Extractor::Outcome Extractor::extract(const ExtractJob& job) {
                 throw;
             }
             console_.endBar();
-            const std::string failure =
-                "cannot write to " + shown(job.directory) + ": " + *reason;
+            const std::string failure = "cannot write to " + shown(job.directory) + ": " + *reason;
             console_.error(shown(job.file) + ": " + failure);
             reportWhatIsThere(job.directory, placed, console_);
             return {.failure = failure};

@@ -75,9 +75,8 @@ std::string reportFailure(const std::string& file, const std::exception& error, 
 void reportChanges(const std::string& file, const HandOff& handOff, Console& console) {
     for (const DescribedChange& change : handOff.changes) {
         const std::string place = placeText(change, handOff.timeline);
-        console.note(shown(file) + ": repaired: " + place +
-                     (place.empty() ? "" : ": ") + change.what + " (" + change.code + ", " +
-                     change.object + ")");
+        console.note(shown(file) + ": repaired: " + place + (place.empty() ? "" : ": ") +
+                     change.what + " (" + change.code + ", " + change.object + ")");
     }
 }
 

@@ -25,7 +25,7 @@ AAFTimeline timelineIn(const std::string& text) {
             // A fault inside "timeline" is one of a result; at the outermost level either may be
             // meant, and the timeline says more.
             if (asResult.keyPath().starts_with("timeline.")) {
-                throw JsonDecodingError(asResult.keyPath(), asResult.reason());
+                throw JsonDecodingError(asResult.keyPath(), asResult.reason(), asResult.kind());
             }
             throw;
         }

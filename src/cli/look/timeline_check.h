@@ -25,8 +25,8 @@ struct TimelineCheck {
     std::vector<std::string> missingAudio{};
 };
 
-/// `text`: a timeline, or a result of the worker with one. `folder` (absolute): where it lies, for a
-/// document that names files by the way from there.
+/// `text`: a timeline, or a result of the worker with one. `folder` (absolute): where it lies, for
+/// a document that names files by the way from there.
 [[nodiscard]] TimelineCheck checkTimeline(const std::string& text, const std::string& folder);
 
 }  // namespace trellant::cli

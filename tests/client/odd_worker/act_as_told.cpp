@@ -99,4 +99,24 @@ int repeatAsTold() {
     return 0;
 }
 
+int reportAsTold() {
+    const std::string request = readRequest();
+    const int count = std::atoi(textUnder(request, "aafPath").c_str());
+    const auto size = std::strtoull(textUnder(request, "workDirectory").c_str(), nullptr, 10);
+    const auto report = [](const std::string& phase) {
+        writeAlone(STDERR_FILENO,
+                   R"(TRELLANT-AAF-PROGRESS {"fraction":0,"phase":")" + phase + "\"}\n");
+    };
+    report("first");
+    announce();
+    waitForRelease();
+    for (int number = 1; number <= count; ++number) {
+        std::string phase = std::to_string(number);
+        phase.resize(std::max<std::size_t>(size, phase.size()), ' ');
+        report(phase);
+    }
+    writeAll(STDOUT_FILENO, echo(request));
+    return 0;
+}
+
 }  // namespace trellant::testing::odd

@@ -145,6 +145,9 @@ int behave(std::string_view name) {
     if (name == "acts") {
         return actAsTold();
     }
+    if (name == "reports") {
+        return reportAsTold();
+    }
     if (name == "describes-itself") {
         return describeItself();
     }

@@ -24,6 +24,11 @@ namespace trellant::testing::odd {
 /// often the second comes.
 [[nodiscard]] int repeatAsTold();
 
+/// Reports the phase "first", waits for the release, then reports the phases "1", "2" and on,
+/// filled with blanks, each once the one before was taken, and answers: `aafPath` holds how many,
+/// `workDirectory` the size of each.
+[[nodiscard]] int reportAsTold();
+
 /// Answers with what this process got from its host besides the request, one diagnostic each.
 [[nodiscard]] int describeItself();
 

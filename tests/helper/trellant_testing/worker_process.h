@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace trellant::testing {
 
@@ -23,6 +24,8 @@ struct WorkerStart {
     std::string directory{};
     OutputStream output{};
     OutputStream errors{};
+    /// Behind the program's name.
+    std::vector<std::string> arguments{};
 };
 
 /// How a run ended. Exactly one of status and signal is present.

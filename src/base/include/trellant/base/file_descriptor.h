@@ -39,6 +39,10 @@ struct Pipe {
 /// SystemCallError.
 [[nodiscard]] Pipe makePipe();
 
+/// Lets the pipe hold no more than this, where the system lets that be told: one read of as many
+/// bytes then takes all that is there.
+void limitCapacity(const FileDescriptor& end, int bytes) noexcept;
+
 /// Reads and writes on this end return at once from now on; the other end stays as it is.
 void makeNonBlocking(const FileDescriptor& descriptor) noexcept;
 

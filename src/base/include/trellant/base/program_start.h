@@ -24,7 +24,10 @@ struct ProgramStreams {
 /// Everything but the program: what its streams become, and that it starts with no other
 /// descriptor, with signals as a fresh program meets them whatever this process ignores or blocks,
 /// and as the leader of a process group of its own, so that a key pressed at a terminal is not its
-/// to handle.
+/// to handle. A program starts with no other descriptor whatever other threads open meanwhile, save
+/// with a C library that cannot close all of them at once (Apple's can, glibc from 2.34 on and
+/// those of the BSDs): there one that another thread opens just then, and does not mark to be
+/// closed on exec, is inherited.
 class ProgramStart {
   public:
     /// Throws SystemCallError ("cannot prepare the start: ...").

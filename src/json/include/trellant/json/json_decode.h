@@ -20,13 +20,17 @@ namespace [[gnu::visibility("default")]] trellant {
 /// the reason alone for a fault of the syntax or of the outermost value.
 class JsonDecodingError final : public std::exception {
   public:
-    JsonDecodingError(std::string keyPath, std::string reason);
+    using Kind = jsonDecoding::Misfit;
+
+    JsonDecodingError(std::string keyPath, std::string reason, Kind kind = Kind::corrupt);
+    [[nodiscard]] Kind kind() const noexcept { return kind_; }
     /// "timeline.events[3].fadeIn.duration.denominator"; may be empty.
     [[nodiscard]] const std::string& keyPath() const noexcept { return keyPath_; }
     [[nodiscard]] const std::string& reason() const noexcept { return reason_; }
     [[nodiscard]] const char* what() const noexcept override { return description_.c_str(); }
 
   private:
+    Kind kind_;
     std::string keyPath_;
     std::string reason_;
     std::string description_;

@@ -30,9 +30,18 @@ struct ValueSlot {
     void* target = nullptr;
 };
 
+/// What is wrong with a value, or with the text as a whole.
+enum class Misfit {
+    /// No JSON, or a value of the right type that means nothing in its place.
+    corrupt,
+    missingKey,
+    wrongType
+};
+
 /// Why a value does not fit its place; the decoder knows the key path.
 struct ValueFault {
     std::string reason;
+    Misfit misfit = Misfit::corrupt;
 };
 
 /// A number as it stands in the text, or as the integer that it is.
@@ -330,7 +339,7 @@ struct OpsOf<V> {
 
     static void endObject(Frame& frame) {
         if (!std::has_single_bit(frame.seen)) {
-            throw ValueFault{"Invalid number of keys found, expected one."};
+            throw ValueFault{"Invalid number of keys found, expected one.", Misfit::wrongType};
         }
         if (frame.seen == unknownKey) {
             throw ValueFault{"the key is none of the known cases"};

@@ -26,4 +26,13 @@ inline constexpr std::array<AAFStemRole, 4> ausgaberollen{AAFStemRole::music, AA
 /// the process.
 [[nodiscard]] std::string_view anzeigename(AAFStemRole role);
 
+// The same in English.
+inline constexpr const std::array<AAFStemRole, 4>& outputRoles = ausgaberollen;
+[[nodiscard]] inline std::string_view displayNameKey(AAFStemRole role) noexcept {
+    return anzeigenameKey(role);
+}
+[[nodiscard]] inline std::string_view displayName(AAFStemRole role) {
+    return anzeigename(role);
+}
+
 }  // namespace trellant
