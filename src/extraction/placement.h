@@ -3,14 +3,13 @@
 // byte for byte, is kept; another one of the same name is never replaced unless that was asked for.
 #pragma once
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/base/numbered_name.h>
 #include <trellant/extraction/placed_file.h>
 #include <trellant/handoff/work_progress.h>
 
 #include <cstddef>
 #include <string>
-#include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 namespace trellant {
@@ -40,9 +39,9 @@ class Placement {
     bool force_;
     WorkProgress& progress_;
     std::vector<PlacedFile> placed_;
-    std::unordered_set<std::string> taken_;
+    KeyedSet<std::string> taken_;
     /// Of files that were compared and found to be others.
-    std::unordered_map<std::string, std::string> digests_;
+    KeyedMap<std::string, std::string> digests_;
 };
 
 }  // namespace trellant

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "rows.h"
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/base/url.h>
 #include <trellant/handoff/sources.h>
 #include <trellant/handoff/timeline_text.h>
 
 #include <map>
 #include <string_view>
-#include <unordered_map>
 
 namespace trellant::cli {
 
@@ -66,8 +66,8 @@ struct TrackTotals {
     AAFRational end{};
 };
 
-std::unordered_map<std::string_view, TrackTotals> totalsByTrack(const AAFTimeline& timeline) {
-    std::unordered_map<std::string_view, TrackTotals> totals;
+KeyedMap<std::string_view, TrackTotals> totalsByTrack(const AAFTimeline& timeline) {
+    KeyedMap<std::string_view, TrackTotals> totals;
     for (const AAFClipEvent& event : timeline.events) {
         TrackTotals& track = totals[event.trackID];
         ++track.clips;
@@ -97,7 +97,7 @@ Listing listTracks(const HandOff& handOff) {
                    {"id", "Id"}},
         .rows = {}};
     const auto totals = totalsByTrack(timeline);
-    std::unordered_map<std::string_view, std::int64_t> losses;
+    KeyedMap<std::string_view, std::int64_t> losses;
     for (const PlacedLoss& loss : handOff.losses) {
         if (loss.trackID) {
             ++losses[*loss.trackID];

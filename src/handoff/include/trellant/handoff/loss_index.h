@@ -2,11 +2,11 @@
 // Which losses touch a clip: those of its track whose time it shares.
 #pragma once
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/handoff/hand_off.h>
 
 #include <cstddef>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace [[gnu::visibility("default")]] trellant {
@@ -30,7 +30,7 @@ class LossIndex {
         std::size_t position;
     };
     /// By track id, each in order of start.
-    std::unordered_map<std::string_view, std::vector<Span>> byTrack_;
+    KeyedMap<std::string_view, std::vector<Span>> byTrack_;
 };
 
 }  // namespace trellant
