@@ -19,6 +19,8 @@ namespace {
 /// Values closer than this are one value.
 constexpr double gainTolerance = 1e-9;
 constexpr double panTolerance = 1e-6;
+/// What merging a draft and folding an effect into it take.
+constexpr std::uint64_t stepsOfDraft = 16;
 
 /// The value of an envelope whose points all lie within `tolerance` of the first.
 std::optional<double> constantValueOf(const AAFAutomationEnvelope& envelope, double tolerance) {
@@ -99,6 +101,7 @@ void setPan(EventDrafts& drafts, std::size_t first, double pan) {
 }  // namespace
 
 void EffectFold::fold(const FoldedEffect& effect, EventDrafts& drafts, std::size_t first) {
+    reads_.countSteps(stepsOfDraft * (drafts.size() - first));
     mergeEqualPlacements(drafts, first);
     if (effect.isGain) {
         const auto varying = effect.arguments.gainAutomation;
