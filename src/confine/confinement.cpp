@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "confinement_layers.h"
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/base/system_error_text.h>
 #include <trellant/confine/confinement.h>
 
@@ -29,6 +30,8 @@ void confine(Sandbox sandbox, const ConfinedNeeds& needs) {
     if (sandbox == Sandbox::off) {
         return;
     }
+    // Before anything is given up that it takes.
+    static_cast<void>(HashSecret::ofProcess());
     const auto layers = confinementLayers();
     if (layers.empty() && sandbox == Sandbox::required) {
         throw ConfinementError("cannot confine itself on this system");

@@ -3,6 +3,7 @@
 #include "staging.h"
 #include "wave_conversion.h"
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/base/url.h>
 #include <trellant/client/errors.h>
 #include <trellant/extraction/extraction.h>
@@ -16,8 +17,6 @@
 #include <map>
 #include <memory>
 #include <system_error>
-#include <unordered_map>
-#include <unordered_set>
 #include <utility>
 
 namespace trellant {
@@ -92,7 +91,7 @@ class Extraction::Run {
     Boxed<AAFWorkerExtensions::EmbeddedMedia> embedded_;
     WaveConversions conversions_;
     /// By essence id.
-    std::unordered_map<std::string, PlacedFile> placedByEssence_;
+    KeyedMap<std::string, PlacedFile> placedByEssence_;
 };
 
 ExtractionReport Extraction::Run::all() {
@@ -156,7 +155,7 @@ void Extraction::Run::separate() {
     if (!embedded_) {
         return;
     }
-    std::unordered_map<std::string_view, const AAFWorkerExtensions::SeparateFile*> files;
+    KeyedMap<std::string_view, const AAFWorkerExtensions::SeparateFile*> files;
     for (const AAFWorkerExtensions::SeparateFile& file : embedded_->separateFiles) {
         files.emplace(file.essenceID, &file);
     }
@@ -200,7 +199,7 @@ void Extraction::Run::protectWhatIsRead() {
 
 void Extraction::Run::placeAudio() {
     auto& essences = handOff_.timeline.essences;
-    std::unordered_set<std::string> names;
+    KeyedSet<std::string> names;
     for (const AAFSourceEssence& essence : essences) {
         if (const auto path = pathOf(essence); essence.embedded && path) {
             names.insert(staging_.nameOf(*path));
@@ -309,8 +308,8 @@ AudioEntry Extraction::Run::entryOf(std::size_t index) const {
 std::vector<AudioEntry> Extraction::Run::entries() {
     const AAFTimeline& timeline = handOff_.timeline;
     std::vector<AudioEntry> entries;
-    std::unordered_map<std::string, std::size_t> entryByPath;
-    std::unordered_map<std::string_view, std::size_t> entryByEssence;
+    KeyedMap<std::string, std::size_t> entryByPath;
+    KeyedMap<std::string_view, std::size_t> entryByEssence;
     for (std::size_t index = 0; index < timeline.essences.size(); ++index) {
         const AAFSourceEssence& essence = timeline.essences[index];
         const auto path = pathOf(essence);

@@ -3,6 +3,7 @@
 // byte for byte, is kept; another one of the same name is never replaced unless that was asked for.
 #pragma once
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/base/numbered_name.h>
 #include <trellant/base/read_files.h>
 #include <trellant/extraction/placed_file.h>
@@ -10,8 +11,6 @@
 
 #include <cstddef>
 #include <string>
-#include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 namespace trellant {
@@ -50,9 +49,9 @@ class Placement {
     WorkProgress& progress_;
     ReadFiles read_;
     std::vector<PlacedFile> placed_;
-    std::unordered_set<std::string> taken_;
+    KeyedSet<std::string> taken_;
     /// Of files that were compared and found to be others.
-    std::unordered_map<std::string, std::string> digests_;
+    KeyedMap<std::string, std::string> digests_;
 };
 
 }  // namespace trellant

@@ -4,13 +4,12 @@
 
 #include "staging.h"
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/handoff/work_progress.h>
 #include <trellant/model/timeline.h>
 
 #include <optional>
 #include <string>
-#include <unordered_map>
-#include <unordered_set>
 
 namespace trellant {
 
@@ -23,9 +22,9 @@ namespace trellant {
 
 struct WaveConversions {
     /// Essence ids.
-    std::unordered_set<std::string> converted{};
+    KeyedSet<std::string> converted{};
     /// By essence id: why the file stays as it is.
-    std::unordered_map<std::string, std::string> failures{};
+    KeyedMap<std::string, std::string> failures{};
 };
 
 /// Converts every AIFC file in `staging` that a source of the timeline names, and lets the source

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/base/precondition.h>
 #include <trellant/base/printable_text.h>
 #include <trellant/handoff/changes.h>
@@ -10,7 +11,6 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 
 namespace trellant {
@@ -166,9 +166,9 @@ class Places {
     }
 
     const AAFTimeline& timeline_;
-    std::unordered_map<std::string_view, const AAFTrackState*> tracks_;
+    KeyedMap<std::string_view, const AAFTrackState*> tracks_;
     /// By essence id.
-    std::unordered_map<std::string_view, const AAFClipEvent*> firstClips_;
+    KeyedMap<std::string_view, const AAFClipEvent*> firstClips_;
 };
 
 }  // namespace

@@ -1,19 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 
-
+#include <trellant/base/keyed_hash.h>
 #include <trellant/base/url.h>
 #include <trellant/handoff/missing_media.h>
 #include <trellant/handoff/timeline_text.h>
 #include <trellant/model/validation.h>
 
 #include <algorithm>
-#include <unordered_map>
 
 namespace trellant {
 
 namespace {
 
-using NeedsByEssence = std::unordered_map<std::string_view, SourceNeeds>;
+using NeedsByEssence = KeyedMap<std::string_view, SourceNeeds>;
 
 /// Of each source that is still without a file.
 NeedsByEssence needsOfMissing(const AAFTimeline& timeline) {

@@ -2,6 +2,7 @@
 // The names that a container gives to properties, or to types.
 #pragma once
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/io/byte_readers.h>
 
 #include <cstddef>
@@ -9,7 +10,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
 namespace trellant {
 
@@ -24,9 +24,9 @@ class BentoNames {
     [[nodiscard]] std::optional<std::uint32_t> object(std::string_view name) const;
 
   private:
-    std::unordered_map<std::uint32_t, std::string> names_;
+    KeyedMap<std::uint32_t, std::string> names_;
     /// Views into names_, whose texts never move.
-    std::unordered_map<std::string_view, std::uint32_t> objects_;
+    KeyedMap<std::string_view, std::uint32_t> objects_;
 };
 
 }  // namespace trellant

@@ -5,9 +5,8 @@
 #include "bounded_reads.h"
 
 #include <trellant/base/boxed.h>
+#include <trellant/base/keyed_hash.h>
 #include <trellant/model/timeline.h>
-
-#include <unordered_map>
 
 namespace trellant {
 
@@ -27,7 +26,7 @@ class AutomationEnvelopes {
     [[nodiscard]] Boxed<AAFAutomationEnvelope> readEnvelope(OMFObject varying);
 
     BoundedReads& reads_;
-    std::unordered_map<OMFObject, Boxed<AAFAutomationEnvelope>> envelopes_;
+    KeyedMap<OMFObject, Boxed<AAFAutomationEnvelope>> envelopes_;
 };
 
 }  // namespace trellant

@@ -10,6 +10,11 @@ namespace trellant {
 
 namespace {
 
+/// What lists and texts take, in steps.
+constexpr std::uint64_t referencesOfStep = 4;
+constexpr std::uint64_t stepsOfText = 4;
+constexpr std::uint64_t textBytesOfStep = 32;
+
 void hold(std::uint64_t total, std::uint64_t most, const char* what) {
     if (total > most) {
         throw OMFIOError::unsupported("composition holds more than " + std::to_string(most) + what);
@@ -32,11 +37,13 @@ BoundedReads::BoundedReads(const OMFDocument& document)
       maximumTextBytes_(allowanceFor(document, 1, extraTextBytes)),
       maximumLongReads_(allowanceFor(document, timesTheFile, extraLongReads)),
       maximumCopiedBytes_(allowanceFor(document, copiedTimesTheFile, extraCopiedBytes)),
+      maximumSteps_(allowanceFor(document, stepsTimesTheFile, extraSteps)),
       longReadsBefore_(document.bento().longReads()) {}
 
 std::vector<OMFObject> BoundedReads::objectRefs(OMFObject object, OMFDocument::Candidates names) {
     auto references = document_.objectRefs(object, names);
     checkWork();
+    countSteps(1 + references.size() / referencesOfStep);
     if (references.size() > longList) {
         countReferences(references.size());
     }
@@ -46,6 +53,7 @@ std::vector<OMFObject> BoundedReads::objectRefs(OMFObject object, OMFDocument::C
 std::optional<std::string> BoundedReads::string(OMFObject object, OMFDocument::Candidates names) {
     auto text = document_.string(object, names);
     checkWork();
+    countSteps(stepsOfText + (text ? text->size() / textBytesOfStep : 0));
     if (text) {
         countText(text->size());
     }
@@ -71,6 +79,11 @@ void BoundedReads::countCopied(OMFObject object, OMFProperty property) {
             " bytes to extract from a file of " + std::to_string(bento.file().size()));
     }
     copiedBytes_ += count;
+}
+
+void BoundedReads::refuseSteps() const {
+    throw OMFIOError::unsupported("composition takes more than " + std::to_string(maximumSteps_) +
+                                  " steps to map");
 }
 
 void BoundedReads::countReferences(std::uint64_t count) {

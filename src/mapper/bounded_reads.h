@@ -6,6 +6,10 @@
 // or text, and a file of a megabyte could ask for work without end. Short lists need no bound: each
 // costs its object. Texts do: an object in ten million places is named ten million times. And what
 // a read gives may be less than it takes: rubbish that is no text, a list of nothing.
+//
+// Small values cost little, but ten million places that look at a hundred small values each take a
+// minute. So all that a mapping does is counted in steps, each about as long as one read of a small
+// value, some 25 ns.
 #pragma once
 
 #include <trellant/omf/document.h>
@@ -38,6 +42,10 @@ class BoundedReads {
     /// times its bytes, and these. Two media that share one value are no rarity.
     static constexpr std::uint64_t copiedTimesTheFile = 16;
     static constexpr std::uint64_t extraCopiedBytes = 67'108'864;
+    /// Steps of one request: so many times the file's size, which an unshared composition never
+    /// needs, and these.
+    static constexpr std::uint64_t stepsTimesTheFile = 16;
+    static constexpr std::uint64_t extraSteps = 167'772'160;
 
     /// `document` must outlive this.
     explicit BoundedReads(const OMFDocument& document);
@@ -55,32 +63,40 @@ class BoundedReads {
     /// when all that is copied would be too much for such a file.
     [[nodiscard]] bool copy(OMFObject object, OMFProperty property, const std::string& destination);
 
-    /// Values of a few bytes as OMFDocument reads them: each costs its object, they need no bound.
+    /// Values of a few bytes as OMFDocument reads them, a step each. Past the bound of the steps
+    /// they throw OMFIOError unsupported.
     [[nodiscard]] std::optional<std::int16_t> int16(OMFObject object,
                                                     OMFDocument::Candidates names) const {
+        countSteps(1);
         return document_.int16(object, names);
     }
     [[nodiscard]] std::optional<std::int32_t> int32(OMFObject object,
                                                     OMFDocument::Candidates names) const {
+        countSteps(1);
         return document_.int32(object, names);
     }
     [[nodiscard]] std::optional<std::uint32_t> uint32(OMFObject object,
                                                       OMFDocument::Candidates names) const {
+        countSteps(1);
         return document_.uint32(object, names);
     }
     [[nodiscard]] std::optional<std::int64_t> int64(OMFObject object,
                                                     OMFDocument::Candidates names) const {
+        countSteps(1);
         return document_.int64(object, names);
     }
     [[nodiscard]] std::optional<OMFRationalValue> rational(OMFObject object,
                                                            OMFDocument::Candidates names) const {
+        countSteps(1);
         return document_.rational(object, names);
     }
     [[nodiscard]] std::optional<OMFUID> uid(OMFObject object, OMFDocument::Candidates names) const {
+        countSteps(1);
         return document_.uid(object, names);
     }
     [[nodiscard]] std::optional<OMFObject> objectRef(OMFObject object,
                                                      OMFDocument::Candidates names) const {
+        countSteps(1);
         return document_.objectRef(object, names);
     }
 
@@ -95,6 +111,16 @@ class BoundedReads {
         return document_.objects(ofClass);
     }
 
+    /// Counts so many steps of work beside the reads. Throws OMFIOError unsupported past the bound.
+    void countSteps(std::uint64_t count) const {
+        steps_ += count;
+        if (steps_ > maximumSteps_) {
+            refuseSteps();
+        }
+    }
+    /// Counted so far.
+    [[nodiscard]] std::uint64_t steps() const noexcept { return steps_; }
+
     /// Counts what was read from a list once and is given out again.
     void countReferences(std::uint64_t count);
     /// The same for a text, of so many bytes.
@@ -104,6 +130,7 @@ class BoundedReads {
     void checkWork() const;
 
   private:
+    [[noreturn]] void refuseSteps() const;
     void countCopied(OMFObject object, OMFProperty property);
 
     const OMFDocument& document_;
@@ -111,8 +138,11 @@ class BoundedReads {
     std::uint64_t maximumTextBytes_;
     std::uint64_t maximumLongReads_;
     std::uint64_t maximumCopiedBytes_;
+    std::uint64_t maximumSteps_;
     /// Of the document when this began.
     std::uint64_t longReadsBefore_;
+    /// Reading changes nothing that anybody sees but this.
+    mutable std::uint64_t steps_ = 0;
     std::uint64_t references_ = 0;
     std::uint64_t textBytes_ = 0;
     std::uint64_t longTextBytes_ = 0;

@@ -4,13 +4,13 @@
 
 #include "bounded_reads.h"
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/omf/document.h>
 
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
 namespace trellant {
 
@@ -35,7 +35,7 @@ class ClipNames {
     /// Attributes looked at so far. Lists may share lists: what took long is remembered, by list
     /// and level, so that a clip costs no more than the lists hold.
     std::uint64_t looked_ = 0;
-    std::unordered_map<std::uint64_t, std::optional<std::string>> remembered_;
+    KeyedMap<std::uint64_t, std::optional<std::string>> remembered_;
 };
 
 }  // namespace trellant

@@ -4,11 +4,11 @@
 
 #include "bounded_reads.h"
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/omf/document.h>
 
 #include <optional>
 #include <string>
-#include <unordered_map>
 
 namespace trellant {
 
@@ -31,7 +31,7 @@ class DataKinds {
 
     BoundedReads& reads_;
     const std::optional<std::string> unreadable_;
-    std::unordered_map<OMFObject, std::optional<std::string>> kinds_;
+    KeyedMap<OMFObject, std::optional<std::string>> kinds_;
 };
 
 }  // namespace trellant

@@ -5,7 +5,7 @@
 #include "bounded_reads.h"
 #include "effect_kinds.h"
 
-#include <unordered_map>
+#include <trellant/base/keyed_hash.h>
 
 namespace trellant {
 
@@ -24,8 +24,8 @@ class Dissolves {
     BoundedReads& reads_;
     EffectKinds& kinds_;
     /// Answers by dissolve effect and by level: transitions may share either.
-    std::unordered_map<OMFObject, bool> effects_;
-    std::unordered_map<OMFObject, bool> levels_;
+    KeyedMap<OMFObject, bool> effects_;
+    KeyedMap<OMFObject, bool> levels_;
 };
 
 }  // namespace trellant

@@ -4,10 +4,11 @@
 
 #include "bounded_reads.h"
 
+#include <trellant/base/keyed_hash.h>
+
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <unordered_map>
 #include <vector>
 
 namespace trellant {
@@ -37,7 +38,7 @@ class EffectArguments {
     [[nodiscard]] Values readValues(const std::vector<OMFObject>& slots) const;
 
     BoundedReads& reads_;
-    std::unordered_map<OMFObject, std::shared_ptr<const Values>> long_;
+    KeyedMap<OMFObject, std::shared_ptr<const Values>> long_;
 };
 
 }  // namespace trellant

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "effect_fold.h"
 
+#include <trellant/base/keyed_hash.h>
+
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <optional>
-#include <unordered_map>
+#include <span>
 #include <utility>
 #include <variant>
 
@@ -16,6 +19,8 @@ namespace {
 /// Values closer than this are one value.
 constexpr double gainTolerance = 1e-9;
 constexpr double panTolerance = 1e-6;
+/// What merging a draft and folding an effect into it take.
+constexpr std::uint64_t stepsOfDraft = 16;
 
 /// The value of an envelope whose points all lie within `tolerance` of the first.
 std::optional<double> constantValueOf(const AAFAutomationEnvelope& envelope, double tolerance) {
@@ -38,13 +43,10 @@ struct Placement {
 
 struct PlacementHash {
     std::size_t operator()(const Placement& placement) const noexcept {
-        const auto mix = [](std::uint64_t seed, std::uint64_t value) {
-            return (seed ^ value) * 0x9E3779B97F4A7C15U;
-        };
-        auto hash = mix(0, number(placement.object));
-        hash = mix(hash ^ (hash >> 32U), static_cast<std::uint64_t>(placement.start.numerator()));
-        hash = mix(hash ^ (hash >> 32U), static_cast<std::uint64_t>(placement.start.denominator()));
-        return static_cast<std::size_t>(hash ^ (hash >> 32U));
+        const std::array words{static_cast<std::int64_t>(number(placement.object)),
+                               placement.start.numerator(), placement.start.denominator()};
+        return static_cast<std::size_t>(
+            sipHash(HashSecret::ofProcess(), std::as_bytes(std::span(words))));
     }
 };
 
@@ -54,7 +56,7 @@ void mergeEqualPlacements(EventDrafts& drafts, std::size_t first) {
     if (drafts.size() - first < 2) {
         return;
     }
-    std::unordered_map<Placement, std::size_t, PlacementHash> kept;
+    KeyedMap<Placement, std::size_t, PlacementHash> kept;
     kept.reserve(drafts.size() - first);
     std::size_t end = first;
     for (std::size_t i = first; i < drafts.size(); ++i) {
@@ -99,6 +101,7 @@ void setPan(EventDrafts& drafts, std::size_t first, double pan) {
 }  // namespace
 
 void EffectFold::fold(const FoldedEffect& effect, EventDrafts& drafts, std::size_t first) {
+    reads_.countSteps(stepsOfDraft * (drafts.size() - first));
     mergeEqualPlacements(drafts, first);
     if (effect.isGain) {
         const auto varying = effect.arguments.gainAutomation;

@@ -4,8 +4,9 @@
 
 #include "bounded_reads.h"
 
+#include <trellant/base/keyed_hash.h>
+
 #include <string>
-#include <unordered_map>
 
 namespace trellant {
 
@@ -23,7 +24,7 @@ class EffectKinds {
   private:
     BoundedReads& reads_;
     /// By effect definition.
-    std::unordered_map<OMFObject, std::string> ids_;
+    KeyedMap<OMFObject, std::string> ids_;
 };
 
 }  // namespace trellant

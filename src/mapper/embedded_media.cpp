@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bounded_reads.h"
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/base/numbered_name.h>
 #include <trellant/base/printable_text.h>
 #include <trellant/base/url.h>
@@ -11,8 +12,6 @@
 #include <cstdint>
 #include <map>
 #include <sys/stat.h>
-#include <unordered_map>
-#include <unordered_set>
 
 namespace trellant {
 
@@ -39,8 +38,8 @@ std::optional<OMFProperty> dataProperty(OMFClass kind) {
 }
 
 /// Audio media by the text of the mob's identifier.
-std::unordered_map<std::string, Media> audioMedia(const OMFDocument& document) {
-    std::unordered_map<std::string, Media> media;
+KeyedMap<std::string, Media> audioMedia(const OMFDocument& document) {
+    KeyedMap<std::string, Media> media;
     for (const auto& [mobID, object] : document.mediaDataMap()) {
         if (const auto data = dataProperty(document.classOf(object))) {
             media.emplace(mobID.description(), Media{object, *data});
@@ -125,13 +124,13 @@ class Separation {
     }
 
     BoundedReads reads_;
-    std::unordered_map<std::string, Media> media_;
+    KeyedMap<std::string, Media> media_;
 };
 
 }  // namespace
 
 UnusedMedia unusedMedia(const OMFDocument& document, const AAFTimeline& timeline) {
-    std::unordered_set<OMFObject> used;
+    KeyedSet<OMFObject> used;
     const auto media = audioMedia(document);
     for (const AAFSourceEssence& essence : timeline.essences) {
         const auto found = media.find(essence.mobID.value_or(""));

@@ -9,13 +9,13 @@
 #include "media_search.h"
 #include "source_resolution.h"
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/mapper/mapper.h>
 #include <trellant/omf/audio_probe.h>
 #include <trellant/omf/document.h>
 
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace trellant {
@@ -64,8 +64,8 @@ class Essences {
     bool extract_;
     UniqueNames names_;
     MediaSearch search_;
-    std::unordered_map<OMFObject, AAFSourceEssence> essenceCache_;
-    std::unordered_map<OMFObject, FoundMedia> manyLocators_;
+    KeyedMap<OMFObject, AAFSourceEssence> essenceCache_;
+    KeyedMap<OMFObject, FoundMedia> manyLocators_;
 };
 
 }  // namespace trellant

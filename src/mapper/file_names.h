@@ -2,9 +2,10 @@
 // How extracted files are named: safe anywhere, unique within the work directory.
 #pragma once
 
+#include <trellant/base/keyed_hash.h>
+
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
 namespace trellant {
 
@@ -42,7 +43,7 @@ class UniqueNames {
 
     std::string directory_;
     /// By BASE.EXTENSION: the first number not known to be taken.
-    std::unordered_map<std::string, int> nextNumber_;
+    KeyedMap<std::string, int> nextNumber_;
 };
 
 }  // namespace trellant

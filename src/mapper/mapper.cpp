@@ -175,6 +175,8 @@ AAFRational Mapper::Assembly::walkSlot(SegmentWalk& walk, std::size_t index,
 
 void Mapper::Assembly::checkExpansion() {
     BoundedReads reads(document_);
+    const auto stepsBefore = reads_.steps();
+    reads.countSteps(stepsBefore);
     SegmentWalk counter(reads);
     const ObjectPath path("CMOB", composition_);
     EventDrafts none;
@@ -183,6 +185,7 @@ void Mapper::Assembly::checkExpansion() {
             walkSlot(counter, i, *editRate, path, none);
         }
     }
+    reads_.countSteps(reads.steps() - stepsBefore);
 }
 
 }  // namespace trellant

@@ -5,6 +5,7 @@
 
 #include "object_path.h"
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/mapper/loss_places.h>
 #include <trellant/model/timeline.h>
 
@@ -12,7 +13,6 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 namespace trellant {
@@ -85,7 +85,7 @@ class MappingNotes {
     /// By record; empty when no places are kept.
     std::vector<LossPlace> places_;
     std::vector<std::string> diagnostics_;
-    std::unordered_set<std::string> pathsRecordedOnce_;
+    KeyedSet<std::string> pathsRecordedOnce_;
     std::uint64_t noteBytes_ = 0;
 };
 

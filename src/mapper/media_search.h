@@ -3,6 +3,8 @@
 // in the file system.
 #pragma once
 
+#include <trellant/base/keyed_hash.h>
+
 #include <cstddef>
 #include <memory_resource>
 #include <optional>
@@ -67,7 +69,7 @@ class MediaSearch {
     /// Names and matches one after the other, without an allocation for each: a library of sounds
     /// has hundreds of thousands.
     std::pmr::monotonic_buffer_resource memory_;
-    std::pmr::unordered_map<std::string_view, Match> matchByName_{&memory_};
+    std::pmr::unordered_map<std::string_view, Match, KeyedHash> matchByName_{&memory_};
 };
 
 }  // namespace trellant

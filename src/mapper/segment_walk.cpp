@@ -9,9 +9,17 @@
 
 namespace trellant {
 
+namespace {
+
+/// What a visit takes beside its reads: its place in time, mostly.
+constexpr std::uint64_t stepsOfVisit = 4;
+
+}  // namespace
+
 void SegmentWalk::countVisit() {
     ++visits_;
     reads_.checkWork();
+    reads_.countSteps(stepsOfVisit);
     if (visits_ > maximumVisits) {
         throw OMFIOError::unsupported("composition expands to more than " +
                                       std::to_string(maximumVisits) + " segments");

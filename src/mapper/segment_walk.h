@@ -15,6 +15,7 @@
 #include "mapping_notes.h"
 #include "object_path.h"
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/omf/document.h>
 
 #include <cstdint>
@@ -23,7 +24,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
 namespace trellant {
 
@@ -120,7 +120,7 @@ class SegmentWalk {
     MappingNotes* notes_ = nullptr;
     std::function<void()> checkExpansion_;
     std::uint64_t visits_ = 0;
-    std::unordered_map<OMFObject, SharedList> longLists_;
+    KeyedMap<OMFObject, SharedList> longLists_;
     EffectKinds effectKinds_{reads_};
     EffectArguments effectArguments_{reads_};
     Dissolves dissolves_{reads_, effectKinds_};

@@ -11,6 +11,9 @@ namespace trellant {
 
 namespace {
 
+/// Looking whether a path was recorded before, for each level of it.
+constexpr std::uint64_t stepsOfPathLevel = 4;
+
 AAFRational seconds(std::int64_t editUnits, const AAFRational& rate) {
     return AAFRational(editUnits) / rate;
 }
@@ -65,7 +68,11 @@ SegmentWalk::Transition SegmentWalk::readTransition(OMFObject transition, const 
 
 std::optional<MappingNotes::RecordIndex> SegmentWalk::reportCut(const Transition* transition,
                                                                 const WalkPlace& place) {
-    if (transition == nullptr || transition->dissolve || onlyCounts()) {
+    if (transition == nullptr || transition->dissolve) {
+        return std::nullopt;
+    }
+    reads_.countSteps(stepsOfPathLevel * (static_cast<std::uint64_t>(place.depth) + 1));
+    if (onlyCounts()) {
         return std::nullopt;
     }
     return notes_->addUnsupportedOncePerPath(
@@ -159,6 +166,9 @@ AAFRational SegmentWalk::placeNested(const Component& component, const WalkPlace
         flatten(component.object,
                 {place.rate, component.position, path, place.scopes, place.depth + 2}, drafts);
     const auto nested = drafts.begin() + first;
+    if (component.dissolveIn || component.dissolveOut) {
+        reads_.countSteps(2 * static_cast<std::uint64_t>(drafts.end() - nested));
+    }
     if (component.dissolveIn) {
         const auto earliest = std::min_element(nested, drafts.end(),
                                                [](const EventDraft& left, const EventDraft& right) {

@@ -10,6 +10,9 @@ namespace {
 /// What a track descriptor without a number counts as: found only by a search for that number.
 constexpr std::uint32_t unnumberedTrack = 0xFFFF'FFFF;
 
+/// What a link of the chain takes beside its reads.
+constexpr std::uint64_t stepsOfLink = 10;
+
 std::uint64_t keyOf(OMFObject mob, std::uint32_t trackID) {
     return std::uint64_t{number(mob)} << 32U | trackID;
 }
@@ -31,6 +34,7 @@ SourceOrLoss SourceResolution::resolveSourceClip(OMFObject clip, AAFRational rat
     auto offset = initialTrim;
     std::vector<OMFObject> visited;
     for (;;) {
+        reads_.countSteps(stepsOfLink);
         if (visited.size() >= maximumDepth ||
             std::find(visited.begin(), visited.end(), clip) != visited.end()) {
             return ClipSourceCycle{clip};

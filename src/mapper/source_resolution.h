@@ -7,12 +7,11 @@
 #include "clip_loss.h"
 #include "data_kinds.h"
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/omf/document.h>
 
 #include <cstdint>
 #include <optional>
-#include <unordered_map>
-#include <unordered_set>
 #include <variant>
 #include <vector>
 
@@ -84,12 +83,12 @@ class SourceResolution {
     const OMFDocument::MobMap& mobMap_;
     DataKinds& dataKinds_;
     /// Keys: mob in the high, track number in the low half.
-    std::unordered_map<std::uint64_t, Track> tracks_;
-    std::unordered_map<std::uint64_t, OMFObject> slots_;
-    std::unordered_set<OMFObject> slotsIndexed_;
+    KeyedMap<std::uint64_t, Track> tracks_;
+    KeyedMap<std::uint64_t, OMFObject> slots_;
+    KeyedSet<OMFObject> slotsIndexed_;
     /// From a descriptor to the first Source Mob that has it, and from there to the answer.
-    std::unordered_map<OMFObject, OMFObject> ownerOfDescriptor_;
-    std::unordered_map<OMFObject, bool> audioHints_;
+    KeyedMap<OMFObject, OMFObject> ownerOfDescriptor_;
+    KeyedMap<OMFObject, bool> audioHints_;
 };
 
 }  // namespace trellant

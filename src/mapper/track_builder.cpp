@@ -3,8 +3,9 @@
 
 #include "track_pan.h"
 
+#include <trellant/base/keyed_hash.h>
+
 #include <algorithm>
-#include <unordered_map>
 #include <utility>
 
 namespace trellant {
@@ -95,7 +96,7 @@ bool TrackBuilder::buildEvent(const TrackSlot& slot, AAFChannelRole role, EventD
 }
 
 void TrackBuilder::nameClips(std::vector<LossPlace>& places) {
-    std::unordered_map<OMFObject, Boxed<std::string>> names;
+    KeyedMap<OMFObject, Boxed<std::string>> names;
     for (auto& place : places) {
         if (place.clip == OMFObject::none) {
             continue;

@@ -3,9 +3,10 @@
 // allocation for each element.
 #pragma once
 
+#include <trellant/base/keyed_hash.h>
+
 #include <bit>
 #include <cstddef>
-#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -21,7 +22,7 @@ class IdentityIndex {
     /// False when an element with that identity was added before.
     [[nodiscard]] bool add(std::size_t position) {
         const std::string_view id = elements_[position].id;
-        const std::size_t hash = std::hash<std::string_view>{}(id);
+        const std::size_t hash = KeyedHash{}(id);
         Slot& slot = slots_[slotOf(id, hash)];
         if (slot.count != 0) {
             return false;
@@ -32,7 +33,7 @@ class IdentityIndex {
 
     /// The element with this identity among those added; null when there is none.
     [[nodiscard]] const Element* find(std::string_view id) const {
-        const Slot& slot = slots_[slotOf(id, std::hash<std::string_view>{}(id))];
+        const Slot& slot = slots_[slotOf(id, KeyedHash{}(id))];
         return slot.count == 0 ? nullptr : &elements_[slot.count - 1];
     }
 

@@ -2,10 +2,8 @@
 // Which objects stay, under which ids, and what they refer to.
 #include "repair_parts.h"
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/model/validation.h>
-
-#include <unordered_map>
-#include <unordered_set>
 
 namespace trellant {
 
@@ -44,7 +42,7 @@ class NewIDs {
 
   private:
     Place::Kind kind_;
-    std::unordered_set<std::string> taken_;
+    KeyedSet<std::string> taken_;
 };
 
 /// The tracks or essences of a timeline after their repair.
@@ -52,7 +50,7 @@ template <class Element>
 struct Kept {
     std::vector<Element> elements{};
     /// Positions in `elements`.
-    std::unordered_map<std::string, std::size_t> byID{};
+    KeyedMap<std::string, std::size_t> byID{};
     /// What the first element without an id is now called; empty when all had one.
     std::string formerlyEmpty{};
 
@@ -143,7 +141,7 @@ class EventRepair {
     const Kept<AAFTrackState>& tracks_;
     const Kept<AAFSourceEssence>& essences_;
     NewIDs newIDs_;
-    std::unordered_set<std::string> seen_;
+    KeyedSet<std::string> seen_;
 };
 
 std::vector<AAFClipEvent> repairEvents(std::vector<AAFClipEvent>& given,

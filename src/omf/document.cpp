@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // Opening: classes, header, byte order; and the maps over all objects. Typed reads stand in
 // typed_reads.cpp.
+#include <trellant/base/keyed_hash.h>
 #include <trellant/io/errors.h>
 #include <trellant/omf/document.h>
 
 #include <algorithm>
-#include <unordered_map>
 #include <utility>
 
 namespace trellant {
@@ -36,7 +36,7 @@ OMFDocument::OMFDocument(const std::string& path) : bento_(path) {
 
 void OMFDocument::readClasses() {
     classTexts_.assign(omfClassIDs.begin(), omfClassIDs.end());
-    std::unordered_map<std::string, std::uint32_t> indexOfText;
+    KeyedMap<std::string, std::uint32_t> indexOfText;
     for (std::uint32_t i = 0; i < classTexts_.size(); ++i) {
         indexOfText.emplace(classTexts_[i], i);
     }

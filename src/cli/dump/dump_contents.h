@@ -6,6 +6,7 @@
 #include "dump_footer.h"
 #include "dump_toc.h"
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/io/random_access_file.h>
 
 #include <cstdint>
@@ -13,7 +14,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace trellant::cli {
@@ -82,7 +82,7 @@ class DumpContents {
                                                  std::size_t maxBytes) const;
 
   private:
-    using Names = std::unordered_map<std::uint32_t, std::string>;
+    using Names = KeyedMap<std::uint32_t, std::string>;
 
     void readItems();
     void buildIndex();

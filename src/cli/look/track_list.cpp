@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <array>
-#include <unordered_map>
+#include <trellant/base/keyed_hash.h>
 
 namespace trellant::cli {
 
@@ -49,7 +49,7 @@ class TrackRows {
 
   private:
     const AAFTimeline& timeline_;
-    std::unordered_map<std::string_view, TrackTotals> totals_;
+    KeyedMap<std::string_view, TrackTotals> totals_;
 };
 
 using Row = TrackRows::Row;

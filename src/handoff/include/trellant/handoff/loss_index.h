@@ -2,11 +2,11 @@
 // Which losses touch a clip: those of its track whose time it shares.
 #pragma once
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/handoff/hand_off.h>
 
 #include <cstddef>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace [[gnu::visibility("default")]] trellant {
@@ -45,7 +45,7 @@ class LossIndex {
         std::vector<AAFRational> ends;
         std::vector<AAFRational> cuts;
     };
-    std::unordered_map<std::string_view, Track> byTrack_;
+    KeyedMap<std::string_view, Track> byTrack_;
 };
 
 }  // namespace trellant

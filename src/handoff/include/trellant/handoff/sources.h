@@ -2,13 +2,13 @@
 // The audio files of a timeline: where each one's sound is to be had, and who plays it.
 #pragma once
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/handoff/hand_off.h>
 #include <trellant/model/timeline.h>
 
 #include <cstddef>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace [[gnu::visibility("default")]] trellant {
@@ -49,7 +49,7 @@ class Sources {
 
   private:
     std::vector<Source> sources_;
-    std::unordered_map<std::string_view, std::size_t> byID_;
+    KeyedMap<std::string_view, std::size_t> byID_;
 };
 
 /// What a person calls the source: its name, else its recorded path, else its id.

@@ -2,10 +2,10 @@
 // Which events can be heard under the mute and solo settings of their tracks.
 #pragma once
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/model/timeline.h>
 
 #include <string_view>
-#include <unordered_map>
 
 namespace [[gnu::visibility("default")]] trellant {
 
@@ -23,7 +23,7 @@ class AAFAudibility {
     [[nodiscard]] bool isEventAudible(const AAFClipEvent& event) const;
 
   private:
-    std::unordered_map<std::string_view, const AAFTrackState*> tracks_;
+    KeyedMap<std::string_view, const AAFTrackState*> tracks_;
     bool anySolo_ = false;
 };
 
