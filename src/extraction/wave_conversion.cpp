@@ -86,10 +86,8 @@ std::optional<std::string> convertToWave(const std::string& converter, const std
                        ? std::nullopt
                        : std::optional<std::string>("the conversion wrote no file");
         }
-        // One that was ended had no time to clean up.
-        if (end.status < 0) {
-            ::unlink(destination.c_str());
-        }
+        // One that was ended had no time to clean up, and one in want of memory no means.
+        ::unlink(destination.c_str());
         return reasonOf(end);
     } catch (const FileSystemError& error) {
         return error.what();

@@ -4,9 +4,12 @@
 #include "wave_copy.h"
 
 #include <trellant/base/host_watch.h>
+#include <trellant/confine/confinement.h>
+#include <trellant/confine/memory_allowance.h>
 
 #include <cstdio>
 #include <exception>
+#include <filesystem>
 
 int main(int argumentCount, char** arguments) {
     if (argumentCount != 3) {
@@ -16,6 +19,13 @@ int main(int argumentCount, char** arguments) {
     trellant::watchHost(2);
     trellant::removeUnfinishedFileOnSignals();
     try {
+        // The library that reads the samples knows many formats, and a stranger's file chooses
+        // which of its parsers runs: it gets nothing to do harm with.
+        trellant::keepWithinMemory();
+        const std::filesystem::path target = std::filesystem::absolute(arguments[2]);
+        trellant::confine(
+            trellant::sandboxFromEnvironment(),
+            {.writableDirectory = target.parent_path().native(), .awaitsStreams = true});
         trellant::wav::copyAsWave(arguments[1], arguments[2]);
         return 0;
     } catch (const std::exception& error) {

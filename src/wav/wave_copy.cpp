@@ -4,8 +4,10 @@
 #include <trellant/base/host_watch.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <fcntl.h>
+#include <fstream>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -77,7 +79,20 @@ struct Source {
     Sound sound;
 };
 
+/// Whether the file begins as AIFF and AIFC do: no other parser of the library gets to see it.
+bool beginsAsAiff(const std::string& path) {
+    std::array<char, 12> head{};
+    std::ifstream file(path, std::ios::binary);
+    file.read(head.data(), head.size());
+    const std::string_view text(head.data(), static_cast<std::size_t>(file.gcount()));
+    return text.size() == head.size() && text.starts_with("FORM") &&
+           (text.ends_with("AIFF") || text.ends_with("AIFC"));
+}
+
 Source openSource(const std::string& path) {
+    if (!beginsAsAiff(path)) {
+        throw ConversionError("it is no AIFF or AIFC file");
+    }
     Source source;
     source.sound.reset(::sf_open(path.c_str(), SFM_READ, &source.info));
     if (source.sound == nullptr) {

@@ -7,8 +7,10 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <filesystem>
 #include <sys/stat.h>
+#include <thread>
 #include <trellant_testing/byte_writer.h>
 #include <trellant_testing/worker_process.h>
 #include <unistd.h>
@@ -157,6 +159,47 @@ TEST_F(ExtractFailures, FullDiskIsToldWithTheFolderAsItWasNamed) {
                                "trellant: nothing was written to " +
                                out() + "\n");
     EXPECT_FALSE(fs::exists(out()));
+}
+
+TEST_F(ExtractFailures, WholeFilesOfARunThatIsStoppedStay) {
+    // The worker has written one file, is at the next, and goes on for ever.
+    add({.name = "Kick.wav", .media = waveOf(kick)});
+    auto call = options(writeDocument());
+    const std::string ready = folder_.file("ready");
+    const std::string worker = writeFile(
+        folder_.file("worker"),
+        bytesOf("#!/bin/sh\n"
+                "place=$(sed 's,.*\"workDirectory\":\"\\([^\"]*\\)\".*,\\1,' | tr -d '\\134')\n"
+                "printf whole > \"$place/Kick.wav\"\n"
+                "printf mine > \"$place/Mine.wav\"\n"
+                "sleep 0.05\n"
+                "printf ha > \"$place/Snare.wav\"\n"
+                ": > '" +
+                ready + "'\n" + "exec sleep 600\n"));
+    ::chmod(worker.c_str(), 0700);
+    call.helperURLProvider = [worker](const std::string&) { return worker; };
+    fs::create_directory(out());
+    writeFile(out("Mine.wav"), bytesOf("other"));
+    const Said said = saidWithStatus({}, [&](cli::Console& console) {
+        StopSource stop;
+        std::thread stopper([&] {
+            while (!fs::exists(ready)) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            }
+            stop.request_stop();
+        });
+        const auto status = cli::runExtract(call, console, stop.get_token());
+        stopper.join();
+        return static_cast<int>(status);
+    });
+    EXPECT_EQ(said.status, 2);
+    EXPECT_EQ(said.errors, "trellant: " + call.call.files.front() +
+                               ": cancelled\n"
+                               "trellant: 1 file is in " +
+                               out() + ", whole; the same command again goes on from there\n");
+    EXPECT_THAT(namesIn(out()), ElementsAre("Kick.wav", "Mine.wav"));
+    EXPECT_EQ(textOf(readFile(out("Kick.wav"))), "whole");
+    EXPECT_EQ(textOf(readFile(out("Mine.wav"))), "other");
 }
 
 TEST_F(ExtractFailures, MissingConverterIsToldBeforeAnythingIsWritten) {

@@ -8,6 +8,8 @@
 #include <trellant/client/errors.h>
 #include <trellant/io/errors.h>
 
+#include "wave_conversion.h"
+
 #include <gmock/gmock.h>
 
 #include <filesystem>
@@ -270,6 +272,25 @@ TEST_F(ExtractWave, AifcBecomesWaveAndTheTimelineNamesIt) {
     EXPECT_EQ(essence.codec, "PCM");
     EXPECT_EQ(essence.bitDepth, 16);
     EXPECT_THAT(said, HasSubstr("  Audio      1 taken out as WAVE\n"));
+}
+
+TEST_F(ExtractWave, ConverterGivesUpAllElseBeforeItReads) {
+    // With every layer required, a conversion still has all that it takes; a wish that is none is
+    // refused, so the wish is heeded.
+    const std::string source = writeFile(folder_.file("in.aifc"), aifc({1, -2}));
+    const auto convert = [&](const std::string& wish, const std::string& target) {
+        const std::string program = writeFile(
+            folder_.file("converter"), bytesOf("#!/bin/sh\nTRELLANT_SANDBOX=" + wish +
+                                               " exec \"" TRELLANT_WAV "\" \"$@\"\n"));
+        ::chmod(program.c_str(), 0700);
+        WorkProgress progress;
+        return convertToWave(program, source, target, progress);
+    };
+    EXPECT_EQ(convert("require", folder_.file("a.wav")), std::nullopt);
+    EXPECT_EQ(sampleBytesOf(folder_.file("a.wav")), samples16({1, -2}));
+    EXPECT_THAT(convert("perhaps", folder_.file("b.wav")).value_or(""),
+                HasSubstr("TRELLANT_SANDBOX"));
+    EXPECT_FALSE(fs::exists(folder_.file("b.wav")));
 }
 
 TEST_F(ExtractWave, TwiceInARowChangesNothing) {
