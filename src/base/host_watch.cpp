@@ -101,6 +101,19 @@ void endIfHostIsGone() noexcept {
     }
 }
 
+EndPutOff::EndPutOff() noexcept {
+    sigset_t ending;
+    ::sigemptyset(&ending);
+    for (const int signal : {SIGUSR1, SIGHUP, SIGINT, SIGTERM}) {
+        ::sigaddset(&ending, signal);
+    }
+    ::pthread_sigmask(SIG_BLOCK, &ending, &before_);
+}
+
+EndPutOff::~EndPutOff() {
+    ::pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+}
+
 UnfinishedFile::UnfinishedFile(const char* path) noexcept {
     unfinishedFile = path;
 }

@@ -61,6 +61,7 @@ void serve(const AAFWorkerProtocol::Request& request) {
 ExitStatus run(std::span<char* const> arguments) {
     prepareStandardStreams();
     watchHost(static_cast<int>(ExitStatus::processingFailed));
+    removeUnfinishedFileOnSignals();
     try {
         if (const auto text = askedOfWorker(arguments)) {
             StandardOutput().write(*text);

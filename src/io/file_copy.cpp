@@ -70,6 +70,7 @@ class NewFile {
         if (path.find('\0') != std::string::npos) {
             throw FileSystemError("create", path, EINVAL);
         }
+        const EndPutOff untilItIsKnown;
         descriptor_ = openNew(path);
         if (descriptor_ < 0 && errno == EEXIST) {
             refuseToReplaceSource(source, path);

@@ -107,10 +107,10 @@ Source openSource(const std::string& path) {
 /// A new file that goes again unless it is kept.
 class NewFile {
   public:
-    explicit NewFile(const std::string& path)
-        : path_(path),
-          descriptor_(
-              ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666)) {
+    explicit NewFile(const std::string& path) : path_(path) {
+        const EndPutOff untilItIsKnown;
+        descriptor_ =
+            ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
         if (descriptor_ < 0) {
             throw because("no WAVE file could be created", systemText(errno));
         }
@@ -132,7 +132,7 @@ class NewFile {
 
   private:
     const std::string& path_;
-    int descriptor_;
+    int descriptor_ = -1;
     bool kept_ = false;
     std::optional<UnfinishedFile> unfinished_;
 };

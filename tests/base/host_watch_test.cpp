@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <optional>
 #include <string>
 #include <sys/wait.h>
 #include <thread>
@@ -193,6 +194,26 @@ TEST_F(HostWatch, SignalThatEndsTheProcessRemovesWhatIsUnfinished) {
         EXPECT_EQ(WTERMSIG(status), signal);
         EXPECT_FALSE(isLeft());
     }
+}
+
+TEST_F(HostWatch, EndThatIsPutOffComesWithTheFileKnown) {
+    const pid_t process = ::fork();
+    if (process == 0) {
+        removeUnfinishedFileOnSignals();
+        std::optional<UnfinishedFile> file;
+        {
+            const EndPutOff untilItIsKnown;
+            writeUnfinished();
+            std::raise(SIGTERM);
+            file.emplace(path_.c_str());
+        }
+        ::_exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(process, &status, 0), process);
+    EXPECT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), SIGTERM);
+    EXPECT_FALSE(isLeft());
 }
 
 TEST_F(HostWatch, SignalThatIsIgnoredStaysIgnored) {

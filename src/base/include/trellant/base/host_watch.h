@@ -7,6 +7,8 @@
 // lives.
 #pragma once
 
+#include <csignal>
+
 namespace [[gnu::visibility("default")]] trellant {
 
 /// From now on this process ends with `status` soon after its host, without a word: at once where
@@ -29,6 +31,21 @@ class UnfinishedFile {
     UnfinishedFile& operator=(const UnfinishedFile&) = delete;
     UnfinishedFile(UnfinishedFile&&) = delete;
     UnfinishedFile& operator=(UnfinishedFile&&) = delete;
+};
+
+/// While one lives, nothing of what is described here ends the process: for the moment between the
+/// creation of a file and its UnfinishedFile.
+class EndPutOff {
+  public:
+    EndPutOff() noexcept;
+    ~EndPutOff();
+    EndPutOff(const EndPutOff&) = delete;
+    EndPutOff& operator=(const EndPutOff&) = delete;
+    EndPutOff(EndPutOff&&) = delete;
+    EndPutOff& operator=(EndPutOff&&) = delete;
+
+  private:
+    sigset_t before_{};
 };
 
 /// SIGHUP, SIGINT and SIGTERM end the process as before (not at all where they are ignored), and

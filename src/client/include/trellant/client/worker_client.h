@@ -47,7 +47,8 @@ struct AAFWorkerCallOptions {
     /// Called once, however the call ends, after the last callback for progress: the future's `get`
     /// then returns without waiting, but for the moment that handing over takes. On the call's own
     /// thread, or before `ask` returns when there is none to be had. For hosts that would else have
-    /// to look at the future again and again. What it throws comes out of the future.
+    /// to look at the future again and again. The future is ready once it has returned; what it
+    /// throws comes out of the future.
     std::function<void()> completion{};
 };
 
@@ -56,7 +57,8 @@ struct AAFWorkerCallOptions {
 struct AAFWorkerClient {
     /// From a worker's name to its executable; absent when there is none. Called once in each call,
     /// on that call's thread, so on several threads at once. A relative location is taken against
-    /// the current directory of the moment of the start. What it throws comes out of the future.
+    /// the current directory of the moment of the start. A stop is heeded once it has returned.
+    /// What it throws comes out of the future.
     using HelperURLProvider =
         std::function<std::optional<std::filesystem::path>(const std::string& helperName)>;
     /// Takes each progress record in the order written, one at a time, on a thread of its own
@@ -92,7 +94,8 @@ struct AAFWorkerClient {
     /// at most 8 MiB, however much it is.
     std::uint64_t resultLimit = defaultResultLimit;
     /// How long a worker may take, counted from the call; then it is ended, and the call fails with
-    /// AAFTimeLimitError within a second. Absent: as long as it takes.
+    /// AAFTimeLimitError within a second. What comes after the worker's end, reading its answer for
+    /// one, is not counted. Absent: as long as it takes.
     std::optional<std::chrono::milliseconds> timeLimit{};
     /// Bytes of data that a worker may have at once; it keeps within what the machine has left
     /// anyway. One that needs more fails with status 2 and "out of memory". Has an effect on Linux
