@@ -19,7 +19,7 @@ constexpr ObjectID onlyMedia = 2;
 /// Writes the document with audio for each of `media`: `pieces` times the same `size` zeros of the
 /// file, which take no room on the disk until they are taken out.
 void writeAudio(const std::string& path, OmfBuilder& omf, const std::vector<ObjectID>& media,
-                std::uint64_t size, std::uint64_t pieces) {
+                std::uint64_t size, std::uint64_t pieces, std::uint64_t lastPiece = 0) {
     for (const ObjectID object : media) {
         omf.at(object).without("OMFI:WAVE:AudioData");
     }
@@ -30,6 +30,9 @@ void writeAudio(const std::string& path, OmfBuilder& omf, const std::vector<Obje
         source.object(object, data);
         for (std::uint64_t i = 0; i < pieces; ++i) {
             source.range(offset, size);
+        }
+        if (lastPiece > 0) {
+            source.range(offset, lastPiece);
         }
     }
     source.finish();
@@ -69,9 +72,9 @@ TEST_F(Extraction, OfALongValueTakesNoMoreThanLooking) {
 /// A WAVE whose audio is `pieces` times the same mebibyte of the file.
 class AudioOverItself : public BoundsTest {
   protected:
-    void write(std::uint64_t pieces) {
+    void write(std::uint64_t pieces, std::uint64_t lastPiece = 0) {
         OmfBuilder omf = oneClipDocument();
-        writeAudio(file(), omf, {onlyMedia}, mebibyte, pieces);
+        writeAudio(file(), omf, {onlyMedia}, mebibyte, pieces, lastPiece);
     }
     /// What may be taken out of a file of this size.
     [[nodiscard]] std::uint64_t most() const {
@@ -86,6 +89,28 @@ TEST_F(AudioOverItself, IsTakenOutWhileItIsLittleForSuchAFile) {
     const auto run = extract(0);
     EXPECT_EQ(run.status, 0) << run.errors;
     EXPECT_EQ(std::filesystem::file_size(work() + "/Tone.wav"), 80 * mebibyte);
+}
+
+TEST_F(AudioOverItself, IsTakenOutUpToTheVeryLastByteOfTheBound) {
+    // The length of the last piece does not change the file's size.
+    write(80, 1);
+    const std::uint64_t bound = most();
+    const std::uint64_t last = bound - 80 * mebibyte;
+    ASSERT_LT(last, mebibyte);
+    write(80, last);
+    ASSERT_EQ(most(), bound);
+    const auto run = extract(0);
+    EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_EQ(std::filesystem::file_size(work() + "/Tone.wav"), bound);
+}
+
+TEST_F(AudioOverItself, IsRefusedFromTheFirstByteBeyondTheBound) {
+    write(80, 1);
+    const std::uint64_t bound = most();
+    write(80, bound - 80 * mebibyte + 1);
+    ASSERT_EQ(most(), bound);
+    EXPECT_EQ(extract(0).status, 2);
+    EXPECT_TRUE(std::filesystem::is_empty(work()));
 }
 
 TEST_F(AudioOverItself, ThatWouldFillADiskIsRefusedBeforeItIsWritten) {

@@ -175,6 +175,15 @@ TEST_F(Extraction, NameOfBlanksAndDotsIsLegal) {
     EXPECT_EQ(fileFor(".."), "...wav");
 }
 
+TEST_F(Extraction, NameThatBeginsWithADotKeepsIt) {
+    // The dot begins no extension, so nothing is dropped.
+    EXPECT_EQ(fileFor(".Kick"), ".Kick.wav");
+}
+
+TEST_F(Extraction, OnlyTheLastExtensionOfANameThatBeginsWithADotIsDropped) {
+    EXPECT_EQ(fileFor("/Audio/.Kick.aif"), ".Kick.wav");
+}
+
 TEST_F(Extraction, WhatFollowsTheLastDotWithABlankIsNoExtension) {
     EXPECT_EQ(fileFor("Take 1. final cut"), "Take 1. final cut.wav");
 }

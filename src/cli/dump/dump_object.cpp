@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "dump_object.h"
 
+#include "dump_bytes.h"
 #include "dump_values.h"
 #include "terminal/shown_text.h"
 #include "terminal/table.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace trellant::cli {
 
@@ -16,9 +18,26 @@ constexpr std::size_t mostProperties = 200;
 constexpr std::size_t widestName = 32;
 constexpr std::size_t longestLabel = 120;
 constexpr std::string_view margin = "  ";
+/// Numbers below are the container's own, and it names none of their properties: its table of
+/// contents, its whole length. They tell nothing of the session.
+constexpr std::uint32_t firstNamed = 65'536;
 
 std::string countText(std::size_t count) {
     return std::to_string(count) + (count == 1 ? " property" : " properties");
+}
+
+/// What stands for a value of the container's own that would take lines below the first; absent for
+/// every other.
+std::optional<std::string> containersOwn(const DumpContents& contents, std::uint32_t object,
+                                         std::uint32_t property) {
+    if (property >= firstNamed || !contents.propertyName(property).empty()) {
+        return std::nullopt;
+    }
+    const auto value = contents.value(object, property, 0);
+    if (!value || value->byteCount <= hexRowBytes) {
+        return std::nullopt;
+    }
+    return std::to_string(value->byteCount) + " bytes of the container's own";
 }
 
 std::string objectTitle(const DumpContents& contents, std::uint32_t object, std::size_t count) {
@@ -47,7 +66,9 @@ void dumpObject(const DumpContents& contents, std::uint32_t object, bool all, Du
     output.heading(objectTitle(contents, object, properties.size()));
     const ValueBounds bounds = all ? ValueBounds::none() : ValueBounds{};
     for (std::size_t i = 0; i < shown; ++i) {
-        const ValueText text = valueText(contents, object, properties[i], bounds);
+        const auto own = all ? std::nullopt : containersOwn(contents, object, properties[i]);
+        const ValueText text = own ? ValueText{.line = *own, .isCut = true}
+                                   : valueText(contents, object, properties[i], bounds);
         const std::size_t width = displayWidth(labels[i]);
         const std::string padding(widest > width ? widest - width : 0, ' ');
         output.line(std::string(margin).append(labels[i]).append(padding).append("  ") + text.line);
