@@ -2,6 +2,7 @@
 """Whatever the command writes for programs is what its schemas say, and they take nothing else."""
 import collections
 import math
+import re
 import tempfile
 import unittest
 from fractions import Fraction
@@ -11,6 +12,7 @@ import jsonschema
 from command_lines import all_calls
 from command_schemas import NAMES, SCHEMAS, Part, all_keys, keys_of, walk
 from mutations import CANDIDATES, UNKNOWN_KEY, changed, json_types, removal, replacement
+from schemas import FOLDER
 
 VALIDATORS = {name: jsonschema.Draft202012Validator(schema) for name, schema in SCHEMAS.items()}
 SHOWN_PROBLEMS = 10
@@ -48,6 +50,11 @@ OPTIONAL = {
     ("validate", ""): {"place"},
 }
 
+
+# Byte orders, roles of channels, object models: their words speak for themselves.
+UNNAMED_WORDS = {"littleEndian", "bigEndian", "mono", "left", "right", "center", "lfe",
+                 "leftSurround", "rightSurround", "unknown", "omf1", "omf2", "dropped",
+                 "sounds different"}
 
 CALLS = []
 LINES = []
@@ -113,6 +120,26 @@ class CommandSchemas(unittest.TestCase):
                     defined[name].append(schema["$defs"][name])
         for name, definitions in defined.items():
             self.assertEqual(definitions, [definitions[0]] * len(definitions), name)
+
+
+class MachineOutputPage(unittest.TestCase):
+    PAGE = (FOLDER.parent / "docs" / "machine-output.md").read_text()
+
+    def test_names_every_key_and_every_word(self):
+        named = set(re.findall(r"`([A-Za-z0-9]+)`", self.PAGE))
+        for name, schema in SCHEMAS.items():
+            with self.subTest(name):
+                self.assertLessEqual({key for _, key in all_keys(name)}, named)
+                words = {word for part in subschemas(schema) for word in part.get("enum", ())}
+                self.assertLessEqual(words - UNNAMED_WORDS, named)
+
+    def test_has_a_part_for_each_schema(self):
+        for name in set(NAMES) - {"failure"}:
+            self.assertIn(f"`{name}", self.PAGE)
+
+    def test_says_where_loss_numbers_end(self):
+        most = SCHEMAS["list-clips"]["properties"]["lossNumbers"]["maxItems"]
+        self.assertIn(f"**at most {most}**", self.PAGE)
 
 
 class CommandLines(unittest.TestCase):
