@@ -74,6 +74,12 @@ install(FILES ${PROJECT_BINARY_DIR}/package/trellant.pc DESTINATION ${trellant_p
 
 file(GLOB trellant_schemas CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/schema/*.schema.json)
 install(FILES ${trellant_schemas} DESTINATION ${trellant_schema_dir} COMPONENT development)
+file(GLOB trellant_command_schemas CONFIGURE_DEPENDS
+    ${PROJECT_SOURCE_DIR}/schema/command/*.schema.json)
+if(TRELLANT_COMMAND)
+    install(FILES ${trellant_command_schemas} DESTINATION ${trellant_schema_dir}/command
+        COMPONENT development)
+endif()
 install(FILES man/trellant-omf.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)
 if(TRELLANT_COMMAND)
     install(FILES man/trellant.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)

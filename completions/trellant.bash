@@ -25,6 +25,7 @@ _trellant() {
     local anywhere="-h --help -q --quiet -v --verbose"
     local lossy="--media --fail-on"
     local output="-o --output --force"
+    local commands="info list extract dump validate"
     # In any case: such files come from systems that do not tell the cases apart.
     local omf='*.[oO][mM][fF]' omfi='*.[oO][mM][fF][iI]' json='*.[jJ][sS][oO][nN]'
     local current="${COMP_WORDS[COMP_CWORD]}" previous="" command="" word
@@ -77,7 +78,7 @@ _trellant() {
         if [[ $current == -* ]]; then
             _trellant_words "$anywhere --version" "$current"
         else
-            _trellant_words "info list extract dump validate" "$current"
+            _trellant_words "$commands help" "$current"
         fi
         return
     fi
@@ -85,8 +86,8 @@ _trellant() {
         case $command in
             info) _trellant_words "$anywhere --json $lossy $output" "$current" ;;
             list) _trellant_words "$anywhere --csv --json $lossy $output" "$current" ;;
-            extract) _trellant_words "$anywhere --to $lossy --wav --force --json" "$current" ;;
-            dump) _trellant_words "$anywhere --toc --object --path --all" "$current" ;;
+            extract) _trellant_words "$anywhere --to $lossy --wav --force --absolute --json" "$current" ;;
+            dump) _trellant_words "$anywhere --toc --object --path --all --json" "$current" ;;
             validate) _trellant_words "$anywhere --json" "$current" ;;
         esac
         return
@@ -95,13 +96,13 @@ _trellant() {
         list)
             if ((places == 0)); then
                 _trellant_words "tracks clips sources losses" "$current"
-            elif ((places == 1)); then
+            else
                 _trellant_paths "@($omf|$omfi)" "$current"
             fi
             ;;
-        info) _trellant_paths "@($omf|$omfi)" "$current" ;;
-        extract) ((places == 0)) && _trellant_paths "@($omf|$omfi)" "$current" ;;
-        dump) ((places == 0)) && _trellant_paths '*' "$current" ;;
+        info | extract) _trellant_paths "@($omf|$omfi)" "$current" ;;
+        dump) _trellant_paths '*' "$current" ;;
+        help) ((places == 0)) && _trellant_words "$commands" "$current" ;;
         validate) _trellant_paths "$json" "$current" ;;
     esac
 }

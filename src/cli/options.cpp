@@ -127,6 +127,9 @@ class Parser {
             return line;
         } catch (const CLI::ParseError& error) {
             const std::string word = firstWord(argc, argv);
+            if (word == "help") {
+                return helpFor("");
+            }
             if (app_.get_subcommands().empty() && !word.empty()) {
                 return unknownCommand(word);
             }
@@ -244,7 +247,7 @@ class Parser {
 
     /// `trellant help` and `trellant help list`.
     [[nodiscard]] CommandLine helpFor(const std::string& name) const {
-        if (name.empty()) {
+        if (name.empty() || name == "help" || name == "-h" || name == "--help") {
             return page(app_);
         }
         for (const CLI::App* const command : app_.get_subcommands({})) {

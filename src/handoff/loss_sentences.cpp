@@ -41,9 +41,9 @@ std::string_view plainSentence(LossKind kind) noexcept {
         case LossKind::scopeReferenceBroken:
             return "This stretch is silent: it refers to a track that does not exist.";
         case LossKind::effectNotRendered:
-            return "The effect is not applied: the clips play without it.";
+            return "This stretch is silent: the effect on it is not known.";
         case LossKind::effectUnnamed:
-            return "An effect is not applied: the file does not say which one it is.";
+            return "This stretch is silent: the file does not say which effect is on it.";
         case LossKind::effectWithoutInput:
             return "This stretch is silent: an effect has nothing to work on.";
         case LossKind::transitionAsCut:

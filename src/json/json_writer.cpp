@@ -166,6 +166,13 @@ void JsonWriter::integer(std::int64_t value) {
     needsComma_ = true;
 }
 
+void JsonWriter::unsignedInteger(std::uint64_t value) {
+    separate();
+    char* const out = reserve(longestNumber);
+    used_ += static_cast<std::size_t>(std::to_chars(out, out + longestNumber, value).ptr - out);
+    needsComma_ = true;
+}
+
 void JsonWriter::number(double value) {
     // Plain digits where people write them, an exponent beyond: 0.0001 and 100000, 1e-05 and 1e+16.
     // Left to choose, std::to_chars would give 0.0001 as 1e-04 and 100000 as 1e+05.

@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 """The completions offer what the command takes, in each place what fits there."""
+import os
 import re
 import shutil
 import subprocess
@@ -23,6 +24,8 @@ _trellant
 ((${#COMPREPLY[@]} == 0)) || printf '%s\0' "${COMPREPLY[@]}"
 """
 
+# What may stand first: "help" is no command of the help, but shows theirs.
+WORDS = (*COMMANDS, "help")
 OPTIONS_OF_ALL = {"-h", "--help", "-q", "--quiet", "-v", "--verbose"}
 
 
@@ -31,7 +34,9 @@ def expected_options(command):
     return options(command) | OPTIONS_OF_ALL
 
 
-class Bash(unittest.TestCase):
+class InFolder(unittest.TestCase):
+    """Each test has a folder of its own with files of all kinds."""
+
     def setUp(self):
         folder = tempfile.TemporaryDirectory(prefix="trellant-completions-")
         self.addCleanup(folder.cleanup)
@@ -41,6 +46,9 @@ class Bash(unittest.TestCase):
             (self.folder / name).touch()
         for name in ("audio", "bundle.omf"):
             (self.folder / name).mkdir()
+
+
+class Bash(InFolder):
 
     def replies(self, *words):
         """What is offered for the last of the words that follow `trellant`."""
@@ -62,7 +70,7 @@ class Bash(unittest.TestCase):
         self.assertEqual(run.stdout, b"complete -F _trellant trellant\n")
 
     def test_first_word_is_a_command(self):
-        self.assertEqual(self.replies(""), sorted(COMMANDS))
+        self.assertEqual(self.replies(""), sorted(WORDS))
         self.assertEqual(self.replies("ex"), ["extract"])
         self.assertEqual(self.replies("-q", "l"), ["list"])
         self.assertEqual(self.replies("x"), [])
@@ -77,11 +85,15 @@ class Bash(unittest.TestCase):
         self.assertEqual(self.replies("extract", "mix.omf", "--w"), ["--wav"])
         self.assertEqual(self.replies("list", "clips", "mix.omf", "--cs"), ["--csv"])
 
-    def test_list_takes_what_and_then_one_file(self):
+    def test_help_takes_a_command(self):
+        self.assertEqual(self.replies("help", ""), sorted(COMMANDS))
+        self.assertEqual(self.replies("help", "list", ""), [])
+
+    def test_list_takes_what_and_then_files(self):
         self.assertEqual(self.replies("list", ""), ["clips", "losses", "sources", "tracks"])
         self.assertEqual(self.replies("list", "--json", "t"), ["tracks"])
         self.assertEqual(self.replies("list", "clips", "m"), ["mix.omf"])
-        self.assertEqual(self.replies("list", "clips", "mix.omf", ""), [])
+        self.assertEqual(self.replies("list", "clips", "mix.omf", "o"), ["old.Omfi"])
 
     def test_files_end_in_omf_or_omfi_in_any_case_and_folders_lead_to_more(self):
         found = ["Reel 1.OMF", "audio", "bundle.omf", "mix.omf", "old.Omfi"]
@@ -89,16 +101,16 @@ class Bash(unittest.TestCase):
         self.assertEqual(self.replies("info", "mix.omf", ""), found)
         self.assertEqual(self.replies("list", "clips", ""), found)
         self.assertEqual(self.replies("extract", ""), found)
-        self.assertEqual(self.replies("extract", "mix.omf", ""), [])
+        self.assertEqual(self.replies("extract", "mix.omf", ""), found)
 
     def test_files_in_a_folder_keep_their_folder(self):
         (self.folder / "audio" / "scene.omf").touch()
         self.assertEqual(self.replies("info", "audio/"), ["audio/scene.omf"])
 
-    def test_dump_takes_any_one_file(self):
+    def test_dump_takes_any_files(self):
         self.assertEqual(self.replies("dump", "no"), ["notes.txt"])
         self.assertEqual(self.replies("dump", "--toc", "m"), ["mix.omf", "mix.omf.txt"])
-        self.assertEqual(self.replies("dump", "mix.omf", ""), [])
+        self.assertEqual(self.replies("dump", "mix.omf", "no"), ["notes.txt"])
 
     def test_validate_takes_json_files(self):
         self.assertEqual(self.replies("validate", ""),
@@ -167,12 +179,18 @@ class Zsh(unittest.TestCase):
 
     def test_commands_are_those_of_the_help(self):
         listed = re.search(r"commands=\((.*?)\n +\)", ZSH.read_text(), re.DOTALL).group(1)
-        self.assertEqual(tuple(re.findall(r"'([a-z]+):", listed)), COMMANDS)
+        self.assertEqual(tuple(re.findall(r"'([a-z]+):", listed)), WORDS)
+        self.assertIn(f"'1:command:({' '.join(COMMANDS)})'", ZSH.read_text())
 
     def test_values_are_all_there(self):
         text = ZSH.read_text()
         self.assertEqual(text.count(":loss:(missing render any)"), 3)
         self.assertEqual(text.count(":what:(tracks clips sources losses)"), 1)
+
+    def test_what_may_be_given_several_times_is_marked_so(self):
+        text = ZSH.read_text()
+        self.assertEqual(text.count("'*--media=["), text.count("--media=["))
+        self.assertEqual(text.count('"*:OMF file:$omf"'), 3)
 
 
 class Fish(unittest.TestCase):
@@ -195,23 +213,70 @@ class Fish(unittest.TestCase):
     def test_options_are_those_of_the_help(self):
         anywhere = self.options_of(self.lines("-[sl] "))
         self.assertEqual(anywhere, OPTIONS_OF_ALL)
-        first = self.options_of(self.lines('-n "not __fish_seen_subcommand_from \\$commands" '))
+        first = self.options_of(self.lines("-n __trellant_in "))
         self.assertEqual(anywhere | first, options())
         for command in COMMANDS:
             with self.subTest(command):
-                lines = self.lines(f"-n '__fish_seen_subcommand_from {command}' ")
+                lines = self.lines(f"-n '__trellant_in {command}' ")
                 self.assertEqual(anywhere | self.options_of(lines), expected_options(command))
 
     def test_commands_are_those_of_the_help(self):
-        offered = [re.search(r" -a (\w+) ", line) for line in
-                   self.lines('-n "not __fish_seen_subcommand_from \\$commands" -a ')]
-        self.assertEqual(tuple(found.group(1) for found in offered), COMMANDS)
+        offered = [re.search(r" -a (\w+) ", line) for line in self.lines("-n __trellant_in -a ")]
+        self.assertEqual(tuple(found.group(1) for found in offered), WORDS)
         self.assertIn(f"set -l commands {' '.join(COMMANDS)}", FISH.read_text().splitlines())
 
     def test_values_are_all_there(self):
         text = FISH.read_text()
         self.assertEqual(text.count("-l fail-on -x -a 'missing render any'"), 3)
         self.assertIn("set -l contents tracks clips sources losses", text.splitlines())
+
+
+@unittest.skipUnless(shutil.which("fish"), "there is no fish on this machine")
+class FishOffers(InFolder):
+    """What fish itself makes of the file."""
+
+    def replies(self, line):
+        """What is offered at the end of the line behind `trellant`, without descriptions."""
+        run = subprocess.run(["fish", "--no-config", "-c", f"source {FISH}; complete -C $argv[1]",
+                              f"trellant {line}"], cwd=self.folder, stdout=subprocess.PIPE,
+                             stderr=subprocess.PIPE,
+                             env={**os.environ, "HOME": str(self.folder / "audio")})
+        self.assertEqual(run.stderr, b"")
+        return sorted(reply.split("\t")[0] for reply in run.stdout.decode().splitlines())
+
+    def test_first_word_is_a_command(self):
+        self.assertEqual(self.replies(""), sorted(WORDS))
+        self.assertEqual(self.replies("-q l"), ["list"])
+
+    def test_help_takes_a_command(self):
+        self.assertEqual(self.replies("help "), sorted(COMMANDS))
+        self.assertEqual(self.replies("help list "), [])
+
+    def test_options_are_those_of_the_help(self):
+        for command in COMMANDS:
+            with self.subTest(command):
+                long = {name for name in expected_options(command) if name.startswith("--")}
+                self.assertEqual(self.replies(f"{command} --"), sorted(long))
+
+    def test_files_are_those_that_fit_and_nothing_else(self):
+        found = ["Reel 1.OMF", "audio/", "bundle.omf/", "mix.omf", "old.Omfi"]
+        for line in ("info ", "info mix.omf ", "list clips ", "list clips mix.omf ", "extract ",
+                     "extract mix.omf "):
+            with self.subTest(line):
+                self.assertEqual(self.replies(line), found)
+        self.assertEqual(self.replies("validate "),
+                         ["OTHER.JSON", "audio/", "bundle.omf/", "result.json"])
+        self.assertEqual(self.replies("dump no"), ["notes.txt"])
+
+    def test_list_takes_what_first(self):
+        self.assertEqual(self.replies("list "), ["clips", "losses", "sources", "tracks"])
+        self.assertEqual(self.replies("list --json t"), ["tracks"])
+
+    def test_values_of_options_are_those_that_fit(self):
+        self.assertEqual(self.replies("info --fail-on "), ["any", "missing", "render"])
+        self.assertEqual(self.replies("extract mix.omf --to "), ["audio/", "bundle.omf/"])
+        self.assertEqual(self.replies("list --media a"), ["audio/"])
+        self.assertEqual(self.replies("dump --object "), [])
 
 
 if __name__ == "__main__":

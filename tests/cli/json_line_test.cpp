@@ -28,6 +28,13 @@ TEST(JsonLine, KeepsTheOrderInWhichMembersAreNamed) {
               "{\"z\":\"Anna\",\"a\":-7,\"m\":0.5,\"b\":true,\"c\":false,\"n\":3}\n");
 }
 
+TEST(JsonLine, CountsReachBeyondSignedNumbers) {
+    EXPECT_EQ(jsonLine([](JsonLine& line) {
+                  line.count("n", std::numeric_limits<std::uint64_t>::max()).count("z", 0);
+              }),
+              "{\"n\":18446744073709551615,\"z\":0}\n");
+}
+
 TEST(JsonLine, LeavesOutWhatIsAbsent) {
     EXPECT_EQ(jsonLine([](JsonLine& line) {
                   line.text("t", std::optional<std::string>())

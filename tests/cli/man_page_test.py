@@ -90,11 +90,15 @@ class ManPage(unittest.TestCase):
 
     def test_synopsis_shows_the_options_of_each_command(self):
         calls = part(".Sh SYNOPSIS").split(".Nm\n")[1:]
-        self.assertEqual([call.split()[1] for call in calls], [*COMMANDS, "h"])
+        self.assertEqual([call.split()[1] for call in calls], [*COMMANDS, "help", "h"])
         for command, call in zip(COMMANDS, calls):
             with self.subTest(command):
                 # One name is enough there.
                 self.assertEqual(flags(call), options(command) - {"-h", "--help", "--output"})
+
+    def test_names_the_schemas_of_what_programs_read(self):
+        self.assertIn(".Pa share/trellant/schema/command\n", part(".Ss Lines for programs"))
+        self.assertTrue((TREE / "docs" / "machine-output.md").is_file())
 
     def test_names_the_variables_that_the_command_reads(self):
         sources = "".join(path.read_text() for folder in ("cli", "confine")

@@ -75,10 +75,25 @@ TEST(Options, HelpShowsExamplesFirst) {
     EXPECT_LT(page.find("Examples:"), page.find("Usage:"));
 }
 
+TEST(Options, NothingOrTheWordHelpShowsTheHelp) {
+    const std::string page = lineOf({"-h"}).text;
+    for (const CommandLine& line : {lineOf({}), lineOf({"help"}), lineOf({"help", "help"}),
+                                    lineOf({"help", "-h"}), lineOf({"-q", "help"})}) {
+        EXPECT_EQ(line.status, ExitStatus::done);
+        EXPECT_EQ(line.text, page);
+    }
+    EXPECT_EQ(lineOf({"help", "list"}).text, lineOf({"list", "-h"}).text);
+    const CommandLine unknown = lineOf({"help", "lsit"});
+    EXPECT_EQ(unknown.status, ExitStatus::wrongUse);
+    EXPECT_EQ(unknown.text,
+              "there is no command \"lsit\". Did you mean \"list\"?\nTry: trellant -h");
+}
+
 TEST(Options, WrongUseNamesTheFaultAndTheHelp) {
     const CommandLine line = lineOf({"list", "clips"});
     EXPECT_EQ(line.status, ExitStatus::wrongUse);
     EXPECT_EQ(line.text, "FILE is required\nTry: trellant list -h");
+    EXPECT_EQ(lineOf({"-q"}).status, ExitStatus::wrongUse);
     EXPECT_EQ(lineOf({"list", "pears", "a.omf"}).status, ExitStatus::wrongUse);
     EXPECT_EQ(lineOf({"list", "clips", "a.omf", "--csv", "--json"}).status, ExitStatus::wrongUse);
     EXPECT_EQ(lineOf({"-q", "-v", "info", "a.omf"}).status, ExitStatus::wrongUse);

@@ -42,8 +42,22 @@ TEST(HandOff, PlacesEachLossOnItsTrackAndTime) {
     EXPECT_EQ(effect.trackNumber, 7);
     EXPECT_EQ(effect.start, AAFRational(3, 2));
     EXPECT_EQ(effect.duration, AAFRational(2, 5));
-    EXPECT_EQ(effect.plain, "The effect is not applied: the clips play without it.");
+    EXPECT_EQ(effect.plain, "This stretch is silent: the effect on it is not known.");
     EXPECT_EQ(effect.description, handOff.timeline.unsupportedFeatures[1].description);
+}
+
+TEST(HandOff, AnEffectThatIsNotKnownLeavesItsStretchSilentAsTheLossSays) {
+    WorkProgress progress;
+    const HandOff handOff = readHandOff(requestOf(example("session.omf")), progress);
+    ASSERT_THAT(handOff.losses, SizeIs(3));
+    const PlacedLoss& effect = handOff.losses[1];
+    ASSERT_TRUE(effect.start && effect.duration && effect.trackID);
+    const AAFRational end = *effect.start + *effect.duration;
+    for (const AAFClipEvent& event : handOff.timeline.events) {
+        EXPECT_TRUE(event.trackID != *effect.trackID || event.timelineEnd() <= *effect.start ||
+                    event.timelineStart >= end)
+            << event.id;
+    }
 }
 
 TEST(HandOff, NamesTheCompositionThatWasRead) {

@@ -36,7 +36,8 @@ foreach(file IN LISTS pages ITEMS
         share/doc/trellant/CHANGELOG.md share/doc/trellant/CONTRIBUTING.md share/doc/trellant/copyright
         share/doc/trellant/sbom.spdx.json
         share/trellant/schema/request.schema.json share/trellant/schema/progress.schema.json
-        share/trellant/schema/result.schema.json share/trellant/schema/timeline.schema.json)
+        share/trellant/schema/result.schema.json share/trellant/schema/timeline.schema.json
+        share/trellant/schema/command/info.schema.json share/trellant/schema/command/failure.schema.json)
     if(NOT EXISTS ${prefix}/${file})
         message(FATAL_ERROR "the packages lack ${file}")
     endif()

@@ -107,16 +107,26 @@ ExitStatus dumpWanted(const DumpContents& contents, const DumpOptions& options,
     return ExitStatus::done;
 }
 
+/// Beside what a program reads, since nothing in its lines says so.
+void reportCut(const DumpOptions& options, DumpOutput& output) {
+    if (!output.isCut()) {
+        return;
+    }
+    if (options.json) {
+        output.console().note(quoted(options.file) + ": shown in part; --all shows everything");
+    } else {
+        output.line("");
+        output.line("Shown in part: --all shows everything.");
+    }
+}
+
 }  // namespace
 
 ExitStatus dumpContainer(const DumpOptions& options, Console& console) {
     const DumpContents contents(options.file);
     DumpOutput output(console);
     const ExitStatus status = dumpWanted(contents, options, output);
-    if (output.isCut() && !options.json) {
-        output.line("");
-        output.line("Shown in part: --all shows everything.");
-    }
+    reportCut(options, output);
     output.flush();
     const auto damages = damagesOf(contents);
     for (const std::string& damage : damages) {

@@ -180,6 +180,11 @@ void dumpObjectJson(const DumpContents& contents, std::uint32_t object,
 
 void dumpTocJson(const DumpContents& contents, bool all, DumpOutput& output) {
     if (!contents.footer().footer) {
+        std::string why;
+        for (const std::string& fault : contents.footer().faults) {
+            why += (why.empty() ? "" : "; ") + fault;
+        }
+        output.write(failureLine(contents.file().path(), why));
         return;
     }
     OutputSink sink(output);

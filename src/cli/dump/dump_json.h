@@ -19,7 +19,8 @@ void dumpOverviewJson(const DumpContents& contents, bool all, DumpOutput& output
 void dumpObjectJson(const DumpContents& contents, std::uint32_t object,
                     const std::optional<PathResolution>& path, bool all, DumpOutput& output);
 
-/// The items of the table of contents, a line each. `all` as in dumpToc.
+/// The items of the table of contents, a line each; without a table why there is none. `all` as in
+/// dumpToc.
 void dumpTocJson(const DumpContents& contents, bool all, DumpOutput& output);
 
 }  // namespace trellant::cli

@@ -31,6 +31,12 @@ JsonLine& JsonLine::integer(std::string_view name, std::optional<std::int64_t> v
     return value ? integer(name, *value) : *this;
 }
 
+JsonLine& JsonLine::count(std::string_view name, std::uint64_t value) {
+    writer_.plainKey(name);
+    writer_.unsignedInteger(value);
+    return *this;
+}
+
 JsonLine& JsonLine::number(std::string_view name, double value) {
     if (std::isfinite(value)) {
         writer_.plainKey(name);

@@ -33,9 +33,8 @@ class JsonLine {
     }
     JsonLine& integer(std::string_view name, std::int64_t value);
     JsonLine& integer(std::string_view name, std::optional<std::int64_t> value);
-    JsonLine& count(std::string_view name, std::size_t value) {
-        return integer(name, static_cast<std::int64_t>(value));
-    }
+    /// Counts, and positions that a file claims: the whole range of 64 bits.
+    JsonLine& count(std::string_view name, std::uint64_t value);
     JsonLine& number(std::string_view name, double value);
     JsonLine& number(std::string_view name, std::optional<double> value);
     JsonLine& boolean(std::string_view name, bool value);

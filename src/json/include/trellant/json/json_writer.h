@@ -71,6 +71,7 @@ class JsonWriter {
     /// The same in printable ASCII only: all else as \uXXXX, in pairs where one does not do.
     void asciiString(std::string_view text);
     void integer(std::int64_t value);
+    void unsignedInteger(std::uint64_t value);
     /// The fewest digits that read back the same: plain from 0.0001 to below 1e16, with an exponent
     /// beyond ("1e-05", "1e+16"), whole values without a point, minus zero as "-0". Requires a
     /// finite value.

@@ -1,0 +1,136 @@
+# SPDX-License-Identifier: Apache-2.0
+"""What the command writes for programs about many files: the examples, files that tests make, others
+that nobody can read."""
+import os
+import shutil
+import subprocess
+import wave
+from dataclasses import dataclass
+from pathlib import Path
+
+from schemas import FOLDER, parse
+
+TREE = FOLDER.parent
+LISTS = ("tracks", "clips", "sources", "losses")
+
+
+@dataclass(frozen=True)
+class Call:
+    """A call of the command, what it wrote, and the schema of its lines."""
+    schema: str
+    arguments: tuple
+    files: tuple
+    status: int
+    lines: list
+    errors: str
+
+    @property
+    def failures(self):
+        return [line for line in self.lines if "error" in line and "valid" not in line]
+
+
+def write_wave(path, rate, frames):
+    path.parent.mkdir(parents=True, exist_ok=True)
+    with wave.open(str(path), "wb") as file:
+        file.setnchannels(1)
+        file.setsampwidth(2)
+        file.setframerate(rate)
+        file.writeframes(bytes(2 * frames))
+
+
+class Folder:
+    """A folder full of files of all kinds, and calls of the command in it. Beside it lie folders of
+    audio: what lies below the folder of an OMF file is found without being named."""
+
+    def __init__(self, path):
+        self.path = Path(path) / "files"
+        self.path.mkdir()
+        self.audio = Path(path)
+        self.calls = []
+        for name in ("session.omf", "archive.omf", "external.omf"):
+            shutil.copy(TREE / "examples" / name, self.path / name)
+        shutil.copytree(TREE / "examples" / "media", self.path / "media")
+        subprocess.run([os.environ["TRELLANT_COMMAND_FILES"], self.path], check=True)
+        self.readable = ("session.omf", "archive.omf", "external.omf", "unusual.omf", "losses.omf",
+                         "beyond.omf", "media.omf")
+        self.unreadable = self.make_unreadable()
+        self.make_media()
+
+    def make_unreadable(self):
+        session = (self.path / "session.omf").read_bytes()
+        (self.path / "cut.omf").write_bytes(session[:3000])
+        (self.path / "damaged.omf").write_bytes(session[:-2000] + bytes(1900) + session[-100:])
+        (self.path / "text.omf").write_text("no session")
+        (self.path / "empty.omf").touch()
+        (self.path / "folder.omf").mkdir()
+        corpora = [path for name in ("container", "document", "mapping")
+                   for path in sorted((TREE / "fuzz" / "corpus" / name).iterdir())]
+        return ("cut.omf", "damaged.omf", "text.omf", "empty.omf", "folder.omf", "nothing.omf",
+                b"bytes-\xff.omf", *map(str, corpora))
+
+    def make_media(self):
+        """Folders with files named as the one that external.omf lacks, of which it needs a second
+        at 48000 Hz."""
+        write_wave(self.audio / "one" / "Steps.wav", 48_000, 96_000)
+        write_wave(self.audio / "several" / "a" / "Steps.wav", 48_000, 96_000)
+        write_wave(self.audio / "several" / "b" / "Steps.wav", 48_000, 96_001)
+        write_wave(self.audio / "misfit" / "Steps.wav", 44_100, 96_000)
+        (self.audio / "misfit" / "deep").mkdir()
+        (self.audio / "misfit" / "deep" / "Steps.wav").write_text("no audio")
+
+    def call(self, schema, *arguments, files):
+        run = subprocess.run([os.environ["TRELLANT_COMMAND"], *arguments, "--json", *files],
+                             cwd=self.path, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                             stderr=subprocess.PIPE)
+        lines = [parse(line) for line in run.stdout.splitlines()]
+        self.calls.append(Call(schema, arguments, tuple(files), run.returncode, lines,
+                               run.stderr.decode(errors="replace")))
+        return self.calls[-1]
+
+    def look(self):
+        for schema, command in (("info", ["info"]),
+                                *((f"list-{what}", ["list", what]) for what in LISTS)):
+            for file in self.readable:
+                self.call(schema, *command, files=[file])
+            for media in ("../one", "../several", "../misfit"):
+                self.call(schema, *command, "--media", media, files=["external.omf"])
+            self.call(schema, *command, files=self.readable + self.unreadable)
+
+    def extract(self):
+        for extra in ([], [], ["--wav"], ["--media", "../several"],
+                      ["--media", "../misfit", "--absolute"]):
+            self.call("extract", "extract", "--to", "out", *extra, files=self.readable)
+        self.call("extract", "extract", "--to", "none", files=self.unreadable)
+
+    def dump(self):
+        files = self.readable + self.unreadable
+        for extra in ([], ["--all"]):
+            self.call("dump-overview", "dump", *extra, files=files)
+            self.call("dump-object", "dump", "--object", "1", *extra, files=files)
+        self.call("dump-table", "dump", "--toc", files=files)
+        self.call("dump-object", "dump", "--object", "99999999", files=["session.omf"])
+        for path in ("CMOB[161]/slot[160]/SCLP[157]", "CMOB[161]/slot[9]", "nonsense"):
+            self.call("dump-object", "dump", "--path", path, files=["session.omf"])
+        # An object with audio, of which a bounded part is shown.
+        self.call("dump-object", "dump", "--path", "WAVE[13]", files=["session.omf"])
+
+    def validate(self):
+        timeline = (self.path / "out" / "session" / "timeline.json").read_bytes()
+        document = parse(timeline)
+        track = document["events"][0]["trackID"].encode()
+        (self.path / "track.json").write_bytes(timeline.replace(b'"trackID":"' + track,
+                                                                b'"trackID":"x' + track, 1))
+        rate = b'"nominalFramesPerSecond":'
+        (self.path / "clock.json").write_bytes(timeline.replace(rate, rate + b"-", 1))
+        self.call("validate", "validate",
+                  files=["out/session/timeline.json", "track.json", "clock.json", "text.omf",
+                         "nothing.json", "folder.omf", b"bytes-\xff.json"])
+
+
+def all_calls(path):
+    folder = Folder(path)
+    folder.look()
+    folder.extract()
+    folder.dump()
+    folder.validate()
+    return folder.calls
