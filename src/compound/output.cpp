@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "output.h"
+
+#include "layout.h"
+
+#include <algorithm>
+#include <array>
+
+namespace trellant::compound {
+
+namespace {
+
+constexpr std::size_t gatheredSize = 64 * 1024;
+constexpr std::array<std::byte, sectorSize> zeroSector{};
+
+}  // namespace
+
+Output::Output(const ByteSink& sink) : sink_(sink) {
+    gathered_.reserve(gatheredSize);
+}
+
+void Output::number(std::uint64_t value, std::size_t width) {
+    std::array<std::byte, 8> stored{};
+    for (std::size_t index = 0; index < width; ++index) {
+        stored[index] = static_cast<std::byte>(value >> (8 * index));
+    }
+    bytes(ByteView(stored).first(width));
+}
+
+void Output::text(std::u16string_view units) {
+    for (const char16_t unit : units) {
+        u16(unit);
+    }
+}
+
+void Output::bytes(ByteView bytes) {
+    if (position_ < rangeLockOffset && bytes.size() > rangeLockOffset - position_) {
+        const auto before = static_cast<std::size_t>(rangeLockOffset - position_);
+        append(bytes.first(before));
+        bytes = bytes.subspan(before);
+    }
+    if (position_ == rangeLockOffset && !bytes.empty()) {
+        append(zeroSector);
+    }
+    append(bytes);
+}
+
+void Output::append(ByteView bytes) {
+    position_ += bytes.size();
+    if (bytes.size() > gatheredSize - gathered_.size()) {
+        flush();
+    }
+    if (bytes.size() >= gatheredSize) {
+        sink_(bytes);
+    } else {
+        gathered_.insert(gathered_.end(), bytes.begin(), bytes.end());
+    }
+}
+
+void Output::fill(std::byte value, std::uint64_t count) {
+    std::array<std::byte, 512> values;
+    values.fill(value);
+    while (count > 0) {
+        const std::uint64_t part = std::min<std::uint64_t>(count, values.size());
+        bytes(ByteView(values).first(static_cast<std::size_t>(part)));
+        count -= part;
+    }
+}
+
+void Output::fillUnit(std::byte value, std::uint64_t unit) {
+    const std::uint64_t used = position_ % unit;
+    fill(value, used == 0 ? 0 : unit - used);
+}
+
+void Output::flush() {
+    if (!gathered_.empty()) {
+        sink_(gathered_);
+        gathered_.clear();
+    }
+}
+
+}  // namespace trellant::compound
