@@ -3,6 +3,7 @@
 
 #include "dictionary.h"
 #include "segment_writer.h"
+#include "tagged_values.h"
 
 #include <trellant/aaf/errors.h>
 
@@ -57,7 +58,7 @@ class MobWriter {
         if (mob.usageCode) {
             object_.auid(Property::mobUsageCode, idOf(*mob.usageCode));
         }
-        writeComments(mob.userComments);
+        writeTaggedValues(file_, object_, Property::mobUserComments, mob.userComments);
         ObjectList slots = object_.strongVector(Property::mobSlots, mob.slots.size());
         for (const MobSlot& slot : mob.slots) {
             std::visit([&](const auto& one) { writeSlot(slots, one); }, slot);
@@ -71,24 +72,6 @@ class MobWriter {
     void finish() { object_.finish(); }
 
   private:
-    void writeComments(const std::vector<TaggedValue>& comments) {
-        if (comments.empty()) {
-            return;
-        }
-        ObjectList list = object_.strongVector(Property::mobUserComments, comments.size());
-        for (const TaggedValue& comment : comments) {
-            ObjectWriter object(file_, list.add(Class::taggedValue));
-            object.text(Property::taggedValueName, comment.name);
-            if (const auto* text = std::get_if<std::string>(&comment.value)) {
-                object.indirectText(Property::taggedValueValue, *text);
-            } else {
-                object.indirectInt32(Property::taggedValueValue,
-                                     std::get<std::int32_t>(comment.value));
-            }
-            object.finish();
-        }
-    }
-
     /// What both kinds of slots have.
     template <class Slot>
     static void writeSlotNames(ObjectWriter& object, const Slot& slot) {
@@ -107,6 +90,8 @@ class MobWriter {
         object.rate(Property::timelineMobSlotEditRate, slot.editRate);
         object.i64(Property::timelineMobSlotOrigin, slot.origin);
         SegmentWriter(file_, slot.dataKind).writeSegment(object, slot.segment);
+        writeTaggedValues(file_, object, Property::timelineMobSlotTimelineMobAttributeList,
+                          slot.attributes);
         object.finish();
     }
 
@@ -162,6 +147,7 @@ class MobWriter {
         object.u32(Property::soundDescriptorChannels, descriptor.channels);
         object.u32(Property::pcmDescriptorAverageBPS, descriptor.averageBPS);
         object.u16(Property::pcmDescriptorBlockAlign, descriptor.blockAlign);
+        object.u8(Property::pcmDescriptorSequenceOffset, 0);
         object.finish();
     }
 

@@ -3,6 +3,7 @@
 
 #include "dictionary.h"
 #include "sequence_length.h"
+#include "tagged_values.h"
 
 #include <trellant/aaf/errors.h>
 
@@ -64,6 +65,8 @@ void SegmentWriter::writeOperation(ObjectWriter& object, const OperationGroup& g
     object.weakReference(Property::operationGroupOperation, Target::operationDefinitions,
                          idOf(group.operation));
     writeParameters(object, group.parameters);
+    writeTaggedValues(file_, object, Property::componentComponentAttributeList,
+                      group.componentAttributes);
 }
 
 Storage SegmentWriter::writeAround(Storage storage, const std::vector<OperationGroup>& groups,

@@ -43,12 +43,21 @@ struct Parameter {
     bool operator==(const Parameter&) const = default;
 };
 
+/// A value by name that no property of its own exists for.
+struct TaggedValue {
+    std::string name{};
+    std::variant<std::string, std::int32_t> value{};
+    bool operator==(const TaggedValue&) const = default;
+};
+
 /// An effect on one input, as long as what it stands around. In a Transition it has no input of its
 /// own: it acts on the neighbours.
 struct OperationGroup {
     Operation operation = Operation::monoAudioGain;
     /// One at most of each kind.
     std::vector<Parameter> parameters{};
+    /// What some programs say of an effect beyond its parameters.
+    std::vector<TaggedValue> componentAttributes{};
     bool operator==(const OperationGroup&) const = default;
 };
 

@@ -23,9 +23,11 @@ struct TimelineMobSlot {
     Rational editRate{};
     /// Where the slot's zero lies within its segment, in edit units.
     std::int64_t origin = 0;
-    /// Of the segment and of all that it is made of.
+    /// Of the segment and of all that it is made of; a Timecode is of the kind timecode always.
     DataKind dataKind = DataKind::sound;
     Segment segment{};
+    /// What some programs say of a track beyond its properties.
+    std::vector<TaggedValue> attributes{};
     bool operator==(const TimelineMobSlot&) const = default;
 };
 
@@ -42,13 +44,6 @@ struct EventMobSlot {
 
 using MobSlot = std::variant<TimelineMobSlot, EventMobSlot>;
 
-/// A remark by name: of a mob one of its UserComments.
-struct TaggedValue {
-    std::string name{};
-    std::variant<std::string, std::int32_t> value{};
-    bool operator==(const TaggedValue&) const = default;
-};
-
 /// What a composition is to the file.
 enum class UsageCode { topLevel, lowerLevel, subClip, adjustedClip, templateOfOthers };
 
@@ -61,6 +56,7 @@ struct Mob {
     TimeStamp creationTime{};
     TimeStamp lastModified{};
     std::optional<UsageCode> usageCode{};
+    /// Texts: readers take a number here for damage.
     std::vector<TaggedValue> userComments{};
     std::vector<MobSlot> slots{};
     bool operator==(const Mob&) const = default;
