@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "layout.h"
 
+#include "directory_entry.h"
+
 namespace trellant::compound {
 
 namespace {

@@ -22,7 +22,6 @@ inline constexpr std::uint32_t sectorSize = 4096;
 inline constexpr std::uint32_t miniSectorSize = 64;
 /// Streams from this length on have sectors of their own.
 inline constexpr std::uint32_t miniStreamCutoff = 4096;
-inline constexpr std::uint32_t entrySize = 128;
 inline constexpr std::uint32_t numbersInSector = sectorSize / 4;
 /// FAT sectors that the header names itself.
 inline constexpr std::uint32_t headerDIFATEntries = 109;

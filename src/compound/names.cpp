@@ -20,19 +20,16 @@ constexpr bool isLowSurrogate(char16_t unit) noexcept {
     return unit >= 0xDC00 && unit <= 0xDFFF;
 }
 
-bool hasUnpairedSurrogate(std::u16string_view name) noexcept {
-    for (std::size_t index = 0; index < name.size(); ++index) {
-        if (isLowSurrogate(name[index])) {
-            return true;
-        }
-        if (isHighSurrogate(name[index])) {
-            ++index;
-            if (index == name.size() || !isLowSurrogate(name[index])) {
-                return true;
-            }
-        }
+constexpr bool isForbidden(char16_t unit) noexcept {
+    return unit == u'/' || unit == u'\\' || unit == u':' || unit == u'!' || unit == u'\0';
+}
+
+/// Half of a pair at `index` without the other half behind or before it.
+bool isUnpaired(std::u16string_view name, std::size_t index) noexcept {
+    if (isHighSurrogate(name[index])) {
+        return index + 1 == name.size() || !isLowSurrogate(name[index + 1]);
     }
-    return false;
+    return isLowSurrogate(name[index]) && (index == 0 || !isHighSurrogate(name[index - 1]));
 }
 
 [[noreturn]] void refuse(std::u16string_view name, NameProblem problem) {
@@ -42,18 +39,19 @@ bool hasUnpairedSurrogate(std::u16string_view name) noexcept {
 }  // namespace
 
 void checkName(std::u16string_view name) {
-    constexpr std::u16string_view forbidden(u"/\\:!\0", 5);
     if (name.empty()) {
         refuse(name, NameProblem::empty);
     }
     if (name.size() > maximumNameLength) {
         refuse(name, NameProblem::moreThan31Units);
     }
-    if (name.find_first_of(forbidden) != std::u16string_view::npos) {
-        refuse(name, NameProblem::forbiddenCharacter);
-    }
-    if (hasUnpairedSurrogate(name)) {
-        refuse(name, NameProblem::unpairedSurrogate);
+    for (std::size_t index = 0; index < name.size(); ++index) {
+        if (isForbidden(name[index])) {
+            refuse(name, NameProblem::forbiddenCharacter);
+        }
+        if (isUnpaired(name, index)) {
+            refuse(name, NameProblem::unpairedSurrogate);
+        }
     }
 }
 

@@ -11,7 +11,12 @@ namespace trellant::compound {
 namespace {
 
 constexpr std::size_t gatheredSize = 64 * 1024;
-constexpr std::array<std::byte, sectorSize> zeroSector{};
+constexpr std::array<std::byte, sectorSize> zeros{};
+constexpr auto ones = [] {
+    std::array<std::byte, sectorSize> bytes{};
+    bytes.fill(static_cast<std::byte>(0xFF));
+    return bytes;
+}();
 
 }  // namespace
 
@@ -27,12 +32,6 @@ void Output::number(std::uint64_t value, std::size_t width) {
     bytes(ByteView(stored).first(width));
 }
 
-void Output::text(std::u16string_view units) {
-    for (const char16_t unit : units) {
-        u16(unit);
-    }
-}
-
 void Output::bytes(ByteView bytes) {
     if (position_ < rangeLockOffset && bytes.size() > rangeLockOffset - position_) {
         const auto before = static_cast<std::size_t>(rangeLockOffset - position_);
@@ -40,7 +39,7 @@ void Output::bytes(ByteView bytes) {
         bytes = bytes.subspan(before);
     }
     if (position_ == rangeLockOffset && !bytes.empty()) {
-        append(zeroSector);
+        append(zeros);
     }
     append(bytes);
 }
@@ -57,19 +56,18 @@ void Output::append(ByteView bytes) {
     }
 }
 
-void Output::fill(std::byte value, std::uint64_t count) {
-    std::array<std::byte, 512> values;
-    values.fill(value);
+void Output::fill(Padding padding, std::uint64_t count) {
+    const ByteView values = padding == Padding::zeros ? zeros : ones;
     while (count > 0) {
         const std::uint64_t part = std::min<std::uint64_t>(count, values.size());
-        bytes(ByteView(values).first(static_cast<std::size_t>(part)));
+        bytes(values.first(static_cast<std::size_t>(part)));
         count -= part;
     }
 }
 
-void Output::fillUnit(std::byte value, std::uint64_t unit) {
+void Output::fillUnit(Padding padding, std::uint64_t unit) {
     const std::uint64_t used = position_ % unit;
-    fill(value, used == 0 ? 0 : unit - used);
+    fill(padding, used == 0 ? 0 : unit - used);
 }
 
 void Output::flush() {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The file on its way out: numbers and texts in little-endian form, short pieces gathered, the
+// The file on its way out: numbers in little-endian form, short pieces gathered, the
 // sector that nothing may use left out.
 #pragma once
 
@@ -8,24 +8,23 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string_view>
 
 namespace trellant::compound {
+
+/// What stands where nothing is said.
+enum class Padding { zeros, ones };
 
 class Output {
   public:
     explicit Output(const ByteSink& sink);
 
-    void u8(std::uint8_t value) { number(value, 1); }
     void u16(std::uint16_t value) { number(value, 2); }
     void u32(std::uint32_t value) { number(value, 4); }
     void u64(std::uint64_t value) { number(value, 8); }
-    /// Two bytes for each unit.
-    void text(std::u16string_view units);
     void bytes(ByteView bytes);
-    void fill(std::byte value, std::uint64_t count);
+    void fill(Padding padding, std::uint64_t count);
     /// Up to the next multiple of `unit` from the file's start.
-    void fillUnit(std::byte value, std::uint64_t unit);
+    void fillUnit(Padding padding, std::uint64_t unit);
     /// To be called at the end.
     void flush();
 

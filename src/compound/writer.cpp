@@ -19,24 +19,14 @@
 //       68     4  first DIFAT sector
 //       72     4  DIFAT sectors
 //       76   436  the first 109 FAT sectors
-// Entry of the directory:
-//        0    64  name, zero behind it
-//       64     2  bytes of the name with one zero unit
-//       66     1  1 storage, 2 stream, 5 root
-//       67     1  0 red, 1 black
-//       68    12  entries left and right of it among its siblings, root of the tree that it holds
-//       80    16  class
-//       96    20  state, times of creation and change: zero
-//      116     4  first sector, or mini sector
-//      120     8  length
 #include "writer.h"
 
+#include "directory_entry.h"
 #include "layout.h"
-#include "names.h"
 #include "output.h"
 #include "siblings.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace trellant::compound {
 
@@ -46,7 +36,6 @@ constexpr std::uint32_t freeSector = 0xFFFFFFFF;
 constexpr std::uint32_t endOfChain = 0xFFFFFFFE;
 constexpr std::uint32_t fatSectorMark = 0xFFFFFFFD;
 constexpr std::uint32_t difatSectorMark = 0xFFFFFFFC;
-constexpr auto freeByte = static_cast<std::byte>(0xFF);
 
 std::uint32_t firstOf(const SectorRun& run) noexcept {
     return run.count == 0 ? endOfChain : numberInFile(run.first);
@@ -77,7 +66,7 @@ class TreeWriter {
         output_.u16(0xFFFE);
         output_.u16(12);
         output_.u16(6);
-        output_.fill(std::byte{0}, 6);
+        output_.fill(Padding::zeros, 6);
         output_.u32(layout_.directory.count);
         output_.u32(layout_.fat.count);
         output_.u32(firstOf(layout_.directory));
@@ -90,7 +79,7 @@ class TreeWriter {
         for (std::uint32_t index = 0; index < headerDIFATEntries; ++index) {
             output_.u32(fatSector(index));
         }
-        output_.fillUnit(std::byte{0}, sectorSize);
+        output_.fillUnit(Padding::zeros, sectorSize);
     }
 
     /// The number of the FAT sector at this place in the list of them.
@@ -121,7 +110,7 @@ class TreeWriter {
                 putChain(static_cast<std::uint32_t>(unitsFor(entry.byteCount, sectorSize)));
             }
         }
-        output_.fillUnit(freeByte, sectorSize);
+        output_.fillUnit(Padding::ones, sectorSize);
     }
 
     void putMarks(std::uint32_t count, std::uint32_t mark) {
@@ -151,64 +140,40 @@ class TreeWriter {
         std::uint32_t nextMiniSector = 0;
         for (std::size_t index = 0; index < tree_.entries.size(); ++index) {
             const Entry& entry = tree_.entries[index];
-            if (index == 0) {
-                writeEntry(index, firstOf(layout_.miniStream),
-                           std::uint64_t{layout_.miniSectors} * miniSectorSize);
-            } else if (entry.kind == EntryKind::storage) {
-                writeEntry(index, 0, 0);
-            } else if (entry.byteCount == 0) {
-                writeEntry(index, endOfChain, 0);
-            } else if (hasOwnSectors(entry)) {
-                writeEntry(index, numberInFile(nextSector), entry.byteCount);
-                nextSector += static_cast<std::uint32_t>(unitsFor(entry.byteCount, sectorSize));
+            DirectoryEntry described{.name = tree_.nameOf(entry), .links = links_[index]};
+            if (entry.kind == EntryKind::storage) {
+                described.type = EntryType::storage;
+                described.classID = tree_.storageClasses[entry.content];
             } else {
-                writeEntry(index, nextMiniSector, entry.byteCount);
-                nextMiniSector +=
-                    static_cast<std::uint32_t>(unitsFor(entry.byteCount, miniSectorSize));
+                described.type = EntryType::stream;
+                described.byteCount = entry.byteCount;
+                described.firstSector = takeSectors(entry, nextSector, nextMiniSector);
             }
+            if (index == 0) {
+                described.type = EntryType::root;
+                described.byteCount = std::uint64_t{layout_.miniSectors} * miniSectorSize;
+                described.firstSector = firstOf(layout_.miniStream);
+            }
+            output_.bytes(stored(described));
         }
-        writeUnusedEntries();
-    }
-
-    void writeEntry(std::size_t index, std::uint32_t firstSector, std::uint64_t byteCount) {
-        const Entry& entry = tree_.entries[index];
-        const EntryLinks& links = links_[index];
-        output_.text(tree_.nameOf(entry));
-        output_.fill(std::byte{0}, 2 * (maximumNameLength + 1 - entry.nameLength));
-        output_.u16(static_cast<std::uint16_t>(2 * (entry.nameLength + 1)));
-        output_.u8(typeOf(index));
-        output_.u8(links.isRed ? 0 : 1);
-        output_.u32(links.left);
-        output_.u32(links.right);
-        output_.u32(links.child);
-        if (entry.kind == EntryKind::storage) {
-            output_.bytes(tree_.storageClasses[entry.content]);
-        } else {
-            output_.fill(std::byte{0}, sizeof(ClassID));
-        }
-        output_.fill(std::byte{0}, 20);
-        output_.u32(firstSector);
-        output_.u64(byteCount);
-    }
-
-    [[nodiscard]] std::uint8_t typeOf(std::size_t index) const noexcept {
-        constexpr std::uint8_t storage = 1;
-        constexpr std::uint8_t stream = 2;
-        constexpr std::uint8_t root = 5;
-        if (index == 0) {
-            return root;
-        }
-        return tree_.entries[index].kind == EntryKind::storage ? storage : stream;
-    }
-
-    void writeUnusedEntries() {
         constexpr std::size_t entriesInSector = sectorSize / entrySize;
-        const std::size_t used = tree_.entries.size() % entriesInSector;
-        for (std::size_t index = used; index != 0 && index < entriesInSector; ++index) {
-            output_.fill(std::byte{0}, 68);
-            output_.fill(freeByte, 12);
-            output_.fill(std::byte{0}, 48);
+        for (std::size_t used = tree_.entries.size(); used % entriesInSector != 0; ++used) {
+            output_.bytes(stored(DirectoryEntry{}));
         }
+    }
+
+    /// The number of a stream's first sector; the next stream's come behind.
+    [[nodiscard]] static std::uint32_t takeSectors(const Entry& entry, std::uint32_t& nextSector,
+                                                   std::uint32_t& nextMiniSector) noexcept {
+        if (entry.byteCount == 0) {
+            return endOfChain;
+        }
+        if (hasOwnSectors(entry)) {
+            const auto count = static_cast<std::uint32_t>(unitsFor(entry.byteCount, sectorSize));
+            return numberInFile(std::exchange(nextSector, nextSector + count));
+        }
+        const auto count = static_cast<std::uint32_t>(unitsFor(entry.byteCount, miniSectorSize));
+        return std::exchange(nextMiniSector, nextMiniSector + count);
     }
 
     void writeMiniFAT() {
@@ -223,7 +188,7 @@ class TreeWriter {
                 output_.u32(count > 1 ? sector : endOfChain);
             }
         }
-        output_.fillUnit(freeByte, sectorSize);
+        output_.fillUnit(Padding::ones, sectorSize);
     }
 
     /// Those that share sectors, or the others.
@@ -231,10 +196,10 @@ class TreeWriter {
         for (const Entry& entry : tree_.entries) {
             if (entry.kind != EntryKind::storage && isMiniStream(entry.byteCount) == mini) {
                 writeContent(entry);
-                output_.fillUnit(std::byte{0}, mini ? miniSectorSize : sectorSize);
+                output_.fillUnit(Padding::zeros, mini ? miniSectorSize : sectorSize);
             }
         }
-        output_.fillUnit(std::byte{0}, sectorSize);
+        output_.fillUnit(Padding::zeros, sectorSize);
     }
 
     void writeContent(const Entry& entry) {
