@@ -66,7 +66,7 @@ class MobWriter {
     }
 
     void writeDescription(const SourceMob& mob) {
-        std::visit([&](const auto& one) { writeDescriptor(one); }, mob.essenceDescription);
+        std::visit([this](const auto& one) { writeDescriptor(one); }, mob.essenceDescription);
     }
 
     void finish() { object_.finish(); }

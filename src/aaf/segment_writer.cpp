@@ -36,7 +36,7 @@ struct StoredClass {
 void SegmentWriter::writeSegment(ObjectWriter& slot, const Segment& segment) {
     const Storage storage =
         slot.strongReference(Property::mobSlotSegment, std::visit(StoredClass(), segment));
-    std::visit([&](const auto& one) { write(storage, one); }, segment);
+    std::visit([this, storage](const auto& one) { write(storage, one); }, segment);
 }
 
 void SegmentWriter::writeMarkers(ObjectWriter& slot,

@@ -10,7 +10,7 @@ namespace trellant::compound {
 
 namespace {
 
-constexpr std::size_t gatheredSize = 64 * 1024;
+constexpr std::size_t gatheredSize = std::size_t{64} * 1024;
 constexpr std::array<std::byte, sectorSize> zeros{};
 constexpr auto ones = [] {
     std::array<std::byte, sectorSize> bytes{};

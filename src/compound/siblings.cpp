@@ -54,7 +54,7 @@ class Linker {
 
     void sort(std::span<std::uint32_t> members) const {
         const auto precedes = [this](std::uint32_t left, std::uint32_t right) {
-            return compareNames(nameOf(left), nameOf(right)) < 0;
+            return std::is_lt(compareNames(nameOf(left), nameOf(right)));
         };
         // Lists are mostly added in their order.
         if (!std::is_sorted(members.begin(), members.end(), precedes)) {

@@ -194,7 +194,7 @@ TEST(AafComponents, AttributesOfAnOperationGoByName) {
 }
 
 TEST(AafComponents, EveryInterpolationIsDefined) {
-    const std::pair<Interpolation, const char*> names[] = {
+    const std::vector<std::pair<Interpolation, const char*>> names{
         {Interpolation::linear, "LinearInterp"},
         {Interpolation::constant, "ConstantInterp"},
         {Interpolation::logarithmic, "LogInterp"},

@@ -12,7 +12,6 @@
 namespace trellant::aaf {
 namespace {
 
-using ::testing::ElementsAre;
 using Fault = AafError::Fault;
 using testing::bytesOf;
 using testing::hex;

@@ -12,7 +12,6 @@ namespace trellant::aaf {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 TEST(AafModel, IdentifiersAreUnique) {
     std::set<AUID> ids;
@@ -166,7 +165,7 @@ TEST(AafModel, NothingIsDescribedThatNoFileCanHave) {
     const WrittenAaf written(file);
     std::vector<std::string> unused;
     for (const ClassRow& row : classRows()) {
-        if (row.isConcrete && written.reader->classesInUse().count(std::string(row.name)) == 0) {
+        if (row.isConcrete && !written.reader->classesInUse().contains(std::string(row.name))) {
             unused.emplace_back(row.name);
         }
     }

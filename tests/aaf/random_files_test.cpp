@@ -22,11 +22,11 @@ class RandomAafFile : public ::testing::TestWithParam<unsigned> {
     }
 
     std::string text() {
-        constexpr std::string_view pieces[] = {
+        static const std::vector<std::string_view> pieces{
             "a", "Z", "0", " ", "/", "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x8E\xB5", "\xFF"};
         std::string result;
         for (std::size_t count = below(60); count > 0; --count) {
-            result += pieces[below(std::size(pieces))];
+            result += pieces[below(pieces.size())];
         }
         return result;
     }

@@ -69,7 +69,7 @@ int main(int count, char** arguments) {
             return 0;
         }
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "%s\n", error.what());
+        static_cast<void>(std::fprintf(stderr, "%s\n", error.what()));
     }
     return 1;
 }

@@ -27,7 +27,7 @@ constexpr ClassID classOf(unsigned char value) {
 }
 
 inline CompoundFile newFile() {
-    return CompoundFile(classOf(0xA1), classOf(0xB2));
+    return {classOf(0xA1), classOf(0xB2)};
 }
 
 /// What a file looks like to a reader, which must find no fault in it.

@@ -65,10 +65,10 @@ const KindOfType* kindOf(const StoredObject& object) {
                                                        {0x0221, "Indirect", 0},
                                                        {0x0223, "Character", 0}}};
     const std::uint64_t number = storedNumber(ByteView(object.classID).subspan(4, 2));
-    const auto found = std::find_if(kinds.begin(), kinds.end(), [number](const KindOfType& kind) {
-        return kind.number == number;
-    });
-    return found == kinds.end() ? nullptr : &*found;
+    const auto* const found =
+        std::find_if(kinds.begin(), kinds.end(),
+                     [number](const KindOfType& kind) { return kind.number == number; });
+    return found == kinds.end() ? nullptr : found;
 }
 
 }  // namespace
@@ -146,7 +146,7 @@ void AafReader::readType(const StoredObject& object) {
     model.count = static_cast<std::size_t>(storedNumber(dataOf(object, 0x0018)));
     model.targetSet = split(dataOf(object, 0x0013), 16);
     for (const std::uint16_t names : std::array<std::uint16_t, 3>{0x0015, 0x001D, 0x001F}) {
-        if (object.properties.count(names) != 0) {
+        if (object.properties.contains(names)) {
             model.names = storedTexts(dataOf(object, names));
         }
     }
@@ -159,10 +159,9 @@ void AafReader::checkModel() {
     std::set<std::uint16_t> pids;
     std::size_t count = 0;
     for (const auto& [id, model] : classes_) {
-        check(classes_.count(model.parent) != 0,
-              model.name + " is below a class that is not there");
+        check(classes_.contains(model.parent), model.name + " is below a class that is not there");
         for (const auto& [pid, property] : model.properties) {
-            check(types_.count(property.type) != 0,
+            check(types_.contains(property.type),
                   model.name + "::" + property.name + " has no type");
             pids.insert(pid);
             ++count;
@@ -177,7 +176,7 @@ void AafReader::checkModel() {
 void AafReader::checkType(const TypeModel& type) {
     const bool ofClasses = type.kind == "StrongReference" || type.kind == "WeakReference";
     for (const ID& part : type.parts) {
-        check(ofClasses ? classes_.count(part) != 0 : types_.count(part) != 0,
+        check(ofClasses ? classes_.contains(part) : types_.contains(part),
               type.name + " is made of something that is not there");
     }
     if (type.kind == "Integer") {
@@ -237,7 +236,7 @@ void AafReader::checkObject(const StoredObject& object, const std::string& path)
     inUse_.insert(model->name);
     const auto properties = propertiesOf(object);
     for (const auto& [pid, property] : properties) {
-        const bool isThere = object.properties.count(pid) != 0;
+        const bool isThere = object.properties.contains(pid);
         check(isThere || property.isOptional || pid == objClass,
               path + ": " + model->name + " lacks " + property.name);
     }
@@ -322,7 +321,7 @@ void AafReader::checkData(const StoredProperty& property, const ID& type, const 
               path + ": not one text that ends with zero");
     } else if (model.kind == "Indirect") {
         const bool hasType = value.size() >= 17 && value[0] == std::byte{0x4C} &&
-                             types_.count(ID(value.begin() + 1, value.begin() + 17)) != 0;
+                             types_.contains(ID(value.begin() + 1, value.begin() + 17));
         check(hasType, path + ": an indirect value without a known type");
         if (hasType) {
             StoredProperty inner;
@@ -366,7 +365,7 @@ std::vector<AafReader::ID> AafReader::idsOnPath(const std::vector<std::uint16_t>
             continue;
         }
         for (const auto& [id, model] : classes_) {
-            if (model.properties.count(pid) != 0) {
+            if (model.properties.contains(pid)) {
                 ids.push_back(model.properties.at(pid).id);
             }
         }

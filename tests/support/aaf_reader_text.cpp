@@ -100,7 +100,7 @@ std::string AafReader::valueOf(std::string_view path, std::string_view property)
         return "nothing at " + std::string(path);
     }
     for (const auto& [pid, model] : propertiesOf(*object)) {
-        if (model.name == property && object->properties.count(pid) != 0) {
+        if (model.name == property && object->properties.contains(pid)) {
             return valueText(object->properties.at(pid), model);
         }
     }
@@ -111,7 +111,7 @@ Bytes AafReader::streamOf(std::string_view path, std::string_view property) cons
     const StoredObject* object = find(path);
     if (object != nullptr) {
         for (const auto& [pid, model] : propertiesOf(*object)) {
-            if (model.name == property && object->properties.count(pid) != 0) {
+            if (model.name == property && object->properties.contains(pid)) {
                 return stored_.container().content(object->properties.at(pid).stream);
             }
         }
@@ -128,7 +128,7 @@ void AafReader::print(const StoredObject& object, const std::string& indent,
         byName[properties.at(pid).name] = pid;
     }
     for (const auto& [name, pid] : byName) {
-        text += indent + "  " + name;
+        text.append(indent).append("  ").append(name);
         printProperty(object.properties.at(pid), properties.at(pid), indent + "  ", text);
     }
 }
@@ -146,7 +146,7 @@ void AafReader::printProperty(const StoredProperty& property, const PropertyMode
     }
     text += "\n";
     for (std::size_t index = 0; index < property.objects.size(); ++index) {
-        text += indent + "  " + std::to_string(index) + " ";
+        text.append(indent).append("  ").append(std::to_string(index)).append(" ");
         print(*property.objects[index], indent + "  ", text);
     }
 }
@@ -179,8 +179,7 @@ std::string AafReader::weakText(const StoredProperty& property) const {
         const auto found = std::find(target->names.begin(), target->names.end(), name);
         const auto& object =
             *target->objects.at(static_cast<std::size_t>(found - target->names.begin()));
-        const std::uint16_t pid =
-            object.properties.count(metaName) != 0 ? metaName : definitionName;
+        const std::uint16_t pid = object.properties.contains(metaName) ? metaName : definitionName;
         texts.push_back(storedText(object.properties.at(pid).value));
     }
     return property.form == StoredForm::weak ? texts.front() : joinedBy(texts, "[", "]");

@@ -292,8 +292,8 @@ void CompoundReader::readMiniFAT() {
 void CompoundReader::checkTrees() {
     visited_.assign(entries_.size(), false);
     visited_[0] = true;
-    for (std::size_t index = 0; index < entries_.size(); ++index) {
-        const std::uint32_t child = entries_[index].child;
+    for (StoredEntry& entry : entries_) {
+        const std::uint32_t child = entry.child;
         if (child == nobody) {
             continue;
         }
@@ -304,7 +304,7 @@ void CompoundReader::checkTrees() {
             check(precedes(entries_[inOrder[place - 1]].name, entries_[inOrder[place]].name),
                   numbered("order of siblings, entry ", inOrder[place]));
         }
-        entries_[index].members = std::move(inOrder);
+        entry.members = std::move(inOrder);
     }
     check(std::all_of(visited_.begin(), visited_.end(), [](bool visited) { return visited; }),
           "an entry stands in no storage");
@@ -390,7 +390,8 @@ void CompoundReader::checkMiniStreams() {
         check(length == (entry.size + miniBytes - 1) / miniBytes,
               numbered("length of the chain of stream ", index));
         const Bytes holder = sector(miniStreamSectors_.at(last / miniBytes));
-        checkPadding(index, ByteView(holder).subspan(last % miniBytes * miniBytes, miniBytes));
+        checkPadding(
+            index, ByteView(holder).subspan(std::size_t{last % miniBytes} * miniBytes, miniBytes));
     }
     check(std::all_of(used.begin(), used.end(), [](bool one) { return one; }),
           "a mini sector belongs to no stream");

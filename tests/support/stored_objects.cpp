@@ -106,7 +106,7 @@ const StoredProperty* StoredObjects::follow(const std::vector<std::uint16_t>& pa
         if (property != nullptr) {
             object = property->objects.size() == 1 ? property->objects.front().get() : nullptr;
         }
-        if (object == nullptr || object->properties.count(pid) == 0) {
+        if (object == nullptr || !object->properties.contains(pid)) {
             return nullptr;
         }
         property = &object->properties.at(pid);
@@ -137,7 +137,7 @@ std::shared_ptr<StoredObject> StoredObjects::readObject(std::uint32_t storage,
         }
         const ByteView value = ByteView(stored).subspan(offset, head.length);
         offset += head.length;
-        check(object->properties.count(head.pid) == 0, place, "a property twice");
+        check(!object->properties.contains(head.pid), place, "a property twice");
         object->properties[head.pid] = readProperty(head, value, place);
     }
     check(offset == stored.size(), place, "bytes behind the values");

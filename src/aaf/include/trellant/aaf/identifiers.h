@@ -11,7 +11,6 @@
 #pragma once
 
 #include <array>
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -24,7 +23,9 @@ struct AUID {
 
     friend constexpr bool operator==(const AUID&, const AUID&) = default;
     /// In the order of the stored bytes.
-    friend constexpr auto operator<=>(const AUID&, const AUID&) = default;
+    friend constexpr bool operator<(const AUID& left, const AUID& right) noexcept {
+        return left.bytes < right.bytes;
+    }
 };
 
 struct MobID {
@@ -32,7 +33,9 @@ struct MobID {
 
     friend constexpr bool operator==(const MobID&, const MobID&) = default;
     /// In the order of the stored bytes.
-    friend constexpr auto operator<=>(const MobID&, const MobID&) = default;
+    friend constexpr bool operator<(const MobID& left, const MobID& right) noexcept {
+        return left.bytes < right.bytes;
+    }
 };
 
 namespace textForm {
