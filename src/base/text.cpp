@@ -86,6 +86,16 @@ std::string lowerCased(std::string_view text) {
     return result;
 }
 
+char16_t upperCased(char16_t unit) noexcept {
+    if (unit < 0x80) {
+        return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - (u'a' - u'A')) : unit;
+    }
+    // The library gives it a capital that Unicode's simple mapping does not.
+    constexpr char16_t sharpS = 0xDF;
+    const utf8proc_int32_t upper = utf8proc_toupper(unit);
+    return unit == sharpS || upper > 0xFFFF ? unit : static_cast<char16_t>(upper);
+}
+
 std::string replacingNonAlphanumerics(std::string_view text, std::string_view kept,
                                       char replacement) {
     std::string result;

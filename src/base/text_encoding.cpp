@@ -164,4 +164,21 @@ std::optional<std::string> fromUTF16(ByteView bytes, OMFByteOrder order) {
     return result;
 }
 
+std::u16string toUTF16(std::string_view text) {
+    std::u16string result;
+    result.reserve(text.size());
+    for (std::size_t position = 0; position < text.size();) {
+        const UTF8Step step = utf8Step(text, position);
+        position += step.length;
+        if (step.scalar < 0x10000) {
+            result.push_back(static_cast<char16_t>(step.scalar));
+        } else {
+            const char32_t pair = step.scalar - 0x10000;
+            result.push_back(static_cast<char16_t>(0xD800 + (pair >> 10U)));
+            result.push_back(static_cast<char16_t>(0xDC00 + (pair & 0x3FFU)));
+        }
+    }
+    return result;
+}
+
 }  // namespace trellant

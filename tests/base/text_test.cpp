@@ -83,6 +83,20 @@ TEST(UTF16, AnOddLastByteIsIgnored) {
     EXPECT_EQ(fromUTF16(hex("41"), OMFByteOrder::big), "");
 }
 
+TEST(UTF16, IsWrittenScalarByScalar) {
+    EXPECT_EQ(toUTF16(""), u"");
+    EXPECT_EQ(toUTF16("a\xC3\xA9\xEF\xBF\xBD"), u"a\u00E9\uFFFD");
+    EXPECT_EQ(toUTF16("\xF0\x90\x80\x80 \xF4\x8F\xBF\xBF"), u"\xD800\xDC00 \xDBFF\xDFFF");
+    EXPECT_EQ(toUTF16(std::string("a\0b", 3)), std::u16string(u"a\0b", 3));
+}
+
+TEST(UTF16, BrokenSequencesAreWrittenAsReplacementCharacters) {
+    EXPECT_EQ(toUTF16("a\xFF\xE2\x82"
+                      "b\xC3"),
+              u"a\uFFFD\uFFFD"
+              u"b\uFFFD");
+}
+
 TEST(TrimmedOfControls, TakesControlAndFormatCharactersFromBothEndsOnly) {
     EXPECT_EQ(trimmedOfControls(std::string_view("\0\nA\tB\x7F\0", 7)), "A\tB");
     // U+0085 and U+200B stand for the two categories beyond ASCII, U+FEFF too.
@@ -112,6 +126,22 @@ TEST(LowerCased, BytesThatAreNoUTF8StayAsTheyAre) {
                          "B\xC3"),
               "a\xFF"
               "b\xC3");
+}
+
+TEST(UpperCased, WorksUnitByUnit) {
+    EXPECT_EQ(upperCased(u'a'), u'A');
+    EXPECT_EQ(upperCased(u'z'), u'Z');
+    EXPECT_EQ(upperCased(u'{'), u'{');
+    EXPECT_EQ(upperCased(u'\u00E9'), u'\u00C9');
+    EXPECT_EQ(upperCased(u'\u0436'), u'\u0416');
+    EXPECT_EQ(upperCased(u'\u00FF'), u'\u0178');
+}
+
+TEST(UpperCased, WhatHasNoCapitalOfOneUnitStays) {
+    EXPECT_EQ(upperCased(u'\u00DF'), u'\u00DF');
+    EXPECT_EQ(upperCased(char16_t{0xD801}), char16_t{0xD801});
+    EXPECT_EQ(upperCased(char16_t{0xDC28}), char16_t{0xDC28});
+    EXPECT_EQ(upperCased(u'7'), u'7');
 }
 
 TEST(ReplacingNonAlphanumerics, KeepsLettersMarksAndNumbersOfAllScripts) {

@@ -23,6 +23,8 @@ TESTS = {
     "json": of_room("json", "model", "protocol"),
     "model": of_room("model", "protocol"),
     "io": of_room("io", "omf"),
+    "compound": of_room("compound", "aaf"),
+    "aaf": of_room("aaf"),
     "omf": of_room("omf", "mapper"),
     "mapper": of_room("mapper", "examples"),
     "protocol": of_room("protocol", "helper", "client"),

@@ -23,11 +23,18 @@ namespace [[gnu::visibility("default")]] trellant {
 /// Bytes as UTF-16; an odd last byte is ignored, an unpaired surrogate gives nothing.
 [[nodiscard]] std::optional<std::string> fromUTF16(ByteView bytes, OMFByteOrder order);
 
+/// `text` as UTF-16, with each maximal broken sequence replaced by U+FFFD.
+[[nodiscard]] std::u16string toUTF16(std::string_view text);
+
 /// `text` without the control characters (categories Cc and Cf) at both ends.
 [[nodiscard]] std::string trimmedOfControls(std::string_view text);
 
 /// Lower-cased scalar by scalar, without locale. Bytes that are not UTF-8 stay as they are.
 [[nodiscard]] std::string lowerCased(std::string_view text);
+
+/// The unit upper-cased, without locale, where that is one unit too; halves of surrogate pairs and
+/// U+00DF stay as they are.
+[[nodiscard]] char16_t upperCased(char16_t unit) noexcept;
 
 /// `text` with every scalar that is no letter, mark or number (general categories L, M, N) and not
 /// one of `kept` (ASCII) replaced by `replacement`.

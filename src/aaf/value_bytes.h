@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: Apache-2.0
+// Values as they are stored: numbers little-endian, texts as UTF-16 with a zero at the end.
+#pragma once
+
+#include <trellant/aaf/identifiers.h>
+#include <trellant/aaf/values.h>
+#include <trellant/base/bytes.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace trellant::aaf {
+
+/// Collects the parts of a value, one behind the other.
+class ValueBytes {
+  public:
+    ValueBytes& u8(std::uint8_t value) { return number(value, 1); }
+    ValueBytes& u16(std::uint16_t value) { return number(value, 2); }
+    ValueBytes& u32(std::uint32_t value) { return number(value, 4); }
+    ValueBytes& u64(std::uint64_t value) { return number(value, 8); }
+    ValueBytes& i64(std::int64_t value) { return u64(static_cast<std::uint64_t>(value)); }
+    ValueBytes& boolean(bool value) { return u8(value ? 1 : 0); }
+    ValueBytes& auid(const AUID& value) { return bytes(value.bytes); }
+    ValueBytes& mobID(const MobID& value) { return bytes(value.bytes); }
+    ValueBytes& rational(const Rational& value);
+    ValueBytes& timeStamp(const TimeStamp& value);
+    ValueBytes& productVersion(const ProductVersion& value);
+    ValueBytes& bytes(ByteView value);
+    /// UTF-16 and a zero.
+    ValueBytes& text(std::u16string_view value);
+
+    [[nodiscard]] std::size_t size() const noexcept { return bytes_.size(); }
+    [[nodiscard]] ByteView view() const noexcept { return bytes_; }
+
+  private:
+    ValueBytes& number(std::uint64_t value, std::size_t width);
+
+    Bytes bytes_;
+};
+
+}  // namespace trellant::aaf
