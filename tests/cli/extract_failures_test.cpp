@@ -77,7 +77,8 @@ TEST_F(ExtractFailures, DamagedFileIsToldAndLeavesNoFolder) {
     const Said said = extract(options(file));
     EXPECT_EQ(said.status, 2);
     EXPECT_EQ(said.errors, "trellant: " + file +
-                               ": Malformed OMF/Bento file: file too small for Bento footer\n"
+                               ": this is no OMF file that can be read, it looks like a text "
+                               "(Malformed OMF/Bento file: file too small for Bento footer)\n"
                                "trellant: nothing was written to " +
                                out() + "\n");
     EXPECT_FALSE(fs::exists(out()));
