@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-
+// Losses with an extent lie in a list by their start, and that list is a tree: the middle of each
+// part knows the latest end of the whole part, so that parts which end too early are passed over as
+// one. What is found costs its number and the depth of the tree, however many losses there are.
 #include <trellant/handoff/loss_index.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace trellant {
 
@@ -11,39 +14,82 @@ LossIndex::LossIndex(const std::vector<PlacedLoss>& losses) {
         const PlacedLoss& loss = losses[i];
         if (loss.trackID && loss.start) {
             const AAFRational end = *loss.start + loss.duration.value_or(AAFRational::zero());
-            byTrack_[*loss.trackID].push_back({*loss.start, end, end, i});
+            Track& track = byTrack_[*loss.trackID];
+            (end == *loss.start ? track.cuts : track.extended)
+                .push_back({*loss.start, end, end, i});
         }
     }
-    for (auto& [track, spans] : byTrack_) {
-        std::stable_sort(spans.begin(), spans.end(), [](const Span& left, const Span& right) {
-            return left.start < right.start;
-        });
-        for (std::size_t i = 1; i < spans.size(); ++i) {
-            spans[i].latestEnd = std::max(spans[i].end, spans[i - 1].latestEnd);
+    for (auto& [id, track] : byTrack_) {
+        sortByStart(track.cuts);
+        sortByStart(track.extended);
+        findLatestEnds(track.extended);
+    }
+}
+
+void LossIndex::sortByStart(Spans& spans) {
+    std::stable_sort(spans.begin(), spans.end(),
+                     [](const Span& left, const Span& right) { return left.start < right.start; });
+}
+
+void LossIndex::findLatestEnds(std::span<Span> part) {
+    if (part.empty()) {
+        return;
+    }
+    const std::size_t middle = part.size() / 2;
+    for (const auto half : {part.first(middle), part.subspan(middle + 1)}) {
+        if (!half.empty()) {
+            findLatestEnds(half);
+            part[middle].latestEnd =
+                std::max(part[middle].latestEnd, half[half.size() / 2].latestEnd);
         }
     }
 }
 
+void LossIndex::collect(std::span<const Span> part, const AAFClipEvent& event,
+                        std::vector<const Span*>& found) {
+    if (part.empty() || found.size() == mostTouching) {
+        return;
+    }
+    const std::size_t middle = part.size() / 2;
+    const Span& span = part[middle];
+    if (!(event.timelineStart < span.latestEnd)) {
+        return;
+    }
+    collect(part.first(middle), event, found);
+    if (!(span.start < event.timelineEnd())) {
+        return;
+    }
+    if (event.timelineStart < span.end && found.size() < mostTouching) {
+        found.push_back(&span);
+    }
+    collect(part.subspan(middle + 1), event, found);
+}
+
 std::vector<std::size_t> LossIndex::touching(const AAFClipEvent& event) const {
-    std::vector<std::size_t> positions;
     const auto track = byTrack_.find(event.trackID);
     if (track == byTrack_.end()) {
-        return positions;
+        return {};
     }
-    const AAFRational start = event.timelineStart;
-    const AAFRational end = event.timelineEnd();
-    const std::vector<Span>& spans = track->second;
-    // The first that begins after the clip; a cut at the clip's very end still belongs to it.
-    auto span = std::upper_bound(
-        spans.begin(), spans.end(), end,
-        [](const AAFRational& time, const Span& candidate) { return time < candidate.start; });
-    while (span != spans.begin() && !((span - 1)->latestEnd < start)) {
-        --span;
-        const bool isCut = span->start == span->end;
-        if (isCut ? !(span->start < start) : span->start < end && start < span->end) {
-            positions.push_back(span->position);
-        }
+    std::vector<const Span*> found;
+    collect(track->second.extended, event, found);
+    const Spans& cuts = track->second.cuts;
+    auto cut = std::lower_bound(
+        cuts.begin(), cuts.end(), event.timelineStart,
+        [](const Span& candidate, const AAFRational& time) { return candidate.start < time; });
+    // A cut at the clip's very end still belongs to it.
+    for (std::size_t count = 0;
+         count < mostTouching && cut != cuts.end() && !(event.timelineEnd() < cut->start);
+         ++cut, ++count) {
+        found.push_back(&*cut);
     }
+    std::stable_sort(found.begin(), found.end(), [](const Span* left, const Span* right) {
+        return left->start < right->start;
+    });
+    found.resize(std::min(found.size(), mostTouching));
+    std::vector<std::size_t> positions;
+    positions.reserve(found.size());
+    std::transform(found.begin(), found.end(), std::back_inserter(positions),
+                   [](const Span* span) { return span->position; });
     std::sort(positions.begin(), positions.end());
     return positions;
 }
