@@ -159,7 +159,11 @@ Essences::FoundMedia Essences::findExternal(OMFObject descriptor,
                                             const std::optional<std::string>& name) {
     auto found = resolveExternal(descriptor, name);
     if (found.path) {
-        found.format = AudioProbe::probeFile(*found.path);
+        const auto [known, isNew] = externalFormats_.try_emplace(*found.path);
+        if (isNew) {
+            known->second = AudioProbe::probeFile(*found.path);
+        }
+        found.format = known->second;
     }
     return found;
 }
