@@ -179,6 +179,9 @@ Essences::FoundMedia Essences::resolveExternal(OMFObject descriptor,
     }
     if (found.originalPath && search_.hasDirectory()) {
         found.path = search_.locate(wantedName(*found.originalPath));
+        if (found.path && !mediaFileExists(*found.path)) {
+            found.path.reset();
+        }
     }
     return found;
 }
@@ -201,7 +204,7 @@ Essences::FoundMedia Essences::followLocators(OMFObject descriptor) {
             if (!found.originalPath) {
                 found.originalPath = path;
             }
-            if (auto direct = directPath(*path); direct && regularFileExists(*direct)) {
+            if (auto direct = directPath(*path); direct && mediaFileExists(*direct)) {
                 found.path = std::move(direct);
                 break;
             }

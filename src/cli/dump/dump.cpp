@@ -14,7 +14,10 @@
 
 #include <trellant/base/printable_text.h>
 
+#include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace trellant::cli {
 
@@ -118,7 +121,9 @@ std::string dumpInChild(const DumpOptions& options, Console& console) {
 }  // namespace
 
 ExitStatus runDump(const DumpOptions& options, Console& console) {
-    const IsolatedAnswer answer = inConfinedChild([&] { return dumpInChild(options, console); });
+    const IsolatedAnswer answer =
+        inConfinedChild([&] { return dumpInChild(options, console); }, std::nullopt,
+                        std::vector<std::string>{options.file});
     if (const auto* failure = std::get_if<IsolatedFailure>(&answer)) {
         const bool isOwnText = failure->kind == IsolatedFailure::Kind::exception;
         console.error(isOwnText

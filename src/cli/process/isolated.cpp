@@ -155,11 +155,13 @@ IsolatedAnswer inChildProcess(const std::function<std::string()>& work, std::siz
 }
 
 IsolatedAnswer inConfinedChild(const std::function<std::string()>& work,
-                               const std::optional<std::string>& writableDirectory) {
+                               const std::optional<std::string>& writableDirectory,
+                               const std::optional<std::vector<std::string>>& readablePaths) {
     return inChildProcess([&] {
         keepWithinMemory();
-        confine(sandboxFromEnvironment(),
-                {.writableDirectory = writableDirectory, .awaitsStreams = true});
+        confine(sandboxFromEnvironment(), {.writableDirectory = writableDirectory,
+                                           .awaitsStreams = true,
+                                           .readablePaths = readablePaths});
         return work();
     });
 }
