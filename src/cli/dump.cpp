@@ -8,7 +8,9 @@
 
 #include <trellant/base/printable_text.h>
 
+#include <optional>
 #include <string_view>
+#include <vector>
 
 namespace trellant::cli {
 
@@ -32,7 +34,8 @@ std::string dumpInChild(const DumpOptions& options, Console& console) {
 }  // namespace
 
 ExitStatus runDump(const DumpOptions& options, Console& console) {
-    const ForkedAnswer answer = inConfinedChild([&] { return dumpInChild(options, console); });
+    const ForkedAnswer answer = inConfinedChild([&] { return dumpInChild(options, console); },
+                                                std::nullopt, std::vector{options.file});
     if (const auto* failure = std::get_if<ForkedFailure>(&answer)) {
         const bool isOwnText = failure->kind == ForkedFailure::Kind::exception;
         const std::string why =

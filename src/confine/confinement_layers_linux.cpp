@@ -29,7 +29,7 @@ int forbidCoreDumps(const ConfinedNeeds& /*needs*/) noexcept {
 }
 
 int restrictFilesTo(const ConfinedNeeds& needs) noexcept {
-    return restrictFiles(needs.writableDirectory);
+    return restrictFiles(needs);
 }
 
 /// The filter comes last: it takes away the calls by which the others are entered.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// What is listed as handled is forbidden everywhere but where a rule allows it; reading is not
-// listed and so stays free, since media may lie anywhere. Each generation of the interface ("ABI")
-// knows more to handle, and a kernel refuses what it does not know:
+// What is listed as handled is forbidden everywhere but where a rule allows it. Reading is listed
+// where it is known beforehand what is read: a worker's media may lie anywhere. Each generation of
+// the interface ("ABI") knows more to handle, and a kernel refuses what it does not know:
 //
 //   1  executing, writing, removing, making each kind of file; links and moves between folders
 //      are forbidden without being listed
@@ -19,6 +19,7 @@
 #include <cstdint>
 #include <fcntl.h>
 #include <linux/landlock.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -47,6 +48,8 @@ constexpr std::uint64_t scopeSignals = 1ULL << 1;
 constexpr std::uint64_t allowedInDirectory =
     LANDLOCK_ACCESS_FS_WRITE_FILE | LANDLOCK_ACCESS_FS_MAKE_REG | LANDLOCK_ACCESS_FS_REMOVE_FILE;
 
+constexpr std::uint64_t reading = LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_READ_DIR;
+
 RulesetAttributes attributesFor(long generation) noexcept {
     RulesetAttributes attributes{
         .handledFileAccess = allowedInDirectory | LANDLOCK_ACCESS_FS_EXECUTE |
@@ -71,36 +74,90 @@ RulesetAttributes attributesFor(long generation) noexcept {
     return attributes;
 }
 
-/// 0 or an errno value.
-int allowWritingBelow(int ruleset, const std::string& directory) noexcept {
-    const int folder = ::open(directory.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-    if (folder < 0) {
-        return errno;
+/// Closes a descriptor, and keeps errno.
+class OpenPath {
+  public:
+    explicit OpenPath(const std::string& path) noexcept
+        : number_(::open(path.c_str(), O_PATH | O_CLOEXEC)) {}
+    ~OpenPath() {
+        const int reason = errno;
+        ::close(number_);
+        errno = reason;
     }
-    const landlock_path_beneath_attr rule{.allowed_access = allowedInDirectory,
-                                          .parent_fd = folder};
-    const bool isAdded =
-        ::syscall(SYS_landlock_add_rule, ruleset, LANDLOCK_RULE_PATH_BENEATH, &rule, 0) == 0;
-    const int reason = isAdded ? 0 : errno;
-    ::close(folder);
-    return reason;
+    OpenPath(const OpenPath&) = delete;
+    OpenPath& operator=(const OpenPath&) = delete;
+    OpenPath(OpenPath&&) = delete;
+    OpenPath& operator=(OpenPath&&) = delete;
+
+    [[nodiscard]] int number() const noexcept { return number_; }
+    [[nodiscard]] bool isDirectory() const noexcept {
+        struct stat status {};
+        return ::fstat(number_, &status) == 0 && S_ISDIR(status.st_mode);
+    }
+
+  private:
+    int number_;
+};
+
+/// 0 or an errno value.
+int allow(int ruleset, const OpenPath& path, std::uint64_t access) noexcept {
+    const landlock_path_beneath_attr rule{.allowed_access = access, .parent_fd = path.number()};
+    return ::syscall(SYS_landlock_add_rule, ruleset, LANDLOCK_RULE_PATH_BENEATH, &rule, 0) == 0
+               ? 0
+               : errno;
+}
+
+/// 0 or an errno value. What cannot be opened needs no rule: nobody will read it.
+int allowReading(int ruleset, const std::vector<std::string>& paths) noexcept {
+    for (const std::string& name : paths) {
+        const OpenPath path(name);
+        if (path.number() < 0) {
+            continue;
+        }
+        const std::uint64_t access = path.isDirectory() ? reading : LANDLOCK_ACCESS_FS_READ_FILE;
+        if (const int reason = allow(ruleset, path, access); reason != 0) {
+            return reason;
+        }
+    }
+    return 0;
+}
+
+/// 0 or an errno value.
+int allowNeeds(int ruleset, const ConfinedNeeds& needs) noexcept {
+    if (needs.writableDirectory) {
+        const OpenPath folder(*needs.writableDirectory);
+        if (folder.number() < 0) {
+            return errno;
+        }
+        if (!folder.isDirectory()) {
+            return ENOTDIR;
+        }
+        const std::uint64_t access = allowedInDirectory | (needs.readablePaths ? reading : 0);
+        if (const int reason = allow(ruleset, folder, access); reason != 0) {
+            return reason;
+        }
+    }
+    return needs.readablePaths ? allowReading(ruleset, *needs.readablePaths) : 0;
 }
 
 }  // namespace
 
-int restrictFiles(const std::optional<std::string>& writableDirectory) noexcept {
+int restrictFiles(const ConfinedNeeds& needs) noexcept {
     const long generation =
         ::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION);
     if (generation < 0) {
         return errno;
     }
-    const RulesetAttributes attributes = attributesFor(generation);
+    RulesetAttributes attributes = attributesFor(generation);
+    if (needs.readablePaths) {
+        attributes.handledFileAccess |= reading;
+    }
     const int ruleset =
         static_cast<int>(::syscall(SYS_landlock_create_ruleset, &attributes, sizeof attributes, 0));
     if (ruleset < 0) {
         return errno;
     }
-    int reason = writableDirectory ? allowWritingBelow(ruleset, *writableDirectory) : 0;
+    int reason = allowNeeds(ruleset, needs);
     if (reason == 0 && ::syscall(SYS_landlock_restrict_self, ruleset, 0) != 0) {
         reason = errno;
     }

@@ -41,12 +41,17 @@ void keepWithinMemory() {
     if (const auto room = controlGroupRoom("/proc/self/cgroup", "/sys/fs/cgroup")) {
         allowance = std::min(allowance, *room - *room / systemShare);
     }
-    allowance = std::max(allowance, leastAllowance);
+    static_cast<void>(limitMemory(allowance));
+}
+
+bool limitMemory(std::uint64_t bytes) {
+    const std::uint64_t allowance = std::max(bytes, leastAllowance);
     rlimit data{};
-    if (::getrlimit(RLIMIT_DATA, &data) == 0 && allowance < data.rlim_cur) {
-        data.rlim_cur = allowance;
-        static_cast<void>(::setrlimit(RLIMIT_DATA, &data));
+    if (::getrlimit(RLIMIT_DATA, &data) != 0 || allowance >= data.rlim_cur) {
+        return false;
     }
+    data.rlim_cur = allowance;
+    return ::setrlimit(RLIMIT_DATA, &data) == 0;
 }
 
 }  // namespace trellant

@@ -5,4 +5,8 @@ namespace trellant {
 
 void keepWithinMemory() {}
 
+bool limitMemory(std::uint64_t /*bytes*/) {
+    return false;
+}
+
 }  // namespace trellant

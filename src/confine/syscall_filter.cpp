@@ -22,6 +22,7 @@
 #include <new>
 #include <seccomp.h>
 #include <span>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace trellant {
@@ -52,6 +53,8 @@ constexpr std::array writingCalls{SCMP_SYS(copy_file_range), SCMP_SYS(unlink), S
 
 constexpr std::uint64_t truncatingFlags = O_TRUNC;
 constexpr std::uint64_t changingFlags = O_ACCMODE | O_CREAT | O_TRUNC;
+/// Of a new file: a program that runs as its owner or group, whoever starts it.
+constexpr std::uint64_t privilegedModes = S_ISUID | S_ISGID;
 
 struct Releaser {
     void operator()(void* filter) const noexcept { ::seccomp_release(filter); }
@@ -85,6 +88,16 @@ class Filter {
         const std::array<scmp_arg_cmp, 1> condition{
             {{.arg = position, .op = SCMP_CMP_MASKED_EQ, .datum_a = mask, .datum_b = value}}};
         add(call, condition);
+    }
+
+    /// When the argument of this position has none of `flags`, and the next, the mode that a new
+    /// file gets, none of `modes`.
+    void allowOpening(int call, unsigned position, std::uint64_t flags,
+                      std::uint64_t modes) noexcept {
+        const std::array<scmp_arg_cmp, 2> conditions{
+            {{.arg = position, .op = SCMP_CMP_MASKED_EQ, .datum_a = flags, .datum_b = 0},
+             {.arg = position + 1, .op = SCMP_CMP_MASKED_EQ, .datum_a = modes, .datum_b = 0}}};
+        add(call, conditions);
     }
 
     /// 0, or the errno value of the first refusal.
@@ -140,9 +153,14 @@ int restrictCalls(const ConfinedNeeds& needs) noexcept {
     if (mayWrite) {
         filter.allow(writingCalls);
     }
-    const std::uint64_t forbiddenFlags = mayWrite ? truncatingFlags : changingFlags;
-    filter.allowIf(SCMP_SYS(open), 1, forbiddenFlags, 0);
-    filter.allowIf(SCMP_SYS(openat), 2, forbiddenFlags, 0);
+    if (mayWrite) {
+        // The C library gives a mode of 0 where no file is made.
+        filter.allowOpening(SCMP_SYS(open), 1, truncatingFlags, privilegedModes);
+        filter.allowOpening(SCMP_SYS(openat), 2, truncatingFlags, privilegedModes);
+    } else {
+        filter.allowIf(SCMP_SYS(open), 1, changingFlags, 0);
+        filter.allowIf(SCMP_SYS(openat), 2, changingFlags, 0);
+    }
     constexpr std::uint64_t wholeNumber = 0xFFFF'FFFF;
     // Of what can be asked of a descriptor the first four commands (F_DUPFD, F_GETFD, F_SETFD,
     // F_GETFL); among the rest are some that have the kernel send signals to any process of the

@@ -311,6 +311,7 @@ std::vector<AudioEntry> Extraction::Run::entries() {
     KeyedMap<std::string, std::size_t> entryByPath;
     KeyedMap<std::string_view, std::size_t> entryByEssence;
     for (std::size_t index = 0; index < timeline.essences.size(); ++index) {
+        progress_.check();
         const AAFSourceEssence& essence = timeline.essences[index];
         const auto path = pathOf(essence);
         const auto known = path ? entryByPath.find(*path) : entryByPath.end();

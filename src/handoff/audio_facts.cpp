@@ -31,16 +31,38 @@ struct Chunk {
     std::uint64_t offset = 0;
 };
 
+/// The heads of chunks, read with what follows them: chunks of a few bytes would otherwise cost a
+/// call of the system each.
+class ChunkHeads {
+  public:
+    explicit ChunkHeads(const RandomAccessFile& file) : file_(file) {}
+
+    /// The head at `offset`, which the file has wholly.
+    [[nodiscard]] ByteView at(std::uint64_t offset) {
+        if (offset < start_ || chunkHeadSize > size_ || offset - start_ > size_ - chunkHeadSize) {
+            start_ = offset;
+            size_ = std::min<std::uint64_t>(window_.size(), file_.size() - offset);
+            file_.read(start_, std::span(window_).first(size_));
+        }
+        return ByteView(window_).subspan(offset - start_, chunkHeadSize);
+    }
+
+  private:
+    const RandomAccessFile& file_;
+    std::uint64_t start_ = 0;
+    std::uint64_t size_ = 0;
+    std::array<std::byte, 4096> window_{};
+};
+
 template <class Visit>
 void forEachChunk(const RandomAccessFile& file, OMFByteOrder order, const Visit& visit) {
     std::uint64_t offset = headSize;
-    std::array<std::byte, chunkHeadSize> head{};
+    ChunkHeads heads(file);
     for (int count = 0;
          count < chunkLimit && offset <= file.size() && chunkHeadSize <= file.size() - offset;
          ++count) {
-        file.read(offset, head);
-        Chunk chunk{asciiCString(ByteView(head).first(4)), u32(head, 4, order),
-                    offset + chunkHeadSize};
+        const ByteView head = heads.at(offset);
+        Chunk chunk{asciiCString(head.first(4)), u32(head, 4, order), offset + chunkHeadSize};
         visit(chunk);
         offset = chunk.offset + chunk.size + chunk.size % 2;
     }

@@ -24,6 +24,23 @@ constexpr std::chrono::milliseconds betweenLooks{100};
 
 using Extensions = AAFWorkerExtensions;
 
+/// What an answer, and the worker that gives it, may take: so much for any file, and so many times
+/// the file's size. Real files stay far below; small ones that describe millions of clips or losses
+/// by using their parts again end with an error instead of filling this process with them, which
+/// takes some ten times an answer's size to list it.
+constexpr std::uint64_t anyAnswer = 33'554'432;
+constexpr std::uint64_t answerTimesTheFile = 16;
+constexpr std::uint64_t anyMemory = 402'653'184;
+constexpr std::uint64_t memoryTimesTheFile = 64;
+
+/// 0 for what cannot be looked at: the worker says why.
+std::uint64_t sizeOf(const std::string& path) {
+    constexpr std::uint64_t largestFile = std::uint64_t{1} << 50U;
+    std::error_code failure;
+    const std::uintmax_t size = fs::file_size(path, failure);
+    return failure ? 0 : std::min<std::uint64_t>(size, largestFile);
+}
+
 std::string absoluteText(const std::string& path) {
     return fs::absolute(path).string();
 }
@@ -34,6 +51,8 @@ AAFWorkerProtocol::Request requestFor(const WorkerTask& task) {
     sent.aafPath = absoluteText(task.file);
     sent.workDirectory = absoluteText(task.workDirectory);
     sent.extensions = task.extensions;
+    sent.memoryLimit =
+        static_cast<std::int64_t>(anyMemory + memoryTimesTheFile * sizeOf(task.file));
     return sent;
 }
 
@@ -126,6 +145,8 @@ AAFWorkerProtocol::Result askWorker(const WorkerTask& task, const StopToken& sto
     AAFWorkerClient client;
     client.helperName = "trellant-omf";
     client.helperURLProvider = task.helperURLProvider;
+    client.resultLimit =
+        std::min(client.resultLimit, anyAnswer + answerTimesTheFile * sizeOf(task.file));
     const AskersProgress askers(std::move(progress));
     auto answer = client.run(requestFor(task), askers.callback(), stop, TimelineChecks::none);
     while (answer.wait_for(betweenLooks) != std::future_status::ready) {

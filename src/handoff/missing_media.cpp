@@ -43,12 +43,27 @@ NeedsByEssence needsOfMissing(const AAFTimeline& timeline) {
     return needs;
 }
 
+/// What files say, each read once: many sources may have one name.
+class KnownFacts {
+  public:
+    [[nodiscard]] const std::optional<AudioFacts>& of(const std::string& path) {
+        const auto [known, isNew] = facts_.try_emplace(path);
+        if (isNew) {
+            known->second = audioFacts(path);
+        }
+        return known->second;
+    }
+
+  private:
+    KeyedMap<std::string, std::optional<AudioFacts>> facts_;
+};
+
 std::vector<MediaCandidate> candidates(const std::vector<MediaFile>& files,
-                                       const SourceNeeds& needs) {
+                                       const SourceNeeds& needs, KnownFacts& known) {
     std::vector<MediaCandidate> found;
     for (const MediaFile& file : files) {
         MediaCandidate candidate{
-            .path = file.path, .isBeside = file.isBeside, .facts = audioFacts(file.path)};
+            .path = file.path, .isBeside = file.isBeside, .facts = known.of(file.path)};
         candidate.misfit = candidate.facts ? misfit(*candidate.facts, needs)
                                            : std::optional<std::string>("no readable audio file");
         found.push_back(std::move(candidate));
@@ -103,6 +118,7 @@ std::optional<std::string> misfit(const AudioFacts& facts, const SourceNeeds& ne
 
 OpenChoices findMissing(AAFTimeline& timeline, const MediaFolders& folders) {
     OpenChoices open;
+    KnownFacts known;
     const NeedsByEssence needs = needsOfMissing(timeline);
     for (AAFSourceEssence& essence : timeline.essences) {
         const auto need = needs.find(essence.id);
@@ -111,7 +127,7 @@ OpenChoices findMissing(AAFTimeline& timeline, const MediaFolders& folders) {
         }
         const std::string wanted = wantedFileName(
             essence.originalPath ? *essence.originalPath : essence.sourceName.value_or(""));
-        auto found = candidates(folders.named(wanted), need->second);
+        auto found = candidates(folders.named(wanted), need->second, known);
         if (const MediaCandidate* const chosen = decided(found)) {
             take(essence, *chosen);
         } else if (!found.empty()) {

@@ -12,7 +12,9 @@
 #include <trellant/io/errors.h>
 #include <trellant/protocol/messages.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <exception>
 #include <new>
 #include <span>
@@ -58,6 +60,23 @@ void serve(const AAFWorkerProtocol::Request& request) {
     emitProgress("done", 1.0);
 }
 
+/// Serves the request within the memory that it allows, if it says so.
+void serveWithin(const AAFWorkerProtocol::Request& request) {
+    const std::int64_t limit = request.memoryLimit.value_or(0);
+    const bool isLimited =
+        request.memoryLimit &&
+        limitMemory(static_cast<std::uint64_t>(std::max<std::int64_t>(limit, 0)));
+    try {
+        serve(request);
+    } catch (const std::bad_alloc&) {
+        if (!isLimited) {
+            throw;
+        }
+        throw OMFIOError::unsupported("composition needs more than " + std::to_string(limit) +
+                                      " bytes of memory");
+    }
+}
+
 ExitStatus run(std::span<char* const> arguments) {
     prepareStandardStreams();
     watchHost(static_cast<int>(ExitStatus::processingFailed));
@@ -68,7 +87,7 @@ ExitStatus run(std::span<char* const> arguments) {
             return ExitStatus::success;
         }
         keepWithinMemory();
-        serve(acceptedRequest(readStandardInput()));
+        serveWithin(acceptedRequest(readStandardInput()));
     } catch (const OMFIOError& error) {
         fail(error.errorDescription(), ExitStatus::processingFailed);
     } catch (const std::bad_alloc&) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bounded_reads.h"
 
+#include <trellant/base/free_numbers.h>
 #include <trellant/base/keyed_hash.h>
 #include <trellant/base/numbered_name.h>
 #include <trellant/base/printable_text.h>
@@ -10,6 +11,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <sys/stat.h>
 
@@ -63,26 +65,27 @@ bool isThere(const std::string& path) {
     return ::lstat(path.c_str(), &status) == 0;
 }
 
-/// The names beside a shared file, each given once.
-class FurtherNames {
+/// Paths beside shared files, each given once.
+class FurtherPaths {
   public:
-    explicit FurtherNames(const std::string& shared)
-        : folder_(shared.substr(0, shared.rfind('/') + 1)),
-          name_(NumberedName::whole(shared.substr(folder_.size()))) {}
-
-    [[nodiscard]] std::string next() {
-        std::string path;
-        do {
-            // A source may be called by such a number itself.
-            path = folder_ + name_.withNumber(number_++);
-        } while (isThere(path));
-        return path;
+    [[nodiscard]] std::string beside(const std::string& shared) {
+        const std::string folder = shared.substr(0, shared.rfind('/') + 1);
+        const NumberedName name = NumberedName::whole(shared.substr(folder.size()));
+        const auto numbered = [&](std::uint64_t number) {
+            return folder + name.withNumber(number);
+        };
+        // A source may be called by such a number itself.
+        const auto isTaken = [this](const std::string& path) {
+            return given_.contains(path) || isThere(path);
+        };
+        constexpr auto last = std::numeric_limits<std::uint64_t>::max();
+        const auto free = numbers_.find(firstFurtherNumber, last, numbered, isTaken);
+        return *given_.insert(numbered(free.value_or(last))).first;
     }
 
   private:
-    std::string folder_;
-    NumberedName name_;
-    std::uint64_t number_ = firstFurtherNumber;
+    FreeNumbers numbers_;
+    KeyedSet<std::string> given_;
 };
 
 /// Positions of embedded essences by the file that they name.
@@ -165,10 +168,10 @@ std::vector<SeparatedSource> separateSources(const OMFDocument& document,
         return separated;
     }
     Separation separation(document);
+    FurtherPaths paths;
     for (const auto& [path, positions] : shared) {
-        FurtherNames names(path);
         for (const std::size_t index : positions) {
-            separated.push_back(separation.take(timeline.essences[index], names.next()));
+            separated.push_back(separation.take(timeline.essences[index], paths.beside(path)));
         }
     }
     return separated;

@@ -159,7 +159,11 @@ Essences::FoundMedia Essences::findExternal(OMFObject descriptor,
                                             const std::optional<std::string>& name) {
     auto found = resolveExternal(descriptor, name);
     if (found.path) {
-        found.format = AudioProbe::probeFile(*found.path);
+        const auto [known, isNew] = externalFormats_.try_emplace(*found.path);
+        if (isNew) {
+            known->second = AudioProbe::probeFile(*found.path);
+        }
+        found.format = known->second;
     }
     return found;
 }
@@ -175,6 +179,9 @@ Essences::FoundMedia Essences::resolveExternal(OMFObject descriptor,
     }
     if (found.originalPath && search_.hasDirectory()) {
         found.path = search_.locate(wantedName(*found.originalPath));
+        if (found.path && !mediaFileExists(*found.path)) {
+            found.path.reset();
+        }
     }
     return found;
 }
@@ -197,7 +204,7 @@ Essences::FoundMedia Essences::followLocators(OMFObject descriptor) {
             if (!found.originalPath) {
                 found.originalPath = path;
             }
-            if (auto direct = directPath(*path); direct && regularFileExists(*direct)) {
+            if (auto direct = directPath(*path); direct && mediaFileExists(*direct)) {
                 found.path = std::move(direct);
                 break;
             }

@@ -66,6 +66,8 @@ class Essences {
     MediaSearch search_;
     KeyedMap<OMFObject, AAFSourceEssence> essenceCache_;
     KeyedMap<OMFObject, FoundMedia> manyLocators_;
+    /// By path: many sources may name one file.
+    KeyedMap<std::string, std::optional<AudioFormatInfo>> externalFormats_;
 };
 
 }  // namespace trellant

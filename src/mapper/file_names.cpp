@@ -4,6 +4,7 @@
 #include <trellant/base/text.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <limits>
 #include <sys/stat.h>
 
@@ -14,7 +15,7 @@ namespace {
 constexpr std::size_t maximumCharacters = 120;
 /// What common file systems hold in one name.
 constexpr std::size_t maximumNameBytes = 255;
-constexpr int lastNumber = 999;
+constexpr std::uint64_t lastNumber = 999;
 
 /// Whether anything stands at the path, in any form. What cannot be looked at may be there: nothing
 /// is ever replaced because a look failed.
@@ -72,15 +73,10 @@ std::string UniqueNames::candidate(std::string_view base, std::string_view suffi
 }
 
 std::string UniqueNames::uniqueURL(std::string_view base, std::string_view extension) {
-    auto plain = candidate(base, "", extension);
-    auto& next = nextNumber_.try_emplace(plain, 1).first->second;
-    for (; next <= lastNumber; ++next) {
-        auto path = next == 1 ? plain : candidate(base, "_" + std::to_string(next), extension);
-        if (!mayExist(path)) {
-            return path;
-        }
-    }
-    return plain;
+    const auto numbered = [&](std::uint64_t number) {
+        return candidate(base, number == 1 ? "" : "_" + std::to_string(number), extension);
+    };
+    return numbered(numbers_.find(1, lastNumber, numbered, mayExist).value_or(1));
 }
 
 }  // namespace trellant

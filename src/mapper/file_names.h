@@ -2,7 +2,7 @@
 // How extracted files are named: safe anywhere, unique within the work directory.
 #pragma once
 
-#include <trellant/base/keyed_hash.h>
+#include <trellant/base/free_numbers.h>
 
 #include <string>
 #include <string_view>
@@ -42,8 +42,7 @@ class UniqueNames {
                                         std::string_view extension) const;
 
     std::string directory_;
-    /// By BASE.EXTENSION: the first number not known to be taken.
-    KeyedMap<std::string, int> nextNumber_;
+    FreeNumbers numbers_;
 };
 
 }  // namespace trellant

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
@@ -72,6 +73,10 @@ bool leadsToFile(int folder, const char* name) {
     return ::fstatat(folder, name, &status, 0) == 0 && S_ISREG(status.st_mode);
 }
 
+struct TextFreer {
+    void operator()(char* text) const noexcept { std::free(text); }
+};
+
 /// -1 for a folder that cannot be opened.
 int openedFolder(int base, const std::string& path, int moreFlags) {
     int descriptor = -1;
@@ -104,6 +109,18 @@ bool regularFileExists(const std::string& path) {
     struct stat status {};
     return path.find('\0') == std::string::npos && ::stat(path.c_str(), &status) == 0 &&
            S_ISREG(status.st_mode);
+}
+
+bool mediaFileExists(const std::string& path) {
+    if (!regularFileExists(path)) {
+        return false;
+    }
+    const std::unique_ptr<char, TextFreer> resolved(::realpath(path.c_str(), nullptr));
+    if (resolved == nullptr) {
+        return false;
+    }
+    const std::string_view real(resolved.get());
+    return !real.starts_with("/proc/") && !real.starts_with("/sys/");
 }
 
 std::optional<std::string> MediaSearch::locate(const std::string& lowerCasedName) {

@@ -19,6 +19,10 @@ namespace trellant {
 /// Whether a regular file stands at `path`, links followed.
 [[nodiscard]] bool regularFileExists(const std::string& path);
 
+/// Whether a regular file with bytes of its own stands at `path`, links followed: those below /proc
+/// and /sys are doors into the system, whatever kind they say they are.
+[[nodiscard]] bool mediaFileExists(const std::string& path);
+
 class MediaSearch {
   public:
     /// `directory`: where to look, folders within too; absent: nowhere. `workDirectory`: where

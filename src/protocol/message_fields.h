@@ -79,7 +79,8 @@ struct RecordFields<AAFWorkerProtocol::Request> {
                    field("recoverProToolsTrueFades", &R::recoverProToolsTrueFades),
                    field("removeProToolsSampleAccurateEditFragments",
                          &R::removeProToolsSampleAccurateEditFragments),
-                   field("extensions", &R::extensions)};
+                   field("extensions", &R::extensions),
+                   field("memoryLimit", &R::memoryLimit)};
 };
 
 template <>

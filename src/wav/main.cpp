@@ -10,6 +10,8 @@
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <string>
+#include <vector>
 
 int main(int argumentCount, char** arguments) {
     if (argumentCount != 3) {
@@ -23,9 +25,10 @@ int main(int argumentCount, char** arguments) {
         // which of its parsers runs: it gets nothing to do harm with.
         trellant::keepWithinMemory();
         const std::filesystem::path target = std::filesystem::absolute(arguments[2]);
-        trellant::confine(
-            trellant::sandboxFromEnvironment(),
-            {.writableDirectory = target.parent_path().native(), .awaitsStreams = true});
+        trellant::confine(trellant::sandboxFromEnvironment(),
+                          {.writableDirectory = target.parent_path().native(),
+                           .awaitsStreams = true,
+                           .readablePaths = std::vector<std::string>{arguments[1]}});
         trellant::wav::copyAsWave(arguments[1], arguments[2]);
         return 0;
     } catch (const std::exception& error) {

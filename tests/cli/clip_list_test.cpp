@@ -14,8 +14,10 @@ namespace {
 
 using ::testing::AllOf;
 using ::testing::ElementsAre;
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::Not;
+using ::testing::StartsWith;
 
 /// Ten seconds of a stereo file on a named track, from two seconds on the timeline, at 25 frames a
 /// second from one hour.
@@ -144,10 +146,9 @@ TEST(ClipList, ExactTimesAreFractions) {
     handOff.timeline.events[0].timelineStart = AAFRational(1001, 30000);
     handOff.timeline.events[0].duration = AAFRational(1, 3);
     // A third of a second at 25 frames is 8.33 frames.
-    EXPECT_THAT(jsonOfClips(handOff),
-                AllOf(HasSubstr("\"startSecondsExact\":\"1001\\/30000\""),
-                      HasSubstr("\"durationSecondsExact\":\"1\\/3\""),
-                      HasSubstr("\"length\":\"00:00:00:08\"")));
+    EXPECT_THAT(jsonOfClips(handOff), AllOf(HasSubstr("\"startSecondsExact\":\"1001\\/30000\""),
+                                            HasSubstr("\"durationSecondsExact\":\"1\\/3\""),
+                                            HasSubstr("\"length\":\"00:00:00:08\"")));
 }
 
 TEST(ClipList, MissingAudioStandsBeforeTheName) {
@@ -202,8 +203,8 @@ TEST(ClipList, GainsOfEveryKind) {
 
 TEST(ClipList, GainPointsAreCountedAndListed) {
     HandOff handOff = oneClip();
-    handOff.timeline.events[0].clipGainAutomation = AAFAutomationEnvelope{
-        .points = {{AAFRational(0), 0.25}, {AAFRational(1, 3), 1}}};
+    handOff.timeline.events[0].clipGainAutomation =
+        AAFAutomationEnvelope{.points = {{AAFRational(0), 0.25}, {AAFRational(1, 3), 1}}};
     EXPECT_EQ(shownIn(handOff, "Gain dB"), "-6.02 ~");
     EXPECT_THAT(jsonOfClips(handOff),
                 HasSubstr("\"automationPoints\":2,\"gainPoints\":[{\"place\":\"0\",\"gain\":0.25},"
@@ -219,13 +220,13 @@ TEST(ClipList, AMutedTrackIsNotAudible) {
 
 TEST(ClipList, ManyLossesAreCountedWholeAndNamedInPart) {
     HandOff handOff = oneClip();
-    for (int i = 0; i < 20; ++i) {
+    for (int i = 0; i < 120; ++i) {
         handOff.losses.push_back(
             {.trackID = "track-1", .start = AAFRational(0), .duration = AAFRational(100)});
     }
-    EXPECT_EQ(shownIn(handOff, "Losses"), "1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,...");
-    EXPECT_THAT(jsonOfClips(handOff),
-                HasSubstr("\"losses\":20,\"lossNumbers\":[1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16]"));
+    EXPECT_THAT(shownIn(handOff, "Losses"), AllOf(StartsWith("1,2,3,"), EndsWith(",99,100,...")));
+    EXPECT_THAT(jsonOfClips(handOff), AllOf(HasSubstr("\"losses\":120,\"lossNumbers\":[1,2,3,"),
+                                            HasSubstr(",99,100],\"id\"")));
 }
 
 TEST(ClipList, SheetsGetTwoCellsForEachExactTime) {
@@ -332,7 +333,8 @@ TEST(LossList, ProgramsGetPlaceSentenceAndTechnicalText) {
 TEST(LossList, WithoutAPlaceThereIsTheTextAlone) {
     HandOff handOff = oneClip();
     handOff.timeline.unsupportedFeatures = {
-        {.severity = AAFUnsupportedFeature::Severity::informational, .description = "clip dropped"}};
+        {.severity = AAFUnsupportedFeature::Severity::informational,
+         .description = "clip dropped"}};
     handOff.losses = {{}};
     EXPECT_EQ(jsonOf(*cli::listOfLosses(handOff)),
               "{\"file\":\"a.omf\",\"loss\":1,\"effect\":\"dropped\",\"sentence\":\"clip dropped\","

@@ -108,6 +108,18 @@ TEST_F(ConfinedChild, ReadsFilesAndWritesToOpenStreams) {
               "works");
 }
 
+TEST_F(ConfinedChild, ReadsOnlyWhatIsNamedWhereThatIsKnown) {
+    if (landlockGeneration() == 0) {
+        GTEST_SKIP() << "this kernel has no Landlock";
+    }
+    const auto opening = [](const std::string& path) {
+        return [path] { return outcome(::open(path.c_str(), O_RDONLY)); };
+    };
+    const std::vector<std::string> named{file_};
+    EXPECT_EQ(inConfinedChild(opening(file_), std::nullopt, named), ForkedAnswer("works"));
+    EXPECT_EQ(inConfinedChild(opening("/etc/passwd"), std::nullopt, named), ForkedAnswer("EACCES"));
+}
+
 TEST_F(ConfinedChild, ConfinesItselfAlone) {
     const std::string before = ownStatus("Seccomp_filters:") + " " + ownStatus("NoNewPrivs:");
     EXPECT_EQ(statusInChild("Seccomp_filters:"),

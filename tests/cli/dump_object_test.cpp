@@ -42,6 +42,21 @@ std::string dumpedObject(const ContainerBuilder& container, ObjectID object, boo
 
 }  // namespace
 
+TEST(DumpObject, OfValuesOverOneAnotherShowsAsManyWholeAsTheFileCanHold) {
+    // Ten properties with the same 300,000 bytes: a mebibyte and the file's own size hold four.
+    ContainerBuilder container;
+    container.setInFile(2, "Other:Value 0", Bytes(300'000));
+    for (int i = 1; i < 10; ++i) {
+        container.addItem(2, "Other:Value " + std::to_string(i), BentoRange{0, 300'000});
+    }
+    const std::string text = dumpedObject(container, 2, true);
+    EXPECT_NE(text.find("\n  values lie over one another: 6 of them are shown in part\n"),
+              std::string::npos);
+    // A row of the listing shows 16 bytes.
+    EXPECT_LT(std::count(text.begin(), text.end(), '\n'), 5 * 300'000 / 16);
+    EXPECT_GT(std::count(text.begin(), text.end(), '\n'), 4 * 300'000 / 16);
+}
+
 TEST(DumpValue, ShowsNumbersByTheirLength) {
     EXPECT_EQ(typed("omfi:Int8", hex("FF")), "-1");
     EXPECT_EQ(typed("omfi:UInt8", hex("FF")), "255");

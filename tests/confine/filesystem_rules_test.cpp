@@ -27,6 +27,7 @@
 #include <termios.h>
 #include <trellant_testing/byte_writer.h>
 #include <unistd.h>
+#include <vector>
 
 namespace trellant::testing {
 
@@ -82,21 +83,25 @@ class FilesystemRules : public FolderTest {
 
     /// With "work" to write to.
     [[nodiscard]] std::string tried(const std::function<long()>& attempt) const {
-        return triedWith(path("work"), attempt);
+        return triedWith({.writableDirectory = path("work")}, attempt);
     }
     /// With nothing to write to.
     [[nodiscard]] static std::string triedReading(const std::function<long()>& attempt) {
-        return triedWith(std::nullopt, attempt);
+        return triedWith({}, attempt);
+    }
+    /// With "work" to write to and these to read.
+    [[nodiscard]] std::string triedReadingOnly(const std::vector<std::string>& readable,
+                                               const std::function<long()>& attempt) const {
+        return triedWith({.writableDirectory = path("work"), .readablePaths = readable}, attempt);
     }
     [[nodiscard]] std::string textOf(std::string_view name) const { return textOfFile(path(name)); }
 
   private:
-    static std::string triedWith(const std::optional<std::string>& writable,
-                                 const std::function<long()>& attempt) {
+    static std::string triedWith(const ConfinedNeeds& needs, const std::function<long()>& attempt) {
         return reportFromChild(
             [&] {
                 ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
-                return restrictFiles(writable);
+                return restrictFiles(needs);
             },
             [&] { return outcome(attempt()); });
     }
@@ -121,6 +126,39 @@ TEST_F(FilesystemRules, FoldersAnywhereCanBeRead) {
     };
     EXPECT_EQ(tried([&] { return firstEntry("/"); }), "works");
     EXPECT_EQ(triedReading([&] { return firstEntry(path("other")); }), "works");
+}
+
+TEST_F(FilesystemRules, OnlyWhatIsNamedIsReadWhereThatIsKnown) {
+    const auto reads = [&](std::string_view name) {
+        return triedReadingOnly({path("other/kept")}, [&] { return opened(path(name), O_RDONLY); });
+    };
+    writeFile(path("other/secret"), bytesOf("text"));
+    EXPECT_EQ(reads("other/kept"), "works");
+    EXPECT_EQ(reads("other/secret"), "EACCES");
+    EXPECT_EQ(reads("other"), "EACCES");
+    EXPECT_EQ(reads("none"), "ENOENT");
+    EXPECT_EQ(triedReadingOnly({}, [] { return opened("/etc/passwd", O_RDONLY); }), "EACCES");
+}
+
+TEST_F(FilesystemRules, FoldersThatAreNamedAreReadWithAllBelow) {
+    const auto reads = [&](const std::string& name) {
+        return triedReadingOnly({path("other"), path("none")},
+                                [&] { return opened(name, O_RDONLY); });
+    };
+    std::filesystem::create_directory_symlink("/etc", path("other/link"));
+    EXPECT_EQ(reads(path("other")), "works");
+    EXPECT_EQ(reads(path("other/kept")), "works");
+    EXPECT_EQ(reads(path("other/link/passwd")), "EACCES");
+}
+
+TEST_F(FilesystemRules, WhatIsWrittenIsReadToo) {
+    const auto writesAndReads = [&] {
+        return opened(path("work/new"), O_WRONLY | O_CREAT) < 0
+                   ? -1
+                   : opened(path("work/new"), O_RDONLY);
+    };
+    EXPECT_EQ(triedReadingOnly({path("other/kept")}, writesAndReads), "works");
+    EXPECT_EQ(triedReadingOnly({}, [&] { return opened(path("other/kept"), O_WRONLY); }), "EACCES");
 }
 
 TEST_F(FilesystemRules, FilesAreCreatedInTheWorkDirectoryAndBelow) {
@@ -176,7 +214,7 @@ TEST_F(FilesystemRules, WorkDirectoryBehindALinkCanBeWrittenTo) {
     const std::string report = reportFromChild(
         [&] {
             ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
-            return restrictFiles(path("shortcut"));
+            return restrictFiles({.writableDirectory = path("shortcut")});
         },
         [&] { return outcome(opened(path("shortcut/new"), O_WRONLY | O_CREAT | O_EXCL)); });
     EXPECT_EQ(report, "works");
@@ -226,13 +264,14 @@ TEST_F(FilesystemRules, DescriptorsThatAreOpenStayUsable) {
 }
 
 TEST_F(FilesystemRules, WorkDirectoryThatIsGoneRestrictsNothing) {
-    const std::string report =
-        reportFromChild([] { return 0; },
-                        [&] {
-                            ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
-                            return std::string(::strerrorname_np(restrictFiles(path("gone")))) +
-                                   " " + outcome(opened(path("other/new"), O_WRONLY | O_CREAT));
-                        });
+    const std::string report = reportFromChild(
+        [] { return 0; },
+        [&] {
+            ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+            return std::string(
+                       ::strerrorname_np(restrictFiles({.writableDirectory = path("gone")}))) +
+                   " " + outcome(opened(path("other/new"), O_WRONLY | O_CREAT));
+        });
     EXPECT_EQ(report, "ENOENT works");
 }
 

@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
+#include <filesystem>
 #include <functional>
 #include <new>
 #include <optional>
@@ -182,6 +183,21 @@ TEST_F(SyscallFilter, FilesAreNotOpenedForTruncation) {
     EXPECT_EQ(triedReading([&] { return ::open(file.c_str(), O_RDONLY | O_TRUNC); }), "ENOSYS");
     EXPECT_EQ(triedWriting([&] { return ::creat(file.c_str(), 0666); }), "ENOSYS");
     EXPECT_EQ(textOfFile(file), "text");
+}
+
+TEST_F(SyscallFilter, FilesAreNotMadeToRunAsTheirOwnerOrGroup) {
+    const int flags = O_WRONLY | O_CREAT | O_EXCL;
+    for (const mode_t mode : {04755U, 02755U, 06777U}) {
+        SCOPED_TRACE(mode);
+        EXPECT_EQ(triedWriting([&] { return ::open(path("new").c_str(), flags, mode); }), "ENOSYS");
+        EXPECT_EQ(triedWriting([&] {
+                      return ::syscall(SYS_openat, AT_FDCWD, path("new").c_str(), flags, mode);
+                  }),
+                  "ENOSYS");
+        EXPECT_FALSE(std::filesystem::exists(path("new")));
+    }
+    EXPECT_EQ(triedWriting([&] { return ::open(path("new").c_str(), flags, 0755); }), "works");
+    EXPECT_TRUE(std::filesystem::exists(path("new")));
 }
 
 TEST_F(SyscallFilter, FilesAreNotOpenedForWritingWhenThatIsNotNeeded) {

@@ -12,8 +12,10 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <trellant_testing/omf_builder.h>
 #include <trellant_testing/temporary_directory.h>
 #include <trellant_testing/worker_process.h>
+#include <vector>
 
 namespace trellant::testing {
 namespace {
@@ -57,6 +59,30 @@ TEST(HandOff, AnEffectThatIsNotKnownLeavesItsStretchSilentAsTheLossSays) {
         EXPECT_TRUE(event.trackID != *effect.trackID || event.timelineEnd() <= *effect.start ||
                     event.timelineStart >= end)
             << event.id;
+    }
+}
+
+TEST(HandOff, SmallFileWithAHugeAnswerIsAnError) {
+    // Two hundred thousand clips of more than 250 bytes each, all of them one clip.
+    OmfBuilder omf;
+    const MobID source{1, 2, 3};
+    omf.audioFile({.id = source, .length = 480});
+    ObjectID segment = omf.clip({.length = 480, .source = source});
+    for (const std::size_t width : {20U, 100U, 100U}) {
+        segment = omf.sequence(std::vector<ObjectID>(width, segment));
+    }
+    omf.composition({.slots = {omf.slot({.editRate = Ratio{48'000}, .segment = segment})}});
+    const TemporaryDirectory folder;
+    const std::string file = writeFile(folder.file("small.omf"), omf.build());
+    WorkProgress progress;
+    try {
+        static_cast<void>(readHandOff(requestOf(file), progress));
+        FAIL();
+    } catch (const AAFWorkerClientError& error) {
+        EXPECT_EQ(error.fault(),
+                  AAFWorkerClientError::Fault(AAFWorkerClientError::InvalidResponse{
+                      "longer than " + std::to_string(33'554'432 + 16 * fs::file_size(file)) +
+                      " bytes"}));
     }
 }
 

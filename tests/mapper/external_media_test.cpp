@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <sys/stat.h>
 #include <trellant_testing/aiff_builder.h>
 #include <trellant_testing/temporary_directory.h>
 #include <trellant_testing/wave_builder.h>
@@ -98,6 +99,30 @@ TEST_F(ExternalMedia, MissingMediaAreAnEssenceOfTheDescriptor) {
                                 .codec = "WAVD",
                                 .originalPath = "/does/not/exist.wav"}));
     EXPECT_THAT(mapped_.diagnostics, Contains("external essence not located: /does/not/exist.wav"));
+}
+
+TEST_F(ExternalMedia, DoorsIntoTheSystemAreNoMedia) {
+    const std::string pipe = media_.file("pipe.wav");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const std::string link = media_.file("link.wav");
+    std::filesystem::create_symlink("/proc/self/environ", link);
+    for (const std::string& path : {std::string("/proc/self/status"), std::string("/dev/zero"),
+                                    std::string("/etc/../proc/version"), pipe, link}) {
+        OmfBuilder omf;
+        omf.audioFile({.id = source, .length = 10, .locators = {omf.unixLocator(path)}});
+        const ObjectID clip = omf.clip({.length = 100, .source = source});
+        omf.composition({.slots = {omf.slot({.editRate = Ratio{100}, .segment = clip})}});
+        const Mapped mapped = mapImage(omf.build());
+        EXPECT_EQ(mapped.timeline.essences.at(0).fileURL, std::nullopt) << path;
+        EXPECT_EQ(mapped.timeline.essences.at(0).originalPath, path);
+    }
+}
+
+TEST_F(ExternalMedia, LinkIntoTheSystemIsNotFoundByName) {
+    searches_ = true;
+    std::filesystem::create_symlink("/proc/self/environ", media_.file("Kick.wav"));
+    expectMissing(essence({omf_.unixLocator("/none/Kick.wav")}), "/none/Kick.wav",
+                  "/none/Kick.wav");
 }
 
 TEST_F(ExternalMedia, FileUrlsInTheirFormsAreTheMedia) {

@@ -277,6 +277,16 @@ TEST(WorkerResult, WhatCannotBeEncodedWritesNothing) {
     }
 }
 
+TEST(WorkerRequest, SaysHowMuchMemoryTheWorkerMayTake) {
+    Request request = sampleRequest();
+    request.memoryLimit = 402'653'184;
+    const std::string json = encoded(request);
+    EXPECT_EQ(json, replaced(requestJson, "false}", R"(false,"memoryLimit":402653184})"));
+    EXPECT_EQ(decodeRequest(json), request);
+    EXPECT_EQ(requestError(replaced(requestJson, "false}", R"(false,"memoryLimit":"all"})")),
+              "memoryLimit: expected an integer, found a string");
+}
+
 TEST(WorkerRequest, NamesTheExtensionsItAsksFor) {
     Request request = sampleRequest();
     request.extensions = {"lossPlaces", "later"};

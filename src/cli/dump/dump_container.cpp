@@ -15,7 +15,10 @@
 
 #include <trellant/base/printable_text.h>
 
+#include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace trellant::cli {
 

@@ -14,6 +14,7 @@ constexpr std::size_t nameBytes = 512;
 /// All names of one kind together: many objects may point at the same long text.
 constexpr std::size_t allNamesBytes = 67'108'864;
 constexpr std::size_t classBytes = 16;
+constexpr std::size_t fewPieces = 16;
 
 }  // namespace
 
@@ -26,6 +27,7 @@ DumpContents::DumpContents(const std::string& path) : file_(path), footer_(lookA
     readItems();
     buildIndex();
     propertyNames_ = readNames(bentoPropertyNameProperty);
+    indexPropertyNames();
     typeNames_ = readNames(bentoTypeNameProperty);
     settleModel();
     settleHeader();
@@ -137,14 +139,16 @@ std::string_view DumpContents::typeName(std::uint32_t type) const {
     return found == typeNames_.end() ? std::string_view() : found->second;
 }
 
-std::optional<std::uint32_t> DumpContents::propertyID(std::string_view name) const {
-    std::optional<std::uint32_t> smallest;
+void DumpContents::indexPropertyNames() {
     for (const auto& [id, text] : propertyNames_) {
-        if (text == name && (!smallest || id < *smallest)) {
-            smallest = id;
-        }
+        const auto [smallest, isNew] = propertyIDs_.try_emplace(text, id);
+        smallest->second = std::min(smallest->second, id);
     }
-    return smallest;
+}
+
+std::optional<std::uint32_t> DumpContents::propertyID(std::string_view name) const {
+    const auto found = propertyIDs_.find(name);
+    return found == propertyIDs_.end() ? std::nullopt : std::optional(found->second);
 }
 
 void DumpContents::settleModel() {
@@ -178,8 +182,18 @@ void DumpContents::settleHeader() {
 }
 
 std::string DumpContents::classOf(std::uint32_t object) const {
-    const auto look = classProperty_ ? value(object, *classProperty_, classBytes) : std::nullopt;
-    return look ? asciiCString(look->head) : std::string();
+    if (!classProperty_) {
+        return {};
+    }
+    if (const auto known = piecemealClasses_.find(object); known != piecemealClasses_.end()) {
+        return known->second;
+    }
+    const auto look = value(object, *classProperty_, classBytes);
+    std::string text = look ? asciiCString(look->head) : std::string();
+    if (look && look->pieces > fewPieces) {
+        piecemealClasses_.emplace(object, text);
+    }
+    return text;
 }
 
 void DumpContents::append(const BentoPackedItem& item, std::size_t maxBytes,

@@ -90,6 +90,7 @@ class DumpContents {
     [[nodiscard]] std::span<const std::uint32_t> placesOf(std::uint32_t object,
                                                           std::uint32_t property) const;
     [[nodiscard]] Names readNames(std::uint32_t nameProperty) const;
+    void indexPropertyNames();
     /// Adds a piece to a value, and what `maxBytes` leaves of its bytes.
     void append(const BentoPackedItem& item, std::size_t maxBytes, ValueLook& look) const;
     void settleModel();
@@ -106,9 +107,13 @@ class DumpContents {
     /// The first place in order_ of each object, and the end behind the last.
     std::vector<std::size_t> firstPlaces_;
     Names propertyNames_;
+    /// The smallest object of each name; views into propertyNames_.
+    KeyedMap<std::string_view, std::uint32_t> propertyIDs_;
     Names typeNames_;
     ObjectModel model_ = ObjectModel::unknown;
     std::optional<std::uint32_t> classProperty_;
+    /// Class texts in many pieces, by object: lists may name one object a million times.
+    mutable KeyedMap<std::uint32_t, std::string> piecemealClasses_;
     std::optional<std::uint32_t> header_;
     OMFByteOrder valueOrder_ = OMFByteOrder::little;
 };

@@ -21,6 +21,42 @@ constexpr std::string_view margin = "  ";
 /// Numbers below are the container's own, and it names none of their properties: its table of
 /// contents, its whole length. They tell nothing of the session.
 constexpr std::uint32_t firstNamed = 65'536;
+/// Values of one object that are shown whole, in bytes, beyond as many as the file has: values may
+/// lie over one another, and a kilobyte of table could ask for gigabytes of text.
+constexpr std::uint64_t extraWholeBytes = 1'048'576;
+
+/// Which values of an object are shown whole.
+class WholeValues {
+  public:
+    WholeValues(const DumpContents& contents, std::uint32_t object, bool all)
+        : contents_(contents),
+          object_(object),
+          all_(all),
+          bytesLeft_(contents.file().size() + extraWholeBytes) {}
+
+    [[nodiscard]] ValueBounds boundsOf(std::uint32_t property) {
+        if (!all_) {
+            return {};
+        }
+        const auto look = contents_.value(object_, property, 0);
+        const std::uint64_t count = look ? look->byteCount : 0;
+        if (count > bytesLeft_) {
+            ++overlapping_;
+            return {};
+        }
+        bytesLeft_ -= count;
+        return ValueBounds::none();
+    }
+    /// Of those that were all to be shown whole, those that were not.
+    [[nodiscard]] std::size_t overlapping() const noexcept { return overlapping_; }
+
+  private:
+    const DumpContents& contents_;
+    std::uint32_t object_;
+    bool all_;
+    std::uint64_t bytesLeft_;
+    std::size_t overlapping_ = 0;
+};
 
 std::string countText(std::size_t count) {
     return std::to_string(count) + (count == 1 ? " property" : " properties");
@@ -64,20 +100,25 @@ void dumpObject(const DumpContents& contents, std::uint32_t object, bool all, Du
         widest = std::max(widest, std::min(displayWidth(labels.back()), widestName));
     }
     output.heading(objectTitle(contents, object, properties.size()));
-    const ValueBounds bounds = all ? ValueBounds::none() : ValueBounds{};
+    WholeValues whole(contents, object, all);
     for (std::size_t i = 0; i < shown; ++i) {
         const auto own = all ? std::nullopt : containersOwn(contents, object, properties[i]);
-        const ValueText text = own ? ValueText{.line = *own, .isCut = true}
-                                   : valueText(contents, object, properties[i], bounds);
+        const ValueText text =
+            own ? ValueText{.line = *own, .isCut = true}
+                : valueText(contents, object, properties[i], whole.boundsOf(properties[i]));
         const std::size_t width = displayWidth(labels[i]);
         const std::string padding(widest > width ? widest - width : 0, ' ');
         output.line(std::string(margin).append(labels[i]).append(padding).append("  ") + text.line);
         for (const std::string& row : text.listing) {
             output.line(std::string(margin).append(margin) + row);
         }
-        if (text.isCut) {
+        if (text.isCut && whole.overlapping() == 0) {
             output.cut();
         }
+    }
+    if (whole.overlapping() > 0) {
+        output.line(std::string(margin) + "values lie over one another: " +
+                    std::to_string(whole.overlapping()) + " of them are shown in part");
     }
     if (shown < properties.size()) {
         output.line(std::string(margin) + "and " + std::to_string(properties.size() - shown) +

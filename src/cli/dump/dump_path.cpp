@@ -5,6 +5,8 @@
 #include "dump_values.h"
 #include "terminal/shown_text.h"
 
+#include <trellant/base/keyed_hash.h>
+
 #include <algorithm>
 #include <charconv>
 
@@ -145,15 +147,28 @@ class Resolver {
     /// The values of those effect slots that are inputs, as the mapping counts them.
     [[nodiscard]] std::vector<std::uint32_t> inputs() const {
         std::vector<std::uint32_t> result;
+        // A list may name one slot a million times.
+        KeyedMap<std::uint32_t, std::optional<std::uint32_t>> bySlot;
         for (const std::uint32_t slot : references("OMFI:EFFE:EffectSlots")) {
-            const auto argument = contents_.value(slot, "OMFI:ESLT:ArgID", 4);
-            const auto value = referencesFrom(slot, "OMFI:ESLT:ArgValue");
-            if (argument && argument->head.size() == 4 && !value.empty() &&
-                i32(argument->head, 0, contents_.valueOrder()) == inputArgument) {
-                result.push_back(value.front());
+            const auto [known, isNew] = bySlot.try_emplace(slot);
+            if (isNew) {
+                known->second = inputOf(slot);
+            }
+            if (known->second) {
+                result.push_back(*known->second);
             }
         }
         return result;
+    }
+
+    [[nodiscard]] std::optional<std::uint32_t> inputOf(std::uint32_t slot) const {
+        const auto argument = contents_.value(slot, "OMFI:ESLT:ArgID", 4);
+        const auto value = referencesFrom(slot, "OMFI:ESLT:ArgValue");
+        if (!argument || argument->head.size() != 4 || value.empty() ||
+            i32(argument->head, 0, contents_.valueOrder()) != inputArgument) {
+            return std::nullopt;
+        }
+        return value.front();
     }
 
     /// The property of the object before that refers to `object`.

@@ -155,11 +155,13 @@ ForkedAnswer inForkedChild(const std::function<std::string()>& work, std::size_t
 }
 
 ForkedAnswer inConfinedChild(const std::function<std::string()>& work,
-                             const std::optional<std::string>& writableDirectory) {
+                             const std::optional<std::string>& writableDirectory,
+                             const std::optional<std::vector<std::string>>& readablePaths) {
     return inForkedChild([&] {
         keepWithinMemory();
-        confine(sandboxFromEnvironment(),
-                {.writableDirectory = writableDirectory, .awaitsStreams = true});
+        confine(sandboxFromEnvironment(), {.writableDirectory = writableDirectory,
+                                           .awaitsStreams = true,
+                                           .readablePaths = readablePaths});
         return work();
     });
 }

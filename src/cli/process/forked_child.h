@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace trellant::cli {
 
@@ -44,10 +45,12 @@ inline constexpr std::size_t forkedAnswerLimit = 268'435'456;
 
 /// The same for work that reads files, and creates some in `writableDirectory` (absolute, there
 /// already) if that is given: the child gives up all else first, as TRELLANT_SANDBOX says, and
-/// keeps within the memory there is. Standard output and error stay open to it. A layer that is
+/// keeps within the memory there is. Of files it reads those at or below `readablePaths`, any when
+/// absent. Standard output and error stay open to it. A layer that is
 /// required and missing is a failure of kind `exception`.
 [[nodiscard]] ForkedAnswer inConfinedChild(
     const std::function<std::string()>& work,
-    const std::optional<std::string>& writableDirectory = std::nullopt);
+    const std::optional<std::string>& writableDirectory = std::nullopt,
+    const std::optional<std::vector<std::string>>& readablePaths = std::nullopt);
 
 }  // namespace trellant::cli

@@ -7,6 +7,7 @@
 #include <exception>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace trellant {
 
@@ -26,6 +27,9 @@ struct ConfinedNeeds {
     std::optional<std::string> writableDirectory{};
     /// It waits for room in a stream that returns at once when it is full.
     bool awaitsStreams = false;
+    /// Files, and folders with all below them, that are read; what is not there cannot be read
+    /// later either. Absent: anything. Where files are written they can be read as well.
+    std::optional<std::vector<std::string>> readablePaths{};
 };
 
 /// A layer that was required and is not to be had, or a wish that is none.
@@ -43,9 +47,9 @@ class ConfinementError final : public std::exception {
 [[nodiscard]] Sandbox sandboxFromEnvironment();
 
 /// Confines the calling process for good, layer by layer: no new privileges, no core dump, files
-/// written only where `needs` says, and only the system calls that reading and the needs take. What
-/// is open stays usable. The process must have one thread. Throws ConfinementError when a required
-/// layer is missing; those before it hold then.
+/// read and written only where `needs` says, and only the system calls that reading and the needs
+/// take. What is open stays usable. The process must have one thread. Throws ConfinementError when
+/// a required layer is missing; those before it hold then.
 void confine(Sandbox sandbox, const ConfinedNeeds& needs);
 
 }  // namespace trellant

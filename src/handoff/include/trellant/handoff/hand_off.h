@@ -77,10 +77,12 @@ struct WorkerTask {
     AAFWorkerClient::HelperURLProvider helperURLProvider = installedWorker;
 };
 
-/// The worker's answer as it is, not validated. `whileWaiting`, called about ten times a second on
-/// this thread, may throw. Throws as readHandOff does.
-[[nodiscard]] AAFWorkerProtocol::Result askWorker(const WorkerTask& task,
-                                                  const StopToken& stop,
+/// The worker's answer as it is, not validated. Answer and worker take at most so much memory as a
+/// file of that size can need: 32 MiB and 16 times the
+/// size of the file for the answer, 384 MiB and 64 times the size for the worker.
+/// `whileWaiting`, called about ten times a second on this thread, may throw. Throws as readHandOff
+/// does.
+[[nodiscard]] AAFWorkerProtocol::Result askWorker(const WorkerTask& task, const StopToken& stop,
                                                   AAFWorkerClient::Progress progress = {},
                                                   const std::function<void()>& whileWaiting = {});
 

@@ -6,6 +6,7 @@
 #include <trellant/handoff/hand_off.h>
 
 #include <cstddef>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -13,38 +14,45 @@ namespace [[gnu::visibility("default")]] trellant {
 
 class LossIndex {
   public:
+    /// Losses that are named for one clip. More say no more to a person, and a file of a kilobyte
+    /// can have thousands of clips under thousands of losses.
+    static constexpr std::size_t mostTouching = 100;
+
     /// `losses` must outlive this.
     explicit LossIndex(const std::vector<PlacedLoss>& losses);
 
-    /// Positions that touching() gives at most.
-    static constexpr std::size_t mostPositions = 16;
-
-    /// How many losses touch the event: those on its track that begin before its end and end after
-    /// its start; one without extent (a cut) touches the clips on both of its sides. A loss of the
-    /// whole track touches none of its clips in particular.
-    [[nodiscard]] std::size_t countTouching(const AAFClipEvent& event) const;
-    /// Positions (from 0, ascending) of losses that touch the event: the earliest on the timeline,
-    /// at most mostPositions. A file may lay every loss over every clip, so a list of all of them
-    /// would grow with the product of both; what is left out is in the count.
+    /// Positions (from 0, ascending) of the losses on the event's track that begin before its end
+    /// and end after its start; one without extent (a cut) touches the clips on both of its sides.
+    /// A loss of the whole track touches none of its clips in particular. Of more than
+    /// `mostTouching` those that begin first.
     [[nodiscard]] std::vector<std::size_t> touching(const AAFClipEvent& event) const;
+
+    /// How many losses touch the event, however many touching() gives.
+    [[nodiscard]] std::size_t countTouching(const AAFClipEvent& event) const;
 
   private:
     struct Span {
         AAFRational start;
         AAFRational end;
-        /// The latest end of this span and all before it.
+        /// The latest end of the part of the list whose middle this span is.
         AAFRational latestEnd;
-        std::size_t position;
+        std::size_t position = 0;
     };
-    /// The losses of one track.
+    /// In order of start.
+    using Spans = std::vector<Span>;
     struct Track {
-        /// In order of start.
-        std::vector<Span> spans;
-        /// Of spans with extent, and of cuts: each ascending.
-        std::vector<AAFRational> starts;
-        std::vector<AAFRational> ends;
-        std::vector<AAFRational> cuts;
+        Spans extended{};
+        Spans cuts{};
+        /// Of those with an extent, ascending.
+        std::vector<AAFRational> ends{};
     };
+
+    static void sortByStart(Spans& spans);
+    static void findLatestEnds(std::span<Span> part);
+    static void collect(std::span<const Span> part, const AAFClipEvent& event,
+                        std::vector<const Span*>& found);
+
+    /// By track id.
     KeyedMap<std::string_view, Track> byTrack_;
 };
 

@@ -53,6 +53,9 @@ struct AAFWorkerProtocol {
         /// that the worker does not know are passed over. Absent: the answer has no extensions at
         /// all.
         std::optional<std::vector<std::string>> extensions{};
+        /// Bytes of memory that the worker may take at most; one that needs more fails. Absent: as
+        /// much as there is.
+        std::optional<std::int64_t> memoryLimit{};
         bool operator==(const Request&) const = default;
     };
 
