@@ -194,7 +194,8 @@ CallKind CallReader::openingKind(const std::string& path, std::uint64_t flags) {
         opening_ = Opened{Role::folder, path};
         return CallKind::searchOpen;
     }
-    if (path == "/proc/self/cgroup" || path == "/proc/meminfo" || path.starts_with("/sys/fs/cgroup/")) {
+    if (path == "/proc/self/cgroup" || path == "/proc/meminfo" ||
+        path.starts_with("/sys/fs/cgroup/")) {
         opening_ = Opened{Role::memory, path};
         return CallKind::memoryLook;
     }
