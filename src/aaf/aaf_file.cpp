@@ -73,9 +73,8 @@ class FileWriter {
     void writeContent(Storage storage) {
         ObjectWriter object(file_, storage);
         writeMobs(object);
-        if (!values_.essenceData.empty()) {
-            writeEssenceData(object);
-        }
+        // Also without any: there are readers that miss it otherwise.
+        writeEssenceData(object);
         object.finish();
     }
 

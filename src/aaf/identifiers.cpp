@@ -15,6 +15,14 @@ constexpr std::array<std::uint8_t, 16> umidHead{0x06, 0x0A, 0x2B, 0x34, 0x01, 0x
 
 }  // namespace
 
+AUID auidOfUUID(const std::array<std::byte, 16>& uuid) noexcept {
+    AUID result;
+    for (std::size_t index = 0; index < uuid.size(); ++index) {
+        result.bytes[textForm::storedPlaces[index]] = uuid[index];
+    }
+    return result;
+}
+
 MobID mobIDOfMaterial(const AUID& material) noexcept {
     MobID result;
     std::transform(umidHead.begin(), umidHead.end(), result.bytes.begin(),

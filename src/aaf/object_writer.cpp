@@ -102,14 +102,13 @@ void ObjectWriter::stream(Property property, std::uint64_t byteCount, compound::
 }
 
 Storage ObjectWriter::strongReference(Property property, Class objectClass) {
-    return strongReference(RootProperty{rowOf(property).pid, rowOf(property).name, {}},
-                           objectClass);
+    return refer(rowOf(property).pid, rowOf(property).name, objectClass);
 }
 
-Storage ObjectWriter::strongReference(const RootProperty& property, Class objectClass) {
-    const std::u16string name = nameOfOne(property.name, property.pid);
-    put(property.pid, strongForm, ValueBytes().text(name).view());
-    return file_.addStorage(storage_, name, rowOf(objectClass).id.bytes);
+Storage ObjectWriter::refer(std::uint16_t pid, std::string_view name, Class objectClass) {
+    const std::u16string stored = nameOfOne(name, pid);
+    put(pid, strongForm, ValueBytes().text(stored).view());
+    return file_.addStorage(storage_, stored, rowOf(objectClass).id.bytes);
 }
 
 ObjectList ObjectWriter::indexed(Property property, std::uint16_t form, const ValueBytes& index) {
@@ -208,8 +207,9 @@ RootObjects writeRoot(compound::CompoundFile& file) {
 
     ObjectWriter root(file, Storage::root);
     const RootObjects objects{
-        .metaDictionary = root.strongReference(rootMetaDictionary, Class::metaDictionary),
-        .header = root.strongReference(rootHeader, Class::header)};
+        .metaDictionary =
+            root.refer(rootMetaDictionary.pid, rootMetaDictionary.name, Class::metaDictionary),
+        .header = root.refer(rootHeader.pid, rootHeader.name, Class::header)};
     root.finish();
     return objects;
 }

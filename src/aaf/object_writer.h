@@ -128,7 +128,7 @@ class ObjectWriter {
 
     void put(Property property, std::uint16_t form, ByteView value);
     void put(std::uint16_t pid, std::uint16_t form, ByteView value);
-    Storage strongReference(const RootProperty& property, Class objectClass);
+    Storage refer(std::uint16_t pid, std::string_view name, Class objectClass);
     void weakReferences(Property property, std::uint16_t form, Target target,
                         std::span<const AUID> names);
     template <class Name>

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <set>
 
 namespace trellant::aaf {
 
@@ -149,8 +150,10 @@ void SegmentWriter::write(Storage storage, const DescriptiveMarker& marker) {
                                                       .u16(marker.colour->blue));
     }
     if (!marker.describedSlotIDs.empty()) {
+        const std::set<std::uint32_t> slotIDs(marker.describedSlotIDs.begin(),
+                                              marker.describedSlotIDs.end());
         ValueBytes slots;
-        for (const std::uint32_t slotID : marker.describedSlotIDs) {
+        for (const std::uint32_t slotID : slotIDs) {
             slots.u32(slotID);
         }
         object.data(Property::descriptiveMarkerDescribedSlots, slots);

@@ -244,6 +244,14 @@ TEST(AafComponents, MarkerWithAllThatItMayHave) {
               "  SlotID 9\n");
 }
 
+TEST(AafComponents, SlotsOfAMarkerAreASet) {
+    const WrittenAaf written(fileOf(EventMobSlot{
+        .slotID = 9, .editRate = {25, 1}, .markers = {{.describedSlotIDs = {7, 2, 7}}}}));
+    EXPECT_EQ(written.reader->valueOf("Header/Content/Mobs/0/Slots/0/Segment/Components/0",
+                                      "DescribedSlots"),
+              "[2, 7]");
+}
+
 TEST(AafComponents, MarkerWithAsLittleAsItMayHave) {
     const WrittenAaf written(
         fileOf(EventMobSlot{.slotID = 9, .editRate = {25, 1}, .markers = {{.position = 3}}}));

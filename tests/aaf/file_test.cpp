@@ -27,6 +27,7 @@ TEST(AafFiles, EmptyOneHasNoMobsAndNoEssence) {
     const WrittenAaf written(AafFile{});
     EXPECT_EQ(written.textOf("Header/Content"),
               "ContentStorage\n"
+              "  EssenceData\n"
               "  Mobs\n");
 }
 

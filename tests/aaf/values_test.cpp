@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <limits>
 #include <trellant_testing/byte_writer.h>
 
@@ -21,6 +23,13 @@ Bytes bytesOf(const Identifier& identifier) {
 TEST(AafIdentifiers, FirstThreeGroupsAreStoredLittleEndian) {
     EXPECT_EQ(bytesOf(auid("00112233-4455-6677-8899-aabbccddeeff")),
               hex("33 22 11 00 55 44 77 66 88 99 AA BB CC DD EE FF"));
+}
+
+TEST(AafIdentifiers, UUIDBecomesTheAUIDOfTheSameText) {
+    const Bytes uuid = hex("00 11 22 33 44 55 66 77 88 99 AA BB CC DD EE FF");
+    std::array<std::byte, 16> bytes{};
+    std::copy(uuid.begin(), uuid.end(), bytes.begin());
+    EXPECT_EQ(auidOfUUID(bytes), auid("00112233-4455-6677-8899-aabbccddeeff"));
 }
 
 TEST(AafIdentifiers, UMIDOfAMaterialIsABasicOne) {

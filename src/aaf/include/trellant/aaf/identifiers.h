@@ -40,6 +40,10 @@ struct MobID {
 
 namespace textForm {
 
+/// Where the bytes of the text form are stored.
+inline constexpr std::array<std::size_t, 16> storedPlaces{3, 2, 1,  0,  5,  4,  7,  6,
+                                                          8, 9, 10, 11, 12, 13, 14, 15};
+
 /// Ends a compilation that comes here.
 [[noreturn]] void notAnAUID();
 
@@ -57,14 +61,12 @@ consteval std::byte hexDigit(char digit) {
 
 /// The AUID "9d2ea894-0968-11d3-8a38-0050040ef7d2", lower case. Anything else does not compile.
 consteval AUID auid(std::string_view text) {
-    constexpr std::array<std::size_t, 16> places{3, 2, 1,  0,  5,  4,  7,  6,
-                                                 8, 9, 10, 11, 12, 13, 14, 15};
     if (text.size() != 36) {
         textForm::notAnAUID();
     }
     AUID result;
     std::size_t at = 0;
-    for (const std::size_t place : places) {
+    for (const std::size_t place : textForm::storedPlaces) {
         if (at == 8 || at == 13 || at == 18 || at == 23) {
             if (text[at] != '-') {
                 textForm::notAnAUID();
@@ -77,6 +79,9 @@ consteval AUID auid(std::string_view text) {
     }
     return result;
 }
+
+/// The AUID of a UUID in the order of its text form, as it is calculated and sent.
+[[nodiscard]] AUID auidOfUUID(const std::array<std::byte, 16>& uuid) noexcept;
 
 /// The UMID of this material number: a universal label for "material of no known type, number made
 /// as a UUID", instance 0. Different materials give different UMIDs.
