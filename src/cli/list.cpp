@@ -47,8 +47,7 @@ std::string emptyListText(ListOptions::What what, const HandOff& handOff) {
         return "nothing was lost";
     }
     return "no losses are recorded, but " + std::to_string(repaired) +
-           (repaired == 1 ? " thing was" : " things were") +
-           " not as it should be and set right (see above)";
+           (repaired == 1 ? " thing was" : " things were") + " set right (see above)";
 }
 
 /// Writes the lists of the files, one after the other.

@@ -95,5 +95,65 @@ TEST_F(Deliver, ADeviceIsWrittenToAndNotReplaced) {
     EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
 }
 
+TEST_F(Deliver, WhatIsNotFinishedLeavesTheOldFile) {
+    std::ofstream(path_) << "mine";
+    Console console;
+    {
+        cli::Delivery delivery({.path = path_, .force = true}, console);
+        delivery.write("half");
+        delivery.flush();
+        EXPECT_EQ(contentOf(path_), "mine");
+    }
+    EXPECT_EQ(contentOf(path_), "mine");
+    EXPECT_EQ(filesIn(folder_.path()), 1U);
+}
+
+TEST_F(Deliver, PiecesComeOutInTheirOrder) {
+    Console console;
+    cli::Delivery delivery({.path = path_}, console);
+    std::string expected;
+    for (int i = 0; i < 10'000; ++i) {
+        const std::string piece = std::to_string(i) + " and further\n";
+        delivery.write(piece);
+        expected += piece;
+    }
+    EXPECT_TRUE(delivery.finish());
+    EXPECT_EQ(contentOf(path_), expected);
+}
+
+TEST_F(Deliver, AFileThatTurnsOutToBeReadStays) {
+    std::ofstream(path_) << "audio";
+    const Said said = saidWithStatus({}, [this](Console& console) {
+        cli::Delivery delivery({.path = path_, .force = true}, console);
+        delivery.write("table");
+        delivery.protect(path_);
+        return delivery.finish() ? 0 : 7;
+    });
+    EXPECT_EQ(said.status, 7);
+    EXPECT_EQ(said.errors,
+              "trellant: " + path_ + " is a file that is read. Name another file for the output\n");
+    EXPECT_EQ(contentOf(path_), "audio");
+    EXPECT_EQ(filesIn(folder_.path()), 1U);
+}
+
+TEST_F(Deliver, StandardOutputGetsEachPieceThatIsFlushed) {
+    const Said said = saidWithStatus({}, [](Console& console) {
+        cli::Delivery delivery({}, console);
+        delivery.write("a");
+        delivery.flush();
+        console.error("between");
+        delivery.write("b");
+        return delivery.finish() ? 0 : 1;
+    });
+    EXPECT_EQ(said.status, 0);
+    EXPECT_EQ(said.out, "ab");
+}
+
+TEST_F(Deliver, ADeviceIsWrittenToAndStays) {
+    Console console;
+    EXPECT_TRUE(deliver({.path = "/dev/null"}, "x", console));
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+}
+
 }  // namespace
 }  // namespace trellant::testing

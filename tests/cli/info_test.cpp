@@ -135,9 +135,8 @@ TEST(Info, CountsWhatWasSetRight) {
                         .clip = "Anna",
                         .start = AAFRational(1),
                         .what = "the gain is left out"}};
-    EXPECT_THAT(
-        infoScreen("a.omf", handOff, false),
-        HasSubstr("  Repaired      1 thing was not as it should be and set right (see above)\n"));
+    EXPECT_THAT(infoScreen("a.omf", handOff, false),
+                HasSubstr("  Repaired      1 thing was set right (see above)\n"));
     EXPECT_THAT(infoLine("a.omf", handOff),
                 HasSubstr("\"changes\":[{\"code\":\"code\",\"object\":\"event[0]\",\"what\":"
                           "\"the gain is left out\",\"track\":\"Dialog\",\"clip\":\"Anna\","

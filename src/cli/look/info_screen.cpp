@@ -138,8 +138,7 @@ class Screen {
         line("Bit depths", depthsText(summary_));
         line("Lost", lossesText(summary_));
         if (const std::size_t count = handOff_.changes.size(); count != 0) {
-            line("Repaired", counted(count, "thing was", "things were") +
-                                 " not as it should be and set right (see above)");
+            line("Repaired", counted(count, "thing was", "things were") + " set right (see above)");
         }
     }
 
