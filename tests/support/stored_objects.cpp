@@ -16,9 +16,10 @@ class Cursor {
 
     std::uint64_t number(std::size_t width) {
         std::uint64_t value = 0;
-        const Bytes part = take(width);
-        for (std::size_t index = part.size(); index-- > 0;) {
-            value = value * 256 + std::to_integer<std::uint64_t>(part[index]);
+        unsigned shift = 0;
+        for (const std::byte byte : head(width)) {
+            value |= std::to_integer<std::uint64_t>(byte) << shift;
+            shift += 8;
         }
         return value;
     }
@@ -26,17 +27,22 @@ class Cursor {
     std::uint16_t u16() { return static_cast<std::uint16_t>(number(2)); }
     std::uint32_t u32() { return static_cast<std::uint32_t>(number(4)); }
     Bytes take(std::size_t count) {
-        overrun_ = overrun_ || count > bytes_.size();
-        const std::size_t taken = std::min(count, bytes_.size());
-        Bytes part(bytes_.begin(), bytes_.begin() + static_cast<std::ptrdiff_t>(taken));
-        bytes_ = bytes_.subspan(taken);
-        return part;
+        const ByteView part = head(count);
+        return {part.begin(), part.end()};
     }
     /// All was there and nothing is left.
     [[nodiscard]] bool endedWell() const { return !overrun_ && bytes_.empty(); }
     [[nodiscard]] bool overrun() const { return overrun_; }
 
   private:
+    /// As many of the next bytes as there are.
+    ByteView head(std::size_t count) {
+        overrun_ = overrun_ || count > bytes_.size();
+        const ByteView part = bytes_.first(std::min(count, bytes_.size()));
+        bytes_ = bytes_.subspan(part.size());
+        return part;
+    }
+
     ByteView bytes_;
     bool overrun_ = false;
 };
