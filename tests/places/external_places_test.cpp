@@ -65,9 +65,18 @@ TEST_F(ExternalPlaces, PathBeyondTheSystemsLengthIsNoFile) {
 }
 
 TEST_F(ExternalPlaces, FileThatGivesNoBytesIsAFileWithoutAFormat) {
+    fs::create_directories(search("a"));
+    const std::string empty = writeFile(search("a/Rain.wav"), Bytes{});
+    addExternal(empty);
+    const auto result = inspect();
+    EXPECT_EQ(result.timeline.essences.at(0).fileURL, AAFURL{"file://" + empty});
+    EXPECT_EQ(result.timeline.essences.at(0).codec, "WAVD");
+}
+
+TEST_F(ExternalPlaces, FileOfTheSystemIsNoMedia) {
     addExternal("/proc/self/environ");
     const auto result = inspect();
-    EXPECT_EQ(result.timeline.essences.at(0).fileURL, AAFURL{"file:///proc/self/environ"});
+    EXPECT_EQ(result.timeline.essences.at(0).fileURL, std::nullopt);
     EXPECT_EQ(result.timeline.essences.at(0).codec, "WAVD");
 }
 
