@@ -170,6 +170,11 @@ CallKind CallReader::kindOf(const SystemCall& call, const std::string& path) {
                                       CallKind::probeLook);
             }
             return lookKind(path, arguments[3]);
+        case SYS_readlinkat:
+#ifdef SYS_readlink
+        case SYS_readlink:
+#endif
+            return CallKind::mediaLook;
         case SYS_mkdirat:
             return CallKind::folderCreation;
 #ifdef SYS_mkdir
@@ -193,7 +198,8 @@ CallKind CallReader::openingKind(const std::string& path, std::uint64_t flags) {
         opening_ = Opened{Role::folder, path};
         return CallKind::searchOpen;
     }
-    if (path == "/proc/self/cgroup" || path == "/proc/meminfo" || path.starts_with("/sys/fs/cgroup/")) {
+    if (path == "/proc/self/cgroup" || path == "/proc/meminfo" ||
+        path.starts_with("/sys/fs/cgroup/")) {
         opening_ = Opened{Role::memory, path};
         return CallKind::memoryLook;
     }
