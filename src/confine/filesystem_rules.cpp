@@ -77,8 +77,8 @@ RulesetAttributes attributesFor(long generation) noexcept {
 /// Closes a descriptor, and keeps errno.
 class OpenPath {
   public:
-    explicit OpenPath(const std::string& path) noexcept
-        : number_(::open(path.c_str(), O_PATH | O_CLOEXEC)) {}
+    explicit OpenPath(const std::string& path, int moreFlags = 0) noexcept
+        : number_(::open(path.c_str(), O_PATH | O_CLOEXEC | moreFlags)) {}
     ~OpenPath() {
         const int reason = errno;
         ::close(number_);
@@ -125,12 +125,9 @@ int allowReading(int ruleset, const std::vector<std::string>& paths) noexcept {
 /// 0 or an errno value.
 int allowNeeds(int ruleset, const ConfinedNeeds& needs) noexcept {
     if (needs.writableDirectory) {
-        const OpenPath folder(*needs.writableDirectory);
+        const OpenPath folder(*needs.writableDirectory, O_DIRECTORY);
         if (folder.number() < 0) {
             return errno;
-        }
-        if (!folder.isDirectory()) {
-            return ENOTDIR;
         }
         const std::uint64_t access = allowedInDirectory | (needs.readablePaths ? reading : 0);
         if (const int reason = allow(ruleset, folder, access); reason != 0) {

@@ -179,9 +179,6 @@ Essences::FoundMedia Essences::resolveExternal(OMFObject descriptor,
     }
     if (found.originalPath && search_.hasDirectory()) {
         found.path = search_.locate(wantedName(*found.originalPath));
-        if (found.path && !mediaFileExists(*found.path)) {
-            found.path.reset();
-        }
     }
     return found;
 }

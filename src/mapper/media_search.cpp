@@ -211,7 +211,8 @@ void MediaSearch::readFolder(int root, const std::string& relative,
         if (kind == EntryKind::folder) {
             pending.push_back(relative.empty() ? std::string(name) : joined(relative, name));
         } else if (kind != EntryKind::other && isAudioFileName(name) &&
-                   (kind == EntryKind::file || leadsToFile(descriptor, entry->d_name))) {
+                   (kind == EntryKind::file || (leadsToFile(descriptor, entry->d_name) &&
+                                                mediaFileExists(joined(folders_[folder], name))))) {
             add(name, folder);
         }
     }

@@ -171,6 +171,11 @@ CallKind CallReader::kindOf(const SystemCall& call, const std::string& path) {
                                       CallKind::probeLook);
             }
             return lookKind(path, arguments[3]);
+        case SYS_readlinkat:
+#ifdef SYS_readlink
+        case SYS_readlink:
+#endif
+            return CallKind::mediaLook;
         case SYS_mkdirat:
             return CallKind::folderCreation;
 #ifdef SYS_mkdir
