@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "stored_numbers.h"
+
 #include <algorithm>
 #include <set>
 #include <trellant_testing/stored_objects.h>
@@ -14,29 +16,26 @@ class Cursor {
   public:
     explicit Cursor(ByteView bytes) : bytes_(bytes) {}
 
-    std::uint64_t number(std::size_t width) {
-        std::uint64_t value = 0;
-        const Bytes part = take(width);
-        for (std::size_t index = part.size(); index-- > 0;) {
-            value = value * 256 + std::to_integer<std::uint64_t>(part[index]);
-        }
-        return value;
-    }
+    std::uint64_t number(std::size_t width) { return storedNumber(next(width)); }
     std::uint8_t u8() { return static_cast<std::uint8_t>(number(1)); }
     std::uint16_t u16() { return static_cast<std::uint16_t>(number(2)); }
     std::uint32_t u32() { return static_cast<std::uint32_t>(number(4)); }
     Bytes take(std::size_t count) {
-        overrun_ = overrun_ || count > bytes_.size();
-        const std::size_t taken = std::min(count, bytes_.size());
-        Bytes part(bytes_.begin(), bytes_.begin() + static_cast<std::ptrdiff_t>(taken));
-        bytes_ = bytes_.subspan(taken);
-        return part;
+        const ByteView part = next(count);
+        return {part.begin(), part.end()};
     }
     /// All was there and nothing is left.
     [[nodiscard]] bool endedWell() const { return !overrun_ && bytes_.empty(); }
     [[nodiscard]] bool overrun() const { return overrun_; }
 
   private:
+    ByteView next(std::size_t count) {
+        overrun_ = overrun_ || count > bytes_.size();
+        const ByteView part = bytes_.first(std::min(count, bytes_.size()));
+        bytes_ = bytes_.subspan(part.size());
+        return part;
+    }
+
     ByteView bytes_;
     bool overrun_ = false;
 };
