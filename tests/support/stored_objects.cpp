@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "stored_numbers.h"
+
 #include <algorithm>
 #include <set>
 #include <trellant_testing/stored_objects.h>
@@ -14,20 +16,12 @@ class Cursor {
   public:
     explicit Cursor(ByteView bytes) : bytes_(bytes) {}
 
-    std::uint64_t number(std::size_t width) {
-        std::uint64_t value = 0;
-        unsigned shift = 0;
-        for (const std::byte byte : head(width)) {
-            value |= std::to_integer<std::uint64_t>(byte) << shift;
-            shift += 8;
-        }
-        return value;
-    }
+    std::uint64_t number(std::size_t width) { return storedNumber(next(width)); }
     std::uint8_t u8() { return static_cast<std::uint8_t>(number(1)); }
     std::uint16_t u16() { return static_cast<std::uint16_t>(number(2)); }
     std::uint32_t u32() { return static_cast<std::uint32_t>(number(4)); }
     Bytes take(std::size_t count) {
-        const ByteView part = head(count);
+        const ByteView part = next(count);
         return {part.begin(), part.end()};
     }
     /// All was there and nothing is left.
@@ -35,8 +29,7 @@ class Cursor {
     [[nodiscard]] bool overrun() const { return overrun_; }
 
   private:
-    /// As many of the next bytes as there are.
-    ByteView head(std::size_t count) {
+    ByteView next(std::size_t count) {
         overrun_ = overrun_ || count > bytes_.size();
         const ByteView part = bytes_.first(std::min(count, bytes_.size()));
         bytes_ = bytes_.subspan(part.size());
