@@ -178,7 +178,7 @@ class ManPageExamples(InFolder):
         self.assertEqual(sorted(said[3].splitlines()),
                          ["Rain_ garden.wav: OK", "Theme.wav: OK", "Voice_Anna.wav: OK",
                           "Voice_Ben.wav: OK", "timeline.json: OK"])
-        self.assertEqual(said[6], "mix-wav/timeline.json: valid, 5 tracks, 11 clips\n")
+        self.assertEqual(said[6], "mix-wav/timeline.json: valid, 5 tracks, 11 clips, 4 audio files\n")
         sheet = (self.folder / "mix.csv").read_bytes()
         self.assertEqual(sheet.count(b"\r\n"), 12)
         self.assertEqual((self.folder / "mix-clips.csv").read_bytes(), sheet)

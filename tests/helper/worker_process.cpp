@@ -201,7 +201,9 @@ void waitFor(pid_t child, WorkerRun& run) {
 }
 
 void keepDocuments(const WorkerStart& start, const WorkerRun& run) {
-    const bool isWhole = run.status == 0 && !start.output.readerLeavesAfter;
+    // What the worker says of itself is no document.
+    const bool isWhole = run.status == 0 && !start.output.readerLeavesAfter &&
+                         (start.arguments.empty() || run.output.starts_with('{'));
     keepWorkerRun(start.input.value_or(""), isWhole ? run.output : "", run.errors);
 }
 

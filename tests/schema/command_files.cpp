@@ -53,7 +53,7 @@ Bytes unusual() {
 /// Clips that lie one upon the other, each with a gain setting that cannot be read, so that all of
 /// these losses touch each clip; and a clip whose source is not described.
 Bytes manyLosses() {
-    constexpr int inputs = 20;
+    constexpr int inputs = 120;
     constexpr std::int32_t inputArgument = -1;
     OmfBuilder omf;
     omf.audioFile({.id = kick, .name = "Kick.wav", .media = secondOfSilence(), .length = 48'000});

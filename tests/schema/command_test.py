@@ -208,11 +208,11 @@ class CommandLines(unittest.TestCase):
         self.assertEqual(states["extract"],
                          {"takenOut", "converted", "found", "missing", "undecided"})
 
-    def test_loss_numbers_are_sixteen_at_most_and_all_are_counted(self):
+    def test_loss_numbers_are_a_hundred_at_most_and_all_are_counted(self):
         counted = [(line["losses"], len(line["lossNumbers"])) for name, line in LINES
                    if name == "list-clips" and "lossNumbers" in line]
-        self.assertIn((20, 16), counted)
-        self.assertTrue(all(numbers == min(losses, 16) for losses, numbers in counted))
+        self.assertIn((120, 100), counted)
+        self.assertTrue(all(numbers == min(losses, 100) for losses, numbers in counted))
 
 
 def wrong_values(value, part):

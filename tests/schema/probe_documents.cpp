@@ -79,7 +79,8 @@ void printSamples(std::ostream& out) {
                                     "/media",
                                     true,
                                     false,
-                                    std::vector<std::string>{"lossPlaces", "later"}};
+                                    std::vector<std::string>{"lossPlaces", "later"},
+                                    1'048'576};
     out << "request\t" << encodeRequest(request) << '\n'
         << "progress\t" << encodeProgress({"resolving", 0.5, "slot 3"}) << '\n'
         << "result\t" << sampleResultJson() << '\n'
