@@ -4,8 +4,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
 #include <nlohmann/json.hpp>
+
 #include <string>
 #include <trellant_testing/byte_writer.h>
 #include <trellant_testing/omf_builder.h>
@@ -15,9 +15,9 @@ namespace trellant::testing {
 
 namespace {
 
+using nlohmann::json;
 using ::testing::Contains;
 using ::testing::IsEmpty;
-using nlohmann::json;
 
 Bytes session() {
     OmfBuilder omf;
@@ -89,8 +89,8 @@ TEST(DumpJsonOfASession, ObjectHasItsProperties) {
         }
     }
     EXPECT_TRUE(isNamed);
-    const json byPath = onlyLine(
-        dumped(file, {.path = "CMOB[" + std::to_string(composition) + "]", .json = true}));
+    const json byPath =
+        onlyLine(dumped(file, {.path = "CMOB[" + std::to_string(composition) + "]", .json = true}));
     EXPECT_EQ(byPath.at("steps").size(), 1U);
     EXPECT_EQ(byPath.at("steps").at(0).at("object"), composition);
     EXPECT_EQ(byPath.at("properties"), object.at("properties"));

@@ -8,8 +8,6 @@
 #include <trellant/client/errors.h>
 #include <trellant/io/errors.h>
 
-#include "wave_conversion.h"
-
 #include <gmock/gmock.h>
 
 #include <filesystem>
@@ -280,8 +278,8 @@ TEST_F(ExtractWave, ConverterGivesUpAllElseBeforeItReads) {
     const std::string source = writeFile(folder_.file("in.aifc"), aifc({1, -2}));
     const auto convert = [&](const std::string& wish, const std::string& target) {
         const std::string program = writeFile(
-            folder_.file("converter"), bytesOf("#!/bin/sh\nTRELLANT_SANDBOX=" + wish +
-                                               " exec \"" TRELLANT_WAV "\" \"$@\"\n"));
+            folder_.file("converter"),
+            bytesOf("#!/bin/sh\nTRELLANT_SANDBOX=" + wish + " exec \"" TRELLANT_WAV "\" \"$@\"\n"));
         ::chmod(program.c_str(), 0700);
         WorkProgress progress;
         return convertToWave(program, source, target, progress);

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lists.h"
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/handoff/timeline_text.h>
 
 #include <algorithm>
 #include <array>
-#include <trellant/base/keyed_hash.h>
 
 namespace trellant::cli {
 
