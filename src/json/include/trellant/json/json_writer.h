@@ -68,7 +68,7 @@ class JsonWriter {
     void key(std::string_view key);
 
     void string(std::string_view text);
-    /// The same in printable ASCII only: all else as \uXXXX, in pairs where one does not do.
+    /// The same in printable ASCII only: all else as escapes of four digits, in pairs where needed.
     void asciiString(std::string_view text);
     void integer(std::int64_t value);
     void unsignedInteger(std::uint64_t value);
