@@ -32,6 +32,8 @@ TESTS = {
     "helper": of_room("helper", "examples"),
     "client": of_room("client", "cli"),
     "handoff": (*of_room("handoff"), *of_room("cli")),
+    "exchange": of_room("exchange", "sessions"),
+    "sessions": of_room("sessions"),
     "extraction": (*of_room("extraction"), EXTRACT),
     "cli": (*of_room("cli"), EXTRACT),
     "wav": (EXTRACT,),

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: Apache-2.0
+// A plan cut down to what a format carries. Writers write all of what they get and decide nothing;
+// what was taken away or changed is on record before anything is written.
+#pragma once
+
+#include <trellant/exchange/capabilities.h>
+#include <trellant/exchange/export_plan.h>
+#include <trellant/model/timeline.h>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace [[gnu::visibility("default")]] trellant {
+namespace exchange {
+
+/// A value that the target lost or changed.
+struct ExportLoss {
+    Feature feature = Feature::clipPlaces;
+    AAFUnsupportedFeature::Severity severity = AAFUnsupportedFeature::Severity::informational;
+    /// Positions in the timeline; absent for what is about the whole session.
+    std::optional<std::size_t> track{};
+    std::optional<std::size_t> event{};
+    /// Timeline seconds.
+    std::optional<AAFRational> start{};
+    std::optional<AAFRational> duration{};
+    /// One sentence for an editor, without names: "The clip's gain is left out."
+    std::string sentence{};
+    /// What it was and what became of it: "clip gain 0.5, not carried by markers".
+    std::string technical{};
+    bool operator==(const ExportLoss&) const = default;
+};
+
+struct CarriedPart {
+    /// Values whose Carriage is `metadata` are still there: writers put them where only this
+    /// program's readers look.
+    ExportPlan plan{};
+    /// Those of the session first, then by track, then by clip.
+    std::vector<ExportLoss> losses{};
+};
+
+/// `planned` was made of `timeline`. The losses of the plan itself are among the result's.
+[[nodiscard]] CarriedPart carriedPart(PlannedSession planned, const AAFTimeline& timeline,
+                                      ExportFormat format);
+
+}  // namespace exchange
+}  // namespace trellant

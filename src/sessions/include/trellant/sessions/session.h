@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: Apache-2.0
+// What a session file is written from: a plan cut down to what the format carries, where its media
+// lie, and marks at places of the timeline. Writers write all of it and know no timeline.
+#pragma once
+
+#include <trellant/compound/byte_source.h>
+#include <trellant/exchange/export_plan.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace [[gnu::visibility("default")]] trellant {
+namespace sessions {
+
+/// A plain WAVE file (no extensible header) that lies where it can be read now.
+struct WaveFile {
+    std::string path{};
+    std::uint64_t byteCount = 0;
+    /// Where its samples lie: little-endian, channels interleaved.
+    std::uint64_t dataOffset = 0;
+    std::uint64_t dataByteCount = 0;
+};
+
+struct SessionMedia {
+    /// Where the file lies once the session is in its place; absolute. Empty for offline media.
+    std::string path{};
+    /// The same as seen from the session file's folder where it lies in or below that ("Song.media/
+    /// Anna.wav", always with "/"), else equal to `path`.
+    std::string reference{};
+    /// The file goes into the session itself.
+    bool isEmbedded = false;
+    /// Absent for offline media, and for linked files that are no plain WAVE.
+    std::optional<WaveFile> wave{};
+};
+
+/// A remark at a place, such as a loss.
+struct SessionMarker {
+    exchange::Samples position = 0;
+    /// 0 for a place without extent.
+    exchange::Samples length = 0;
+    std::string text{};
+    /// Position in ExportPlan::tracks; absent for what is about the whole session.
+    std::optional<std::size_t> track{};
+    /// Something was dropped; else it does not sound as meant.
+    bool isDropped = false;
+};
+
+struct Session {
+    exchange::ExportPlan plan{};
+    /// What the session is called where the plan has no name.
+    std::string name{};
+    /// Seconds since 1970-01-01 00:00:00 UTC; the same input is to give the same bytes, so no clock
+    /// is asked.
+    std::int64_t date = 0;
+    /// By position in ExportPlan::media.
+    std::vector<SessionMedia> media{};
+    /// By ascending position.
+    std::vector<SessionMarker> markers{};
+};
+
+/// Each writes one session file in one go, or throws what the sink throws, and what its format
+/// cannot hold whatever is left out (AafError).
+void writeAafSession(const Session& session, const compound::ByteSink& sink);
+void writeOtioSession(const Session& session, const compound::ByteSink& sink);
+void writeOtioBundle(const Session& session, const compound::ByteSink& sink);
+void writeReaperSession(const Session& session, const compound::ByteSink& sink);
+void writeDawProject(const Session& session, const compound::ByteSink& sink);
+
+/// Marks alone, without media: what lies where, and what was lost there.
+void writeAudacityLabels(const Session& session, const compound::ByteSink& sink);
+void writeReaperMarkers(const Session& session, const compound::ByteSink& sink);
+/// A silent WAVE file with a cue point for each mark.
+void writeCuePoints(const Session& session, const compound::ByteSink& sink);
+
+}  // namespace sessions
+}  // namespace trellant
