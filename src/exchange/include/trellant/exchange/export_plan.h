@@ -98,7 +98,7 @@ struct PlannedClip {
 };
 
 /// Clips by ascending start; none begins before the end of the one before it, unless it crossfades
-/// with it.
+/// with it or overlaps were to be kept.
 struct Lane {
     /// The track's name, of further lanes with a number: "Dialog", "Dialog (2)".
     std::string name{};
@@ -156,6 +156,8 @@ struct PlanRequest {
     std::optional<std::int64_t> rate{};
     /// A clip that plays one channel of several gets a file of that channel alone.
     bool splitsChannels = false;
+    /// Clips that overlap stay in one lane: the target plays them as they lie.
+    bool keepsOverlaps = false;
     /// By position in the timeline's essences: the file's facts; absent for a source without a
     /// file. Shorter than the essences: the others have no file.
     std::vector<std::optional<MediaFacts>> mediaFacts{};
@@ -166,9 +168,9 @@ struct PlanLoss {
     enum class Kind {
         /// The clip lasts for less than half a sample.
         shorterThanASample,
-        /// The clip, or what remains of it, lies before the start of the timeline.
+        /// The clip ends before the start of the timeline, or at it.
         beforeTheStart,
-        /// The clip's beginning lies before the start of the timeline and was cut off.
+        /// The clip begins before the start of the timeline: what lies there was cut off.
         headBeforeTheStart,
         /// The clip lies beyond what is counted in samples (mostSamples).
         beyondTheRange,
