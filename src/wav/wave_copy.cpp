@@ -79,27 +79,39 @@ struct Source {
     Sound sound;
 };
 
-/// Whether the file begins as AIFF and AIFC do: no other parser of the library gets to see it.
-bool beginsAsAiff(const std::string& path) {
+/// Whether the file begins as AIFF, AIFC and WAVE do: no other parser of the library gets to see
+/// it.
+bool beginsAsKnown(const std::string& path) {
     std::array<char, 12> head{};
     std::ifstream file(path, std::ios::binary);
     file.read(head.data(), head.size());
     const std::string_view text(head.data(), static_cast<std::size_t>(file.gcount()));
-    return text.size() == head.size() && text.starts_with("FORM") &&
-           (text.ends_with("AIFF") || text.ends_with("AIFC"));
+    if (text.size() != head.size()) {
+        return false;
+    }
+    const bool isAiff =
+        text.starts_with("FORM") && (text.ends_with("AIFF") || text.ends_with("AIFC"));
+    return isAiff ||
+           ((text.starts_with("RIFF") || text.starts_with("RF64")) && text.ends_with("WAVE"));
+}
+
+bool isKnown(int format) {
+    const int type = format & SF_FORMAT_TYPEMASK;
+    return type == SF_FORMAT_AIFF || type == SF_FORMAT_WAV || type == SF_FORMAT_WAVEX ||
+           type == SF_FORMAT_RF64;
 }
 
 Source openSource(const std::string& path) {
-    if (!beginsAsAiff(path)) {
-        throw ConversionError("it is no AIFF or AIFC file");
+    if (!beginsAsKnown(path)) {
+        throw ConversionError("it is no AIFF, AIFC or WAVE file");
     }
     Source source;
     source.sound.reset(::sf_open(path.c_str(), SFM_READ, &source.info));
     if (source.sound == nullptr) {
         throw because("it cannot be read as audio", ::sf_strerror(nullptr));
     }
-    if ((source.info.format & SF_FORMAT_TYPEMASK) != SF_FORMAT_AIFF) {
-        throw ConversionError("it is no AIFF or AIFC file");
+    if (!isKnown(source.info.format)) {
+        throw ConversionError("it is no AIFF, AIFC or WAVE file");
     }
     return source;
 }
@@ -142,9 +154,19 @@ using Transfer = sf_count_t (*)(SNDFILE*, Sample*, sf_count_t);
 template <class Sample>
 using Delivery = sf_count_t (*)(SNDFILE*, const Sample*, sf_count_t);
 
+/// Leaves of the interleaved `frames` in `block` the samples of one channel, at its front.
 template <class Sample>
-void moveFrames(const Source& source, SNDFILE* target, Transfer<Sample> read,
-                Delivery<Sample> write) {
+void keepChannel(std::vector<Sample>& block, sf_count_t frames, sf_count_t channels,
+                 sf_count_t channel) {
+    for (sf_count_t frame = 0; frame < frames; ++frame) {
+        block[static_cast<std::size_t>(frame)] =
+            block[static_cast<std::size_t>(frame * channels + channel)];
+    }
+}
+
+template <class Sample>
+void moveFrames(const Source& source, SNDFILE* target, const std::optional<int>& channel,
+                Transfer<Sample> read, Delivery<Sample> write) {
     const sf_count_t channels = source.info.channels;
     const sf_count_t blockFrames = std::max<sf_count_t>(1, blockSamples / channels);
     std::vector<Sample> block(static_cast<std::size_t>(blockFrames * channels));
@@ -153,6 +175,9 @@ void moveFrames(const Source& source, SNDFILE* target, Transfer<Sample> read,
         const sf_count_t wanted = std::min(blockFrames, source.info.frames - moved);
         if (read(source.sound.get(), block.data(), wanted) != wanted) {
             throw ConversionError("it ends before its last sample");
+        }
+        if (channel) {
+            keepChannel(block, wanted, channels, *channel);
         }
         if (write(target, block.data(), wanted) != wanted) {
             throw because(notWritten, ::sf_strerror(target));
@@ -168,14 +193,18 @@ bool needsLargeForm(std::uint64_t sampleBytes) noexcept {
     return sampleBytes > plainFormLimit;
 }
 
-void copyAsWave(const std::string& source, const std::string& destination) {
+void copyAsWave(const std::string& source, const std::string& destination,
+                const std::optional<int>& channel) {
     const Source input = openSource(source);
     const SampleForm form = sampleForm(input.info.format);
-    const auto samples = static_cast<std::uint64_t>(input.info.frames) *
-                         static_cast<std::uint64_t>(input.info.channels);
+    if (channel && (*channel < 0 || *channel >= input.info.channels)) {
+        throw ConversionError("it has no channel " + std::to_string(*channel + 1));
+    }
     SF_INFO info{};
     info.samplerate = input.info.samplerate;
-    info.channels = input.info.channels;
+    info.channels = channel ? 1 : input.info.channels;
+    const auto samples =
+        static_cast<std::uint64_t>(input.info.frames) * static_cast<std::uint64_t>(info.channels);
     info.format =
         (needsLargeForm(samples * form.bytes) ? SF_FORMAT_RF64 : SF_FORMAT_WAV) | form.subtype;
     NewFile file(destination);
@@ -186,11 +215,11 @@ void copyAsWave(const std::string& source, const std::string& destination) {
     // The chunk of peaks holds the time of day, and equal audio is to give equal files.
     ::sf_command(output.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
     if (form.subtype == SF_FORMAT_FLOAT) {
-        moveFrames<float>(input, output.get(), ::sf_readf_float, ::sf_writef_float);
+        moveFrames<float>(input, output.get(), channel, ::sf_readf_float, ::sf_writef_float);
     } else if (form.isFloatingPoint) {
-        moveFrames<double>(input, output.get(), ::sf_readf_double, ::sf_writef_double);
+        moveFrames<double>(input, output.get(), channel, ::sf_readf_double, ::sf_writef_double);
     } else {
-        moveFrames<int>(input, output.get(), ::sf_readf_int, ::sf_writef_int);
+        moveFrames<int>(input, output.get(), channel, ::sf_readf_int, ::sf_writef_int);
     }
     // Closing writes the sizes into the head.
     if (const int failure = ::sf_close(output.release()); failure != 0) {

@@ -118,6 +118,31 @@ TEST_F(WaveCopy, PlainAiffIsConvertedToo) {
     expectSamples({.samples = hex("0001")}, {1, 1, 48'000, 16}, hex("0100"));
 }
 
+TEST_F(WaveCopy, OneChannelOfSeveralIsAMonoFile) {
+    const std::string source = writeFile(
+        folder_.file("in.aifc"),
+        aiffImage(
+            {.formType = "AIFC", .channels = 3, .samples = hex("0001 0002 0003 0004 0005 0006")}));
+    const std::string destination = folder_.file("out.wav");
+    const ProgramEnd end = runProgram({TRELLANT_WAV, source, destination, "2"}, [] {});
+    EXPECT_EQ(end.status, 0) << end.errors;
+    EXPECT_EQ(formOf(destination), (WaveForm{1, 1, 48'000, 16}));
+    EXPECT_EQ(sampleBytesOf(destination), hex("0200 0500"));
+}
+
+TEST_F(WaveCopy, AnExtensibleHeaderBecomesAPlainOne) {
+    const std::string source = writeFile(
+        folder_.file("in.wav"), waveImage({.formatTag = 0xFFFE,
+                                           .channels = 2,
+                                           .bitsPerSample = 24,
+                                           .samples = hex("010203 040506 070809 0A0B0C")}));
+    const std::string destination = folder_.file("out.wav");
+    const ProgramEnd end = runProgram({TRELLANT_WAV, source, destination}, [] {});
+    EXPECT_EQ(end.status, 0) << end.errors;
+    EXPECT_EQ(formOf(destination), (WaveForm{1, 2, 48'000, 24}));
+    EXPECT_EQ(sampleBytesOf(destination), hex("010203 040506 070809 0A0B0C"));
+}
+
 TEST_F(WaveCopy, MoreThanOneBlockLosesNoFrame) {
     // More frames than are moved at once, and no multiple of that.
     std::vector<std::int16_t> values(200'001);
@@ -168,13 +193,27 @@ TEST_F(WaveCopyRefuses, CompressedAudio) {
 }
 
 TEST_F(WaveCopyRefuses, OtherKindsOfFiles) {
-    expectRefused(waveOf({1, 2}), "it is no AIFF or AIFC file");
+    const std::string reason = "it is no AIFF, AIFC or WAVE file";
+    expectRefused(bytesOf("fLaC and what the library would read as such"), reason);
+    expectRefused(bytesOf("RIFF....AVI and more"), reason);
+    expectRefused(bytesOf("RIFF"), reason);
+}
+
+TEST_F(WaveCopyRefuses, AChannelThatIsNotThere) {
+    const std::string source = writeFile(folder_.file("in.wav"), waveOf({1, 2}));
+    const ProgramEnd end = runProgram({TRELLANT_WAV, source, folder_.file("out.wav"), "2"}, [] {});
+    EXPECT_EQ(end.status, 2);
+    EXPECT_EQ(end.errors, "it has no channel 2\n");
+    EXPECT_FALSE(fs::exists(folder_.file("out.wav")));
 }
 
 TEST_F(WaveCopyRefuses, WrongNumberOfArguments) {
     const ProgramEnd end = runProgram({TRELLANT_WAV, "only one"}, [] {});
     EXPECT_EQ(end.status, 1);
-    EXPECT_EQ(end.errors, "usage: trellant-wav IN OUT\n");
+    EXPECT_EQ(end.errors, "usage: trellant-wav IN OUT [CHANNEL]\n");
+    for (const char* channel : {"0", "-1", "1x", "", "99999999999"}) {
+        EXPECT_EQ(runProgram({TRELLANT_WAV, "in", "out", channel}, [] {}).status, 1) << channel;
+    }
 }
 
 TEST_F(WaveCopyRefuses, FileInPlaceOfTheNewOneAndLeavesIt) {
