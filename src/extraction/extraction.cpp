@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "placement.h"
-#include "staging.h"
-#include "wave_conversion.h"
 
 #include <trellant/base/keyed_hash.h>
 #include <trellant/base/url.h>
 #include <trellant/client/errors.h>
 #include <trellant/extraction/extraction.h>
+#include <trellant/extraction/staging.h>
+#include <trellant/extraction/taken_out.h>
+#include <trellant/extraction/wave_conversion.h>
 #include <trellant/io/errors.h>
 #include <trellant/model/timeline_json.h>
 
@@ -71,8 +72,6 @@ class Extraction::Run {
     [[nodiscard]] const Placement& placement() const noexcept { return placement_; }
 
   private:
-    void takeOut();
-    void separate();
     void convert();
     void protectWhatIsRead();
     void placeAudio();
@@ -96,14 +95,15 @@ class Extraction::Run {
 
 ExtractionReport Extraction::Run::all() {
     try {
-        takeOut();
+        TakenOut taken = takeOut(request_.file, staging_, request_.helperURLProvider, progress_);
+        handOff_ = std::move(taken.handOff);
+        embedded_ = std::move(taken.embedded);
     } catch (const AAFCancellationError&) {
         for (const std::string& name : staging_.wholeFiles()) {
             placement_.keep(staging_.file(name), name);
         }
         throw;
     }
-    separate();
     convert();
     protectWhatIsRead();
     placeAudio();
@@ -120,54 +120,6 @@ ExtractionReport Extraction::Run::all() {
     report.manifest = writeDocument("MANIFEST.sha256", manifestText());
     report.handOff = std::move(handOff_);
     return report;
-}
-
-/// The worker gets no media folder: it would take a file by its name alone, and what an earlier run
-/// wrote too. Our own search compares what is in the files.
-void Extraction::Run::takeOut() {
-    using Extensions = AAFWorkerExtensions;
-    progress_.begin("Taking the audio out", bytesOfFile(absoluteText(request_.file)));
-    AAFWorkerProtocol::Result answer =
-        askWorker({.file = request_.file,
-                   .operation = AAFWorkerProtocol::Request::Operation::extractAndInspect,
-                   .workDirectory = staging_.path(),
-                   .extensions = {std::string(Extensions::lossPlacesName),
-                                  std::string(Extensions::compositionsName),
-                                  std::string(Extensions::embeddedMediaName)},
-                   .helperURLProvider = request_.helperURLProvider},
-                  progress_.stop(), {}, [this] { progress_.at(staging_.bytes()); });
-    progress_.check();
-    if (const Boxed<Extensions>& extensions = answer.extensions) {
-        embedded_ = extensions->embeddedMedia;
-    }
-    handOff_ = handOffOf(std::move(answer));
-    // A file is moved from where the worker says it is: only what it was told to write is ours.
-    for (AAFSourceEssence& essence : handOff_.timeline.essences) {
-        const auto path = pathOf(essence);
-        if (essence.embedded && (!path || !staging_.holds(*path))) {
-            essence.fileURL.reset();
-        }
-    }
-}
-
-/// Sources that were written over one another get the files that hold the audio of each alone.
-void Extraction::Run::separate() {
-    if (!embedded_) {
-        return;
-    }
-    KeyedMap<std::string_view, const AAFWorkerExtensions::SeparateFile*> files;
-    for (const AAFWorkerExtensions::SeparateFile& file : embedded_->separateFiles) {
-        files.emplace(file.essenceID, &file);
-    }
-    for (AAFSourceEssence& essence : handOff_.timeline.essences) {
-        const auto found = files.find(essence.id);
-        if (found == files.end() || !essence.embedded) {
-            continue;
-        }
-        const std::optional<std::string>& path = found->second->path;
-        essence.fileURL =
-            path && staging_.holds(*path) ? std::optional(fileURL(*path)) : std::nullopt;
-    }
 }
 
 void Extraction::Run::convert() {

@@ -3,8 +3,8 @@
 #include "placement.h"
 
 #include "sha256.h"
-#include "staging.h"
 
+#include <trellant/extraction/staging.h>
 #include <trellant/io/errors.h>
 
 #include <cerrno>

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "staging.h"
-
 #include <trellant/extraction/extraction.h>
+#include <trellant/extraction/staging.h>
 #include <trellant/io/errors.h>
 
 #include <algorithm>

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "wave_conversion.h"
-
 #include "spawned_program.h"
 
 #include <trellant/base/executable_location.h>
 #include <trellant/base/numbered_name.h>
 #include <trellant/base/url.h>
 #include <trellant/extraction/extraction.h>
+#include <trellant/extraction/wave_conversion.h>
 #include <trellant/handoff/audio_facts.h>
 #include <trellant/io/errors.h>
 
@@ -74,11 +73,16 @@ std::optional<std::string> installedWaveConverter() {
 }
 
 std::optional<std::string> convertToWave(const std::string& converter, const std::string& source,
-                                         const std::string& destination, WorkProgress& progress) {
+                                         const std::string& destination, WorkProgress& progress,
+                                         const std::optional<std::int64_t>& channel) {
     try {
         const std::uint64_t before = progress.bytes();
-        const ProgramEnd end = runProgram({converter, source, destination},
-                                          [&] { progress.at(before + bytesOfFile(destination)); });
+        std::vector<std::string> commandLine{converter, source, destination};
+        if (channel) {
+            commandLine.push_back(std::to_string(*channel + 1));
+        }
+        const ProgramEnd end =
+            runProgram(commandLine, [&] { progress.at(before + bytesOfFile(destination)); });
         progress.at(before + bytesOfFile(source));
         if (end.status == 0) {
             // A system that hides how its programs end gives 0 for all of them.

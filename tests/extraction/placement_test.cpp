@@ -2,7 +2,7 @@
 // Final names: what is kept, what gives way, and that nothing is replaced unasked.
 #include "placement.h"
 
-#include "staging.h"
+#include <trellant/extraction/staging.h>
 
 #include <trellant/base/numbered_name.h>
 #include <trellant/client/errors.h>

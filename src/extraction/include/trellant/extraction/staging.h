@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 class Staging {
   public:

@@ -1,24 +1,24 @@
 // SPDX-License-Identifier: Apache-2.0
-// AIFC files made into WAVE files by the program for it, one process a file.
+// Audio files made into plain WAVE files by the program for it, one process a file.
 #pragma once
 
-#include "staging.h"
-
 #include <trellant/base/keyed_hash.h>
+#include <trellant/extraction/staging.h>
 #include <trellant/handoff/work_progress.h>
 #include <trellant/model/timeline.h>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
-/// Runs `converter SOURCE DESTINATION`. Absent when there is a new file at `destination`; else the
-/// reason, in one line, and no file. Throws AAFCancellationError.
-[[nodiscard]] std::optional<std::string> convertToWave(const std::string& converter,
-                                                       const std::string& source,
-                                                       const std::string& destination,
-                                                       WorkProgress& progress);
+/// Runs `converter` for the AIFF, AIFC or WAVE file at `source`, for all of it or for one channel
+/// (from 0). Absent when there is a new file at `destination`; else the reason, in one line, and no
+/// file. Throws AAFCancellationError.
+[[nodiscard]] std::optional<std::string> convertToWave(
+    const std::string& converter, const std::string& source, const std::string& destination,
+    WorkProgress& progress, const std::optional<std::int64_t>& channel = std::nullopt);
 
 struct WaveConversions {
     /// Essence ids.

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <trellant/base/keyed_hash.h>
+#include <trellant/base/url.h>
+#include <trellant/extraction/taken_out.h>
+
+#include <filesystem>
+#include <string_view>
+#include <utility>
+
+namespace trellant {
+
+namespace {
+
+using Extensions = AAFWorkerExtensions;
+
+std::optional<std::string> pathOf(const AAFSourceEssence& essence) {
+    return essence.fileURL ? pathOfFileURL(essence.fileURL->text) : std::nullopt;
+}
+
+/// Sources that were written over one another get the files that hold the audio of each alone.
+void separate(TakenOut& taken, const Staging& staging) {
+    if (!taken.embedded) {
+        return;
+    }
+    KeyedMap<std::string_view, const Extensions::SeparateFile*> files;
+    for (const Extensions::SeparateFile& file : taken.embedded->separateFiles) {
+        files.emplace(file.essenceID, &file);
+    }
+    for (AAFSourceEssence& essence : taken.handOff.timeline.essences) {
+        const auto found = files.find(essence.id);
+        if (found == files.end() || !essence.embedded) {
+            continue;
+        }
+        const std::optional<std::string>& path = found->second->path;
+        essence.fileURL =
+            path && staging.holds(*path) ? std::optional(fileURL(*path)) : std::nullopt;
+    }
+}
+
+}  // namespace
+
+/// The worker gets no media folder: it would take a file by its name alone, and what an earlier run
+/// wrote too. Our own search compares what is in the files.
+TakenOut takeOut(const std::string& file, const Staging& staging,
+                 const AAFWorkerClient::HelperURLProvider& helperURLProvider,
+                 WorkProgress& progress) {
+    progress.begin("Taking the audio out", bytesOfFile(std::filesystem::absolute(file).native()));
+    AAFWorkerProtocol::Result answer =
+        askWorker({.file = file,
+                   .operation = AAFWorkerProtocol::Request::Operation::extractAndInspect,
+                   .workDirectory = staging.path(),
+                   .extensions = {std::string(Extensions::lossPlacesName),
+                                  std::string(Extensions::compositionsName),
+                                  std::string(Extensions::embeddedMediaName)},
+                   .helperURLProvider = helperURLProvider},
+                  progress.stop(), {}, [&] { progress.at(staging.bytes()); });
+    progress.check();
+    TakenOut taken;
+    if (const Boxed<Extensions>& extensions = answer.extensions) {
+        taken.embedded = extensions->embeddedMedia;
+    }
+    taken.handOff = handOffOf(std::move(answer));
+    // A file is moved from where the worker says it is: only what it was told to write is ours.
+    for (AAFSourceEssence& essence : taken.handOff.timeline.essences) {
+        const auto path = pathOf(essence);
+        if (essence.embedded && (!path || !staging.holds(*path))) {
+            essence.fileURL.reset();
+        }
+    }
+    separate(taken, staging);
+    return taken;
+}
+
+}  // namespace trellant
