@@ -1,0 +1,291 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "final_places.h"
+#include "session_markers.h"
+#include "session_media.h"
+
+#include <trellant/base/file_descriptor.h>
+#include <trellant/base/url.h>
+#include <trellant/base/write_all.h>
+#include <trellant/client/errors.h>
+#include <trellant/exporter/exporter.h>
+#include <trellant/extraction/staging.h>
+#include <trellant/extraction/taken_out.h>
+#include <trellant/io/errors.h>
+#include <trellant/sessions/session.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
+#include <utility>
+
+namespace trellant {
+
+namespace fs = std::filesystem;
+
+using exchange::Carriage;
+using exchange::ExportFormat;
+using exchange::Feature;
+
+namespace {
+
+using SessionWriter = void (*)(const sessions::Session&, const compound::ByteSink&);
+
+struct SessionFile {
+    std::string_view nameEnd;
+    SessionWriter write;
+};
+
+/// The files of each format.
+std::vector<SessionFile> sessionFiles(ExportFormat format) {
+    switch (format) {
+        case ExportFormat::aaf:
+            return {{".aaf", sessions::writeAafSession}};
+        case ExportFormat::otio:
+            return {{".otio", sessions::writeOtioSession}};
+        case ExportFormat::otioz:
+            return {{".otioz", sessions::writeOtioBundle}};
+        case ExportFormat::reaper:
+            return {{".rpp", sessions::writeReaperSession}};
+        case ExportFormat::dawproject:
+            return {{".dawproject", sessions::writeDawProject}};
+        case ExportFormat::markers:
+            return {{".labels.txt", sessions::writeAudacityLabels},
+                    {".markers.csv", sessions::writeReaperMarkers},
+                    {".cues.wav", sessions::writeCuePoints}};
+    }
+    return {};
+}
+
+bool isCarried(ExportFormat format, Feature feature, Carriage how) {
+    return exchange::capability(format, feature).carriage == how;
+}
+
+std::optional<std::int64_t> lastChange(const std::string& file) {
+    struct stat status {};
+    return ::stat(file.c_str(), &status) == 0 ? std::optional<std::int64_t>(status.st_mtime)
+                                              : std::nullopt;
+}
+
+FileDescriptor newFile(const std::string& path) {
+    FileDescriptor file(
+        ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
+    if (!file.isOpen()) {
+        throw FileSystemError("create", path, errno);
+    }
+    return file;
+}
+
+}  // namespace
+
+bool hasMediaMode(ExportFormat format, MediaMode mode) noexcept {
+    switch (format) {
+        case ExportFormat::otioz:
+            return mode == MediaMode::embed;
+        case ExportFormat::otio:
+        case ExportFormat::reaper:
+            return mode != MediaMode::embed;
+        case ExportFormat::aaf:
+        case ExportFormat::dawproject:
+        case ExportFormat::markers:
+            return true;
+    }
+    return true;
+}
+
+MediaMode usualMediaMode(ExportFormat format) noexcept {
+    return format == ExportFormat::otioz ? MediaMode::embed : MediaMode::copy;
+}
+
+std::vector<std::string> sessionFileNames(ExportFormat format, const std::string& name) {
+    std::vector<std::string> names;
+    for (const SessionFile& file : sessionFiles(format)) {
+        names.push_back(name + std::string(file.nameEnd));
+    }
+    return names;
+}
+
+class SessionExport::Run {
+  public:
+    Run(ExportRequest request, WorkProgress& progress)
+        : request_(std::move(request)),
+          progress_(progress),
+          names_(sessionFileNames(request_.format, request_.name)),
+          mediaFolder_(request_.name + ".media"),
+          places_(request_.directoryPath, request_.force) {
+        names_.push_back(request_.name + ".losses.json");
+        places_.protect(fs::absolute(request_.file).native());
+        places_.check(names_, mediaFolder_);
+        audio_.emplace(request_.directoryPath);
+        staging_.emplace(request_.directoryPath);
+    }
+
+    [[nodiscard]] ExportReport all();
+    [[nodiscard]] bool isStaged(std::string_view path) const {
+        return path.starts_with(audio_->path() + "/") || path.starts_with(staging_->path() + "/");
+    }
+
+  private:
+    [[nodiscard]] MediaMode mediaMode() const {
+        return request_.mediaMode.value_or(usualMediaMode(request_.format));
+    }
+    [[nodiscard]] bool hasMedia() const { return request_.format != ExportFormat::markers; }
+    void read();
+    [[nodiscard]] exchange::CarriedPart planned() const;
+    [[nodiscard]] std::vector<sessions::SessionMedia> media(exchange::ExportPlan& plan);
+    void writeFiles(const sessions::Session& session);
+    void writeFile(const std::string& name, const SessionFile& file,
+                   const sessions::Session& session);
+    void writeLosses();
+    void place();
+
+    ExportRequest request_;
+    WorkProgress& progress_;
+    std::vector<std::string> names_;
+    std::string mediaFolder_;
+    FinalPlaces places_;
+    /// What the worker takes out, under names of its choice.
+    std::optional<Staging> audio_;
+    std::optional<Staging> staging_;
+    ExportReport report_;
+};
+
+ExportReport SessionExport::Run::all() {
+    read();
+    exchange::CarriedPart carried = planned();
+    sessions::Session session;
+    session.name = request_.name;
+    session.date = request_.date ? *request_.date : lastChange(request_.file).value_or(0);
+    session.media = media(carried.plan);
+    if (request_.markers) {
+        session.markers = lossMarkers(report_.handOff, carried.losses, carried.plan);
+    }
+    report_.losses = std::move(carried.losses);
+    session.plan = std::move(carried.plan);
+    progress_.begin("Writing the session", 0);
+    progress_.check();
+    writeFiles(session);
+    writeLosses();
+    report_.plan = std::move(session.plan);
+    progress_.check();
+    place();
+    return std::move(report_);
+}
+
+void SessionExport::Run::read() {
+    if (!hasMedia()) {
+        report_.handOff = readHandOff({.file = request_.file,
+                                       .mediaFolders = request_.mediaFolders,
+                                       .helperURLProvider = request_.helperURLProvider},
+                                      progress_);
+        return;
+    }
+    report_.handOff =
+        std::move(takeOut(request_.file, *audio_, request_.helperURLProvider, progress_).handOff);
+    findMedia(report_.handOff, request_.file, request_.mediaFolders, {}, progress_);
+    makeUsable(report_.handOff);
+}
+
+exchange::CarriedPart SessionExport::Run::planned() const {
+    const AAFTimeline& timeline = report_.handOff.timeline;
+    exchange::PlanRequest request;
+    request.rate = request_.rate;
+    request.splitsChannels =
+        isCarried(request_.format, Feature::channelOfSeveral, Carriage::detour);
+    request.keepsOverlaps = isCarried(request_.format, Feature::overlaps, Carriage::carried);
+    if (hasMedia()) {
+        request.mediaFacts = mediaFacts(timeline, progress_);
+    }
+    return exchange::carriedPart(exchange::planSession(timeline, request), timeline,
+                                 request_.format);
+}
+
+std::vector<sessions::SessionMedia> SessionExport::Run::media(exchange::ExportPlan& plan) {
+    if (!hasMedia()) {
+        return std::vector<sessions::SessionMedia>(plan.media.size());
+    }
+    const std::string made = staging_->file(mediaFolder_);
+    if (!fs::create_directory(made)) {
+        throw FileSystemError("create folder", made, EEXIST);
+    }
+    SessionMediaMaker maker(report_.handOff.timeline, plan,
+                            {.mode = mediaMode(),
+                             .needsWave = request_.format == ExportFormat::aaf,
+                             .audioPath = audio_->path(),
+                             .newPath = made,
+                             .finalPath = request_.directoryPath + "/" + mediaFolder_,
+                             .finalReference = mediaFolder_,
+                             .directoryPath = request_.directoryPath,
+                             .waveConverter = request_.waveConverter},
+                            progress_);
+    std::vector<sessions::SessionMedia> media = maker.all();
+    for (const std::string& path : maker.linked()) {
+        places_.protect(path);
+    }
+    report_.mediaFiles = maker.newFiles();
+    report_.linkedMedia = maker.linked().size();
+    for (std::size_t i = 0; i < media.size(); ++i) {
+        report_.embeddedMedia += media[i].isEmbedded ? 1U : 0U;
+        report_.offlineMedia += plan.media[i].isOffline ? 1U : 0U;
+    }
+    if (report_.mediaFiles != 0) {
+        report_.mediaFolder = mediaFolder_;
+    }
+    return media;
+}
+
+void SessionExport::Run::writeFiles(const sessions::Session& session) {
+    const std::vector<SessionFile> files = sessionFiles(request_.format);
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        writeFile(names_[i], files[i], session);
+    }
+}
+
+void SessionExport::Run::writeFile(const std::string& name, const SessionFile& file,
+                                   const sessions::Session& session) {
+    const std::string path = staging_->file(name);
+    const FileDescriptor target = newFile(path);
+    file.write(session, [&](ByteView bytes) {
+        progress_.check();
+        if (const int reason = writeAll(target.number(), bytes); reason != 0) {
+            throw FileSystemError("write", path, reason);
+        }
+    });
+}
+
+void SessionExport::Run::writeLosses() {
+    const std::string path = staging_->file(names_.back());
+    const FileDescriptor target = newFile(path);
+    const std::string text = lossesDocument(request_.file, report_.handOff, report_.losses);
+    if (const int reason = writeAll(target.number(), text); reason != 0) {
+        throw FileSystemError("write", path, reason);
+    }
+}
+
+/// The session last: who sees it sees all that it needs.
+void SessionExport::Run::place() {
+    places_.check(names_, mediaFolder_);
+    if (report_.mediaFolder) {
+        places_.moveFolder(staging_->file(mediaFolder_), mediaFolder_);
+    }
+    for (auto name = names_.rbegin(); name != names_.rend(); ++name) {
+        places_.moveFile(staging_->file(*name), *name);
+    }
+    report_.files = names_;
+}
+
+SessionExport::SessionExport(ExportRequest request, WorkProgress& progress)
+    : run_(std::make_unique<Run>(std::move(request), progress)) {}
+
+SessionExport::~SessionExport() = default;
+
+ExportReport SessionExport::run() {
+    return run_->all();
+}
+
+bool SessionExport::isStaged(std::string_view path) const {
+    return run_->isStaged(path);
+}
+
+}  // namespace trellant

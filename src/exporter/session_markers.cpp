@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "session_markers.h"
+
+#include <trellant/base/keyed_hash.h>
+#include <trellant/base/printable_text.h>
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+namespace trellant {
+
+namespace {
+
+using exchange::ExportLoss;
+using exchange::ExportPlan;
+using exchange::Samples;
+using sessions::SessionMarker;
+using Severity = AAFUnsupportedFeature::Severity;
+
+class Markers {
+  public:
+    Markers(const AAFTimeline& timeline, const ExportPlan& plan)
+        : timeline_(timeline), plan_(plan) {
+        for (std::size_t i = 0; i < timeline.tracks.size(); ++i) {
+            tracks_.emplace(timeline.tracks[i].id, i);
+        }
+    }
+
+    void add(const PlacedLoss& loss, Severity severity) {
+        if (!loss.start) {
+            return;
+        }
+        SessionMarker marker = placed(*loss.start, loss.duration);
+        if (const auto track = loss.trackID ? tracks_.find(*loss.trackID) : tracks_.end();
+            track != tracks_.end()) {
+            marker.track = track->second;
+        }
+        say(marker, severity, loss.clipName, loss.plain.empty() ? loss.description : loss.plain);
+    }
+
+    void add(const ExportLoss& loss) {
+        if (!loss.start) {
+            return;
+        }
+        SessionMarker marker = placed(*loss.start, loss.duration);
+        marker.track = loss.track;
+        say(marker, loss.severity,
+            loss.event ? timeline_.events[*loss.event].clipName : std::nullopt, loss.sentence);
+    }
+
+    [[nodiscard]] std::vector<SessionMarker> all() && {
+        std::stable_sort(markers_.begin(), markers_.end(),
+                         [](const SessionMarker& left, const SessionMarker& right) {
+                             return left.position < right.position;
+                         });
+        return std::move(markers_);
+    }
+
+  private:
+    /// A mark may be a sample beside its place: it is for eyes.
+    [[nodiscard]] Samples sample(const AAFRational& seconds) const {
+        const double place = seconds.doubleValue() * static_cast<double>(plan_.rate);
+        return static_cast<Samples>(
+            std::clamp(place + 0.5, 0.0, static_cast<double>(exchange::mostSamples)));
+    }
+
+    [[nodiscard]] SessionMarker placed(const AAFRational& start,
+                                       const std::optional<AAFRational>& duration) const {
+        SessionMarker marker;
+        marker.position = sample(start);
+        if (duration) {
+            marker.length = std::max<Samples>(0, sample(start + *duration) - marker.position);
+        }
+        return marker;
+    }
+
+    void say(SessionMarker& marker, Severity severity, const std::optional<std::string>& clip,
+             std::string_view sentence) {
+        marker.isDropped = severity == Severity::informational;
+        marker.text = clip ? printableText(*clip) + ": " : std::string();
+        marker.text += sentence;
+        markers_.push_back(std::move(marker));
+    }
+
+    const AAFTimeline& timeline_;
+    const ExportPlan& plan_;
+    KeyedMap<std::string_view, std::size_t> tracks_;
+    std::vector<SessionMarker> markers_;
+};
+
+}  // namespace
+
+std::vector<SessionMarker> lossMarkers(const HandOff& handOff,
+                                       const std::vector<ExportLoss>& losses,
+                                       const ExportPlan& plan) {
+    Markers markers(handOff.timeline, plan);
+    for (std::size_t i = 0; i < handOff.losses.size(); ++i) {
+        markers.add(handOff.losses[i], handOff.timeline.unsupportedFeatures[i].severity);
+    }
+    for (const ExportLoss& loss : losses) {
+        markers.add(loss);
+    }
+    return std::move(markers).all();
+}
+
+}  // namespace trellant
