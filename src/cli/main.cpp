@@ -2,6 +2,7 @@
 // trellant: the command for people.
 #include "commands.h"
 #include "dump/dump.h"
+#include "export/export.h"
 #include "extract/extract.h"
 #include "terminal/interrupts.h"
 
@@ -30,6 +31,10 @@ ExitStatus perform(const Call& call, Console& console) {
                 return runValidate(options, console);
             } else if constexpr (std::is_same_v<Options, DumpCall>) {
                 return runDump(options, console);
+            } else if constexpr (std::is_same_v<Options, ExportCall>) {
+                const Cancellable heeded;
+                return runExport({.call = options, .helperURLProvider = installedWorker}, console,
+                                 stop);
             } else {
                 static_assert(std::is_same_v<Options, ExtractCall>);
                 const Cancellable heeded;

@@ -104,10 +104,12 @@ class Parser {
             "  trellant info mix.omf                          what is in it, on one screen\n"
             "  trellant list clips mix.omf --csv > mix.csv    every clip, for a sheet\n"
             "  trellant list losses mix.omf                   what could not be carried over\n"
-            "  trellant extract mix.omf --to mix-audio        take the audio out");
+            "  trellant extract mix.omf --to mix-audio        take the audio out\n"
+            "  trellant export mix.omf --to mix --format aaf  a session for today's tools");
         addInfo();
         addList();
         addExtract();
+        addExport();
         addDump();
         addValidate();
     }
@@ -210,6 +212,46 @@ class Parser {
         addFailOn(*extract_, extractCall_.failOn);
     }
 
+    void addExport() {
+        export_ =
+            &command("export", "Writes sessions for today's tools, with their audio",
+                     "  trellant export mix.omf --to mix --format aaf\n"
+                     "  trellant export mix.omf --to mix --format reaper --media /Volumes/Audio\n"
+                     "  trellant export reel1.omf reel2.omf --to reels --format otioz");
+        export_->add_option("FILE", exportCall_.files, "OMF files; each gets a session")
+            ->required();
+        export_->add_option("--to", exportCall_.directory, "Write here; created when missing")
+            ->required()
+            ->type_name("FOLDER");
+        using exchange::ExportFormat;
+        addChoice<ExportFormat>(*export_, "--format", exportCall_.format, "What kind of session",
+                                {{"aaf", ExportFormat::aaf},
+                                 {"otio", ExportFormat::otio},
+                                 {"otioz", ExportFormat::otioz},
+                                 {"reaper", ExportFormat::reaper},
+                                 {"dawproject", ExportFormat::dawproject},
+                                 {"markers", ExportFormat::markers}})
+            ->required();
+        addMedia(*export_, exportCall_.mediaFolders);
+        addChoice<std::optional<MediaMode>>(
+            *export_, "--media-mode", exportCall_.mediaMode,
+            "Audio in a folder beside the session (the usual way), where it lies, or inside",
+            {{"copy", MediaMode::copy}, {"link", MediaMode::link}, {"embed", MediaMode::embed}});
+        constexpr std::int64_t highestRate = 384'000;
+        export_
+            ->add_option("--rate", exportCall_.rate,
+                         "Samples in a second of the session; else the commonest of its audio")
+            ->type_name("HZ")
+            ->check(CLI::Range(std::int64_t{1}, highestRate));
+        export_->add_option("--name", exportCall_.name, "Name of the session; else the file's")
+            ->type_name("NAME");
+        export_->add_flag("!--no-markers", exportCall_.markers,
+                          "No markers where something was lost");
+        export_->add_flag("--force", exportCall_.force, "Replace existing files");
+        export_->add_flag("--json", exportCall_.json, "One JSON object a line for each file");
+        addFailOn(*export_, exportCall_.failOn);
+    }
+
     void addDump() {
         dump_ = &command("dump", "Shows the container behind an OMF file, for engineers",
                          "  trellant dump mix.omf\n"
@@ -296,6 +338,9 @@ class Parser {
         if (extract_->parsed()) {
             return extractCall_;
         }
+        if (export_->parsed()) {
+            return exportCall_;
+        }
         if (dump_->parsed()) {
             return dumpCall_;
         }
@@ -318,11 +363,13 @@ class Parser {
     CLI::App* info_ = nullptr;
     CLI::App* list_ = nullptr;
     CLI::App* extract_ = nullptr;
+    CLI::App* export_ = nullptr;
     CLI::App* dump_ = nullptr;
     CLI::App* validate_ = nullptr;
     InfoOptions infoOptions_;
     ListOptions listOptions_;
     ExtractCall extractCall_;
+    ExportCall exportCall_;
     DumpCall dumpCall_;
     ValidateOptions validateOptions_;
     bool quiet_ = false;

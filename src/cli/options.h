@@ -3,6 +3,7 @@
 #pragma once
 
 #include "dump/dump.h"
+#include "export/export.h"
 #include "extract/extract.h"
 #include "look/fail_on.h"
 #include "terminal/console.h"
@@ -41,7 +42,8 @@ struct ValidateOptions {
     bool json = false;
 };
 
-using Call = std::variant<InfoOptions, ListOptions, ExtractCall, DumpCall, ValidateOptions>;
+using Call =
+    std::variant<InfoOptions, ListOptions, ExtractCall, ExportCall, DumpCall, ValidateOptions>;
 
 struct CommandLine {
     Verbosity verbosity = Verbosity::normal;

@@ -5,6 +5,7 @@
 #include "look/failure_text.h"
 #include "look/inspect.h"
 #include "report.h"
+#include "target_folder.h"
 #include "terminal/interrupts.h"
 #include "terminal/pasted_word.h"
 #include "terminal/shown_text.h"
@@ -32,44 +33,6 @@ std::string shown(const std::string& path) {
     return printableText(path, longestShownPath);
 }
 
-/// The wanted folder, made when it is missing, and gone again when nothing came to lie in it.
-class Folder {
-  public:
-    /// Throws FileSystemError.
-    explicit Folder(const std::string& given) : path_(absolute(given)) {
-        std::error_code error;
-        isNew_ = fs::create_directories(path_, error);
-        if (error) {
-            throw FileSystemError("create folder", given, error.value());
-        }
-    }
-    ~Folder() {
-        if (isNew_) {
-            // Refused as long as there is something in it.
-            ::rmdir(path_.c_str());
-        }
-    }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-    Folder(Folder&&) = delete;
-    Folder& operator=(Folder&&) = delete;
-
-    [[nodiscard]] const std::string& path() const noexcept { return path_; }
-
-  private:
-    static std::string absolute(const std::string& given) {
-        std::error_code ignored;
-        std::string path = absolutePath(given, fs::current_path(ignored).native());
-        while (path.size() > 1 && path.back() == '/') {
-            path.pop_back();
-        }
-        return path;
-    }
-
-    std::string path_;
-    bool isNew_ = false;
-};
-
 /// The system's reason in a failure of which a file in the hidden folder is the object, such as
 /// cannot write "/home/.trellant-Ab12Cd/Kick.wav": No space left on device. Absent for others.
 std::optional<std::string> reasonNotWritten(const std::string& failure,
@@ -92,25 +55,6 @@ void reportWhatIsThere(const std::string& folder, std::size_t placed, Console& c
     }
     console.error((placed == 1 ? "1 file is" : std::to_string(placed) + " files are") + " in " +
                   directory + ", whole; the same command again goes on from there");
-}
-
-void reportLeftFolders(const std::string& named, const std::string& directory, Console& console) {
-    constexpr std::size_t mostNames = 3;
-    const std::vector<std::string> left = stagingFoldersIn(directory);
-    if (left.empty()) {
-        return;
-    }
-    std::string names;
-    for (std::size_t i = 0; i < std::min(left.size(), mostNames); ++i) {
-        names += (i == 0 ? "" : ", ") + left[i];
-    }
-    if (left.size() > mostNames) {
-        names += " and " + std::to_string(left.size() - mostNames) + " more";
-    }
-    console.note(left.size() == 1 ? "the folder " + names + " in " + shown(named) +
-                                        " is left from a run that was ended and may go"
-                                  : "the folders " + names + " in " + shown(named) +
-                                        " are left from runs that were ended and may go");
 }
 
 void reportUnused(const ExtractionReport& report, Console& console) {
@@ -177,7 +121,7 @@ Extractor::Outcome Extractor::extract(const ExtractJob& job) {
         return {.failure = *failure};
     }
     try {
-        const Folder folder(job.directory);
+        const TargetFolder folder(job.directory);
         reportLeftFolders(job.directory, folder.path(), console_);
         ConsoleProgress progress(console_, stop_);
         progress.check();

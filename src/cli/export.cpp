@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: Apache-2.0
+// `trellant export`: hand-offs as sessions of today's tools.
+#include "export/export.h"
+
+#include "export/session_exporter.h"
+
+#include <trellant/base/numbered_name.h>
+#include <trellant/base/printable_text.h>
+#include <trellant/base/text.h>
+#include <trellant/extraction/extraction.h>
+
+#include <filesystem>
+#include <set>
+#include <system_error>
+
+namespace trellant::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::size_t longestShownPath = 4'096;
+/// Leaves room in 255 bytes for ".losses.json".
+constexpr std::size_t longestName = 240;
+
+std::string shown(const std::string& path) {
+    return printableText(path, longestShownPath);
+}
+
+std::string_view modeWord(MediaMode mode) {
+    switch (mode) {
+        case MediaMode::copy:
+            return "copy";
+        case MediaMode::link:
+            return "link";
+        case MediaMode::embed:
+            return "embed";
+    }
+    return {};
+}
+
+bool isFileName(const std::string& name) {
+    return !name.empty() && name.size() <= longestName && name != "." && name != ".." &&
+           name.find('/') == std::string::npos;
+}
+
+/// Why the command line cannot be meant; absent when it can.
+std::optional<std::string> wrongUse(const ExportCall& call) {
+    std::error_code ignored;
+    const fs::path directory(call.directory);
+    if (call.directory.empty()) {
+        return "--to needs the name of a folder";
+    }
+    if (fs::exists(directory, ignored) && !fs::is_directory(directory, ignored)) {
+        return shown(call.directory) +
+               " is a file; name a folder with --to, which is created when it is missing";
+    }
+    for (const std::string& folder : call.mediaFolders) {
+        if (!fs::is_directory(folder, ignored)) {
+            return "there is no folder " + shown(folder) + " to look for audio files in";
+        }
+    }
+    if (call.name && call.files.size() > 1) {
+        return "--name is for one file; sessions of several files bear the files' own names";
+    }
+    if (call.name && !isFileName(*call.name)) {
+        return "--name needs a file name without an extension, of at most 240 bytes";
+    }
+    if (call.mediaMode && !hasMediaMode(call.format, *call.mediaMode)) {
+        return "a session of the format " + std::string(exchange::formatWord(call.format)) +
+               " cannot have its audio that way (--media-mode " +
+               std::string(modeWord(*call.mediaMode)) + ")";
+    }
+    return std::nullopt;
+}
+
+/// Sessions of several files with one name get numbers.
+std::vector<ExportJob> jobsOf(const ExportCall& call) {
+    std::vector<ExportJob> jobs;
+    std::set<std::string> taken;
+    for (const std::string& file : call.files) {
+        const std::string stem = fs::path(file).stem().native().substr(0, longestName);
+        const std::string wanted = call.name.value_or(isFileName(stem) ? stem : "session");
+        std::string name = wanted;
+        // Names that differ in case only are one on some file systems.
+        for (int number = 2; !taken.insert(lowerCased(name)).second; ++number) {
+            name = wanted + "_" + std::to_string(number);
+        }
+        jobs.push_back({file, name});
+    }
+    return jobs;
+}
+
+}  // namespace
+
+ExitStatus runExport(const ExportOptions& given, Console& console, const StopToken& stop) {
+    ExportOptions options = given;
+    if (const auto message = wrongUse(options.call)) {
+        console.error(*message);
+        return ExitStatus::wrongUse;
+    }
+    if (!options.waveConverter) {
+        options.waveConverter = installedWaveConverter();
+    }
+    if (!options.waveConverter) {
+        console.error(
+            "the program trellant-wav, which writes WAVE files, is missing. It belongs to this "
+            "one; please install Trellant again");
+        return ExitStatus::fileFailed;
+    }
+    ExitStatus status = ExitStatus::done;
+    SessionExporter exporter(options, console, stop);
+    for (const ExportJob& job : jobsOf(options.call)) {
+        status = worse(status, exporter.run(job));
+        if (stop.stop_requested()) {
+            return ExitStatus::fileFailed;
+        }
+    }
+    return status;
+}
+
+}  // namespace trellant::cli

@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "export_report.h"
+
+#include "terminal/failure_line.h"
+#include "terminal/json_line.h"
+
+#include <trellant/base/printable_text.h>
+#include <trellant/handoff/timeline_text.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+
+namespace trellant::cli {
+
+namespace {
+
+constexpr std::size_t longestShownPath = 4'096;
+
+using exchange::ExportFormat;
+using exchange::ExportLoss;
+using Severity = AAFUnsupportedFeature::Severity;
+
+std::string shown(const std::string& text) {
+    return printableText(text, longestShownPath);
+}
+
+struct Counts {
+    explicit Counts(const exchange::ExportPlan& plan) {
+        for (const exchange::PlannedTrack& track : plan.tracks) {
+            lanes += track.lanes.size();
+            for (const exchange::Lane& lane : track.lanes) {
+                clips += lane.clips.size();
+                crossfades += static_cast<std::size_t>(
+                    std::count_if(lane.clips.begin(), lane.clips.end(),
+                                  [](const auto& clip) { return clip.crossfadesIn; }));
+            }
+        }
+    }
+    std::size_t lanes = 0;
+    std::size_t clips = 0;
+    std::size_t crossfades = 0;
+};
+
+std::string counted(std::size_t count, std::string_view one, std::string_view several) {
+    return std::to_string(count) + " " + std::string(count == 1 ? one : several);
+}
+
+std::string joined(const std::vector<std::string>& parts, std::string_view separator) {
+    std::string text;
+    for (const std::string& part : parts) {
+        text.append(text.empty() ? "" : separator).append(part);
+    }
+    return text;
+}
+
+std::string_view formatName(ExportFormat format) {
+    switch (format) {
+        case ExportFormat::aaf:
+            return "AAF";
+        case ExportFormat::otio:
+            return "OTIO";
+        case ExportFormat::otioz:
+            return "OTIO in an archive";
+        case ExportFormat::reaper:
+            return "REAPER project";
+        case ExportFormat::dawproject:
+            return "DAWproject";
+        case ExportFormat::markers:
+            return "markers";
+    }
+    return {};
+}
+
+std::string mediaText(const ExportReport& report) {
+    std::vector<std::string> parts;
+    if (report.mediaFiles != 0) {
+        parts.push_back(counted(report.mediaFiles, "file", "files") + " in " +
+                        shown(*report.mediaFolder));
+    }
+    if (report.embeddedMedia != 0) {
+        parts.push_back(std::to_string(report.embeddedMedia) + " inside");
+    }
+    if (report.linkedMedia != 0) {
+        parts.push_back(std::to_string(report.linkedMedia) + " linked where they lie");
+    }
+    if (report.offlineMedia != 0) {
+        parts.push_back(std::to_string(report.offlineMedia) + " offline");
+    }
+    return parts.empty() ? "none" : joined(parts, ", ");
+}
+
+std::string differencesText(const ExportReport& report) {
+    const std::size_t ofReading = report.handOff.timeline.unsupportedFeatures.size();
+    const std::size_t ofFormat = report.losses.size();
+    if (ofReading + ofFormat == 0) {
+        return "none";
+    }
+    return std::to_string(ofReading + ofFormat) + " (" + std::to_string(ofReading) +
+           " of reading, " + std::to_string(ofFormat) + " of the format), each in " +
+           shown(report.files.back());
+}
+
+std::size_t countOf(const std::vector<ExportLoss>& losses, Severity severity) {
+    return static_cast<std::size_t>(
+        std::count_if(losses.begin(), losses.end(),
+                      [severity](const ExportLoss& loss) { return loss.severity == severity; }));
+}
+
+}  // namespace
+
+std::string exportScreen(const std::string& file, const std::string& directory, ExportFormat format,
+                         const ExportReport& report) {
+    const Counts counts(report.plan);
+    std::string files;
+    for (std::size_t i = 0; i + 1 < report.files.size(); ++i) {
+        files += (i == 0 ? "" : ", ") + shown(report.files[i]);
+    }
+    std::string text = shown(file) + " -> " + files + " in " + shown(directory) + "\n";
+    text += "  Session      " + std::string(formatName(format)) + ", " +
+            std::to_string(report.plan.rate) + " Hz, from " + report.plan.start.description() +
+            "\n";
+    text += "  Content      " + counted(counts.lanes, "track", "tracks") + ", " +
+            counted(counts.clips, "clip", "clips");
+    if (counts.crossfades != 0) {
+        text += ", " + counted(counts.crossfades, "crossfade", "crossfades");
+    }
+    text += "\n";
+    if (format != ExportFormat::markers) {
+        text += "  Audio        " + mediaText(report) + "\n";
+    }
+    return text + "  Differences  " + differencesText(report) + "\n";
+}
+
+std::string exportLine(const std::string& file, const std::string& directory, ExportFormat format,
+                       const ExportReport& report) {
+    const Counts counts(report.plan);
+    return jsonLine([&](JsonLine& line) {
+        line.text("file", fileForPrograms(file))
+            .text("directory", directory)
+            .text("format", exchange::formatWord(format))
+            .texts("files", report.files)
+            .text("mediaFolder", report.mediaFolder)
+            .integer("sampleRate", report.plan.rate)
+            .text("start", report.plan.start.description())
+            .count("tracks", counts.lanes)
+            .count("clips", counts.clips)
+            .count("crossfades", counts.crossfades)
+            .object("media",
+                    [&](JsonLine& media) {
+                        media.count("files", report.mediaFiles)
+                            .count("embedded", report.embeddedMedia)
+                            .count("linked", report.linkedMedia)
+                            .count("offline", report.offlineMedia);
+                    })
+            .object("losses", [&](JsonLine& losses) {
+                losses.count("reading", report.handOff.timeline.unsupportedFeatures.size())
+                    .count("export", report.losses.size())
+                    .count("exportDropped", countOf(report.losses, Severity::informational))
+                    .count("exportSoundsDifferent",
+                           countOf(report.losses, Severity::renderAffecting));
+            });
+    });
+}
+
+}  // namespace trellant::cli
