@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: Apache-2.0
+// Markers as one slot of events, in samples: no place is lost to frames.
+#pragma once
+
+#include <trellant/aaf/mobs.h>
+#include <trellant/sessions/session.h>
+
+#include <cstdint>
+#include <span>
+
+namespace trellant::sessions {
+
+/// `firstSlots`: of each track of the plan the slot of its first lane, which its markers describe.
+[[nodiscard]] aaf::EventMobSlot markerSlot(const Session& session, std::uint32_t slotID,
+                                           const aaf::Rational& rate,
+                                           std::span<const std::uint32_t> firstSlots);
+
+}  // namespace trellant::sessions
