@@ -7,6 +7,7 @@
 #include <trellant/exchange/export_plan.h>
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -60,13 +61,23 @@ struct Session {
     std::vector<SessionMarker> markers{};
 };
 
-/// Each writes one session file in one go, or throws what the sink throws, and what its format
-/// cannot hold whatever is left out (AafError).
+/// Takes bytes of a file at their place, counted from its start. Places need not ascend: an archive
+/// says in front of a member what is known behind it. What it throws ends the writing.
+using PlacedSink = std::function<void(std::uint64_t offset, ByteView bytes)>;
+
+/// A sink that writes to a descriptor of a file, which has to stay open while the sink is used. The
+/// descriptor's own place in the file stays where it is. It throws SystemCallError.
+[[nodiscard]] PlacedSink descriptorPlacedSink(int descriptor);
+
+/// Each writes one session file in one go, or throws what the sink throws, what its format cannot
+/// hold whatever is left out (AafError), and SystemCallError for audio that cannot be read.
 void writeAafSession(const Session& session, const compound::ByteSink& sink);
 void writeOtioSession(const Session& session, const compound::ByteSink& sink);
-void writeOtioBundle(const Session& session, const compound::ByteSink& sink);
+/// The session and its embedded media in one archive; other media stay where they lie.
+void writeOtioBundle(const Session& session, const PlacedSink& sink);
 void writeReaperSession(const Session& session, const compound::ByteSink& sink);
-void writeDawProject(const Session& session, const compound::ByteSink& sink);
+/// An archive too.
+void writeDawProject(const Session& session, const PlacedSink& sink);
 
 /// Marks alone, without media: what lies where, and what was lost there.
 void writeAudacityLabels(const Session& session, const compound::ByteSink& sink);

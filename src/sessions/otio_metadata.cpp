@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "otio_metadata.h"
+
+namespace trellant::sessions {
+
+namespace {
+
+std::optional<AAFFade> fadeOf(const std::optional<exchange::PlannedFade>& fade,
+                              AAFFade::Direction direction, std::int64_t rate) {
+    if (!fade) {
+        return std::nullopt;
+    }
+    return AAFFade{.direction = direction,
+                   .duration = AAFRational(fade->length, rate),
+                   .curve = fade->curve,
+                   .points = fade->shape};
+}
+
+}  // namespace
+
+OtioSessionMetadata otioMetadata(const exchange::ExportPlan& plan) {
+    return {.sampleRate = plan.rate,
+            .length = AAFRational(plan.length, plan.rate),
+            .start = plan.start};
+}
+
+OtioTrackMetadata otioMetadata(const exchange::PlannedTrack& track, std::size_t lane) {
+    return {.name = track.name,
+            .lane = static_cast<std::int64_t>(lane),
+            .fixedGain = track.gain,
+            .gainAutomation = track.gainAutomation,
+            .fixedPan = track.pan,
+            .panAutomation = track.panAutomation,
+            .muted = track.muted,
+            .solo = track.solo};
+}
+
+OtioClipMetadata otioMetadata(const exchange::PlannedClip& clip, std::int64_t rate) {
+    return {.timelineStart = AAFRational(clip.start, rate),
+            .duration = AAFRational(clip.length, rate),
+            .sourceStartSample = clip.sourceStart,
+            .sourceChannel = clip.channel,
+            .fixedClipGain = clip.gain,
+            .clipGainAutomation = clip.gainAutomation,
+            .clipMuted = clip.muted,
+            .fadeIn = fadeOf(clip.fadeIn, AAFFade::Direction::fadeIn, rate),
+            .fadeOut = fadeOf(clip.fadeOut, AAFFade::Direction::fadeOut, rate)};
+}
+
+OtioMediaMetadata otioMetadata(const exchange::PlannedMedia& media) {
+    return {.sampleRate = media.sampleRate,
+            .channelCount = media.channelCount,
+            .bitDepth = media.bitDepth,
+            .sourceChannel = media.channel,
+            .originalPath = media.recordedPath};
+}
+
+}  // namespace trellant::sessions
