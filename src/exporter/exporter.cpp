@@ -4,6 +4,7 @@
 #include "session_media.h"
 
 #include <trellant/base/file_descriptor.h>
+#include <trellant/base/system_call_error.h>
 #include <trellant/base/url.h>
 #include <trellant/base/write_all.h>
 #include <trellant/client/errors.h>
@@ -19,6 +20,7 @@
 #include <filesystem>
 #include <sys/stat.h>
 #include <utility>
+#include <variant>
 
 namespace trellant {
 
@@ -30,11 +32,12 @@ using exchange::Feature;
 
 namespace {
 
-using SessionWriter = void (*)(const sessions::Session&, const compound::ByteSink&);
+using StreamWriter = void (*)(const sessions::Session&, const compound::ByteSink&);
+using PlacedWriter = void (*)(const sessions::Session&, const sessions::PlacedSink&);
 
 struct SessionFile {
     std::string_view nameEnd;
-    SessionWriter write;
+    std::variant<StreamWriter, PlacedWriter> writer;
 };
 
 /// The files of each format.
@@ -246,12 +249,24 @@ void SessionExport::Run::writeFile(const std::string& name, const SessionFile& f
                                    const sessions::Session& session) {
     const std::string path = staging_->file(name);
     const FileDescriptor target = newFile(path);
-    file.write(session, [&](ByteView bytes) {
-        progress_.check();
-        if (const int reason = writeAll(target.number(), bytes); reason != 0) {
-            throw FileSystemError("write", path, reason);
-        }
-    });
+    if (const auto* const write = std::get_if<StreamWriter>(&file.writer)) {
+        (*write)(session, [&](ByteView bytes) {
+            progress_.check();
+            if (const int reason = writeAll(target.number(), bytes); reason != 0) {
+                throw FileSystemError("write", path, reason);
+            }
+        });
+        return;
+    }
+    const sessions::PlacedSink sink = sessions::descriptorPlacedSink(target.number());
+    try {
+        std::get<PlacedWriter>(file.writer)(session, [&](std::uint64_t offset, ByteView bytes) {
+            progress_.check();
+            sink(offset, bytes);
+        });
+    } catch (const SystemCallError& error) {
+        throw FileSystemError("write", path, error.errorNumber());
+    }
 }
 
 void SessionExport::Run::writeLosses() {
