@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: Apache-2.0
+// Where the audio of a session comes to lie, and in what form.
+#include "export_fixture.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <trellant_testing/aiff_builder.h>
+#include <trellant_testing/byte_writer.h>
+#include <trellant_testing/wave_builder.h>
+
+namespace trellant::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+using exchange::ExportFormat;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+/// The first bytes of a "fmt " chunk: tag, channels.
+std::pair<int, int> formOf(const std::string& path) {
+    const Bytes file = readFile(path);
+    const auto at = static_cast<std::int64_t>(textOf(file).find("fmt ", 12)) + 8;
+    return {u16(file, at, OMFByteOrder::little), u16(file, at + 2, OMFByteOrder::little)};
+}
+
+class ExportMedia : public ExportTest {
+  protected:
+    /// A document whose only clip plays a second of a file outside; that file, with so many frames.
+    std::string writeExternal(const Bytes& file, const std::string& place = "media/Kick.wav") {
+        const std::string path = folder_.file(place);
+        fs::create_directories(fs::path(path).parent_path());
+        writeFile(path, file);
+        add({.name = "Kick",
+             .locators = {omf_.dosLocator("D:\\Audio\\" + fs::path(place).filename().native())},
+             .clipLength = 100});
+        return writeDocument();
+    }
+    static Bytes second(std::uint16_t channels = 1) {
+        return waveOf(std::vector<std::int16_t>(std::size_t{48'000} * channels, 7), 48'000,
+                      channels);
+    }
+    [[nodiscard]] std::string session() const { return textOf(readFile(out("mix.rpp"))); }
+};
+
+TEST_F(ExportMedia, EmbeddedAudioLiesBesideTheSession) {
+    add({.name = "Kick.wav", .media = waveOf({1, 2, 3, 4}), .clipLength = 1});
+    const std::string said = exportWell(exporting(writeDocument()));
+    EXPECT_THAT(said, HasSubstr("  Audio        1 file in mix.media\n"));
+    EXPECT_THAT(written(), ElementsAre("mix.losses.json", "mix.media/Kick.wav", "mix.rpp"));
+    EXPECT_EQ(sampleBytesOf(out("mix.media/Kick.wav")), samples16({1, 2, 3, 4}));
+    EXPECT_THAT(session(), HasSubstr("FILE \"mix.media/Kick.wav\""));
+}
+
+TEST_F(ExportMedia, AiffBecomesPlainWaveWithTheSameSamples) {
+    add({.name = "Kick.aif",
+         .media =
+             aiffImage({.formType = "AIFC", .bitsPerSample = 24, .samples = hex("000001 7FFFFF")}),
+         .kind = MediaKind::aifc,
+         .clipLength = 1});
+    exportWell(exporting(writeDocument()));
+    EXPECT_THAT(written(), ElementsAre("mix.losses.json", "mix.media/Kick.wav", "mix.rpp"));
+    EXPECT_EQ(formOf(out("mix.media/Kick.wav")), std::pair(1, 1));
+    EXPECT_EQ(sampleBytesOf(out("mix.media/Kick.wav")), hex("010000 FFFF7F"));
+}
+
+TEST_F(ExportMedia, AnExtensibleHeaderBecomesAPlainOne) {
+    add({.name = "Kick.wav",
+         .media = waveImage({.formatTag = 0xFFFE, .samples = samples16({1, 2})}),
+         .clipLength = 1});
+    exportWell(exporting(writeDocument()));
+    EXPECT_EQ(formOf(out("mix.media/Kick.wav")), std::pair(1, 1));
+    EXPECT_EQ(sampleBytesOf(out("mix.media/Kick.wav")), samples16({1, 2}));
+}
+
+TEST_F(ExportMedia, OneChannelOfAStereoFileIsAMonoFileWhereTheToolCannotChoose) {
+    add({.name = "Theme.wav",
+         .media = waveOf({1, 2, 3, 4}, 48'000, 2),
+         .clipLength = 1,
+         .physicalTrack = 2});
+    const std::string file = writeDocument();
+    exportWell(exporting(file, ExportFormat::otio));
+    EXPECT_THAT(written(), ElementsAre("mix.losses.json", "mix.media/Theme.ch2.wav", "mix.otio"));
+    EXPECT_EQ(formOf(out("mix.media/Theme.ch2.wav")), std::pair(1, 1));
+    EXPECT_EQ(sampleBytesOf(out("mix.media/Theme.ch2.wav")), samples16({2, 4}));
+}
+
+TEST_F(ExportMedia, AToolThatChoosesChannelsGetsTheWholeFile) {
+    add({.name = "Theme.wav",
+         .media = waveOf({1, 2, 3, 4}, 48'000, 2),
+         .clipLength = 1,
+         .physicalTrack = 2});
+    exportWell(exporting(writeDocument()));
+    EXPECT_EQ(sampleBytesOf(out("mix.media/Theme.wav")), samples16({1, 2, 3, 4}));
+    EXPECT_THAT(session(), HasSubstr("CHANMODE 4"));
+}
+
+TEST_F(ExportMedia, ExternalAudioIsCopiedAndStaysWhereItIs) {
+    auto options = exporting(writeExternal(second()));
+    options.call.mediaFolders = {folder_.file("media")};
+    exportWell(options);
+    EXPECT_EQ(readFile(out("mix.media/Kick.wav")), second());
+    EXPECT_EQ(readFile(folder_.file("media/Kick.wav")), second());
+}
+
+TEST_F(ExportMedia, LinkedAudioStaysWhereItLies) {
+    auto options = exporting(writeExternal(second()));
+    options.call.mediaFolders = {folder_.file("media")};
+    options.call.mediaMode = MediaMode::link;
+    const std::string said = exportWell(options);
+    EXPECT_THAT(said, HasSubstr("  Audio        1 linked where they lie\n"));
+    EXPECT_THAT(written(), ElementsAre("mix.losses.json", "mix.rpp"));
+    EXPECT_THAT(session(), HasSubstr("FILE \"" + folder_.file("media/Kick.wav") + "\""));
+}
+
+TEST_F(ExportMedia, LinkedAudioBesideTheSessionIsNamedFromThere) {
+    auto options = exporting(writeExternal(second(), "out/audio/Kick.wav"));
+    options.call.mediaFolders = {folder_.file("out")};
+    options.call.mediaMode = MediaMode::link;
+    exportWell(options);
+    EXPECT_THAT(session(), HasSubstr("FILE \"audio/Kick.wav\""));
+}
+
+TEST_F(ExportMedia, EmbeddedAudioOfAnArchiveLeavesNoFolder) {
+    auto options = exporting(writeExternal(second()), ExportFormat::otioz);
+    options.call.mediaFolders = {folder_.file("media")};
+    const std::string said = exportWell(options);
+    EXPECT_THAT(said, HasSubstr("  Audio        1 inside\n"));
+    EXPECT_THAT(written(), ElementsAre("mix.losses.json", "mix.otioz"));
+    EXPECT_GT(fs::file_size(out("mix.otioz")), second().size());
+}
+
+TEST_F(ExportMedia, MissingAudioIsOfflineUnderItsRecordedPath) {
+    add({.name = "Kick", .locators = {omf_.dosLocator("D:\\Audio\\Kick.wav")}, .clipLength = 100});
+    const Said said = exported(exporting(writeDocument()));
+    EXPECT_EQ(said.status, 0);
+    EXPECT_THAT(said.out, HasSubstr("  Audio        1 offline\n"));
+    EXPECT_THAT(said.errors, HasSubstr("1 audio file is not there, and clips of it are offline; "
+                                       "name the folder that holds it with --media FOLDER"));
+    EXPECT_THAT(session(), HasSubstr("D:\\Audio\\Kick.wav"));
+}
+
+TEST_F(ExportMedia, CompressedAudioIsKeptAsItIsAndTold) {
+    add({.name = "Kick.aif",
+         .media = aiffImage(
+             {.formType = "AIFC", .compressionType = "ulaw", .samples = hex("00 01 02 03")}),
+         .kind = MediaKind::aifc,
+         .clipLength = 1});
+    const Said said = exported(exporting(writeDocument()));
+    EXPECT_EQ(said.status, 0);
+    EXPECT_THAT(said.errors,
+                HasSubstr("stays as it is, and not every tool reads it: its audio is compressed"));
+    EXPECT_THAT(written(), ElementsAre("mix.losses.json", "mix.media/Kick.aifc", "mix.rpp"));
+}
+
+TEST_F(ExportMedia, CompressedAudioIsOfflineWhereTheToolReadsWaveOnly) {
+    add({.name = "Kick.aif",
+         .media = aiffImage(
+             {.formType = "AIFC", .compressionType = "ulaw", .samples = hex("00 01 02 03")}),
+         .kind = MediaKind::aifc,
+         .clipLength = 1});
+    const Said said = exported(exporting(writeDocument(), ExportFormat::aaf));
+    EXPECT_EQ(said.status, 0);
+    EXPECT_THAT(said.errors, HasSubstr("could not be made into a WAVE file, its clips are offline: "
+                                       "its audio is compressed"));
+    EXPECT_THAT(written(), ElementsAre("mix.aaf", "mix.losses.json"));
+}
+
+TEST_F(ExportMedia, SourcesOfOneNameHaveFilesOfTheirOwn) {
+    add({.name = "Kick.wav", .media = waveOf({1}), .clipLength = 1});
+    add({.name = "kick.wav", .media = waveOf({2}), .clipLength = 1});
+    exportWell(exporting(writeDocument()));
+    EXPECT_EQ(sampleBytesOf(out("mix.media/Kick.wav")), samples16({1}));
+    EXPECT_EQ(sampleBytesOf(out("mix.media/kick_2.wav")), samples16({2}));
+}
+
+}  // namespace
+}  // namespace trellant::testing
