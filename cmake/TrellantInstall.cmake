@@ -48,7 +48,8 @@ install(FILES
         ${PROJECT_BINARY_DIR}/package/trellantConfigVersion.cmake
     DESTINATION ${trellant_cmake_dir} COMPONENT development)
 if(TRELLANT_STATIC_LIBRARIES)
-    install(FILES cmake/FindNettle.cmake cmake/FindUtf8proc.cmake DESTINATION ${trellant_cmake_dir} COMPONENT development)
+    install(FILES cmake/FindMiniZip.cmake cmake/FindNettle.cmake cmake/FindPugiXml.cmake cmake/FindUtf8proc.cmake
+        DESTINATION ${trellant_cmake_dir} COMPONENT development)
 endif()
 
 # Each library before those that it is built on. Static archives pull in what they were built on;

@@ -23,6 +23,8 @@ namespace {
 
 /// What one call of the library takes at most.
 constexpr std::size_t mostAtOnce = 1U << 30U;
+/// Beyond these, older versions of the library give their number in too few bits.
+constexpr std::size_t mostMembers = 65'534;
 /// What is read of a file at once.
 constexpr std::size_t pieceSize = 1U << 18U;
 
@@ -139,6 +141,10 @@ void ZipArchive::add(const std::string& name, Packing packing, std::uint64_t mos
     // Deflating may lengthen what does not shrink, by far less than this.
     constexpr std::uint64_t growth = 1U << 24U;
     precondition(name.size() <= mostNameBytes, "a member's name fits its archive");
+    if (memberCount_ == mostMembers) {
+        throw SystemCallError("put so many files into one archive", EFBIG);
+    }
+    ++memberCount_;
 
     const bool isLarge = mostBytes >= leastLarge - growth;
     const uLong version = isLarge ? 45 : 20;
@@ -150,7 +156,13 @@ void ZipArchive::add(const std::string& name, Packing packing, std::uint64_t mos
                                     Z_DEFAULT_COMPRESSION, 0, -MAX_WBITS, DEF_MEM_LEVEL,
                                     Z_DEFAULT_STRATEGY, nullptr, 0, fromUnix | version, namesInUtf8,
                                     isLarge ? 1 : 0));
-    source([this](ByteView bytes) {
+    std::uint64_t room = mostBytes;
+    source([this, &room](ByteView bytes) {
+        // The header in front has no room for larger numbers.
+        if (bytes.size() > room) {
+            throw SystemCallError("write the archive", EFBIG);
+        }
+        room -= bytes.size();
         while (!bytes.empty()) {
             const ByteView piece = bytes.first(std::min(bytes.size(), mostAtOnce));
             check(::zipWriteInFileInZip(zip_, piece.data(), static_cast<unsigned>(piece.size())));

@@ -6,6 +6,7 @@
 #include <trellant/compound/byte_source.h>
 #include <trellant/sessions/session.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -27,7 +28,7 @@ class ZipArchive {
     ZipArchive& operator=(ZipArchive&&) = delete;
 
     /// `name` is UTF-8 with "/" between folders, at most 65,535 bytes. `mostBytes`: `source` gives
-    /// no more than these.
+    /// no more than these. Throws SystemCallError where it does, and for the 65,535th member.
     void add(const std::string& name, Packing packing, std::uint64_t mostBytes,
              const compound::ByteSource& source);
     /// The first `byteCount` bytes of the file at `path` as they are, in constant memory. Throws
@@ -45,6 +46,7 @@ class ZipArchive {
     std::unique_ptr<Output> output_;
     void* zip_ = nullptr;
     std::uint32_t dosDate_ = 0;
+    std::size_t memberCount_ = 0;
 };
 
 }  // namespace trellant::sessions
