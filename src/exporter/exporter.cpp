@@ -135,6 +135,7 @@ class SessionExport::Run {
     }
     [[nodiscard]] bool hasMedia() const { return request_.format != ExportFormat::markers; }
     void read();
+    [[nodiscard]] std::int64_t date() const;
     [[nodiscard]] exchange::CarriedPart planned() const;
     [[nodiscard]] std::vector<sessions::SessionMedia> media(exchange::ExportPlan& plan);
     void writeFiles(const sessions::Session& session);
@@ -159,7 +160,7 @@ ExportReport SessionExport::Run::all() {
     exchange::CarriedPart carried = planned();
     sessions::Session session;
     session.name = request_.name;
-    session.date = request_.date ? *request_.date : lastChange(request_.file).value_or(0);
+    session.date = date();
     session.media = media(carried.plan);
     if (request_.markers) {
         session.markers = lossMarkers(report_.handOff, carried.losses, carried.plan);
@@ -174,6 +175,12 @@ ExportReport SessionExport::Run::all() {
     progress_.check();
     place();
     return std::move(report_);
+}
+
+/// A file's date of the system changes with each copy of it, so its own comes first.
+std::int64_t SessionExport::Run::date() const {
+    const auto own = request_.date ? request_.date : report_.handOff.lastModified;
+    return own ? *own : lastChange(request_.file).value_or(0);
 }
 
 void SessionExport::Run::read() {

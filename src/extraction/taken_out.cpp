@@ -51,7 +51,8 @@ TakenOut takeOut(const std::string& file, const Staging& staging,
                    .workDirectory = staging.path(),
                    .extensions = {std::string(Extensions::lossPlacesName),
                                   std::string(Extensions::compositionsName),
-                                  std::string(Extensions::embeddedMediaName)},
+                                  std::string(Extensions::embeddedMediaName),
+                                  std::string(Extensions::datesName)},
                    .helperURLProvider = helperURLProvider},
                   progress.stop(), {}, [&] { progress.at(staging.bytes()); });
     progress.check();

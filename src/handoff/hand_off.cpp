@@ -168,6 +168,9 @@ HandOff handOffOf(AAFWorkerProtocol::Result answer) {
         if (const Boxed<Extensions::Compositions>& all = extensions->compositions) {
             handOff.compositions = all->compositions;
         }
+        if (const Boxed<Extensions::Dates>& dates = extensions->dates) {
+            handOff.lastModified = dates->lastModified;
+        }
     }
     handOff.losses = lossesOf(handOff.timeline, places);
     return handOff;
@@ -209,7 +212,8 @@ HandOff readHandOff(const HandOffRequest& request, WorkProgress& progress) {
     HandOff handOff = handOffOf(
         askWorker({.file = request.file,
                    .extensions = {std::string(Extensions::lossPlacesName),
-                                  std::string(Extensions::compositionsName)},
+                                  std::string(Extensions::compositionsName),
+                                  std::string(Extensions::datesName)},
                    .helperURLProvider = request.helperURLProvider},
                   progress.stop(), [&progress](const AAFWorkerProtocol::Progress& report) {
                       progress.show(report.fraction, report.phase);

@@ -74,6 +74,13 @@ Extensions::EmbeddedMedia embeddedMediaOf(const OMFDocument& document, const AAF
     return result;
 }
 
+Extensions::Dates datesOf(const OMFDocument& document) {
+    // Four bytes of seconds; a fifth says whether they are in UTC, which writers do not agree on.
+    const auto seconds =
+        document.uint32(document.headerObject(), {OMFProperty::headLastModified});
+    return {.lastModified = seconds ? std::optional<std::int64_t>(*seconds) : std::nullopt};
+}
+
 }  // namespace
 
 bool asksFor(const AAFWorkerProtocol::Request& request, std::string_view extension) {
@@ -98,6 +105,9 @@ Boxed<AAFWorkerExtensions> extensionsFor(const AAFWorkerProtocol::Request& reque
         extensions.embeddedMedia = embeddedMediaOf(
             document, timeline,
             request.operation == AAFWorkerProtocol::Request::Operation::extractAndInspect);
+    }
+    if (asksFor(request, Extensions::datesName)) {
+        extensions.dates = datesOf(document);
     }
     return extensions;
 }

@@ -60,11 +60,17 @@ struct RecordFields<AAFWorkerExtensions::EmbeddedMedia> {
 };
 
 template <>
+struct RecordFields<AAFWorkerExtensions::Dates> {
+    using R = AAFWorkerExtensions::Dates;
+    static constexpr auto fields = std::tuple{field("lastModified", &R::lastModified)};
+};
+
+template <>
 struct RecordFields<AAFWorkerExtensions> {
     using R = AAFWorkerExtensions;
     static constexpr auto fields =
         std::tuple{field("lossPlaces", &R::lossPlaces), field("compositions", &R::compositions),
-                   field("embeddedMedia", &R::embeddedMedia)};
+                   field("embeddedMedia", &R::embeddedMedia), field("dates", &R::dates)};
 };
 
 template <>

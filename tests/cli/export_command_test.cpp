@@ -109,10 +109,18 @@ TEST_F(ExportCommand, TheSameInputGivesTheSameBytes) {
 }
 
 TEST_F(ExportCommand, TheAgreedDateIsTheSessions) {
+    omf_.head().bytes("OMFI:HEAD:LastModified", hex("01 00 00 00 01"));
     const auto options = exporting(plainDocument());
     // 2001-09-09 01:46:40 UTC.
     const Said said = exported(options, {.environment = {{"SOURCE_DATE_EPOCH", "1000000000"}}});
     EXPECT_EQ(said.status, 0) << said.errors;
+    EXPECT_THAT(textOf(readFile(out("mix.rpp"))), HasSubstr(" 1000000000\n"));
+}
+
+TEST_F(ExportCommand, TheFilesOwnDateIsTheSessionsUnlessOneIsAgreed) {
+    omf_.head().bytes("OMFI:HEAD:LastModified", hex("00 CA 9A 3B 01"));
+    const auto options = exporting(plainDocument());
+    exportWell(options);
     EXPECT_THAT(textOf(readFile(out("mix.rpp"))), HasSubstr(" 1000000000\n"));
 }
 

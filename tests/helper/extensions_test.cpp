@@ -66,6 +66,18 @@ TEST_F(HelperExtensions, MediaThatAreAllPlayedAreNotUnused) {
               resultWith(none, jsonFileURL(path("work/Tone.wav"))));
 }
 
+TEST_F(HelperExtensions, TheDateIsWhatTheFileSays) {
+    OmfBuilder omf = oneClipDocument();
+    omf.head().bytes("OMFI:HEAD:LastModified", hex("00 CA 9A 3B 01"));
+    writeFile(source_, omf.build());
+    EXPECT_EQ(runAsking("[\"dates\"]").output,
+              resultWith("{\"dates\":{\"lastModified\":1000000000}}"));
+}
+
+TEST_F(HelperExtensions, AFileWithoutADateSaysNone) {
+    EXPECT_EQ(runAsking("[\"dates\"]").output, resultWith("{\"dates\":{}}"));
+}
+
 }  // namespace
 
 }  // namespace trellant::testing

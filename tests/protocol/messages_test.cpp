@@ -318,6 +318,7 @@ TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
         .unusedCount = 1,
         .unusedNames = {"Kick"},
         .separateFiles = {{.essenceID = "e"}, {.essenceID = "f", .path = "/out/f.wav"}}};
+    extensions.dates = AAFWorkerExtensions::Dates{.lastModified = 4'294'967'295};
     Result result;
     result.extensions = extensions;
     result.timeline.clock = {AAFRational(25), AAFTimecodeRate::fps25(),
@@ -329,7 +330,7 @@ TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
     EXPECT_NE(
         sink.text.find(
             R"("extensions":{"compositions":{"compositions":[{"isRead":true,"object":9,)"
-            R"("slotCount":4}]},"embeddedMedia":{"separateFiles":[{"essenceID":"e"},)"
+            R"("slotCount":4}]},"dates":{"lastModified":4294967295},"embeddedMedia":{"separateFiles":[{"essenceID":"e"},)"
             R"({"essenceID":"f","path":"\/out\/f.wav"}],)"
             R"("unusedCount":1,"unusedNames":["Kick"]},"lossPlaces":{"places":[{"clipName":"Rain",)"
             R"("clipObject":7,"cut":{"denominator":1,"numerator":2},)"

@@ -41,6 +41,7 @@ AAFWorkerExtensions sampleExtensions() {
         .unusedCount = 1,
         .unusedNames = {"Kick"},
         .separateFiles = {{.essenceID = "omf-essence-1", .path = "/out/Kick_1000.wav"}}};
+    extensions.dates = Extensions::Dates{.lastModified = 1'000'000'000};
     return extensions;
 }
 

@@ -103,6 +103,8 @@ constexpr const char* nameOf<AAFWorkerExtensions::SeparateFile> = "separateFile"
 template <>
 constexpr const char* nameOf<AAFWorkerExtensions::EmbeddedMedia> = "embeddedMedia";
 template <>
+constexpr const char* nameOf<AAFWorkerExtensions::Dates> = "dates";
+template <>
 constexpr const char* nameOf<Protocol::Request> = "request";
 template <>
 constexpr const char* nameOf<Protocol::Progress> = "progress";

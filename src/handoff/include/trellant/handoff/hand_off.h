@@ -50,6 +50,8 @@ struct HandOff {
     std::vector<AAFWorkerExtensions::Composition> compositions{};
     /// Files that bear the name of a source without a file, where not exactly one of them fits.
     OpenChoices openChoices{};
+    /// When the file was last changed, as it says itself: seconds since 1970-01-01 00:00:00.
+    std::optional<std::int64_t> lastModified{};
 };
 
 /// Where an installed worker of that name lies: as bundledHelper has it, or in the folder of the

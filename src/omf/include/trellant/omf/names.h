@@ -15,6 +15,7 @@ enum class OMFProperty : std::uint8_t {
     headByteOrder,
     headPrimaryMobs,
     headMobs,
+    headLastModified,
     mobID,
     mobName,
     mobSlots,
@@ -79,11 +80,12 @@ enum class OMFProperty : std::uint8_t {
 };
 
 /// The full names, in the order of OMFProperty.
-inline constexpr std::array<std::string_view, 65> omfPropertyNames{
+inline constexpr std::array<std::string_view, 66> omfPropertyNames{
     "OMFI:OOBJ:ObjClass",
     "OMFI:HEAD:ByteOrder",
     "OMFI:HEAD:PrimaryMobs",
     "OMFI:HEAD:Mobs",
+    "OMFI:HEAD:LastModified",
     "OMFI:MOBJ:MobID",
     "OMFI:MOBJ:Name",
     "OMFI:MOBJ:Slots",

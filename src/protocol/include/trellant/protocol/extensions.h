@@ -21,6 +21,7 @@ struct AAFWorkerExtensions {
     static constexpr std::string_view lossPlacesName = "lossPlaces";
     static constexpr std::string_view compositionsName = "compositions";
     static constexpr std::string_view embeddedMediaName = "embeddedMedia";
+    static constexpr std::string_view datesName = "dates";
 
     /// Where on the timeline a loss lies.
     struct LossPlace {
@@ -87,9 +88,17 @@ struct AAFWorkerExtensions {
         bool operator==(const EmbeddedMedia&) const = default;
     };
 
+    /// When what happened to the file, as it says itself.
+    struct Dates {
+        /// Seconds since 1970-01-01 00:00:00; the file does not tell reliably of which zone.
+        std::optional<std::int64_t> lastModified{};
+        bool operator==(const Dates&) const = default;
+    };
+
     Boxed<LossPlaces> lossPlaces{};
     Boxed<Compositions> compositions{};
     Boxed<EmbeddedMedia> embeddedMedia{};
+    Boxed<Dates> dates{};
     bool operator==(const AAFWorkerExtensions&) const = default;
 };
 
