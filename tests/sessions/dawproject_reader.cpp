@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "dawproject_reader.h"
 
+#include "session_samples.h"
+
 #include <algorithm>
 #include <cmath>
 #include <map>
@@ -121,7 +123,56 @@ class Reader {
     std::map<std::string, std::size_t> media_;
 };
 
+void multiply(std::optional<AAFAutomationEnvelope>& envelope, double factor) {
+    if (!envelope) {
+        return;
+    }
+    if (envelope->interpolation != AAFAutomationInterpolation::constant()) {
+        envelope->interpolation = AAFAutomationInterpolation::linear();
+    }
+    for (AAFAutomationPoint& point : envelope->points) {
+        point.value *= factor;
+    }
+}
+
+void say(PlannedClip& clip) {
+    if (!clip.gainAutomation && clip.gain != 1) {
+        clip.gainAutomation =
+            AAFAutomationEnvelope{.interpolation = AAFAutomationInterpolation::constant(),
+                                  .points = {{AAFRational(), 1.0}}};
+    }
+    multiply(clip.gainAutomation, clip.gain);
+    clip.gain = 1;
+    clip.crossfadesIn = false;
+    for (auto* const fade : {&clip.fadeIn, &clip.fadeOut}) {
+        if (*fade) {
+            *fade = PlannedFade{.length = (*fade)->length};
+        }
+    }
+}
+
 }  // namespace
+
+exchange::ExportPlan asDawProjectSays(const exchange::ExportPlan& plan) {
+    exchange::ExportPlan said = withoutPositions(plan);
+    said.name.reset();
+    said.start = {};
+    for (exchange::PlannedMedia& media : said.media) {
+        media.bitDepth.reset();
+        if (media.isOffline) {
+            media.fileName = media.recordedPath.value_or(media.fileName);
+            media.recordedPath.reset();
+            media.isOffline = false;
+        }
+    }
+    for (exchange::PlannedTrack& track : said.tracks) {
+        track.pan = track.pan.value_or(0.5);
+        multiply(track.gainAutomation, track.gain);
+        multiply(track.panAutomation, 1);
+        std::for_each(track.lanes.at(0).clips.begin(), track.lanes.at(0).clips.end(), say);
+    }
+    return said;
+}
 
 exchange::ExportPlan planOfDawProject(const std::string& projectXml, std::int64_t rate) {
     pugi::xml_document document;

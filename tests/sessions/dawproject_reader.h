@@ -15,4 +15,8 @@ namespace trellant::testing {
 [[nodiscard]] exchange::ExportPlan planOfDawProject(const std::string& projectXml,
                                                     std::int64_t rate);
 
+/// The plan as a project says it: gains and their automation multiplied, fades without curves,
+/// crossfades by their overlaps alone, a pan for every track, no bit depths, no label of the start.
+[[nodiscard]] exchange::ExportPlan asDawProjectSays(const exchange::ExportPlan& plan);
+
 }  // namespace trellant::testing

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "reaper_reader.h"
 
+#include "session_samples.h"
+
 #include <algorithm>
 #include <cmath>
 #include <locale>
@@ -51,8 +53,36 @@ double number(const std::string& text) {
     return value;
 }
 
+/// 0 linear, 1 quick at first, 2 slow at first.
+AAFAutomationInterpolation curveOf(const std::string& shape) {
+    return shape == "1"   ? AAFAutomationInterpolation::power()
+           : shape == "2" ? AAFAutomationInterpolation::logarithmic()
+                          : AAFAutomationInterpolation::linear();
+}
+
+/// Power and logarithmic fades have a shape; all others are linear.
+AAFAutomationInterpolation shapedCurve(const AAFAutomationInterpolation& curve) {
+    const bool hasShape = curve == AAFAutomationInterpolation::power() ||
+                          curve == AAFAutomationInterpolation::logarithmic();
+    return hasShape ? curve : AAFAutomationInterpolation::linear();
+}
+
+/// Between points there are lines or steps.
+AAFAutomationInterpolation pointsCurve(const AAFAutomationEnvelope& envelope) {
+    return envelope.interpolation == AAFAutomationInterpolation::constant()
+               ? envelope.interpolation
+               : AAFAutomationInterpolation::linear();
+}
+
 class PlanReader {
   public:
+    explicit PlanReader(const std::vector<exchange::PlannedMedia>& media) {
+        for (const exchange::PlannedMedia& file : media) {
+            rates_[file.isOffline ? file.recordedPath.value_or(file.fileName) : file.fileName] =
+                file.sampleRate.numerator();
+        }
+    }
+
     exchange::ExportPlan plan;
 
     void project(const ReaperChunk& project) {
@@ -113,11 +143,7 @@ class PlanReader {
         if (length == 0) {
             return std::nullopt;
         }
-        const std::string& shape = line.at(1);
-        return PlannedFade{.length = length,
-                           .curve = shape == "1"   ? AAFAutomationInterpolation::power()
-                                    : shape == "2" ? AAFAutomationInterpolation::logarithmic()
-                                                   : AAFAutomationInterpolation::linear()};
+        return PlannedFade{.length = length, .curve = curveOf(line.at(1))};
     }
 
     /// Places as fractions with 60 for denominator: a multiple of all that the samples have.
@@ -142,16 +168,13 @@ class PlanReader {
         return envelope;
     }
 
-    /// Which file; its rate is what the samples give their files by name.
     std::size_t media(const ReaperChunk& source) {
         const std::string& path = source.line("FILE").at(1);
         const auto [found, isNew] = media_.try_emplace(path, plan.media.size());
         if (isNew) {
             const std::string file = path.substr(path.rfind('/') + 1);
             plan.media.push_back({.fileName = file});
-            mediaRates_.push_back(file == "Three.wav" ? 11'025
-                                  : file == "Two.wav" ? 44'100
-                                                      : 48'000);
+            mediaRates_.push_back(rates_.at(file));
         }
         return found->second;
     }
@@ -162,6 +185,7 @@ class PlanReader {
 
     std::map<std::string, std::size_t> media_;
     std::vector<std::int64_t> mediaRates_;
+    std::map<std::string, std::int64_t> rates_;
 };
 
 }  // namespace
@@ -222,10 +246,36 @@ ReaperChunk reaperProject(std::string_view text) {
     return done[0];
 }
 
-exchange::ExportPlan planOfReaper(std::string_view text) {
-    PlanReader reader;
+exchange::ExportPlan planOfReaper(std::string_view text,
+                                  const std::vector<exchange::PlannedMedia>& media) {
+    PlanReader reader(media);
     reader.project(reaperProject(text));
     return reader.plan;
+}
+
+exchange::ExportPlan asReaperSays(const exchange::ExportPlan& plan) {
+    exchange::ExportPlan said = withoutPositions(plan);
+    said.start = {};
+    for (exchange::PlannedMedia& media : said.media) {
+        media = {.fileName = media.isOffline ? media.recordedPath.value_or(media.fileName)
+                                             : media.fileName};
+    }
+    for (exchange::PlannedTrack& track : said.tracks) {
+        track.pan = track.panAutomation ? std::nullopt : std::optional(track.pan.value_or(0.5));
+        for (PlannedClip& clip : track.lanes.at(0).clips) {
+            clip.crossfadesIn = false;
+            for (auto* const fade : {&clip.fadeIn, &clip.fadeOut}) {
+                if (*fade) {
+                    (*fade)->curve = shapedCurve((*fade)->curve);
+                    (*fade)->shape.clear();
+                }
+            }
+            if (clip.gainAutomation) {
+                clip.gainAutomation->interpolation = pointsCurve(*clip.gainAutomation);
+            }
+        }
+    }
+    return said;
 }
 
 }  // namespace trellant::testing

@@ -29,8 +29,12 @@ struct ReaperChunk {
 /// stands behind the outermost one.
 [[nodiscard]] ReaperChunk reaperProject(std::string_view text);
 
-/// What the project says of tracks, clips and media. The bit depth and the lengths of media are not
-/// in it, nor is the label of the start.
-[[nodiscard]] exchange::ExportPlan planOfReaper(std::string_view text);
+/// What the project says of tracks, clips and media. `media` have the rates of the files.
+[[nodiscard]] exchange::ExportPlan planOfReaper(std::string_view text,
+                                                const std::vector<exchange::PlannedMedia>& media);
+
+/// The plan as a project says it: of media the file's name alone, no label of the start, fades of
+/// the shapes that there are, crossfades by their overlaps alone, a pan of its own for every track.
+[[nodiscard]] exchange::ExportPlan asReaperSays(const exchange::ExportPlan& plan);
 
 }  // namespace trellant::testing
