@@ -3,13 +3,6 @@
 
 namespace trellant::aaf {
 
-ValueBytes& ValueBytes::number(std::uint64_t value, std::size_t width) {
-    for (std::size_t index = 0; index < width; ++index) {
-        bytes_.push_back(static_cast<std::byte>(value >> (8 * index)));
-    }
-    return *this;
-}
-
 ValueBytes& ValueBytes::rational(const Rational& value) {
     return u32(static_cast<std::uint32_t>(value.numerator))
         .u32(static_cast<std::uint32_t>(value.denominator));
@@ -31,11 +24,6 @@ ValueBytes& ValueBytes::productVersion(const ProductVersion& value) {
         .u16(value.tertiary)
         .u16(value.patchLevel)
         .u8(static_cast<std::uint8_t>(value.type));
-}
-
-ValueBytes& ValueBytes::bytes(ByteView value) {
-    bytes_.insert(bytes_.end(), value.begin(), value.end());
-    return *this;
 }
 
 ValueBytes& ValueBytes::text(std::u16string_view value) {

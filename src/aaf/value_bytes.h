@@ -6,6 +6,7 @@
 #include <trellant/aaf/values.h>
 #include <trellant/base/bytes.h>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -15,6 +16,9 @@ namespace trellant::aaf {
 /// Collects the parts of a value, one behind the other.
 class ValueBytes {
   public:
+    /// With room for what most values need: they are many, and growing costs more than the bytes.
+    ValueBytes() { bytes_.reserve(usualSize); }
+
     ValueBytes& u8(std::uint8_t value) { return number(value, 1); }
     ValueBytes& u16(std::uint16_t value) { return number(value, 2); }
     ValueBytes& u32(std::uint32_t value) { return number(value, 4); }
@@ -26,7 +30,10 @@ class ValueBytes {
     ValueBytes& rational(const Rational& value);
     ValueBytes& timeStamp(const TimeStamp& value);
     ValueBytes& productVersion(const ProductVersion& value);
-    ValueBytes& bytes(ByteView value);
+    ValueBytes& bytes(ByteView value) {
+        bytes_.insert(bytes_.end(), value.begin(), value.end());
+        return *this;
+    }
     /// UTF-16 and a zero.
     ValueBytes& text(std::u16string_view value);
 
@@ -34,7 +41,15 @@ class ValueBytes {
     [[nodiscard]] ByteView view() const noexcept { return bytes_; }
 
   private:
-    ValueBytes& number(std::uint64_t value, std::size_t width);
+    static constexpr std::size_t usualSize = 96;
+
+    ValueBytes& number(std::uint64_t value, std::size_t width) {
+        std::array<std::byte, sizeof(value)> stored;
+        for (std::size_t index = 0; index < stored.size(); ++index) {
+            stored[index] = static_cast<std::byte>(value >> (8 * index));
+        }
+        return bytes(ByteView(stored).first(width));
+    }
 
     Bytes bytes_;
 };
