@@ -26,6 +26,14 @@ ValueBytes& ValueBytes::productVersion(const ProductVersion& value) {
         .u8(static_cast<std::uint8_t>(value.type));
 }
 
+ValueBytes& ValueBytes::largeBytes(ByteView value) {
+    if (large_.empty()) {
+        large_.assign(small_.begin(), small_.begin() + size_);
+    }
+    large_.insert(large_.end(), value.begin(), value.end());
+    return *this;
+}
+
 ValueBytes& ValueBytes::text(std::u16string_view value) {
     for (const char16_t unit : value) {
         u16(unit);

@@ -6,6 +6,7 @@
 #include <trellant/aaf/values.h>
 #include <trellant/base/bytes.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -16,9 +17,6 @@ namespace trellant::aaf {
 /// Collects the parts of a value, one behind the other.
 class ValueBytes {
   public:
-    /// With room for what most values need: they are many, and growing costs more than the bytes.
-    ValueBytes() { bytes_.reserve(usualSize); }
-
     ValueBytes& u8(std::uint8_t value) { return number(value, 1); }
     ValueBytes& u16(std::uint16_t value) { return number(value, 2); }
     ValueBytes& u32(std::uint32_t value) { return number(value, 4); }
@@ -31,18 +29,22 @@ class ValueBytes {
     ValueBytes& timeStamp(const TimeStamp& value);
     ValueBytes& productVersion(const ProductVersion& value);
     ValueBytes& bytes(ByteView value) {
-        bytes_.insert(bytes_.end(), value.begin(), value.end());
+        if (!large_.empty() || value.size() > small_.size() - size_) {
+            return largeBytes(value);
+        }
+        std::copy(value.begin(), value.end(), small_.begin() + size_);
+        size_ += static_cast<std::uint8_t>(value.size());
         return *this;
     }
     /// UTF-16 and a zero.
     ValueBytes& text(std::u16string_view value);
 
-    [[nodiscard]] std::size_t size() const noexcept { return bytes_.size(); }
-    [[nodiscard]] ByteView view() const noexcept { return bytes_; }
+    [[nodiscard]] std::size_t size() const noexcept { return view().size(); }
+    [[nodiscard]] ByteView view() const noexcept {
+        return large_.empty() ? ByteView(small_).first(size_) : ByteView(large_);
+    }
 
   private:
-    static constexpr std::size_t usualSize = 96;
-
     ValueBytes& number(std::uint64_t value, std::size_t width) {
         std::array<std::byte, sizeof(value)> stored;
         for (std::size_t index = 0; index < stored.size(); ++index) {
@@ -51,7 +53,13 @@ class ValueBytes {
         return bytes(ByteView(stored).first(width));
     }
 
-    Bytes bytes_;
+    ValueBytes& largeBytes(ByteView value);
+
+    /// Most values are small, and there are many: they take nothing from the heap.
+    std::array<std::byte, 120> small_;
+    std::uint8_t size_ = 0;
+    /// All of the value, once it is too long.
+    Bytes large_;
 };
 
 }  // namespace trellant::aaf
