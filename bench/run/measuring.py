@@ -38,6 +38,7 @@ class Bench:
         self.worker = build / "src/helper/trellant-omf"
         self.floor = build / "bench/processes/bench_floor_static"
         self.dynamic_floor = build / "bench/processes/bench_floor_dynamic"
+        self.sessions = build / "bench/processes/bench_sessions"
 
     def size(self, full):
         """Of what a shape has many of: a tenth when things have to be quick."""

@@ -111,3 +111,21 @@ def external(bench, omf, tree, files, sources, open_found):
             f"find, and the files found opened and read, {seconds(both)}", search / both,
             details=details),
     ]
+
+
+def sessions(bench):
+    """An AAF session out of a plan, written to nowhere."""
+    automated = bench.size(10_000)
+    few, many = bench.size(10_000), bench.size(1_000_000)
+    points, = bench.processes(bench.runs(30), Command(bench.sessions, automated, 10))
+    small, = bench.processes(bench.runs(30), Command(bench.sessions, few, 0))
+    large, = bench.processes(bench.runs(3), Command(bench.sessions, many, 0))
+    details = {"automated": points.record(), str(few): small.record(), str(many): large.record()}
+    return [
+        Row(f"AAF session of {automated:,} clips and ten times the points: CPU",
+            seconds(points.cpu), "", points.cpu, 0.15, figure=" s", details=details),
+        Row(f"growth: CPU of a session of {many:,} clips against {few:,}", seconds(large.cpu),
+            seconds(small.cpu), large.cpu / small.cpu, 220, details=details),
+        Row(f"memory: peak for each of {many:,} clips", size(large.peak), "a clip",
+            large.peak / many / 1e3, 4, figure=" KB", details=details),
+    ]

@@ -56,6 +56,7 @@ GROUPS = {
     "reading": parts_group,
     "extraction": lambda bench, shared: process_rows.extraction(bench),
     "client": lambda bench, shared: part_rows.client_rows(bench),
+    "export": lambda bench, shared: process_rows.sessions(bench),
     "worst": worst_group,
 }
 

@@ -3,13 +3,6 @@
 
 namespace trellant::aaf {
 
-ValueBytes& ValueBytes::number(std::uint64_t value, std::size_t width) {
-    for (std::size_t index = 0; index < width; ++index) {
-        bytes_.push_back(static_cast<std::byte>(value >> (8 * index)));
-    }
-    return *this;
-}
-
 ValueBytes& ValueBytes::rational(const Rational& value) {
     return u32(static_cast<std::uint32_t>(value.numerator))
         .u32(static_cast<std::uint32_t>(value.denominator));
@@ -33,8 +26,11 @@ ValueBytes& ValueBytes::productVersion(const ProductVersion& value) {
         .u8(static_cast<std::uint8_t>(value.type));
 }
 
-ValueBytes& ValueBytes::bytes(ByteView value) {
-    bytes_.insert(bytes_.end(), value.begin(), value.end());
+ValueBytes& ValueBytes::largeBytes(ByteView value) {
+    if (large_.empty()) {
+        large_.assign(small_.begin(), small_.begin() + size_);
+    }
+    large_.insert(large_.end(), value.begin(), value.end());
     return *this;
 }
 

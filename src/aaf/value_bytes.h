@@ -6,6 +6,8 @@
 #include <trellant/aaf/values.h>
 #include <trellant/base/bytes.h>
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -26,17 +28,38 @@ class ValueBytes {
     ValueBytes& rational(const Rational& value);
     ValueBytes& timeStamp(const TimeStamp& value);
     ValueBytes& productVersion(const ProductVersion& value);
-    ValueBytes& bytes(ByteView value);
+    ValueBytes& bytes(ByteView value) {
+        if (!large_.empty() || value.size() > small_.size() - size_) {
+            return largeBytes(value);
+        }
+        std::copy(value.begin(), value.end(), small_.begin() + size_);
+        size_ += static_cast<std::uint8_t>(value.size());
+        return *this;
+    }
     /// UTF-16 and a zero.
     ValueBytes& text(std::u16string_view value);
 
-    [[nodiscard]] std::size_t size() const noexcept { return bytes_.size(); }
-    [[nodiscard]] ByteView view() const noexcept { return bytes_; }
+    [[nodiscard]] std::size_t size() const noexcept { return view().size(); }
+    [[nodiscard]] ByteView view() const noexcept {
+        return large_.empty() ? ByteView(small_).first(size_) : ByteView(large_);
+    }
 
   private:
-    ValueBytes& number(std::uint64_t value, std::size_t width);
+    ValueBytes& number(std::uint64_t value, std::size_t width) {
+        std::array<std::byte, sizeof(value)> stored;
+        for (std::size_t index = 0; index < stored.size(); ++index) {
+            stored[index] = static_cast<std::byte>(value >> (8 * index));
+        }
+        return bytes(ByteView(stored).first(width));
+    }
 
-    Bytes bytes_;
+    ValueBytes& largeBytes(ByteView value);
+
+    /// Most values are small, and there are many: they take nothing from the heap.
+    std::array<std::byte, 120> small_;
+    std::uint8_t size_ = 0;
+    /// All of the value, once it is too long.
+    Bytes large_;
 };
 
 }  // namespace trellant::aaf

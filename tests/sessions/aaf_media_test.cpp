@@ -281,11 +281,11 @@ TEST_F(AafEmbeddedMedia, ThatIsShorterThanItWasIsAnError) {
 }
 
 TEST_F(AafEmbeddedMedia, MayBeLongerThanTwoGigabytes) {
-    constexpr std::uint64_t dataBytes = 3'000'000'000;
+    constexpr std::uint64_t dataBytes = 2'190'000'000;
     std::filesystem::resize_file(path_, 44 + dataBytes);
     PlannedMedia media = medium("Anna");
     Session session = this->session(media);
-    session.plan.media[0].frames = 1'000'000'000;
+    session.plan.media[0].frames = 730'000'000;
     session.media[0].wave->byteCount = 44 + dataBytes;
     session.media[0].wave->dataByteCount = dataBytes;
     std::uint64_t total = 0;

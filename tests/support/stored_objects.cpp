@@ -142,7 +142,7 @@ std::shared_ptr<StoredObject> StoredObjects::readObject(std::uint32_t storage,
     check(offset == stored.size(), place, "bytes behind the values");
     const auto& members = container_.entries()[storage].members;
     for (const std::uint32_t member : members) {
-        check(std::find(place.known.begin(), place.known.end(), member) != place.known.end(), place,
+        check(place.known.contains(member), place,
               "no property knows " + asciiOf(container_.entries()[member].name));
     }
     return object;
@@ -210,9 +210,8 @@ std::optional<std::uint32_t> StoredObjects::entry(const std::u16string& name,
     check(found && container_.entries()[*found].type == type, place,
           "nothing there: " + asciiOf(name));
     if (found) {
-        check(std::find(place.known.begin(), place.known.end(), *found) == place.known.end(), place,
-              "two properties have " + asciiOf(name));
-        place.known.push_back(*found);
+        check(!place.known.contains(*found), place, "two properties have " + asciiOf(name));
+        place.known.insert(*found);
     }
     return found;
 }

@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <trellant_testing/compound_reader.h>
 #include <vector>
@@ -71,7 +72,7 @@ class StoredObjects {
         std::uint32_t storage;
         std::string path;
         /// Entries of the storage that a property accounts for.
-        std::vector<std::uint32_t> known;
+        std::set<std::uint32_t> known;
     };
     struct Head {
         std::uint16_t pid;
