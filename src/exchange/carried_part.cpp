@@ -115,6 +115,11 @@ void Reduction::ofSession(ExportPlan& plan) {
                sourceRoundingSentence(plan.sourceStarts),
                roundingText(Feature::sourceStartAtOtherRates, plan.sourceStarts, plan.rate));
     }
+    for (PlannedMedia& media : plan.media) {
+        if (media.reel && !keeps(Feature::reels, {}, printableText(media.reel->name))) {
+            media.reel.reset();
+        }
+    }
     if (plan.name && !keeps(Feature::sessionName, {}, printableText(*plan.name))) {
         plan.name.reset();
     }

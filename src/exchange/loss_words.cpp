@@ -57,6 +57,7 @@ constexpr std::array<Words, featureCount> wordsByFeature{{
     {Feature::trackNames, unheard, "The track's name is", {}},
     {Feature::clipNames, unheard, "The clip's name is", {}},
     {Feature::sourceNames, unheard, "The source's name is", {}},
+    {Feature::reels, unheard, "The reel that a source comes from is", {}},
     {Feature::startTimecode, unheard, "The start timecode is", {}},
     {Feature::offlineMedia, heard, "The clip's audio is", {}},
     {Feature::lossMarkers, unheard, "The markers of losses are", {}},

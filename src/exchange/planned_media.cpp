@@ -100,6 +100,9 @@ PlannedMedia MediaList::made(std::size_t essence, std::optional<std::int64_t> ch
     media.channelCount = record.channelCount;
     media.bitDepth = record.bitDepth;
     media.recordedPath = record.originalPath;
+    if (const auto reel = request_.reels.find(record.id); reel != request_.reels.end()) {
+        media.reel = reel->second;
+    }
     media.isOffline =
         essence >= request_.mediaFacts.size() || !request_.mediaFacts[essence].has_value();
     if (!media.isOffline) {

@@ -71,6 +71,17 @@ std::optional<std::int64_t> lastChange(const std::string& file) {
                                               : std::nullopt;
 }
 
+exchange::PlannedReel plannedReel(const AAFWorkerExtensions::Reel& reel) {
+    exchange::PlannedReel planned{
+        .id = reel.mobID, .name = reel.name.value_or(reel.mobID), .start = reel.start};
+    if (reel.timecode && reel.timecode->framesPerSecond > 0) {
+        planned.timecode =
+            exchange::ReelTimecode{std::max<std::int64_t>(reel.timecode->start, 0),
+                                   reel.timecode->framesPerSecond, reel.timecode->dropFrame};
+    }
+    return planned;
+}
+
 FileDescriptor newFile(const std::string& path) {
     FileDescriptor file(
         ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
@@ -204,6 +215,9 @@ exchange::CarriedPart SessionExport::Run::planned() const {
     request.splitsChannels =
         isCarried(request_.format, Feature::channelOfSeveral, Carriage::detour);
     request.keepsOverlaps = isCarried(request_.format, Feature::overlaps, Carriage::carried);
+    for (const AAFWorkerExtensions::Reel& reel : report_.handOff.reels) {
+        request.reels.emplace(reel.essenceID, plannedReel(reel));
+    }
     if (hasMedia()) {
         request.mediaFacts = mediaFacts(timeline, progress_);
     }

@@ -52,7 +52,8 @@ TakenOut takeOut(const std::string& file, const Staging& staging,
                    .extensions = {std::string(Extensions::lossPlacesName),
                                   std::string(Extensions::compositionsName),
                                   std::string(Extensions::embeddedMediaName),
-                                  std::string(Extensions::datesName)},
+                                  std::string(Extensions::datesName),
+                                  std::string(Extensions::reelsName)},
                    .helperURLProvider = helperURLProvider},
                   progress.stop(), {}, [&] { progress.at(staging.bytes()); });
     progress.check();

@@ -171,6 +171,9 @@ HandOff handOffOf(AAFWorkerProtocol::Result answer) {
         if (const Boxed<Extensions::Dates>& dates = extensions->dates) {
             handOff.lastModified = dates->lastModified;
         }
+        if (const Boxed<Extensions::Reels>& reels = extensions->reels) {
+            handOff.reels = reels->reels;
+        }
     }
     handOff.losses = lossesOf(handOff.timeline, places);
     return handOff;

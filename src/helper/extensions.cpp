@@ -4,6 +4,7 @@
 #include <trellant/io/errors.h>
 #include <trellant/mapper/compositions.h>
 #include <trellant/mapper/embedded_media.h>
+#include <trellant/mapper/reels.h>
 
 #include <algorithm>
 #include <utility>
@@ -74,10 +75,30 @@ Extensions::EmbeddedMedia embeddedMediaOf(const OMFDocument& document, const AAF
     return result;
 }
 
+/// Lists and names beyond all bounds cost the reels, not the answer.
+Boxed<Extensions::Reels> reelsOf(const OMFDocument& document, const AAFTimeline& timeline) {
+    Extensions::Reels result;
+    try {
+        for (Reel& reel : reels(document, timeline)) {
+            Extensions::Reel described{.essenceID = std::move(reel.essenceID),
+                                       .mobID = std::move(reel.mobID),
+                                       .name = std::move(reel.name),
+                                       .start = reel.start};
+            if (reel.timecode) {
+                described.timecode = Extensions::ReelTimecode{
+                    reel.timecode->start, reel.timecode->framesPerSecond, reel.timecode->drop};
+            }
+            result.reels.push_back(std::move(described));
+        }
+    } catch (const OMFIOError&) {
+        return {};
+    }
+    return result;
+}
+
 Extensions::Dates datesOf(const OMFDocument& document) {
     // Four bytes of seconds; a fifth says whether they are in UTC, which writers do not agree on.
-    const auto seconds =
-        document.uint32(document.headerObject(), {OMFProperty::headLastModified});
+    const auto seconds = document.uint32(document.headerObject(), {OMFProperty::headLastModified});
     return {.lastModified = seconds ? std::optional<std::int64_t>(*seconds) : std::nullopt};
 }
 
@@ -108,6 +129,9 @@ Boxed<AAFWorkerExtensions> extensionsFor(const AAFWorkerProtocol::Request& reque
     }
     if (asksFor(request, Extensions::datesName)) {
         extensions.dates = datesOf(document);
+    }
+    if (asksFor(request, Extensions::reelsName)) {
+        extensions.reels = reelsOf(document, timeline);
     }
     return extensions;
 }

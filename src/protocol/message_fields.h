@@ -66,11 +66,34 @@ struct RecordFields<AAFWorkerExtensions::Dates> {
 };
 
 template <>
+struct RecordFields<AAFWorkerExtensions::ReelTimecode> {
+    using R = AAFWorkerExtensions::ReelTimecode;
+    static constexpr auto fields =
+        std::tuple{field("start", &R::start), field("framesPerSecond", &R::framesPerSecond),
+                   field("dropFrame", &R::dropFrame)};
+};
+
+template <>
+struct RecordFields<AAFWorkerExtensions::Reel> {
+    using R = AAFWorkerExtensions::Reel;
+    static constexpr auto fields = std::tuple{
+        field("essenceID", &R::essenceID), field("mobID", &R::mobID), field("name", &R::name),
+        field("start", &R::start), field("timecode", &R::timecode)};
+};
+
+template <>
+struct RecordFields<AAFWorkerExtensions::Reels> {
+    using R = AAFWorkerExtensions::Reels;
+    static constexpr auto fields = std::tuple{field("reels", &R::reels)};
+};
+
+template <>
 struct RecordFields<AAFWorkerExtensions> {
     using R = AAFWorkerExtensions;
     static constexpr auto fields =
         std::tuple{field("lossPlaces", &R::lossPlaces), field("compositions", &R::compositions),
-                   field("embeddedMedia", &R::embeddedMedia), field("dates", &R::dates)};
+                   field("embeddedMedia", &R::embeddedMedia), field("dates", &R::dates),
+                   field("reels", &R::reels)};
 };
 
 template <>

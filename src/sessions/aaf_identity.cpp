@@ -68,6 +68,10 @@ aaf::MobID AafIdentity::sourceMob(std::size_t media) const {
     return mobIDOf(nameOf({"AAF file", sessionID_, mediaText(media)}));
 }
 
+aaf::MobID AafIdentity::reelMob(const exchange::PlannedReel& reel) const {
+    return mobIDOf(nameOf({"AAF reel", sessionID_, reel.id, reel.name}));
+}
+
 aaf::MobID AafIdentity::masterMob(std::size_t media, std::uint32_t channel,
                                   std::string_view clipName) const {
     return mobIDOf(

@@ -21,6 +21,8 @@ class AafIdentity {
     [[nodiscard]] aaf::MobID compositionMob() const;
     /// Of a file: its position in the plan's media.
     [[nodiscard]] aaf::MobID sourceMob(std::size_t media) const;
+    /// Of a tape or film.
+    [[nodiscard]] aaf::MobID reelMob(const exchange::PlannedReel& reel) const;
     /// Of all clips that play this channel under this name.
     [[nodiscard]] aaf::MobID masterMob(std::size_t media, std::uint32_t channel,
                                        std::string_view clipName) const;

@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <limits>
+#include <set>
+#include <string>
 #include <utility>
 
 namespace trellant::sessions {
@@ -18,6 +20,65 @@ namespace {
 using exchange::PlannedMedia;
 
 constexpr std::int64_t most16Bits = std::numeric_limits<std::uint16_t>::max();
+
+/// The slots of a tape's mob.
+constexpr std::uint32_t reelSoundSlot = 1;
+constexpr std::uint32_t reelTimecodeSlot = 2;
+/// A reel is at least as long as what was taken from it; nobody knows more of its length.
+constexpr std::int64_t reelSeconds = 86'400;
+
+/// In edit units of `rate`; a place before the reel's zero is that zero.
+std::int64_t reelStart(const exchange::PlannedReel& reel, const aaf::Rational& rate) {
+    const AAFRational start = reel.start * AAFRational(rate.numerator, rate.denominator);
+    return std::clamp<std::int64_t>(start.roundedInt64(), 0, exchange::mostSamples);
+}
+
+aaf::TimelineMobSlot timecodeSlotOf(const exchange::ReelTimecode& timecode) {
+    const auto frames = static_cast<std::int32_t>(
+        std::clamp<std::int64_t>(timecode.framesPerSecond, 1, most16Bits));
+    // Drop-frame labels count a rate that is a thousandth below what they say.
+    const aaf::Rational rate =
+        timecode.dropFrame ? aaf::Rational{frames * 1'000, 1'001} : aaf::Rational{frames, 1};
+    return {.slotID = reelTimecodeSlot,
+            .physicalTrackNumber = 1,
+            .editRate = rate,
+            .dataKind = aaf::DataKind::timecode,
+            .segment = aaf::Timecode{.length = reelSeconds * frames,
+                                     .start = timecode.start,
+                                     .fps = static_cast<std::uint16_t>(frames),
+                                     .drop = timecode.dropFrame}};
+}
+
+/// `rate`, `length`: of the reel's sound, in edit units.
+aaf::SourceMob reelMob(const exchange::PlannedReel& reel, const AafIdentity& identity,
+                       const aaf::Rational& rate, std::int64_t length) {
+    aaf::Mob mob{.mobID = identity.reelMob(reel),
+                 .name = nameAsWritten(reel.name),
+                 .creationTime = identity.date(),
+                 .lastModified = identity.date()};
+    mob.slots.emplace_back(aaf::TimelineMobSlot{.slotID = reelSoundSlot,
+                                                .physicalTrackNumber = 1,
+                                                .editRate = rate,
+                                                .segment = aaf::SourceClip{.length = length}});
+    if (reel.timecode) {
+        mob.slots.emplace_back(timecodeSlotOf(*reel.timecode));
+    }
+    return {.mob = std::move(mob), .essenceDescription = aaf::TapeDescriptor()};
+}
+
+/// One mob for each reel, however many files come from it.
+void addReels(const Session& session, const AafIdentity& identity, aaf::AafFile& file) {
+    std::set<std::pair<std::string, std::string>> known;
+    for (const PlannedMedia& media : session.plan.media) {
+        if (media.reel && known.emplace(media.reel->id, media.reel->name).second) {
+            const aaf::Rational rate = storedRate(media.sampleRate, session.plan.rate);
+            const std::int64_t length =
+                std::max(reelStart(*media.reel, rate) + std::max<std::int64_t>(media.frames, 0),
+                         reelSeconds * (rate.numerator / rate.denominator));
+            file.sourceMobs.push_back(reelMob(*media.reel, identity, rate, length));
+        }
+    }
+}
 
 WaveForm waveForm(const PlannedMedia& media, const aaf::Rational& rate) {
     const std::int64_t bits = media.bitDepth.value_or(media.isFloatingPoint ? 32 : 16);
@@ -69,10 +130,16 @@ class MediaWriter {
     using Description = std::variant<aaf::WAVEDescriptor, aaf::PCMDescriptor, aaf::TapeDescriptor>;
 
     [[nodiscard]] aaf::TimelineMobSlot slot(std::uint32_t channel) const {
+        aaf::SourceClip clip{.length = storedFrames(session_, index_)};
+        if (media_.reel) {
+            clip.sourceID = identity_.reelMob(*media_.reel);
+            clip.sourceMobSlotID = reelSoundSlot;
+            clip.startTime = reelStart(*media_.reel, rate_);
+        }
         return {.slotID = channel + 1,
                 .physicalTrackNumber = channel + 1,
                 .editRate = rate_,
-                .segment = aaf::SourceClip{.length = storedFrames(session_, index_)}};
+                .segment = clip};
     }
 
     [[nodiscard]] Description description() const {
@@ -154,6 +221,7 @@ void addMedia(const Session& session, const AafIdentity& identity, const Channel
             file.essenceData.push_back(writer.essence());
         }
     }
+    addReels(session, identity, file);
 }
 
 }  // namespace trellant::sessions

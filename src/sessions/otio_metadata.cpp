@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "otio_metadata.h"
 
+#include <utility>
+
 namespace trellant::sessions {
 
 namespace {
@@ -48,11 +50,21 @@ OtioClipMetadata otioMetadata(const exchange::PlannedClip& clip, std::int64_t ra
 }
 
 OtioMediaMetadata otioMetadata(const exchange::PlannedMedia& media) {
+    std::optional<OtioReelMetadata> reel;
+    if (media.reel) {
+        reel = OtioReelMetadata{.name = media.reel->name, .start = media.reel->start};
+    }
+    if (reel && media.reel->timecode) {
+        reel->timecodeStart = media.reel->timecode->start;
+        reel->timecodeFramesPerSecond = media.reel->timecode->framesPerSecond;
+        reel->timecodeDropFrame = media.reel->timecode->dropFrame;
+    }
     return {.sampleRate = media.sampleRate,
             .channelCount = media.channelCount,
             .bitDepth = media.bitDepth,
             .sourceChannel = media.channel,
-            .originalPath = media.recordedPath};
+            .originalPath = media.recordedPath,
+            .reel = std::move(reel)};
 }
 
 }  // namespace trellant::sessions

@@ -48,6 +48,16 @@ struct OtioClipMetadata {
     std::optional<AAFFade> fadeOut{};
 };
 
+/// The tape or film that a source was recorded from.
+struct OtioReelMetadata {
+    std::string name{};
+    /// Where the source's first sample lies, in seconds from the reel's zero.
+    AAFRational start{};
+    std::optional<std::int64_t> timecodeStart{};
+    std::optional<std::int64_t> timecodeFramesPerSecond{};
+    std::optional<bool> timecodeDropFrame{};
+};
+
 struct OtioMediaMetadata {
     AAFRational sampleRate{};
     std::int64_t channelCount = 0;
@@ -55,6 +65,7 @@ struct OtioMediaMetadata {
     /// The one channel of the source that the file holds.
     std::optional<std::int64_t> sourceChannel{};
     std::optional<std::string> originalPath{};
+    std::optional<OtioReelMetadata> reel{};
 };
 
 [[nodiscard]] OtioSessionMetadata otioMetadata(const exchange::ExportPlan& plan);
@@ -99,12 +110,22 @@ struct RecordFields<sessions::OtioClipMetadata> {
 };
 
 template <>
+struct RecordFields<sessions::OtioReelMetadata> {
+    using R = sessions::OtioReelMetadata;
+    static constexpr auto fields =
+        std::tuple{field("name", &R::name), field("start", &R::start),
+                   field("timecodeStart", &R::timecodeStart),
+                   field("timecodeFramesPerSecond", &R::timecodeFramesPerSecond),
+                   field("timecodeDropFrame", &R::timecodeDropFrame)};
+};
+
+template <>
 struct RecordFields<sessions::OtioMediaMetadata> {
     using R = sessions::OtioMediaMetadata;
-    static constexpr auto fields =
-        std::tuple{field("sampleRate", &R::sampleRate), field("channelCount", &R::channelCount),
-                   field("bitDepth", &R::bitDepth), field("sourceChannel", &R::sourceChannel),
-                   field("originalPath", &R::originalPath)};
+    static constexpr auto fields = std::tuple{
+        field("sampleRate", &R::sampleRate),     field("channelCount", &R::channelCount),
+        field("bitDepth", &R::bitDepth),         field("sourceChannel", &R::sourceChannel),
+        field("originalPath", &R::originalPath), field("reel", &R::reel)};
 };
 
 }  // namespace trellant

@@ -242,6 +242,25 @@ TEST(CarriedPart, ALongNameIsCutForAafBetweenCharacters) {
     EXPECT_THAT(featuresOf(part), ElementsAre(Feature::clipNames));
 }
 
+TEST(CarriedPart, AReelIsATapeInAafANoteInOtioAndOnRecordElsewhere) {
+    const AAFTimeline timeline = plainTimeline();
+    PlanRequest request = withFiles(timeline);
+    request.reels.emplace("Anna", PlannedReel{.id = "7", .name = "TAPE 7"});
+    const PlannedSession planned = planSession(timeline, request);
+    ASSERT_TRUE(planned.plan.media.at(0).reel.has_value());
+    EXPECT_EQ(planned.plan.media[0].reel->name, "TAPE 7");
+    for (const ExportFormat format : allFormats) {
+        const CarriedPart part = carriedPart(planned, timeline, format);
+        const Carriage how = capability(format, Feature::reels).carriage;
+        EXPECT_EQ(part.plan.media[0].reel.has_value(), how != Carriage::lost);
+        EXPECT_EQ(part.losses.size(), how == Carriage::carried ? 0U : 1U) << formatWord(format);
+    }
+    const CarriedPart reaper = carriedPart(planned, timeline, ExportFormat::reaper);
+    EXPECT_EQ(reaper.losses.at(0).sentence, "The reel that a source comes from is left out.");
+    EXPECT_EQ(reaper.losses[0].severity, Severity::informational);
+    EXPECT_EQ(reaper.losses[0].technical, "reels that sources come from (TAPE 7): not in reaper");
+}
+
 TEST(CarriedPart, RoundingIsOneRecordOfTheWholeSession) {
     AAFTimeline timeline = plainTimeline();
     timeline.events[0].timelineStart = seconds(1, 7);

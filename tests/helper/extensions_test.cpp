@@ -74,6 +74,10 @@ TEST_F(HelperExtensions, TheDateIsWhatTheFileSays) {
               resultWith("{\"dates\":{\"lastModified\":1000000000}}"));
 }
 
+TEST_F(HelperExtensions, AFileWithoutTapesNamesNoReel) {
+    EXPECT_EQ(runAsking("[\"reels\"]").output, resultWith("{\"reels\":{\"reels\":[]}}"));
+}
+
 TEST_F(HelperExtensions, AFileWithoutADateSaysNone) {
     EXPECT_EQ(runAsking("[\"dates\"]").output, resultWith("{\"dates\":{}}"));
 }

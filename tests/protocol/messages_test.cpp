@@ -319,6 +319,13 @@ TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
         .unusedNames = {"Kick"},
         .separateFiles = {{.essenceID = "e"}, {.essenceID = "f", .path = "/out/f.wav"}}};
     extensions.dates = AAFWorkerExtensions::Dates{.lastModified = 4'294'967'295};
+    extensions.reels = AAFWorkerExtensions::Reels{
+        {{.essenceID = "e",
+          .mobID = "m",
+          .name = "TAPE 7",
+          .start = AAFRational(7, 2),
+          .timecode = AAFWorkerExtensions::ReelTimecode{90'000, 30, true}},
+         {.essenceID = "f", .mobID = "n"}}};
     Result result;
     result.extensions = extensions;
     result.timeline.clock = {AAFRational(25), AAFTimecodeRate::fps25(),
@@ -336,7 +343,11 @@ TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
             R"("clipObject":7,"cut":{"denominator":1,"numerator":2},)"
             R"("duration":{"denominator":1,"numerator":3},"kind":"transitionAsCut",)"
             R"("start":{"denominator":2,"numerator":1},"trackID":"omf-track-1","trackIndex":2,)"
-            R"("trackName":"Atmo"},{"kind":"other"}]}},"protocolVersion":1)"),
+            R"("trackName":"Atmo"},{"kind":"other"}]},"reels":{"reels":[{"essenceID":"e",)"
+            R"("mobID":"m","name":"TAPE 7","start":{"denominator":2,"numerator":7},)"
+            R"("timecode":{"dropFrame":true,"framesPerSecond":30,"start":90000}},)"
+            R"({"essenceID":"f","mobID":"n","start":{"denominator":1,"numerator":0}}]}},)"
+            R"("protocolVersion":1)"),
         std::string::npos)
         << sink.text;
     EXPECT_EQ(decodeResult(sink.text), result);

@@ -42,6 +42,12 @@ AAFWorkerExtensions sampleExtensions() {
         .unusedNames = {"Kick"},
         .separateFiles = {{.essenceID = "omf-essence-1", .path = "/out/Kick_1000.wav"}}};
     extensions.dates = Extensions::Dates{.lastModified = 1'000'000'000};
+    extensions.reels =
+        Extensions::Reels{{{.essenceID = "omf-essence-1",
+                            .mobID = "0000002A-00000001-FFFFFFFE",
+                            .name = "TAPE 7",
+                            .start = AAFRational(7, 2),
+                            .timecode = Extensions::ReelTimecode{90'000, 25, false}}}};
     return extensions;
 }
 

@@ -105,6 +105,12 @@ constexpr const char* nameOf<AAFWorkerExtensions::EmbeddedMedia> = "embeddedMedi
 template <>
 constexpr const char* nameOf<AAFWorkerExtensions::Dates> = "dates";
 template <>
+constexpr const char* nameOf<AAFWorkerExtensions::ReelTimecode> = "reelTimecode";
+template <>
+constexpr const char* nameOf<AAFWorkerExtensions::Reel> = "reel";
+template <>
+constexpr const char* nameOf<AAFWorkerExtensions::Reels> = "reels";
+template <>
 constexpr const char* nameOf<Protocol::Request> = "request";
 template <>
 constexpr const char* nameOf<Protocol::Progress> = "progress";

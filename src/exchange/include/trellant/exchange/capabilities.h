@@ -47,11 +47,12 @@ enum class Feature {
     trackNames,
     clipNames,
     sourceNames,
+    reels,
     startTimecode,
     offlineMedia,
     lossMarkers,
 };
-inline constexpr std::size_t featureCount = 28;
+inline constexpr std::size_t featureCount = 29;
 
 enum class Carriage {
     /// As it is.

@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -29,6 +30,27 @@ struct Rounding {
     /// In samples of the rate that was rounded to, 0 to 1/2.
     AAFRational largestError{};
     bool operator==(const Rounding&) const = default;
+};
+
+/// The labels of a tape or film.
+struct ReelTimecode {
+    /// The label of the reel's zero, in frames from 00:00:00:00; 0 or more.
+    std::int64_t start = 0;
+    /// Frames that labels count in a second, 1 or more.
+    std::int64_t framesPerSecond = 25;
+    bool dropFrame = false;
+    bool operator==(const ReelTimecode&) const = default;
+};
+
+/// The tape or film that a source was recorded from.
+struct PlannedReel {
+    /// Tells reels of one name apart.
+    std::string id{};
+    std::string name{};
+    /// Where the source's first sample lies, in seconds from the reel's zero.
+    AAFRational start{};
+    std::optional<ReelTimecode> timecode{};
+    bool operator==(const PlannedReel&) const = default;
 };
 
 /// An audio file of the session, or one channel of a source as a file of its own.
@@ -53,6 +75,7 @@ struct PlannedMedia {
     bool isOffline = false;
     /// Where the hand-off says that the file lies, as recorded.
     std::optional<std::string> recordedPath{};
+    std::optional<PlannedReel> reel{};
     bool operator==(const PlannedMedia&) const = default;
 };
 
@@ -161,6 +184,8 @@ struct PlanRequest {
     /// By position in the timeline's essences: the file's facts; absent for a source without a
     /// file. Shorter than the essences: the others have no file.
     std::vector<std::optional<MediaFacts>> mediaFacts{};
+    /// By essence id.
+    std::map<std::string, PlannedReel> reels{};
 };
 
 /// Something of the timeline that no session can hold, whatever its format.

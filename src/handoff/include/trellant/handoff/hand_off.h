@@ -52,6 +52,8 @@ struct HandOff {
     OpenChoices openChoices{};
     /// When the file was last changed, as it says itself: seconds since 1970-01-01 00:00:00.
     std::optional<std::int64_t> lastModified{};
+    /// The tapes and films that essences were recorded from, where they were asked for.
+    std::vector<AAFWorkerExtensions::Reel> reels{};
 };
 
 /// Where an installed worker of that name lies: as bundledHelper has it, or in the folder of the

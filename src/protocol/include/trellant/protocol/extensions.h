@@ -22,6 +22,7 @@ struct AAFWorkerExtensions {
     static constexpr std::string_view compositionsName = "compositions";
     static constexpr std::string_view embeddedMediaName = "embeddedMedia";
     static constexpr std::string_view datesName = "dates";
+    static constexpr std::string_view reelsName = "reels";
 
     /// Where on the timeline a loss lies.
     struct LossPlace {
@@ -95,10 +96,39 @@ struct AAFWorkerExtensions {
         bool operator==(const Dates&) const = default;
     };
 
+    /// The labels of a reel.
+    struct ReelTimecode {
+        /// The label of the reel's zero, in frames from 00:00:00:00.
+        std::int64_t start = 0;
+        /// Frames that labels count in a second.
+        std::int64_t framesPerSecond = 25;
+        bool dropFrame = false;
+        bool operator==(const ReelTimecode&) const = default;
+    };
+
+    /// The tape or film that an essence was recorded from.
+    struct Reel {
+        std::string essenceID{};
+        std::string mobID{};
+        std::optional<std::string> name{};
+        /// Where the essence's first sample lies, in seconds from the reel's zero.
+        AAFRational start{};
+        std::optional<ReelTimecode> timecode{};
+        bool operator==(const Reel&) const = default;
+    };
+
+    /// Of the essences that the file names a reel for, in their order. Absent where its lists and
+    /// names are beyond the bounds of a request.
+    struct Reels {
+        std::vector<Reel> reels{};
+        bool operator==(const Reels&) const = default;
+    };
+
     Boxed<LossPlaces> lossPlaces{};
     Boxed<Compositions> compositions{};
     Boxed<EmbeddedMedia> embeddedMedia{};
     Boxed<Dates> dates{};
+    Boxed<Reels> reels{};
     bool operator==(const AAFWorkerExtensions&) const = default;
 };
 
