@@ -8,6 +8,7 @@
 #include <trellant/base/url.h>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <set>
 #include <string>
@@ -87,7 +88,7 @@ WaveForm waveForm(const PlannedMedia& media, const aaf::Rational& rate) {
     return {.isFloatingPoint = media.isFloatingPoint,
             .channels = static_cast<std::uint16_t>(
                 std::clamp<std::int64_t>(media.channelCount, 1, most16Bits)),
-            .sampleRate = static_cast<std::uint32_t>(samplesPerSecond + 0.5),
+            .sampleRate = static_cast<std::uint32_t>(std::lround(samplesPerSecond)),
             .bits = static_cast<std::uint16_t>(std::clamp<std::int64_t>(bits, 1, 64))};
 }
 

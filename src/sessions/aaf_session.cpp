@@ -23,12 +23,12 @@ using exchange::Samples;
 
 constexpr std::uint32_t timecodeSlotID = 1;
 
+/// A WAVE file has no more.
 constexpr std::int64_t mostChannels = 65'535;
 constexpr std::int64_t mostFps = 65'535;
 constexpr std::int64_t mostFrames = std::numeric_limits<std::int64_t>::max();
 
 /// Up to the end of the session, the last frame whole.
-
 aaf::Timecode timecodeOf(const exchange::ExportPlan& plan, const aaf::Rational& frameRate) {
     const AAFTimecodeAddress& start = plan.start;
     const Int128 samples = Int128{plan.length} * frameRate.numerator;

@@ -39,7 +39,7 @@ class WrittenObjects {
     [[nodiscard]] std::string pathOf(std::string_view objectClass, std::string_view name) const {
         const std::string head = std::string(objectClass) + "\n";
         for (std::size_t index = 0;; ++index) {
-            const std::string path = "Header/Content/Mobs/" + std::to_string(index);
+            std::string path = "Header/Content/Mobs/" + std::to_string(index);
             const std::string text = reader_.textOf(path);
             if (text.starts_with("nothing")) {
                 ADD_FAILURE() << "no " << objectClass << " " << name;
