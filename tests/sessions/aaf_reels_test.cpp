@@ -44,7 +44,8 @@ TEST(AafReels, AFileComesFromItsPlaceOnTheTape) {
 TEST(AafReels, ATapeHasSoundAndLabels) {
     const WrittenObjects written(sessionOfMedia({fromReel("Anna", tape)}));
     const std::string mob = written.pathOf("SourceMob", "TAPE 7");
-    EXPECT_EQ(written.reader().textOf(mob + "/EssenceDescription"), "TapeDescriptor\n");
+    EXPECT_EQ(written.reader().textOf(mob + "/EssenceDescription"),
+              "TapeDescriptor\n  VideoSignal VideoSignalNull\n");
     EXPECT_EQ(written.reader().valueOf(mob, "Slots"), "2 objects");
     // A day of labels at 25 frames in a second.
     EXPECT_EQ(written.reader().textOf(mob + "/Slots/1"),
