@@ -230,13 +230,10 @@ void ProjectDocument::markers(const XmlElement& arrangement) const {
     const XmlElement markers = arrangement.add("Markers");
     markers.add("Marker").with("name", "Start " + startText(plan_.start)).with("time", "0");
     for (const SessionMarker& marker : session_.markers) {
-        const XmlElement element = markers.add("Marker");
-        element.with("name", dawProjectName(marker.text))
-            .with("color", marker.isDropped ? "#ff0000" : "#ffff00");
-        if (marker.track) {
-            element.with("comment", dawProjectName(plan_.tracks.at(*marker.track).name));
-        }
-        element.with("time", seconds(marker.position));
+        markers.add("Marker")
+            .with("name", dawProjectName(remarkText(session_, marker)))
+            .with("color", marker.isDropped ? "#ff0000" : "#ffff00")
+            .with("time", seconds(marker.position));
     }
 }
 

@@ -17,12 +17,9 @@ std::vector<Mark> marksOf(const Session& session) {
     std::vector<Mark> marks;
     marks.push_back({.text = "Start " + startText(plan.start)});
     for (const SessionMarker& marker : session.markers) {
-        const std::string text = markerName(marker.text);
         marks.push_back({.start = marker.position,
                          .length = marker.length,
-                         .text = marker.track
-                                     ? markerName(plan.tracks.at(*marker.track).name) + ": " + text
-                                     : text,
+                         .text = markerName(remarkText(session, marker)),
                          .isRemark = true,
                          .isDropped = marker.isDropped});
     }

@@ -112,9 +112,9 @@ void Project::marker(std::size_t number, const SessionMarker& marker) {
     constexpr std::string_view yellow = "16842751";
     const std::string index = std::to_string(number);
     const bool isRegion = marker.length > 0;
-    out_.add("  MARKER ", index, " ", seconds(marker.position), " ", reaperField(marker.text), " ",
-             flag(isRegion), " ", marker.isDropped ? red : yellow, " 1 B ", guid("marker " + index),
-             " 0\n");
+    out_.add("  MARKER ", index, " ", seconds(marker.position), " ",
+             reaperField(remarkText(session_, marker)), " ", flag(isRegion), " ",
+             marker.isDropped ? red : yellow, " 1 B ", guid("marker " + index), " 0\n");
     if (isRegion) {
         out_.add("  MARKER ", index, " ", seconds(marker.position + marker.length), " \"\" 1\n");
     }

@@ -113,11 +113,16 @@ std::string plainLine(std::string_view text) {
     return line;
 }
 
-std::uint64_t mostTextBytes(const Session& session) noexcept {
+std::string remarkText(const Session& session, const SessionMarker& marker) {
+    return marker.track ? session.plan.tracks.at(*marker.track).name + ": " + marker.text
+                        : marker.text;
+}
+
+std::uint64_t mostTextBytes(const Session& session) {
     const exchange::ExportPlan& plan = session.plan;
     std::uint64_t bytes = recordBytes + escapeBytes * plan.name.value_or(session.name).size();
     for (const SessionMarker& marker : session.markers) {
-        bytes += recordBytes + escapeBytes * marker.text.size();
+        bytes += recordBytes + escapeBytes * remarkText(session, marker).size();
     }
     for (const exchange::PlannedTrack& track : plan.tracks) {
         const std::uint64_t trackBytes = recordBytes + escapeBytes * track.name.size() +

@@ -53,8 +53,11 @@ class TextOutput {
 /// `text` with a blank for each run of control characters (below 0x20, and 0x7F).
 [[nodiscard]] std::string plainLine(std::string_view text);
 
+/// What a remark says where nothing else shows its track: "Atmo: This stretch is silent."
+[[nodiscard]] std::string remarkText(const Session& session, const SessionMarker& marker);
+
 /// More bytes than any text form of the session has.
-[[nodiscard]] std::uint64_t mostTextBytes(const Session& session) noexcept;
+[[nodiscard]] std::uint64_t mostTextBytes(const Session& session);
 
 /// "01:00:00;00, 29.97 fps drop-frame": the label of a session's first sample, for a person.
 [[nodiscard]] std::string startText(const AAFTimecodeAddress& start);

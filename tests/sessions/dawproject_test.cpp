@@ -177,12 +177,10 @@ TEST(DawProject, MarksTheStartAndLosses) {
     ASSERT_EQ(project.count(markers), 3U);
     EXPECT_EQ(project[markers + "[1]/@name"], "Start 01:00:00:00, 25 fps");
     EXPECT_EQ(project[markers + "[1]/@time"], "0");
-    EXPECT_EQ(project[markers + "[2]/@name"], "Silent.");
-    EXPECT_EQ(project[markers + "[2]/@comment"], "Atmo");
+    EXPECT_EQ(project[markers + "[2]/@name"], "Atmo: Silent.");
     EXPECT_EQ(project[markers + "[2]/@color"], "#ffff00");
     EXPECT_EQ(project[markers + "[2]/@time"], "1");
     EXPECT_EQ(project[markers + "[3]/@name"], "Left out.");
-    EXPECT_EQ(project[markers + "[3]/@comment"], "(none)");
     EXPECT_EQ(project[markers + "[3]/@color"], "#ff0000");
 }
 
@@ -231,7 +229,7 @@ TEST(DawProject, HoldsNamesThatXmlCannotHold) {
     session.plan.tracks[0].name = session.plan.tracks[0].lanes[0].name = hostile;
     session.plan.tracks[0].lanes[0].clips[0].name = hostile;
     session.plan.media[0].name = hostile;
-    session.markers.push_back({.text = hostile, .track = 0});
+    session.markers.push_back({.text = hostile});
     const Bytes archive = archiveOf(session);
     const Document project(zipContent(archive, "project.xml"));
     const std::string held = dawProjectName(hostile);
@@ -239,7 +237,6 @@ TEST(DawProject, HoldsNamesThatXmlCannotHold) {
     EXPECT_EQ(project["//Clip/@name"], held);
     EXPECT_EQ(project["//Audio/@name"], held);
     EXPECT_EQ(project["//Marker[2]/@name"], held);
-    EXPECT_EQ(project["//Marker[2]/@comment"], held);
     EXPECT_EQ(Document(zipContent(archive, "metadata.xml")).text("/MetaData/Title"), held);
 }
 

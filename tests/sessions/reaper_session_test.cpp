@@ -220,7 +220,7 @@ TEST(ReaperSession, MarksLosses) {
     // A region has two lines. Yellow is 0xFFFF, red 0xFF, and a bit above says that there is one.
     EXPECT_EQ(markers[0].size(), 10U);
     EXPECT_EQ(Line(markers[0].begin(), markers[0].begin() + 7),
-              (Line{"MARKER", "1", "1", "Silent.", "1", "16842751", "1"}));
+              (Line{"MARKER", "1", "1", "Atmo: Silent.", "1", "16842751", "1"}));
     EXPECT_EQ(markers[1], (Line{"MARKER", "1", "1.5", "", "1"}));
     EXPECT_EQ(Line(markers[2].begin(), markers[2].begin() + 7),
               (Line{"MARKER", "2", "2", "Left out.", "0", "16777471", "1"}));

@@ -48,6 +48,7 @@ struct SessionMarker {
     bool isDropped = false;
 };
 
+/// Names and other texts are UTF-8, paths are bytes.
 struct Session {
     exchange::ExportPlan plan{};
     /// What the session is called where the plan has no name.
