@@ -107,19 +107,16 @@ int allow(int ruleset, const OpenPath& path, std::uint64_t access) noexcept {
                : errno;
 }
 
-/// 0 or an errno value. What cannot be opened needs no rule: nobody will read it.
-int allowReading(int ruleset, const std::vector<std::string>& paths) noexcept {
+/// What cannot be opened, or lies in no file system that rules know (a pipe), gets no rule: what
+/// has none is not read, or was never in reach of the rules.
+void allowReading(int ruleset, const std::vector<std::string>& paths) noexcept {
     for (const std::string& name : paths) {
         const OpenPath path(name);
-        if (path.number() < 0) {
-            continue;
-        }
-        const std::uint64_t access = path.isDirectory() ? reading : LANDLOCK_ACCESS_FS_READ_FILE;
-        if (const int reason = allow(ruleset, path, access); reason != 0) {
-            return reason;
+        if (path.number() >= 0) {
+            static_cast<void>(
+                allow(ruleset, path, path.isDirectory() ? reading : LANDLOCK_ACCESS_FS_READ_FILE));
         }
     }
-    return 0;
 }
 
 /// 0 or an errno value.
@@ -134,7 +131,10 @@ int allowNeeds(int ruleset, const ConfinedNeeds& needs) noexcept {
             return reason;
         }
     }
-    return needs.readablePaths ? allowReading(ruleset, *needs.readablePaths) : 0;
+    if (needs.readablePaths) {
+        allowReading(ruleset, *needs.readablePaths);
+    }
+    return 0;
 }
 
 }  // namespace
