@@ -3,7 +3,7 @@
 #pragma once
 
 #include "bounded_reads.h"
-#include "effect_kinds.h"
+#include "effect_arguments.h"
 
 #include <trellant/base/keyed_hash.h>
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "effect_arguments.h"
 
+#include <utility>
+
 namespace trellant {
 
 namespace {
@@ -10,6 +12,24 @@ constexpr std::int32_t controlArgument = 1;
 constexpr std::int32_t gainAutomationArgument = 2;
 
 }  // namespace
+
+std::string EffectKinds::idOf(OMFObject effect) {
+    const auto definition = reads_.objectRef(effect, {OMFProperty::effectKind});
+    if (!definition) {
+        return {};
+    }
+    if (const auto known = ids_.find(*definition); known != ids_.end()) {
+        return known->second;
+    }
+    auto id = reads_.string(*definition, {OMFProperty::effectDefinitionID});
+    if (!id) {
+        return {};
+    }
+    if (ids_.size() < keptDefinitions) {
+        ids_.emplace(*definition, *id);
+    }
+    return std::move(*id);
+}
 
 std::optional<OMFObject> effectArgument(const BoundedReads& reads,
                                         const std::vector<OMFObject>& slots, std::int32_t argID) {

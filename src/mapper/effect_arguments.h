@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the slots of an effect carry.
+// Which effect an invocation names, and what its slots carry.
 #pragma once
 
 #include "bounded_reads.h"
@@ -9,9 +9,28 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace trellant {
+
+/// Which effect it is.
+class EffectKinds {
+  public:
+    /// Effect definitions whose identifiers are remembered; files have few.
+    static constexpr std::size_t keptDefinitions = 64;
+
+    /// `reads` must outlive this.
+    explicit EffectKinds(BoundedReads& reads) : reads_(reads) {}
+
+    /// The identifier as the file writes it; empty when it cannot be read.
+    [[nodiscard]] std::string idOf(OMFObject effect);
+
+  private:
+    BoundedReads& reads_;
+    /// By effect definition.
+    KeyedMap<OMFObject, std::string> ids_;
+};
 
 /// The value of the first slot with that argument id whose value is readable.
 [[nodiscard]] std::optional<OMFObject> effectArgument(const BoundedReads& reads,

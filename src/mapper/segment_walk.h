@@ -10,7 +10,6 @@
 #include "dissolves.h"
 #include "effect_arguments.h"
 #include "effect_fold.h"
-#include "effect_kinds.h"
 #include "event_draft.h"
 #include "mapping_notes.h"
 #include "object_path.h"
