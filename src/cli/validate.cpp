@@ -7,6 +7,7 @@
 #include "terminal/json_line.h"
 #include "terminal/shown_text.h"
 
+#include <trellant/base/file_descriptor.h>
 #include <trellant/base/printable_text.h>
 #include <trellant/io/errors.h>
 #include <trellant/io/random_access_file.h>
@@ -14,9 +15,11 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <fcntl.h>
 #include <filesystem>
 #include <optional>
 #include <stdexcept>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
@@ -33,27 +36,37 @@ constexpr std::uint64_t longestDocument = 2'147'483'648;
 constexpr std::size_t longestAnswer = 2'147'483'648;
 constexpr std::size_t longestShownPath = 4096;
 
-std::string wholeStandardInput() {
+std::string wholeStream(int descriptor, const std::string& name) {
     std::string text;
     std::array<char, 65'536> chunk{};
     for (;;) {
-        const auto count = ::read(STDIN_FILENO, chunk.data(), chunk.size());
+        const auto count = ::read(descriptor, chunk.data(), chunk.size());
         if (count > 0) {
             if (text.size() > longestDocument) {
-                throw FileSystemError("read", "-", EFBIG);
+                throw FileSystemError("read", name, EFBIG);
             }
             text.append(chunk.data(), static_cast<std::size_t>(count));
         } else if (count == 0) {
             return text;
         } else if (errno != EINTR) {
-            throw FileSystemError("read", "-", errno);
+            throw FileSystemError("read", name, errno);
         }
     }
 }
 
+/// The end to read of the pipe at `path`; none when there is no pipe.
+FileDescriptor openedPipe(const std::string& path) {
+    struct stat status {};
+    const bool isPipe = ::stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode);
+    return FileDescriptor(isPipe ? ::open(path.c_str(), O_RDONLY | O_CLOEXEC) : -1);
+}
+
 std::string wholeFile(const std::string& path) {
     if (path == "-") {
-        return wholeStandardInput();
+        return wholeStream(STDIN_FILENO, path);
+    }
+    if (const FileDescriptor pipe = openedPipe(path); pipe.isOpen()) {
+        return wholeStream(pipe.number(), path);
     }
     const RandomAccessFile file(path);
     if (file.size() > longestDocument) {

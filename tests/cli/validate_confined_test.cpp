@@ -15,6 +15,8 @@
 #include <iterator>
 #include <limits>
 #include <string>
+#include <sys/stat.h>
+#include <thread>
 #include <trellant_testing/temporary_directory.h>
 #include <utility>
 #include <vector>
@@ -109,6 +111,20 @@ TEST(ValidateConfined, FindsAudioThatItCouldNotOpen) {
     EXPECT_EQ(said.errors, line + folder.file("beside.wav") + "\n" + line +
                                "file://WORK/Theme.aifc\n" + line +
                                "file://WORK/Rain_%20garden.wav\n");
+    EXPECT_EQ(said.status, 0);
+}
+
+TEST(ValidateConfined, ReadsPipesToTheirEnd) {
+    if (landlockGeneration() == 0) {
+        GTEST_SKIP() << "this kernel has no Landlock";
+    }
+    const TemporaryDirectory folder;
+    const std::string file = folder.file("pipe");
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    std::thread writer([&] { std::ofstream(file) << documentNaming("/none/elsewhere.wav"); });
+    const Said said = validatedUnder("require", {.files = {file}});
+    writer.join();
+    EXPECT_EQ(said.out, file + ": valid, 5 tracks, 11 clips, 4 audio files, 4 of them not there\n");
     EXPECT_EQ(said.status, 0);
 }
 
