@@ -93,6 +93,8 @@ class CompositionWriter {
     Parts effect(EffectKind kind, std::uint32_t length);
     void input(const Parts& effect, ObjectID value) { argument(effect, -1, value); }
     void control(const Parts& effect, ObjectID value) { argument(effect, 1, value); }
+    /// A slot that is nothing to the effect.
+    void foreign(const Parts& effect, ObjectID value) { argument(effect, 7, value); }
     /// A fraction with the denominator 100.
     ObjectID constantValue(std::uint32_t hundredths);
     ObjectID varyingValue(std::uint32_t length, const std::vector<PointSpec>& points);

@@ -64,5 +64,7 @@ void manyInputs(CompositionWriter& writer, const ShapeRequest& request);
 void manyLevels(CompositionWriter& writer, const ShapeRequest& request);
 void manyTracks(CompositionWriter& writer, const ShapeRequest& request);
 void manyLosses(CompositionWriter& writer, const ShapeRequest& request);
+void manyForeignSlots(CompositionWriter& writer, const ShapeRequest& request);
+void lossesAtOnce(CompositionWriter& writer, const ShapeRequest& request);
 
 }  // namespace trellant::bench

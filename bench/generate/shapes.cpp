@@ -136,6 +136,9 @@ constexpr std::array shapes{
     Shape{"levels", "clips below levels of scopes", FileLayout::real, manyLevels},
     Shape{"tracks", "tracks of one clip", FileLayout::plain, manyTracks},
     Shape{"losses", "clips with a loss at each", FileLayout::plain, manyLosses},
+    Shape{"foreign", "slots of one effect that are nothing to it", FileLayout::plain,
+          manyForeignSlots},
+    Shape{"together", "clips at one time with a loss at each", FileLayout::real, lossesAtOnce},
 };
 
 }  // namespace

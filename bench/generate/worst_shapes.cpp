@@ -99,4 +99,34 @@ void manyLosses(CompositionWriter& writer, const ShapeRequest& request) {
     }
 }
 
+void manyForeignSlots(CompositionWriter& writer, const ShapeRequest& request) {
+    files(writer, fewClips, request.media);
+    writer.beginComposition("Many foreign slots");
+    const auto gain = writer.effect(CompositionWriter::EffectKind::gain, clipLength);
+    writer.track(1, "One", gain.object);
+    const ObjectID level = writer.constantValue(50);
+    for (std::uint32_t i = 0; i < request.count; ++i) {
+        writer.foreign(gain, level);
+    }
+    writer.control(gain, level);
+    writer.input(gain, writer.clip(clipOf(0, fewClips)));
+}
+
+void lossesAtOnce(CompositionWriter& writer, const ShapeRequest& request) {
+    files(writer, sourcesFor(request.count), request.media);
+    writer.beginComposition("Losses at once");
+    const auto all = writer.effect(CompositionWriter::EffectKind::gain, clipLength);
+    writer.track(1, "All at once", all.object);
+    writer.control(all, writer.constantValue(50));
+    // No level: each of these settings is lost.
+    const ObjectID noLevel = writer.filler(clipLength);
+    for (std::uint32_t i = 0; i < request.count; ++i) {
+        const ObjectID clip = writer.clip(clipOf(i, request.count));
+        const auto gain = writer.effect(CompositionWriter::EffectKind::gain, clipLength);
+        writer.control(gain, noLevel);
+        writer.input(gain, clip);
+        writer.input(all, gain.object);
+    }
+}
+
 }  // namespace trellant::bench

@@ -16,6 +16,8 @@ SHAPES = [
     ("levels", 100_000, ("--levels", 48), False),
     ("tracks", 100_000, (), False),
     ("losses", 100_000, (), False),
+    ("foreign", 100_000, (), False),
+    ("together", 50_000, (), False),
     ("plain", 100_000, (), False),
     ("effects", 100_000, (), False),
     ("scopes", 100_000, (), False),

@@ -98,6 +98,8 @@ const std::vector<GeneratedShape> everyShape{
     {"levels", {"--levels", "48"}},
     {.name = "tracks", .tracks = 50},
     {.name = "losses", .losses = 50},
+    {.name = "foreign", .events = 1, .essences = 1},
+    {.name = "together", .losses = 50},
 };
 const std::vector<WrittenForm> everyForm{
     {"compressed", "little"}, {"compressed", "big"}, {"v1", "little"}, {"v1", "big"}};

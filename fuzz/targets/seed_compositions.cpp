@@ -136,15 +136,36 @@ Bytes chain(const OmfBuilder::Options& options) {
     return omf.build();
 }
 
+/// Little of what much of would be worst: slots that are nothing to an effect, settings at one time
+/// that cannot be read, empty chunks before the audio, sources of one name.
+Bytes worst(const OmfBuilder::Options& options) {
+    OmfBuilder omf(options);
+    const std::vector<testing::RiffChunk> chunks(3, {.id = "LIST"});
+    const Bytes media = testing::waveImage({.samples = Bytes(16), .leadingChunks = chunks});
+    const MobID twin{1, 2, 4};
+    for (const MobID id : {kick, twin}) {
+        omf.audioFile({.id = id, .name = "Take", .media = media, .length = 8});
+    }
+    const ObjectID noLevel = omf.filler(20);
+    const ObjectID first = omf.gain(kickClip(omf, 20), noLevel);
+    const ObjectID second = omf.gain(omf.clip({.length = 20, .source = twin}), noLevel);
+    const ObjectID half = omf.constantValue({1, 2});
+    const ObjectID all =
+        omf.effect({.effectID = "omfi:effect:MonoAudioGain",
+                    .length = 20,
+                    .slots = {{7, half}, {-1, first}, {8, std::nullopt}, {-1, second}, {1, half}}});
+    omf.composition({.name = "Worst", .slots = {slotOf(omf, all, "At once")}});
+    return omf.build();
+}
+
 }  // namespace
 
 std::vector<Seed> compositionSeeds() {
     using Make = Bytes (*)(const OmfBuilder::Options&);
-    const std::vector<std::pair<std::string, Make>> compositions{{"clip", clipOnly},
-                                                                 {"transitions", transitions},
-                                                                 {"effects", effects},
-                                                                 {"nesting", nesting},
-                                                                 {"chain", chain}};
+    const std::vector<std::pair<std::string, Make>> compositions{
+        {"clip", clipOnly},   {"transitions", transitions},
+        {"effects", effects}, {"nesting", nesting},
+        {"chain", chain},     {"worst", worst}};
     const std::vector<std::pair<std::string, OmfBuilder::Options>> forms{
         {"little", {}},
         {"big", {.container = {.byteOrder = OMFByteOrder::big}, .valueOrder = OMFByteOrder::big}},

@@ -2,14 +2,12 @@
 #include <trellant/base/free_numbers.h>
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 
 namespace trellant {
 
-namespace {
-
-/// The highest number with as many digits. 1 stands apart: it is the name without a number.
-std::uint64_t highestLike(std::uint64_t number) {
+std::uint64_t FreeNumbers::lastOfSeries(std::uint64_t number) {
     constexpr std::uint64_t largest = std::numeric_limits<std::uint64_t>::max();
     std::uint64_t highest = 1;
     while (highest < number) {
@@ -18,23 +16,43 @@ std::uint64_t highestLike(std::uint64_t number) {
     return highest;
 }
 
-}  // namespace
+std::string FreeNumbers::series(std::uint64_t number, const Name& name) {
+    const std::uint64_t highest = lastOfSeries(number);
+    // The number in front keeps a name apart that another one is with its number.
+    return std::to_string(highest) + " " + name(highest);
+}
+
+std::uint64_t FreeNumbers::lengthen(Runs& runs, std::uint64_t first, std::uint64_t end,
+                                    const Name& name, const IsTaken& isTaken) {
+    auto run = runs.upper_bound(first);
+    if (run == runs.begin() || std::prev(run)->second < first) {
+        run = runs.emplace_hint(run, first, first);
+    } else {
+        --run;
+    }
+    std::uint64_t& next = run->second;
+    while (next <= end) {
+        const auto following = std::next(run);
+        if (following != runs.end() && following->first == next) {
+            next = following->second;
+            runs.erase(following);
+        } else if (isTaken(name(next))) {
+            ++next;
+        } else {
+            break;
+        }
+    }
+    return next;
+}
 
 std::optional<std::uint64_t> FreeNumbers::find(std::uint64_t first, std::uint64_t last,
                                                const Name& name, const IsTaken& isTaken) {
     while (first <= last) {
-        const std::uint64_t highest = highestLike(first);
-        // The number in front keeps a name apart that another one is with its number.
-        const std::string key = std::to_string(highest) + " " + name(highest);
-        Run& run = runs_.try_emplace(key, Run{first, first}).first->second;
-        if (first < run.first || first > run.next) {
-            run = {first, first};
-        }
-        const std::uint64_t end = std::min(highest, last);
-        for (; run.next <= end; ++run.next) {
-            if (!isTaken(name(run.next))) {
-                return run.next;
-            }
+        const std::uint64_t end = std::min(lastOfSeries(first), last);
+        const std::uint64_t free =
+            lengthen(runsBySeries_[series(first, name)], first, end, name, isTaken);
+        if (free <= end) {
+            return free;
         }
         if (end == last) {
             break;

@@ -6,8 +6,6 @@
 #include "process/forked_child.h"
 #include "terminal/failure_line.h"
 
-#include <trellant/base/printable_text.h>
-
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -18,10 +16,6 @@ namespace {
 
 /// What the child answers beside a status when nobody reads any more.
 constexpr std::string_view closedAnswer = "closed";
-
-std::string quoted(const std::string& path) {
-    return "\"" + printableText(path, 4096) + "\"";
-}
 
 std::string dumpInChild(const DumpOptions& options, Console& console) {
     try {
@@ -37,10 +31,7 @@ ExitStatus runDump(const DumpOptions& options, Console& console) {
     const ForkedAnswer answer = inConfinedChild([&] { return dumpInChild(options, console); },
                                                 std::nullopt, std::vector{options.file});
     if (const auto* failure = std::get_if<ForkedFailure>(&answer)) {
-        const bool isOwnText = failure->kind == ForkedFailure::Kind::exception;
-        const std::string why =
-            isOwnText ? failure->reason
-                      : quoted(options.file) + ": the process that read it " + failure->reason;
+        const std::string why = whyNoAnswer(options.file, *failure);
         if (options.json) {
             console.out(failureLine(options.file, why));
         }

@@ -50,8 +50,9 @@ ExitStatus run(int argc, const char* const* argv) {
     Console console(line.verbosity);
     try {
         if (line.call) {
-            // A dump forks at once, and no thread may be about then; an interrupt ends it anyhow.
-            if (!std::holds_alternative<DumpCall>(*line.call)) {
+            // These fork at once, and no thread may be about then; an interrupt ends them anyhow.
+            if (!std::holds_alternative<DumpCall>(*line.call) &&
+                !std::holds_alternative<ValidateOptions>(*line.call)) {
                 watchInterrupts();
             }
             return perform(*line.call, console);

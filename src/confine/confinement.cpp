@@ -10,6 +10,15 @@
 
 namespace trellant {
 
+namespace {
+
+[[noreturn]] void failToConfine(std::string_view layer, int reason) {
+    throw ConfinementError("cannot confine itself with " + std::string(layer) + ": " +
+                           systemErrorText(reason));
+}
+
+}  // namespace
+
 Sandbox sandboxFromEnvironment() {
     // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing in this program changes the environment.
     const char* const value = std::getenv("TRELLANT_SANDBOX");
@@ -39,8 +48,19 @@ void confine(Sandbox sandbox, const ConfinedNeeds& needs) {
     for (const ConfinementLayer& layer : layers) {
         const int reason = layer.enter(needs);
         if (reason != 0 && sandbox == Sandbox::required) {
-            throw ConfinementError("cannot confine itself with " + std::string(layer.name) + ": " +
-                                   systemErrorText(reason));
+            failToConfine(layer.name, reason);
+        }
+    }
+}
+
+void confineFurther(Sandbox sandbox, const ConfinedNeeds& needs) {
+    for (const ConfinementLayer& layer : confinementLayers()) {
+        if (sandbox == Sandbox::off || !layer.narrows) {
+            continue;
+        }
+        const int reason = layer.enter(needs);
+        if (reason != 0 && sandbox == Sandbox::required) {
+            failToConfine(layer.name, reason);
         }
     }
 }

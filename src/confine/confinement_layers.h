@@ -14,6 +14,8 @@ struct ConfinementLayer {
     std::string_view name;
     /// Enters it for good. 0, or the errno value of the refusal, after which it does not hold.
     int (*enter)(const ConfinedNeeds& needs) noexcept;
+    /// It may be entered again, and then takes more away.
+    bool narrows = false;
 };
 
 /// Empty where there is none.

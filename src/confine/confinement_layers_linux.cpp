@@ -32,11 +32,12 @@ int restrictFilesTo(const ConfinedNeeds& needs) noexcept {
     return restrictFiles(needs);
 }
 
-/// The filter comes last: it takes away the calls by which the others are entered.
+/// The filter comes last: it takes away the calls by which the others are entered, but those of
+/// Landlock where files are to be narrowed down later. These give nothing back.
 constexpr std::array<ConfinementLayer, 4> layers{{
     {.name = "no_new_privs", .enter = forbidNewPrivileges},
     {.name = "forbidden core dumps", .enter = forbidCoreDumps},
-    {.name = "Landlock", .enter = restrictFilesTo},
+    {.name = "Landlock", .enter = restrictFilesTo, .narrows = true},
     {.name = "seccomp", .enter = restrictCalls},
 }};
 

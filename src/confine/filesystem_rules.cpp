@@ -107,19 +107,45 @@ int allow(int ruleset, const OpenPath& path, std::uint64_t access) noexcept {
                : errno;
 }
 
-/// 0 or an errno value. What cannot be opened needs no rule: nobody will read it.
-int allowReading(int ruleset, const std::vector<std::string>& paths) noexcept {
-    for (const std::string& name : paths) {
-        const OpenPath path(name);
-        if (path.number() < 0) {
-            continue;
+/// 0 or an errno value. What is not there, or lies in no file system that rules know (a pipe), gets
+/// no rule: nobody will read it, or it was never in reach of the rules.
+int allowNamed(int ruleset, const std::string& name, int moreFlags, std::uint64_t ofFolder,
+               std::uint64_t ofFile) noexcept {
+    const OpenPath path(name, moreFlags);
+    if (path.number() < 0) {
+        const int reason = errno;
+        struct stat status {};
+        return reason == ENOTDIR || ::stat(name.c_str(), &status) != 0 ? 0 : reason;
+    }
+    const int reason = allow(ruleset, path, path.isDirectory() ? ofFolder : ofFile);
+    return reason == EBADFD ? 0 : reason;
+}
+
+/// 0 or an errno value.
+int allowReading(int ruleset, const ConfinedNeeds& needs) noexcept {
+    int reason = 0;
+    if (needs.readablePaths) {
+        for (const std::string& name : *needs.readablePaths) {
+            reason = reason != 0
+                         ? reason
+                         : allowNamed(ruleset, name, 0, reading, LANDLOCK_ACCESS_FS_READ_FILE);
         }
-        const std::uint64_t access = path.isDirectory() ? reading : LANDLOCK_ACCESS_FS_READ_FILE;
-        if (const int reason = allow(ruleset, path, access); reason != 0) {
-            return reason;
+    } else if (needs.listedFolders) {
+        for (const std::string& name : *needs.listedFolders) {
+            reason = reason != 0
+                         ? reason
+                         : allowNamed(ruleset, name, O_DIRECTORY, LANDLOCK_ACCESS_FS_READ_DIR, 0);
         }
     }
-    return 0;
+    return reason;
+}
+
+/// Of reading what is forbidden where no rule allows it.
+std::uint64_t handledReading(const ConfinedNeeds& needs) noexcept {
+    if (needs.readablePaths) {
+        return reading;
+    }
+    return needs.listedFolders ? LANDLOCK_ACCESS_FS_READ_DIR : 0;
 }
 
 /// 0 or an errno value.
@@ -134,7 +160,7 @@ int allowNeeds(int ruleset, const ConfinedNeeds& needs) noexcept {
             return reason;
         }
     }
-    return needs.readablePaths ? allowReading(ruleset, *needs.readablePaths) : 0;
+    return allowReading(ruleset, needs);
 }
 
 }  // namespace
@@ -146,9 +172,7 @@ int restrictFiles(const ConfinedNeeds& needs) noexcept {
         return errno;
     }
     RulesetAttributes attributes = attributesFor(generation);
-    if (needs.readablePaths) {
-        attributes.handledFileAccess |= reading;
-    }
+    attributes.handledFileAccess |= handledReading(needs);
     const int ruleset =
         static_cast<int>(::syscall(SYS_landlock_create_ruleset, &attributes, sizeof attributes, 0));
     if (ruleset < 0) {

@@ -51,6 +51,10 @@ constexpr std::array allowedCalls{
 constexpr std::array waitingCalls{SCMP_SYS(poll), SCMP_SYS(ppoll)};
 constexpr std::array writingCalls{SCMP_SYS(copy_file_range), SCMP_SYS(unlink), SCMP_SYS(unlinkat)};
 
+/// Rules of files that are entered later; whatever they say, they only take away.
+constexpr std::array narrowingCalls{SCMP_SYS(landlock_create_ruleset), SCMP_SYS(landlock_add_rule),
+                                    SCMP_SYS(landlock_restrict_self)};
+
 constexpr std::uint64_t truncatingFlags = O_TRUNC;
 constexpr std::uint64_t changingFlags = O_ACCMODE | O_CREAT | O_TRUNC;
 /// Of a new file: a program that runs as its owner or group, whoever starts it.
@@ -148,6 +152,9 @@ int restrictCalls(const ConfinedNeeds& needs) noexcept {
     filter.allow(allowedCalls);
     if (needs.awaitsStreams) {
         filter.allow(waitingCalls);
+    }
+    if (needs.narrowsLater) {
+        filter.allow(narrowingCalls);
     }
     const bool mayWrite = needs.writableDirectory.has_value();
     if (mayWrite) {

@@ -142,10 +142,8 @@ void Extraction::Run::protectWhatIsRead() {
             placement_.protect(*path);
         }
     }
-    for (const auto& [id, candidates] : found.openChoices) {
-        for (const MediaCandidate& candidate : candidates) {
-            placement_.protect(candidate.path);
-        }
+    for (const std::string& path : found.openChoices.read) {
+        placement_.protect(path);
     }
 }
 
@@ -242,10 +240,11 @@ AudioEntry Extraction::Run::entryOf(std::size_t index) const {
         entry.state = AudioState::failed;
     } else if (entry.path) {
         entry.state = AudioState::found;
-    } else if (const auto open = handOff_.openChoices.find(essence.id);
-               open != handOff_.openChoices.end()) {
+    } else if (const auto open = handOff_.openChoices.bySource.find(essence.id);
+               open != handOff_.openChoices.bySource.end()) {
         entry.state = AudioState::undecided;
-        entry.candidates = open->second;
+        entry.candidates = open->second.candidates;
+        entry.filesOfName = open->second.files;
     }
     if (const auto why = conversions_.failures.find(essence.id);
         why != conversions_.failures.end()) {

@@ -45,6 +45,16 @@ bool moveWithoutReplacing(const std::string& from, const std::string& to) {
     return true;
 }
 
+/// 0 for what cannot be looked at: nobody finds bytes like its own.
+std::uint64_t sizeOf(const std::string& path) {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
+}
+
+std::string seriesOf(const NumberedName& name, std::uint64_t number) {
+    return FreeNumbers::series(number, [&](std::uint64_t other) { return name.withNumber(other); });
+}
+
 /// What --force replaces: files, and links themselves, never what they lead to.
 bool mayBeReplaced(const std::string& path) {
     struct stat status {};
@@ -58,55 +68,98 @@ std::string Placement::digest(const std::string& path) {
     return fileDigest(path, [this](std::uint64_t bytes) { progress_.advance(bytes); });
 }
 
-Placement::Standing Placement::standingAt(const std::string& path, const std::string& staged,
-                                          const std::string& sha256) {
+bool Placement::isInTheWay(const NumberedName& name, std::uint64_t number,
+                           const std::string& path) {
+    progress_.check();
     struct stat there {};
-    struct stat ours {};
-    if (::lstat(path.c_str(), &there) != 0) {
-        return Standing::nothing;
+    if (taken_.contains(path)) {
+        return true;
     }
-    if (!S_ISREG(there.st_mode) || ::lstat(staged.c_str(), &ours) != 0 ||
-        there.st_size != ours.st_size) {
-        return Standing::other;
+    if (::lstat(path.c_str(), &there) != 0 ||
+        (force_ && mayBeReplaced(path) && !read_.holds(path))) {
+        return false;
     }
-    auto known = digests_.find(path);
-    if (known == digests_.end()) {
-        try {
-            known = digests_.emplace(path, digest(path)).first;
-        } catch (const FileSystemError&) {
-            // A file that cannot be read is not ours to take for equal.
-            return Standing::other;
-        }
+    if (S_ISREG(there.st_mode)) {
+        standing_.add(seriesOf(name, number), number, path,
+                      static_cast<std::uint64_t>(there.st_size));
     }
-    return known->second == sha256 ? Standing::same : Standing::other;
+    return true;
 }
 
-bool Placement::settle(const std::string& path, const std::string& staged, PlacedFile& file) {
-    switch (standingAt(path, staged, file.sha256)) {
-        case Standing::nothing:
-            return moveWithoutReplacing(staged, path);
-        case Standing::same:
-            ::unlink(staged.c_str());
-            file.wasThere = true;
-            return true;
-        case Standing::other:
-            if (!force_ || !mayBeReplaced(path) || read_.holds(path)) {
-                return false;
-            }
-            rename(staged, path);
-            return true;
+std::optional<std::uint64_t> Placement::sameBytes(const Wish& wish, std::uint64_t end) {
+    for (std::uint64_t first = wish.name.number; first < end;
+         first = FreeNumbers::lastOfSeries(first) + 1) {
+        const auto same = standing_.find(seriesOf(wish.name, first), first, wish.size, wish.sha256);
+        if (same) {
+            return same;
+        }
     }
-    return false;
+    return std::nullopt;
+}
+
+Placement::Place Placement::placeFor(const Wish& wish) {
+    const NumberedName& name = wish.name;
+    // That of the path last asked for.
+    std::uint64_t asked = 0;
+    const auto pathOf = [&](std::uint64_t number) {
+        asked = number;
+        return directory_ + "/" + name.withNumber(number);
+    };
+    const auto free = numbers_.find(name.number, lastNumber, pathOf, [&](const std::string& path) {
+        return isInTheWay(name, asked, path);
+    });
+    if (const auto same = sameBytes(wish, free.value_or(lastNumber + 1))) {
+        return {.number = *same, .hasSameBytes = true};
+    }
+    if (!free) {
+        throw FileSystemError("find a free name for", directory_ + "/" + name.text(), EEXIST);
+    }
+    return {.number = *free};
+}
+
+bool Placement::hasBytesOf(const std::string& path, const Wish& wish) {
+    struct stat there {};
+    if (::lstat(path.c_str(), &there) != 0 || !S_ISREG(there.st_mode) ||
+        static_cast<std::uint64_t>(there.st_size) != wish.size) {
+        return false;
+    }
+    try {
+        return digest(path) == wish.sha256;
+    } catch (const FileSystemError&) {
+        return false;
+    }
+}
+
+bool Placement::settle(const std::string& path, const Wish& wish, PlacedFile& file) {
+    if (!existsInAnyForm(path)) {
+        return moveWithoutReplacing(wish.staged, path);
+    }
+    if (!force_ || !mayBeReplaced(path) || read_.holds(path)) {
+        return false;
+    }
+    file.wasThere = hasBytesOf(path, wish);
+    if (!file.wasThere) {
+        rename(wish.staged, path);
+    }
+    return true;
 }
 
 PlacedFile Placement::place(const std::string& staged, const NumberedName& wanted) {
-    PlacedFile file{.sha256 = digest(staged)};
-    for (std::uint64_t number = wanted.number; number <= lastNumber; ++number) {
-        progress_.check();
+    const Wish wish{
+        .staged = staged, .sha256 = digest(staged), .size = sizeOf(staged), .name = wanted};
+    PlacedFile file{.sha256 = wish.sha256};
+    for (;;) {
+        const auto [number, hasSameBytes] = placeFor(wish);
         std::string name = wanted.withNumber(number);
         std::string path = directory_ + "/" + name;
-        if (taken_.contains(path) || !settle(path, staged, file)) {
+        if (hasSameBytes) {
+            standing_.take(seriesOf(wanted, number), number, wish.size, wish.sha256);
+        } else if (!settle(path, wish, file)) {
             continue;
+        }
+        if (hasSameBytes || file.wasThere) {
+            ::unlink(staged.c_str());
+            file.wasThere = true;
         }
         taken_.insert(path);
         file.renumbered = number != wanted.number;
@@ -114,7 +167,6 @@ PlacedFile Placement::place(const std::string& staged, const NumberedName& wante
         file.name = std::move(name);
         return placed_.emplace_back(std::move(file));
     }
-    throw FileSystemError("find a free name for", directory_ + "/" + wanted.text(), EEXIST);
 }
 
 void Placement::keep(const std::string& staged, const std::string& name) {

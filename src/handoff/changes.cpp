@@ -161,7 +161,7 @@ class Places {
     void placeClip(DescribedChange& place, const AAFClipEvent& event) const {
         const auto track = tracks_.find(event.trackID);
         place.track = track == tracks_.end() ? event.trackID : nameOf(*track->second);
-        place.clip = event.clipName.value_or("(no name)");
+        place.clip = event.clipName;
         place.start = event.timelineStart;
     }
 
@@ -204,7 +204,8 @@ std::string placeText(const DescribedChange& change, const AAFTimeline& timeline
         }
     };
     add("track ", change.track);
-    add("clip ", change.clip);
+    // Only a clip has a start.
+    add("clip ", change.start && !change.clip ? "(no name)" : change.clip);
     add("audio file ", change.audioFile);
     if (change.start) {
         add("at ", timecodeText(timeline, *change.start));

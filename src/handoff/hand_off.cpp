@@ -122,6 +122,22 @@ std::vector<PlacedLoss> lossesOf(const AAFTimeline& timeline,
     return losses;
 }
 
+/// The same, but where an installed worker is missing it says where one was looked for.
+AAFWorkerClient::HelperURLProvider namingPlaces(AAFWorkerClient::HelperURLProvider provider) {
+    using Function = std::optional<fs::path> (*)(const std::string&);
+    const auto* const function = provider.target<Function>();
+    if (function == nullptr || *function != &installedWorker) {
+        return provider;
+    }
+    return [](const std::string& name) {
+        auto worker = installedWorker(name);
+        if (!worker) {
+            throw AAFWorkerClientError::helperMissing(name, installedWorkerPlaces(name));
+        }
+        return worker;
+    };
+}
+
 }  // namespace
 
 std::optional<fs::path> installedWorker(const std::string& name) {
@@ -138,13 +154,22 @@ std::optional<fs::path> installedWorker(const std::string& name) {
     return std::nullopt;
 }
 
+std::vector<fs::path> installedWorkerPlaces(const std::string& name) {
+    std::vector<fs::path> places = bundledHelperPlaces(name);
+    const auto folder = executableDirectory();
+    if (folder && !places.empty()) {
+        places.push_back(fs::path(*folder) / name);
+    }
+    return places;
+}
+
 AAFWorkerProtocol::Result askWorker(const WorkerTask& task, const StopToken& stop,
                                     AAFWorkerClient::Progress progress,
                                     const std::function<void()>& whileWaiting) {
     // Whatever the file is called, only one worker reads such files.
     AAFWorkerClient client;
     client.helperName = "trellant-omf";
-    client.helperURLProvider = task.helperURLProvider;
+    client.helperURLProvider = namingPlaces(task.helperURLProvider);
     client.resultLimit =
         std::min(client.resultLimit, anyAnswer + answerTimesTheFile * sizeOf(task.file));
     const AskersProgress askers(std::move(progress));

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
+#include "named_files.h"
+
 #include <trellant/base/keyed_hash.h>
 #include <trellant/base/url.h>
 #include <trellant/handoff/missing_media.h>
@@ -7,6 +9,9 @@
 #include <trellant/model/validation.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <optional>
+#include <utility>
 
 namespace trellant {
 
@@ -43,32 +48,52 @@ NeedsByEssence needsOfMissing(const AAFTimeline& timeline) {
     return needs;
 }
 
-/// What files say, each read once: many sources may have one name.
-class KnownFacts {
+/// The files of each name, looked for and read once: many sources may have one name.
+class KnownNames {
   public:
-    [[nodiscard]] const std::optional<AudioFacts>& of(const std::string& path) {
-        const auto [known, isNew] = facts_.try_emplace(path);
-        if (isNew) {
-            known->second = audioFacts(path);
+    /// Both must outlive this.
+    KnownNames(const MediaFolders& folders, std::vector<std::string>& read)
+        : folders_(folders), read_(read) {}
+
+    [[nodiscard]] const NamedFiles& of(const std::string& wanted) {
+        auto known = names_.find(wanted);
+        if (known == names_.end()) {
+            known = names_.emplace(wanted, NamedFiles(filesOf(wanted))).first;
         }
         return known->second;
     }
 
   private:
-    KeyedMap<std::string, std::optional<AudioFacts>> facts_;
+    [[nodiscard]] std::vector<MediaCandidate> filesOf(const std::string& wanted) {
+        std::vector<MediaCandidate> files;
+        for (const MediaFile& file : folders_.named(wanted)) {
+            files.push_back(
+                {.path = file.path, .isBeside = file.isBeside, .facts = audioFacts(file.path)});
+            read_.push_back(file.path);
+        }
+        return files;
+    }
+
+    const MediaFolders& folders_;
+    std::vector<std::string>& read_;
+    KeyedMap<std::string, NamedFiles> names_;
 };
 
-std::vector<MediaCandidate> candidates(const std::vector<MediaFile>& files,
-                                       const SourceNeeds& needs, KnownFacts& known) {
-    std::vector<MediaCandidate> found;
-    for (const MediaFile& file : files) {
-        MediaCandidate candidate{
-            .path = file.path, .isBeside = file.isBeside, .facts = known.of(file.path)};
+/// The first files, and one that fits among them if any does.
+std::vector<MediaCandidate> listed(const NamedFiles& named, std::optional<std::size_t> fitting,
+                                   const SourceNeeds& needs) {
+    const std::vector<MediaCandidate>& files = named.files();
+    std::vector<MediaCandidate> list(
+        files.begin(), files.begin() + static_cast<std::ptrdiff_t>(
+                                           std::min(files.size(), OpenChoices::listedFiles)));
+    if (fitting && *fitting >= list.size()) {
+        list.back() = files[*fitting];
+    }
+    for (MediaCandidate& candidate : list) {
         candidate.misfit = candidate.facts ? misfit(*candidate.facts, needs)
                                            : std::optional<std::string>("no readable audio file");
-        found.push_back(std::move(candidate));
     }
-    return found;
+    return list;
 }
 
 void take(AAFSourceEssence& essence, const MediaCandidate& candidate) {
@@ -79,23 +104,6 @@ void take(AAFSourceEssence& essence, const MediaCandidate& candidate) {
     if (format.codec) {
         essence.codec = format.codec;
     }
-}
-
-/// The one that fits; of several the one beside the hand-off. Null where that does not decide.
-const MediaCandidate* decided(const std::vector<MediaCandidate>& candidates) {
-    const MediaCandidate* only = nullptr;
-    std::size_t fitting = 0;
-    std::size_t fittingBeside = 0;
-    for (const MediaCandidate& candidate : candidates) {
-        if (candidate.misfit) {
-            continue;
-        }
-        ++fitting;
-        fittingBeside += candidate.isBeside ? 1 : 0;
-        // Those beside come first.
-        only = only == nullptr ? &candidate : only;
-    }
-    return fitting == 1 || fittingBeside == 1 ? only : nullptr;
 }
 
 }  // namespace
@@ -118,20 +126,22 @@ std::optional<std::string> misfit(const AudioFacts& facts, const SourceNeeds& ne
 
 OpenChoices findMissing(AAFTimeline& timeline, const MediaFolders& folders) {
     OpenChoices open;
-    KnownFacts known;
+    KnownNames names(folders, open.read);
     const NeedsByEssence needs = needsOfMissing(timeline);
     for (AAFSourceEssence& essence : timeline.essences) {
         const auto need = needs.find(essence.id);
         if (need == needs.end() || essence.embedded || essence.fileURL) {
             continue;
         }
-        const std::string wanted = wantedFileName(
-            essence.originalPath ? *essence.originalPath : essence.sourceName.value_or(""));
-        auto found = candidates(folders.named(wanted), need->second, known);
-        if (const MediaCandidate* const chosen = decided(found)) {
-            take(essence, *chosen);
-        } else if (!found.empty()) {
-            open.emplace(essence.id, std::move(found));
+        const NamedFiles& named = names.of(wantedFileName(
+            essence.originalPath ? *essence.originalPath : essence.sourceName.value_or("")));
+        const auto fitting = named.fitting(need->second);
+        if (fitting.decided) {
+            take(essence, named.files()[*fitting.decided]);
+        } else if (!named.files().empty()) {
+            open.bySource.emplace(essence.id,
+                                  OpenChoice{.candidates = listed(named, fitting.any, need->second),
+                                             .files = named.files().size()});
         }
     }
     return open;

@@ -48,12 +48,12 @@ SourceState stateOf(const AAFSourceEssence& essence, const OpenChoices& open) {
     if (essence.fileURL) {
         return SourceState::located;
     }
-    const auto choices = open.find(essence.id);
-    if (choices == open.end()) {
+    const auto choice = open.bySource.find(essence.id);
+    if (choice == open.bySource.end()) {
         return SourceState::missing;
     }
     const bool anyFits =
-        std::any_of(choices->second.begin(), choices->second.end(),
+        std::any_of(choice->second.candidates.begin(), choice->second.candidates.end(),
                     [](const MediaCandidate& candidate) { return !candidate.misfit; });
     return anyFits ? SourceState::severalCandidates : SourceState::misfit;
 }

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 
-
 #include <trellant/handoff/timeline_text.h>
 #include <trellant/model/enum_names.h>
 

@@ -2,12 +2,12 @@
 // trellant-omf: one process, one request. The request comes on standard input, the result goes to
 // standard output, progress and at most one log line to standard error; the exit status says which
 // of three outcomes happened. This is the one place where errors become texts.
+#include "confined_reach.h"
 #include "omf_reader.h"
 #include "standard_streams.h"
 #include "usage.h"
 
 #include <trellant/base/host_watch.h>
-#include <trellant/confine/confinement.h>
 #include <trellant/confine/memory_allowance.h>
 #include <trellant/io/errors.h>
 #include <trellant/protocol/messages.h>
@@ -18,6 +18,7 @@
 #include <exception>
 #include <new>
 #include <span>
+#include <string>
 
 namespace trellant {
 
@@ -50,10 +51,7 @@ void serve(const AAFWorkerProtocol::Request& request) {
         [](double fraction) {
             emitProgress(fraction < resolvingFrom ? "reconstructing" : "resolving", fraction);
         },
-        [](const std::optional<std::string>& writableDirectory) {
-            confine(sandboxFromEnvironment(),
-                    {.writableDirectory = writableDirectory, .awaitsStreams = true});
-        });
+        confineTo);
     emitProgress("finishing", 0.95);
     StandardOutput output;
     encodeResult(result, output);

@@ -34,7 +34,7 @@ std::string location(const std::string& path) {
 
 AAFWorkerProtocol::Result OMFReader::process(const AAFWorkerProtocol::Request& request,
                                              const Progress& progress,
-                                             const BeforeReading& beforeReading) {
+                                             const WithinReach& withinReach) {
     // main has checked this already; callers beside it are protected too.
     if (request.protocolVersion != AAFWorkerProtocol::version) {
         throw OMFIOError::unsupported("worker protocol version " +
@@ -50,10 +50,17 @@ AAFWorkerProtocol::Result OMFReader::process(const AAFWorkerProtocol::Request& r
     if (places.extract) {
         createDirectories(places.workDirectory);
     }
-    beforeReading(places.extract ? std::optional(places.workDirectory) : std::nullopt);
+    Reach reach{
+        .source = places.sourcePath,
+        .writableDirectory = places.extract ? std::optional(places.workDirectory) : std::nullopt,
+        .searchedFolder = places.mediaSearchDirectory};
+    withinReach(reach);
     const OMFDocument document(places.sourcePath);
     progress(progressAfterOpening);
-    Mapper mapper(document, std::move(places));
+    Mapper mapper(document, std::move(places), [&](const std::vector<std::string>& files) {
+        reach.files = files;
+        withinReach(reach);
+    });
     auto timeline = mapper.makeTimeline(progress);
     auto extensions = extensionsFor(request, document, mapper, timeline);
     return {.protocolVersion = AAFWorkerProtocol::version,

@@ -6,6 +6,7 @@
 #include <trellant/io/errors.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace trellant {
 
@@ -16,28 +17,6 @@ constexpr std::int64_t headerPrefix = 262'144;
 /// When neither the audio nor its descriptor tells; the rate of nearly all audio post.
 constexpr std::int64_t fallbackSampleRate = 48'000;
 
-/// Descriptors have one or two locators. Mobs may share a descriptor, and then following more than
-/// these again for each would cost mobs times locators.
-constexpr std::size_t fewLocators = 16;
-
-/// The file that a locator's path names when it can be tried as it stands.
-std::optional<std::string> directPath(const std::string& locator) {
-    constexpr std::string_view scheme = "file:";
-    if (lowerCased(locator.substr(0, scheme.size())) == scheme) {
-        return pathOfFileURL(locator);
-    }
-    if (locator.starts_with('/')) {
-        return locator;
-    }
-    return std::nullopt;
-}
-
-/// The lower-cased file name within a path as any system writes it.
-std::string wantedName(std::string path) {
-    std::replace(path.begin(), path.end(), '\\', '/');
-    return lowerCased(lastPathComponent(path));
-}
-
 }  // namespace
 
 struct Essences::EmbeddedMedia {
@@ -47,13 +26,14 @@ struct Essences::EmbeddedMedia {
 };
 
 Essences::Essences(BoundedReads& reads, const OMFDocument::MobMap& mediaMap,
-                   const MappingPlaces& places, MappingNotes& notes)
+                   const MappingPlaces& places, MediaSearch& search, MappingNotes& notes)
     : reads_(reads),
       mediaMap_(mediaMap),
       notes_(notes),
       extract_(places.extract),
       names_(places.workDirectory),
-      search_(places.mediaSearchDirectory, places.extract ? places.workDirectory : "") {}
+      search_(search),
+      external_(reads, search) {}
 
 const AAFSourceEssence* Essences::makeEssence(const ResolvedSource& source) {
     if (const auto known = essenceCache_.find(source.mob); known != essenceCache_.end()) {
@@ -157,61 +137,15 @@ Essences::FoundMedia Essences::extract(const EmbeddedMedia& media, std::string_v
 
 Essences::FoundMedia Essences::findExternal(OMFObject descriptor,
                                             const std::optional<std::string>& name) {
-    auto found = resolveExternal(descriptor, name);
+    auto located = external_.resolve(descriptor, name);
+    FoundMedia found{.path = std::move(located.path),
+                     .originalPath = std::move(located.originalPath)};
     if (found.path) {
         const auto [known, isNew] = externalFormats_.try_emplace(*found.path);
         if (isNew) {
             known->second = AudioProbe::probeFile(*found.path);
         }
         found.format = known->second;
-    }
-    return found;
-}
-
-Essences::FoundMedia Essences::resolveExternal(OMFObject descriptor,
-                                               const std::optional<std::string>& sourceName) {
-    auto found = followLocators(descriptor);
-    if (found.path) {
-        return found;
-    }
-    if (!found.originalPath) {
-        found.originalPath = sourceName;
-    }
-    if (found.originalPath && search_.hasDirectory()) {
-        found.path = search_.locate(wantedName(*found.originalPath));
-    }
-    return found;
-}
-
-Essences::FoundMedia Essences::followLocators(OMFObject descriptor) {
-    if (const auto known = manyLocators_.find(descriptor); known != manyLocators_.end()) {
-        reads_.countText(known->second.originalPath ? known->second.originalPath->size() : 0);
-        return known->second;
-    }
-    FoundMedia found;
-    const auto locators = reads_.objectRefs(
-        descriptor,
-        {OMFProperty::descriptorLocator, OMFProperty::fileLocator, OMFProperty::fileLocators});
-    for (const auto locator : locators) {
-        const auto path =
-            reads_.string(locator, {OMFProperty::networkLocatorURL, OMFProperty::unixLocatorPath,
-                                    OMFProperty::dosLocatorPath, OMFProperty::windowsLocatorPath,
-                                    OMFProperty::textLocatorName});
-        if (path) {
-            if (!found.originalPath) {
-                found.originalPath = path;
-            }
-            if (auto direct = directPath(*path); direct && mediaFileExists(*direct)) {
-                found.path = std::move(direct);
-                break;
-            }
-        }
-        if (!found.originalPath && reads_.classOf(locator) == OMFClass::macLocator) {
-            found.originalPath = reads_.string(locator, {OMFProperty::macLocatorFileName});
-        }
-    }
-    if (locators.size() > fewLocators) {
-        manyLocators_.emplace(descriptor, found);
     }
     return found;
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "bounded_reads.h"
+#include "external_media.h"
 #include "file_names.h"
 #include "mapping_notes.h"
 #include "media_search.h"
@@ -24,7 +25,7 @@ class Essences {
   public:
     /// All references must outlive this.
     Essences(BoundedReads& reads, const OMFDocument::MobMap& mediaMap, const MappingPlaces& places,
-             MappingNotes& notes);
+             MediaSearch& search, MappingNotes& notes);
 
     /// The essence of a source, made at the first call for its mob; null when the mob describes no
     /// media. An essence whose media cannot be found is returned without a file. Throws what the
@@ -51,11 +52,6 @@ class Essences {
     [[nodiscard]] FoundMedia extract(const EmbeddedMedia& media, std::string_view name);
     [[nodiscard]] FoundMedia findExternal(OMFObject descriptor,
                                           const std::optional<std::string>& name);
-    /// Path and original path; the format is left open.
-    [[nodiscard]] FoundMedia resolveExternal(OMFObject descriptor,
-                                             const std::optional<std::string>& sourceName);
-    /// The first locator's file that exists, and the first path recorded.
-    [[nodiscard]] FoundMedia followLocators(OMFObject descriptor);
     void reportMissing(OMFObject mob, const AAFSourceEssence& essence);
 
     BoundedReads& reads_;
@@ -63,9 +59,9 @@ class Essences {
     MappingNotes& notes_;
     bool extract_;
     UniqueNames names_;
-    MediaSearch search_;
+    MediaSearch& search_;
+    ExternalMedia external_;
     KeyedMap<OMFObject, AAFSourceEssence> essenceCache_;
-    KeyedMap<OMFObject, FoundMedia> manyLocators_;
     /// By path: many sources may name one file.
     KeyedMap<std::string, std::optional<AudioFormatInfo>> externalFormats_;
 };

@@ -2,9 +2,10 @@
 // The assembly of the timeline: the composition, its clock, and slot by slot its tracks.
 #include "bounded_reads.h"
 #include "composition.h"
-#include "composition_slots.h"
 #include "data_kinds.h"
+#include "external_media.h"
 #include "mapping_notes.h"
+#include "media_search.h"
 #include "segment_walk.h"
 #include "track_builder.h"
 
@@ -28,16 +29,18 @@ constexpr double progressOfAllSlots = 0.8;
 
 class Mapper::Assembly {
   public:
-    Assembly(const OMFDocument& document, MappingPlaces places)
+    Assembly(const OMFDocument& document, MappingPlaces places, TrackBuilder::Mobs mobs,
+             std::unique_ptr<MediaSearch> search)
         : document_(document),
           places_(std::move(places)),
-          mobs_{document.mobMap(), document.mediaDataMap()},
+          mobs_(std::move(mobs)),
+          search_(std::move(search)),
           notes_(places_.placesLosses),
           reads_(document),
           walk_(reads_, notes_, [this] { checkExpansion(); }),
           dataKinds_(reads_),
           slots_(reads_, dataKinds_),
-          tracks_(reads_, mobs_, places_, dataKinds_, notes_, timeline_) {}
+          tracks_(reads_, mobs_, places_, *search_, dataKinds_, notes_, timeline_) {}
 
     [[nodiscard]] AAFTimeline makeTimeline(const Progress& progress);
     [[nodiscard]] const std::vector<std::string>& diagnostics() const noexcept {
@@ -59,6 +62,7 @@ class Mapper::Assembly {
     const OMFDocument& document_;
     MappingPlaces places_;
     TrackBuilder::Mobs mobs_;
+    std::unique_ptr<MediaSearch> search_;
     MappingNotes notes_;
     BoundedReads reads_;
     SegmentWalk walk_;
@@ -71,8 +75,19 @@ class Mapper::Assembly {
     std::vector<LossPlace> lossPlaces_;
 };
 
-Mapper::Mapper(const OMFDocument& document, MappingPlaces places)
-    : assembly_(std::make_unique<Assembly>(document, std::move(places))) {}
+Mapper::Mapper(const OMFDocument& document, MappingPlaces places,
+               const BeforeMapping& beforeMapping) {
+    TrackBuilder::Mobs mobs{document.mobMap(), document.mediaDataMap()};
+    auto search = std::make_unique<MediaSearch>(places.mediaSearchDirectory,
+                                                places.extract ? places.workDirectory : "");
+    if (beforeMapping) {
+        const auto files = externalFiles(document, mobs.mobs, mobs.media, *search);
+        beforeMapping(files);
+        search->confineTo(files);
+    }
+    assembly_ =
+        std::make_unique<Assembly>(document, std::move(places), std::move(mobs), std::move(search));
+}
 Mapper::~Mapper() = default;
 
 AAFTimeline Mapper::makeTimeline(const Progress& progress) {

@@ -123,6 +123,22 @@ bool mediaFileExists(const std::string& path) {
     return !real.starts_with("/proc/") && !real.starts_with("/sys/");
 }
 
+bool MediaSearch::isInReach(const std::string& path) const {
+    if (!mediaFileExists(path)) {
+        return false;
+    }
+    if (!openable_ || openable_->contains(path)) {
+        return true;
+    }
+    // Written meanwhile, or not seen by the look that the process was confined after.
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (descriptor < 0) {
+        return errno != EACCES;
+    }
+    ::close(descriptor);
+    return true;
+}
+
 std::optional<std::string> MediaSearch::locate(const std::string& lowerCasedName) {
     if (!directory_) {
         return std::nullopt;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The files of the media search directory, by name. The one place of the mapping that looks around
-// in the file system.
+// The files of the media search directory, by name, and whether a file is there. The one place of
+// the mapping that looks around in the file system.
 #pragma once
 
 #include <trellant/base/keyed_hash.h>
@@ -33,6 +33,13 @@ class MediaSearch {
 
     [[nodiscard]] bool hasDirectory() const noexcept { return directory_.has_value(); }
 
+    /// From here on the process opens only `files` outside the work directory.
+    void confineTo(const std::vector<std::string>& files) {
+        openable_.emplace(files.begin(), files.end());
+    }
+    /// mediaFileExists, of a file that can be opened as far as the process has confined itself.
+    [[nodiscard]] bool isInReach(const std::string& path) const;
+
     /// The one audio file of that name (lower-cased); absent when there is none or several.
     /// The directory is read at the first call. Hidden files and folders and unreadable folders
     /// are passed over, links to folders are not entered. Never throws.
@@ -64,6 +71,8 @@ class MediaSearch {
 
     std::optional<std::string> directory_;
     std::string workDirectory_;
+    /// Absent: any.
+    std::optional<KeyedSet<std::string>> openable_;
     bool wasRead_ = false;
     std::optional<Identity> workIdentity_;
     /// The place of the work directory in `folders_`; absent when it lies elsewhere.

@@ -45,6 +45,9 @@ class SourceResolution {
     [[nodiscard]] SourceOrLoss resolveSourceClip(OMFObject clip, AAFRational rate,
                                                  const AAFRational& initialTrim);
 
+    /// Whether a chain ends at this mob: a Source Mob that describes a file of sound.
+    [[nodiscard]] bool isAudioSource(OMFObject mob);
+
   private:
     /// A mob's track as the walk needs it, read once per (mob, track).
     struct Track {
@@ -74,7 +77,6 @@ class SourceResolution {
     [[nodiscard]] Track readTrack(OMFObject mob, std::uint32_t trackID);
     [[nodiscard]] std::optional<OMFObject> findSlot(OMFObject mob, std::uint32_t trackID);
     void indexSlots(OMFObject mob);
-    [[nodiscard]] bool isAudioSource(OMFObject mob);
     /// Whether the Source Mob that owns the descriptor has a sound track.
     [[nodiscard]] bool descriptorHasAudioHint(OMFObject descriptor);
     [[nodiscard]] bool hasSoundSlot(OMFObject mob);

@@ -44,11 +44,12 @@ class TrackBuilder {
 
     /// Tracks and events are appended to `timeline`. All must outlive this.
     TrackBuilder(BoundedReads& reads, const Mobs& mobs, const MappingPlaces& places,
-                 DataKinds& dataKinds, MappingNotes& notes, AAFTimeline& timeline)
+                 MediaSearch& search, DataKinds& dataKinds, MappingNotes& notes,
+                 AAFTimeline& timeline)
         : notes_(notes),
           timeline_(timeline),
           sources_(reads, mobs.mobs, dataKinds),
-          essences_(reads, mobs.media, places, notes),
+          essences_(reads, mobs.media, places, search, notes),
           clipNames_(reads) {}
 
     /// The track of a slot that lasts `duration`, unless none of its clips leads to audio. Throws

@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <limits>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -71,6 +74,36 @@ TEST_F(FreeNumber, AsksForNoTakenNameTwice) {
     EXPECT_EQ(asked_, 2 * 999);
     EXPECT_EQ(find("Kick"), std::nullopt);
     EXPECT_EQ(asked_, 2 * 999);
+}
+
+TEST_F(FreeNumber, AsksForNoTakenNameTwiceWhereverItIsWantedFrom) {
+    for (int round = 0; round < 300; ++round) {
+        for (const std::uint64_t first : {1U, 500U, 250U}) {
+            const auto free = find("Kick", first);
+            ASSERT_TRUE(free.has_value());
+            taken_.insert(named("Kick")(*free));
+        }
+    }
+    // 900 numbers: 1 to 900, each once when it was free and at most once when it was taken.
+    EXPECT_FALSE(taken_.contains("Kick_901"));
+    EXPECT_EQ(taken_.size(), 900U);
+    EXPECT_LE(asked_, 2 * 900);
+}
+
+TEST_F(FreeNumber, ThatIsTheLargestOfAllIsNone) {
+    constexpr std::uint64_t largest = std::numeric_limits<std::uint64_t>::max();
+    taken_ = {named("Kick")(largest - 1)};
+    EXPECT_EQ(find("Kick", largest - 1, largest - 1), std::nullopt);
+    EXPECT_EQ(find("Kick", largest - 1, largest), largest);
+}
+
+TEST_F(FreeNumber, SeriesAreApartByTheirDigitsAndNames) {
+    const auto kick = named("Kick");
+    EXPECT_EQ(FreeNumbers::series(2, kick), FreeNumbers::series(9, kick));
+    EXPECT_NE(FreeNumbers::series(1, kick), FreeNumbers::series(2, kick));
+    EXPECT_NE(FreeNumbers::series(9, kick), FreeNumbers::series(10, kick));
+    EXPECT_NE(FreeNumbers::series(2, kick), FreeNumbers::series(2, named("Snare")));
+    EXPECT_NE(FreeNumbers::series(9, kick), FreeNumbers::series(1, named("Kick_9")));
 }
 
 TEST_F(FreeNumber, OfNamesThatDifferOnlyWithoutOneIsLookedForOnce) {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Runs a program under limits and tells what it cost. Arguments: bytes of address space, 0 for no
 // limit; seconds of processor time; the list of processes of a control group to enter, empty for
-// none; the program. Descriptor 3 gets the line "STATUS SIGNAL PEAK TIME", -1 where there is none,
-// the peak of resident memory in KiB, the processor time in milliseconds.
+// none; the program and its arguments. Descriptor 3 gets the line "STATUS SIGNAL PEAK TIME", -1
+// where there is none, the peak of resident memory in KiB, the processor time in milliseconds.
 //
 // A program of its own since a process begins with the peak of the one that it was forked from:
 // this one is small, a test that has built a large file is not.
@@ -50,7 +50,7 @@ long milliseconds(const timeval& time) {
 }  // namespace
 
 int main(int count, char** arguments) {
-    if (count != 5) {
+    if (count < 5) {
         return cannotStart;
     }
     const pid_t child = ::fork();

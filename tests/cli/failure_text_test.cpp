@@ -97,6 +97,15 @@ TEST(FailureText, AMissingWorkerIsToldWithWhatToDo) {
               "Trellant again");
 }
 
+TEST(FailureText, AMissingWorkerIsToldWithThePlacesSearched) {
+    EXPECT_EQ(failureText("a.omf", AAFWorkerClientError::helperMissing(
+                                       "trellant-omf", {"/opt/AAFTools/trellant-omf",
+                                                        "/opt/new\nline", "/opt/trellant-omf"})),
+              "the program trellant-omf is missing: it is neither /opt/AAFTools/trellant-omf nor "
+              "/opt/new\\u000aline nor /opt/trellant-omf. It belongs beside this one; please "
+              "install Trellant again");
+}
+
 TEST(FailureText, ANameThatCannotBeSentIsToldWithWhatToDo) {
     EXPECT_EQ(failureText("a\xFF.omf", AAFWorkerClientError::launchFailed("x")),
               "the file's name is not UTF-8. Rename the file or its folder and try again");

@@ -167,4 +167,14 @@ TEST_F(ForkedChild, SaysWhatTheSystemRefuses) {
     EXPECT_EQ(answer, failed(Kind::system, "cannot make a pipe: Too many open files"));
 }
 
+TEST(WhyNoAnswer, NamesTheFileUnlessTheChildSaidWhy) {
+    EXPECT_EQ(cli::whyNoAnswer("mix.omf", {Kind::exception, "cannot open \"mix.omf\""}),
+              "cannot open \"mix.omf\"");
+    EXPECT_EQ(
+        cli::whyNoAnswer("a\nb.omf", {Kind::crashed, "ended by signal 11 (Segmentation fault)"}),
+        "\"a\\u000ab.omf\": the process that read it ended by signal 11 (Segmentation fault)");
+    EXPECT_EQ(cli::whyNoAnswer("mix.omf", {Kind::tooLong, "more than 10 bytes"}),
+              "\"mix.omf\": the process that read it gave more than 10 bytes");
+}
+
 }  // namespace trellant::testing

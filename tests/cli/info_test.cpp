@@ -81,7 +81,10 @@ TEST(ListTracks, ATrackWithoutNameGoesByItsNumberForPeopleOnly) {
 
 TEST(ListSources, SeveralFilesOfOneNameAreAState) {
     HandOff handOff = unusual();
-    handOff.openChoices = {{"e", {{.path = "/a/Steps.wav"}, {.path = "/b/Steps.wav"}}}};
+    handOff.openChoices = {
+        .bySource = {
+            {"e",
+             {.candidates = {{.path = "/a/Steps.wav"}, {.path = "/b/Steps.wav"}}, .files = 2}}}};
     EXPECT_THAT(tableForPeople(*listOfSources(handOff)).rows[0],
                 ElementsAre("Steps.wav", "several candidates", "48000", "2", "1"));
     EXPECT_THAT(infoScreen("a.omf", handOff, false),
@@ -90,7 +93,10 @@ TEST(ListSources, SeveralFilesOfOneNameAreAState) {
 
 TEST(ListSources, FilesOfWhichNoneFitsAreAState) {
     HandOff handOff = unusual();
-    handOff.openChoices = {{"e", {{.path = "/a/Steps.wav", .misfit = "another rate"}}}};
+    handOff.openChoices = {
+        .bySource = {
+            {"e",
+             {.candidates = {{.path = "/a/Steps.wav", .misfit = "another rate"}}, .files = 1}}}};
     EXPECT_THAT(tableForPeople(*listOfSources(handOff)).rows[0],
                 ElementsAre("Steps.wav", "does not fit", "48000", "2", "1"));
     EXPECT_THAT(
@@ -101,10 +107,16 @@ TEST(ListSources, FilesOfWhichNoneFitsAreAState) {
 TEST(ListSources, ProgramsGetOneWordAState) {
     HandOff handOff = unusual();
     EXPECT_THAT(jsonOf(*listOfSources(handOff)), HasSubstr("\"state\":\"missing\""));
-    handOff.openChoices = {{"e", {{.path = "/a/Steps.wav"}, {.path = "/b/Steps.wav"}}}};
+    handOff.openChoices = {
+        .bySource = {
+            {"e",
+             {.candidates = {{.path = "/a/Steps.wav"}, {.path = "/b/Steps.wav"}}, .files = 2}}}};
     EXPECT_THAT(jsonOf(*listOfSources(handOff)), HasSubstr("\"state\":\"severalCandidates\""));
     EXPECT_THAT(jsonOf(*listOfClips(handOff)), HasSubstr("\"sourceState\":\"severalCandidates\""));
-    handOff.openChoices = {{"e", {{.path = "/a/Steps.wav", .misfit = "another rate"}}}};
+    handOff.openChoices = {
+        .bySource = {
+            {"e",
+             {.candidates = {{.path = "/a/Steps.wav", .misfit = "another rate"}}, .files = 1}}}};
     EXPECT_THAT(jsonOf(*listOfSources(handOff)), HasSubstr("\"state\":\"misfit\""));
 }
 

@@ -126,6 +126,16 @@ TEST(FittedTable, LeavesOutTheLastInRankFirst) {
     EXPECT_EQ(table.leftOut, std::vector<std::string>{"Fade"});
 }
 
+TEST(FittedTable, LeavesOutColumnsOfOneRankTogether) {
+    Table table = ranked();
+    table.columns[1].rank = 1;
+    // Both take 8 cells of the name, 6 and 5 of their own, and twice 2 between.
+    EXPECT_TRUE(fitted(table, 23, false).leftOut.empty());
+    const cli::FittedTable narrower = fitted(table, 22, false);
+    EXPECT_EQ(narrower.text, "Clip\nAnna take 1\n");
+    EXPECT_EQ(narrower.leftOut, (std::vector<std::string>{"Fade", "Gain"}));
+}
+
 TEST(FittedTable, KeepsWhatHasNoRank) {
     const cli::FittedTable table = fitted(ranked(), 5, false);
     EXPECT_EQ(table.text, "Clip\nAnna\u2026\n");

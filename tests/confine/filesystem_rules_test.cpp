@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <arpa/inet.h>
+#include <array>
 #include <csignal>
 #include <cstddef>
 #include <cstdio>
@@ -149,6 +150,18 @@ TEST_F(FilesystemRules, FoldersThatAreNamedAreReadWithAllBelow) {
     EXPECT_EQ(reads(path("other")), "works");
     EXPECT_EQ(reads(path("other/kept")), "works");
     EXPECT_EQ(reads(path("other/link/passwd")), "EACCES");
+}
+
+TEST_F(FilesystemRules, WhatNoRuleCanNameLeavesTheOthersInForce) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+    const std::string pipe = "/proc/self/fd/" + std::to_string(ends[0]);
+    EXPECT_EQ(triedReadingOnly({pipe, path("none"), path("other/kept")},
+                               [&] { return opened(path("other/kept"), O_RDONLY); }),
+              "works");
+    EXPECT_EQ(triedReadingOnly({pipe}, [] { return opened("/etc/passwd", O_RDONLY); }), "EACCES");
+    ::close(ends[0]);
+    ::close(ends[1]);
 }
 
 TEST_F(FilesystemRules, WhatIsWrittenIsReadToo) {

@@ -148,6 +148,56 @@ TEST_F(PlacementTest, ForceDoesNotReplaceFoldersNorFilesOfTheSameRun) {
     EXPECT_TRUE(fs::is_directory(folder_.file("Kick.wav")));
 }
 
+TEST_F(PlacementTest, ForceKeepsAFileWithTheSameBytes) {
+    stands("Kick.wav", "abc");
+    const PlacedFile placed = forcing_.place(staged("a", "abc"), named("Kick.wav"));
+    EXPECT_EQ(placed.name, "Kick.wav");
+    EXPECT_TRUE(placed.wasThere);
+    EXPECT_FALSE(fs::exists(staging_.file("a")));
+}
+
+TEST_F(PlacementTest, FilesThatAreReadGiveWayToNoForceButAreKeptAsEqual) {
+    stands("Kick.wav", "abc");
+    forcing_.protect(folder_.file("Kick.wav"));
+    EXPECT_EQ(forcing_.place(staged("a", "xyz"), named("Kick.wav")).name, "Kick_2.wav");
+    const PlacedFile same = forcing_.place(staged("b", "abc"), named("Kick.wav"));
+    EXPECT_EQ(same.name, "Kick.wav");
+    EXPECT_TRUE(same.wasThere);
+}
+
+TEST_F(PlacementTest, AGapComesBeforeEqualBytesBehindIt) {
+    stands("Kick.wav", "other");
+    stands("Kick_3.wav", "abc");
+    EXPECT_EQ(placement_.place(staged("a", "xyz"), {"Kick", "wav", 3}).name, "Kick_4.wav");
+    EXPECT_EQ(placement_.place(staged("b", "abc"), named("Kick.wav")).name, "Kick_2.wav");
+    EXPECT_EQ(placement_.place(staged("c", "abc"), named("Kick.wav")).name, "Kick_3.wav");
+}
+
+// Nine names without a number of two digits, then one with.
+TEST_F(PlacementTest, EqualBytesAreFoundBehindNumbersOfMoreDigits) {
+    stands("Kick.wav", "other");
+    for (int number = 2; number <= 12; ++number) {
+        stands("Kick_" + std::to_string(number) + ".wav", number == 11 ? "abc" : "def");
+    }
+    EXPECT_EQ(placement_.place(staged("a", "abc"), named("Kick.wav")).name, "Kick_11.wav");
+    EXPECT_EQ(placement_.place(staged("b", "abc"), named("Kick.wav")).name, "Kick_13.wav");
+}
+
+// Bytes that are read, of files that stand there and of new ones, are told as progress.
+TEST_F(PlacementTest, EachFileThatStandsThereIsReadOnceForAllThatAreNew) {
+    constexpr int count = 100;
+    for (int number = 1; number <= count; ++number) {
+        const std::string tail = number == 1 ? "" : "_" + std::to_string(number);
+        stands("Kick" + tail + ".wav", "old" + std::to_string(1'000 + number));
+    }
+    for (int number = 1; number <= count; ++number) {
+        const std::string name = std::to_string(number);
+        placement_.place(staged(name, "new" + std::to_string(1'000 + number)), named("Kick.wav"));
+    }
+    EXPECT_EQ(placement_.placed().back().name, "Kick_200.wav");
+    EXPECT_EQ(progress_.bytes(), 2U * count * 7U);
+}
+
 TEST_F(PlacementTest, StopLeavesWholeFilesOnly) {
     EXPECT_EQ(placement_.place(staged("a", "abc"), named("Kick.wav")).name, "Kick.wav");
     const std::string second = staged("b", "xyz");

@@ -189,6 +189,7 @@ CallKind CallReader::kindOf(const SystemCall& call, const std::string& path) {
 
 CallKind CallReader::openingKind(const std::string& path, std::uint64_t flags) {
     if ((flags & O_PATH) != 0) {
+        opening_ = Opened{Role::rule, path};
         return CallKind::confinement;
     }
     if ((flags & O_CREAT) != 0) {
@@ -240,6 +241,8 @@ CallKind CallReader::descriptorKind(std::uint64_t descriptor, CallKind ofSource,
             return ofFolder;
         case Role::audio:
             return ofAudio;
+        case Role::rule:
+            return CallKind::confinement;
         case Role::memory:
             break;
     }

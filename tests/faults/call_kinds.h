@@ -88,7 +88,7 @@ class CallReader {
     void returned(std::int64_t result);
 
   private:
-    enum class Role { source, folder, audio, memory };
+    enum class Role { source, folder, audio, memory, rule };
     struct Opened {
         Role role = Role::audio;
         std::string path{};

@@ -30,6 +30,15 @@ TEST(Changes, ClipsAreToldByTrackNameAndTime) {
     EXPECT_EQ(placeText(described[0], oneClip()), "track Dialog, clip Anna, at 01:00:02:00");
 }
 
+TEST(Changes, AClipWithoutANameHasNoneButForPeople) {
+    AAFTimeline timeline = oneClip();
+    timeline.events[0].clipName.reset();
+    const DescribedChange described = placeOfFailure(
+        timeline, {AAFTimelineProblem::nonfiniteClipGain, AAFTimelinePlace::event(0)});
+    EXPECT_EQ(described.clip, std::nullopt);
+    EXPECT_EQ(placeText(described, timeline), "track Dialog, clip (no name), at 01:00:02:00");
+}
+
 TEST(Changes, PointsAreCounted) {
     const auto described =
         describedChanges(oneClip(), {{.problem = AAFTimelineProblem::automationTimeOutsideOwner,

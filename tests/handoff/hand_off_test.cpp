@@ -15,6 +15,7 @@
 #include <trellant_testing/omf_builder.h>
 #include <trellant_testing/temporary_directory.h>
 #include <trellant_testing/worker_process.h>
+#include <variant>
 #include <vector>
 
 namespace trellant::testing {
@@ -22,6 +23,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
@@ -101,7 +103,7 @@ TEST(HandOff, FindsAudioBesideTheFileWithoutBeingTold) {
     ASSERT_THAT(sources.all(), SizeIs(2));
     EXPECT_EQ(sources.all()[0].state, SourceState::located);
     EXPECT_EQ(sources.all()[1].state, SourceState::missing);
-    EXPECT_THAT(handOff.openChoices, IsEmpty());
+    EXPECT_THAT(handOff.openChoices.bySource, IsEmpty());
 }
 
 TEST(HandOff, FileOfAnotherRateIsNoFind) {
@@ -117,11 +119,31 @@ TEST(HandOff, FileOfAnotherRateIsNoFind) {
     const HandOff handOff = readHandOff(requestOf(file), progress);
     const Sources sources(handOff);
     EXPECT_EQ(sources.all()[0].state, SourceState::misfit);
-    ASSERT_THAT(handOff.openChoices, SizeIs(1));
-    const auto& candidates = handOff.openChoices.begin()->second;
+    ASSERT_THAT(handOff.openChoices.bySource, SizeIs(1));
+    const auto& candidates = handOff.openChoices.bySource.begin()->second.candidates;
     ASSERT_THAT(candidates, SizeIs(1));
     EXPECT_EQ(candidates[0].path, folder.file("Door.wav"));
     EXPECT_EQ(candidates[0].misfit, "another rate, the clips need 11025 Hz");
+}
+
+TEST(HandOff, AWorkerThatIsNotInstalledIsMissingWithThePlacesSearched) {
+    // Nothing is installed beside a test.
+    const fs::path folder = fs::canonical("/proc/self/exe").parent_path();
+    const std::vector<fs::path> places = installedWorkerPlaces("trellant-omf");
+    EXPECT_THAT(places,
+                ElementsAre(folder / "AAFTools/trellant-omf",
+                            folder.parent_path() / "libexec/trellant/AAFTools/trellant-omf",
+                            folder.parent_path() / "bin/trellant-omf", folder / "trellant-omf"));
+    EXPECT_THAT(installedWorkerPlaces("../trellant-omf"), IsEmpty());
+    WorkProgress progress;
+    try {
+        static_cast<void>(readHandOff({.file = example("session.omf")}, progress));
+        FAIL() << "no error";
+    } catch (const AAFWorkerClientError& error) {
+        const auto& missing = std::get<AAFWorkerClientError::HelperMissing>(error.fault());
+        EXPECT_EQ(missing.helperName, "trellant-omf");
+        EXPECT_EQ(missing.searched, places);
+    }
 }
 
 TEST(HandOff, StopBeforeTheLookIsHeeded) {

@@ -346,5 +346,59 @@ TEST_F(ExternalMedia, NameWithoutALastComponentIsNotSearched) {
     expectMissing(essence({omf_.dosLocator("\\")}), "\\", "\\");
 }
 
+/// What a mapper says beforehand that it will read.
+class ExternalFiles : public ::testing::Test {
+  protected:
+    void add(MobID id, const std::string& name, const std::vector<ObjectID>& locators,
+             std::optional<Bytes> media = std::nullopt) {
+        omf_.audioFile({.id = id,
+                        .name = name,
+                        .media = std::move(media),
+                        .length = 10,
+                        .locators = locators});
+    }
+    std::string wave(const std::string& name) { return writeFile(folder_.file(name), shortWave()); }
+    std::vector<std::string> told(const MappingPlaces& places = {}) {
+        const OMFDocument document(writeFile(folder_.file("song.omf"), omf_.build()));
+        std::vector<std::string> files;
+        const Mapper mapper(document, places,
+                            [&](const std::vector<std::string>& all) { files = all; });
+        return files;
+    }
+
+    TemporaryDirectory folder_;
+    OmfBuilder omf_;
+};
+
+TEST_F(ExternalFiles, AreThoseOfAllSourcesThatAreThereUsedOrNot) {
+    const std::string kick = wave("Kick.wav");
+    const std::string snare = wave("Snare.wav");
+    wave("Other.wav");
+    add({1, 0, 0}, "Kick", {omf_.unixLocator("/none/Kick.wav"), omf_.unixLocator(kick)});
+    add({2, 0, 0}, "Snare", {omf_.networkLocator("file://" + snare)});
+    add({3, 0, 0}, "Missing", {omf_.unixLocator("/none/Missing.wav")});
+    EXPECT_THAT(told(), ElementsAre(kick, snare));
+}
+
+TEST_F(ExternalFiles, AreNoneOfEmbeddedAudioNorOfTapes) {
+    const std::string kick = wave("Kick.wav");
+    add({1, 0, 0}, "Kick", {omf_.unixLocator(kick)}, shortWave());
+    omf_.sourceMob(
+        {.id = {2, 0, 0},
+         .name = "Tape",
+         .descriptor = omf_.descriptor({.classID = "MDTP", .locators = {omf_.unixLocator(kick)}})});
+    EXPECT_THAT(told(), IsEmpty());
+}
+
+TEST_F(ExternalFiles, OfTheSearchDirectoryAreThoseThatAreWanted) {
+    const std::string kick = wave("Kick.wav");
+    wave("Snare.wav");
+    add({1, 0, 0}, "kick.WAV", {});
+    MappingPlaces places;
+    places.mediaSearchDirectory = folder_.path().string();
+    EXPECT_THAT(told(places), ElementsAre(kick));
+    EXPECT_THAT(told(), IsEmpty());
+}
+
 }  // namespace
 }  // namespace trellant::testing

@@ -299,7 +299,8 @@ TEST(EssenceOfMob, WithoutADescriptorIsNone) {
     const MappingPlaces places;
     MappingNotes notes;
     BoundedReads reads(document);
-    Essences essences(reads, media, places, notes);
+    MediaSearch search(std::nullopt, "");
+    Essences essences(reads, media, places, search, notes);
     EXPECT_EQ(essences.makeEssence({.mob = static_cast<OMFObject>(mob.id()), .mobID = {1, 2, 3}}),
               nullptr);
     EXPECT_THAT(essences.takeSorted(), IsEmpty());

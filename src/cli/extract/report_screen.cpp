@@ -108,8 +108,8 @@ class Screen {
         for (std::size_t index = 0; index < shown; ++index) {
             text_ += "    " + candidateText(entry.candidates[index]) + "\n";
         }
-        if (shown < entry.candidates.size()) {
-            text_ += "    and " + std::to_string(entry.candidates.size() - shown) + " more\n";
+        if (shown < entry.filesOfName) {
+            text_ += "    and " + std::to_string(entry.filesOfName - shown) + " more\n";
         }
     }
 

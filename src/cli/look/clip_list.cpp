@@ -256,7 +256,7 @@ const std::array<ColumnOf<Row>, 43> clipColumns{{
     {{"fadeInSeconds", "Fade in (s)"}, FadeIn::saySeconds},
     {exact("fadeInSecondsExact", "Fade in (exact s)"), FadeIn::sayExactSeconds},
     {{"fadeInCurve", "Fade in curve"}, FadeIn::sayCurve},
-    {{"", "Fade out", people, Align::left, false, 7}, FadeOut::sayShort},
+    {{"", "Fade out", people, Align::left, false, 6}, FadeOut::sayShort},
     {{"fadeOut", "Fade out", machines}, FadeOut::say},
     {{"fadeOutSeconds", "Fade out (s)"}, FadeOut::saySeconds},
     {exact("fadeOutSecondsExact", "Fade out (exact s)"), FadeOut::sayExactSeconds},

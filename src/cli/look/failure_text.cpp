@@ -19,6 +19,7 @@ namespace trellant::cli {
 
 namespace {
 
+constexpr std::size_t longestShownPath = 4096;
 constexpr std::string_view workerPrefix = "trellant-omf: ";
 constexpr std::string_view systemPrefix = "unexpected failure: ";
 /// How the reader begins what it says of a file that has no container in it, and of one that is
@@ -98,9 +99,13 @@ struct Explain {
     std::string operator()(const AAFWorkerClientError::InvalidResponse& fault) const {
         return "trellant-omf gave no usable answer: " + fault.reason;
     }
-    std::string operator()(const AAFWorkerClientError::HelperMissing&) const {
-        return "the program trellant-omf is missing. It belongs beside this one; please install "
-               "Trellant again";
+    std::string operator()(const AAFWorkerClientError::HelperMissing& fault) const {
+        std::string text = "the program trellant-omf is missing";
+        for (const std::filesystem::path& place : fault.searched) {
+            text += &place == &fault.searched.front() ? ": it is neither " : " nor ";
+            text += printableText(place.native(), longestShownPath);
+        }
+        return text + ". It belongs beside this one; please install Trellant again";
     }
 };
 

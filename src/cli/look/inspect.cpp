@@ -89,10 +89,8 @@ void protectMedia(const HandOff& handOff, Delivery& delivery) {
             delivery.protect(*path);
         }
     }
-    for (const auto& [id, candidates] : handOff.openChoices) {
-        for (const MediaCandidate& candidate : candidates) {
-            delivery.protect(candidate.path);
-        }
+    for (const std::string& path : handOff.openChoices.read) {
+        delivery.protect(path);
     }
 }
 

@@ -4,6 +4,7 @@
 #include "forked_child.h"
 
 #include <trellant/base/file_descriptor.h>
+#include <trellant/base/printable_text.h>
 #include <trellant/base/system_call_error.h>
 #include <trellant/base/write_all.h>
 #include <trellant/confine/confinement.h>
@@ -34,6 +35,7 @@ constexpr char exceptionMark = 'E';
 constexpr int answeredStatus = 0;
 constexpr int cutShortStatus = 1;
 constexpr std::size_t readPiece = 65'536;
+constexpr std::size_t longestShownPath = 4096;
 
 /// What the parent arranged for itself is not the child's: a request to end ends it. What is
 /// ignored stays so: that is how nohup works.
@@ -156,14 +158,26 @@ ForkedAnswer inForkedChild(const std::function<std::string()>& work, std::size_t
 
 ForkedAnswer inConfinedChild(const std::function<std::string()>& work,
                              const std::optional<std::string>& writableDirectory,
-                             const std::optional<std::vector<std::string>>& readablePaths) {
-    return inForkedChild([&] {
-        keepWithinMemory();
-        confine(sandboxFromEnvironment(), {.writableDirectory = writableDirectory,
-                                           .awaitsStreams = true,
-                                           .readablePaths = readablePaths});
-        return work();
-    });
+                             const std::optional<std::vector<std::string>>& readablePaths,
+                             std::size_t maxBytes) {
+    return inForkedChild(
+        [&] {
+            keepWithinMemory();
+            confine(sandboxFromEnvironment(), {.writableDirectory = writableDirectory,
+                                               .awaitsStreams = true,
+                                               .readablePaths = readablePaths});
+            return work();
+        },
+        maxBytes);
+}
+
+std::string whyNoAnswer(const std::string& file, const ForkedFailure& failure) {
+    if (failure.kind == ForkedFailure::Kind::exception) {
+        return failure.reason;
+    }
+    const bool isTooLong = failure.kind == ForkedFailure::Kind::tooLong;
+    return "\"" + printableText(file, longestShownPath) + "\": the process that read it " +
+           (isTooLong ? "gave " : "") + failure.reason;
 }
 
 }  // namespace trellant::cli

@@ -47,10 +47,14 @@ inline constexpr std::size_t forkedAnswerLimit = 268'435'456;
 /// already) if that is given: the child gives up all else first, as TRELLANT_SANDBOX says, and
 /// keeps within the memory there is. Of files it reads those at or below `readablePaths`, any when
 /// absent. Standard output and error stay open to it. A layer that is
-/// required and missing is a failure of kind `exception`.
+/// required and missing is a failure of kind `exception`. The answer has at most `maxBytes`.
 [[nodiscard]] ForkedAnswer inConfinedChild(
     const std::function<std::string()>& work,
     const std::optional<std::string>& writableDirectory = std::nullopt,
-    const std::optional<std::vector<std::string>>& readablePaths = std::nullopt);
+    const std::optional<std::vector<std::string>>& readablePaths = std::nullopt,
+    std::size_t maxBytes = forkedAnswerLimit);
+
+/// A sentence for people on why nothing is known of `file`, as the command was given it.
+[[nodiscard]] std::string whyNoAnswer(const std::string& file, const ForkedFailure& failure);
 
 }  // namespace trellant::cli

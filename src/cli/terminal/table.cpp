@@ -118,13 +118,19 @@ std::vector<bool> fittingColumns(const std::vector<std::size_t>& widths,
     });
     std::vector<bool> stays(columns.size(), false);
     std::size_t used = 0;
-    for (const std::size_t i : order) {
-        used += columns[i].mayShrink ? std::min(widths[i], readableCut) : widths[i];
-        used += i == order.front() ? 0 : gap;
-        if (columns[i].rank != 0 && used > lineCells) {
+    for (auto first = order.begin(); first != order.end();) {
+        const std::size_t rank = columns[*first].rank;
+        const auto last = std::find_if(first, order.end(),
+                                       [&](std::size_t i) { return columns[i].rank != rank; });
+        for (auto i = first; i != last; ++i) {
+            used += columns[*i].mayShrink ? std::min(widths[*i], readableCut) : widths[*i];
+            used += i == order.begin() ? 0 : gap;
+        }
+        if (rank != 0 && used > lineCells) {
             break;
         }
-        stays[i] = true;
+        std::for_each(first, last, [&stays](std::size_t i) { stays[i] = true; });
+        first = last;
     }
     return stays;
 }

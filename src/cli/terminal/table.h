@@ -17,7 +17,7 @@ struct TableColumn {
     /// The cells may be cut (with "…") when the line is too narrow; the widest such column first.
     bool mayShrink = false;
     /// Columns that have to fit by leaving others out: 0 stays always, of the others the lowest
-    /// come first.
+    /// come first, and those of one rank only together.
     std::size_t rank = 0;
 };
 

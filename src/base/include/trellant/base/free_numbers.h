@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 
@@ -18,6 +19,12 @@ class FreeNumbers {
     using Name = std::function<std::string(std::uint64_t number)>;
     using IsTaken = std::function<bool(const std::string& name)>;
 
+    /// What all names have in common that are found taken together: those of `name` with numbers
+    /// of as many digits as `number`.
+    [[nodiscard]] static std::string series(std::uint64_t number, const Name& name);
+    /// The highest number with as many digits. 1 stands apart: it is the name without a number.
+    [[nodiscard]] static std::uint64_t lastOfSeries(std::uint64_t number);
+
     /// The first number from `first` to `last`, at least 1, whose name is not taken; absent when
     /// all are. Names found taken by an earlier call count as taken still. What the functions throw
     /// comes out.
@@ -25,13 +32,16 @@ class FreeNumbers {
                                                     const Name& name, const IsTaken& isTaken);
 
   private:
-    /// The numbers from `first` on, up to before `next`, are known to be taken.
-    struct Run {
-        std::uint64_t first = 0;
-        std::uint64_t next = 0;
-    };
-    /// By digits, and by the name with the highest number of so many.
-    KeyedMap<std::string, Run> runs_;
+    /// Numbers that are known to be taken, in runs: from each key up to before its value. No two
+    /// runs touch.
+    using Runs = std::map<std::uint64_t, std::uint64_t>;
+
+    /// Lengthens the run at `first`, or begins one, up to a number that is not taken or is past
+    /// `end`; that number.
+    static std::uint64_t lengthen(Runs& runs, std::uint64_t first, std::uint64_t end,
+                                  const Name& name, const IsTaken& isTaken);
+
+    KeyedMap<std::string, Runs> runsBySeries_;
 };
 
 }  // namespace trellant

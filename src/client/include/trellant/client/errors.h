@@ -75,8 +75,8 @@ class AAFWorkerClientError final : public std::exception {
     /// The client's `helperURLProvider` knows no worker of that name.
     struct HelperMissing {
         std::string helperName{};
-        /// Where it was looked for, in that order, when the provider is `bundledHelper`; else
-        /// empty.
+        /// Where it was looked for, in that order, when the provider is `bundledHelper` or says so
+        /// itself by throwing this; else empty.
         std::vector<std::filesystem::path> searched{};
         /// Wherever it was: there is one way to be missing.
         bool operator==(const HelperMissing& /*other*/) const { return true; }

@@ -30,6 +30,10 @@ struct ConfinedNeeds {
     /// Files, and folders with all below them, that are read; what is not there cannot be read
     /// later either. Absent: anything. Where files are written they can be read as well.
     std::optional<std::vector<std::string>> readablePaths{};
+    /// Where any file may be read: folders whose entries are listed, there and below. Absent: all.
+    std::optional<std::vector<std::string>> listedFolders{};
+    /// It will call confineFurther.
+    bool narrowsLater = false;
 };
 
 /// A layer that was required and is not to be had, or a wish that is none.
@@ -51,5 +55,10 @@ class ConfinementError final : public std::exception {
 /// take. What is open stays usable. The process must have one thread. Throws ConfinementError when
 /// a required layer is missing; those before it hold then.
 void confine(Sandbox sandbox, const ConfinedNeeds& needs);
+
+/// Takes more away from a process that has confined itself, once it is known which files it will
+/// read: of files and folders it keeps what `needs` and what it confined itself with both allow.
+/// Throws ConfinementError when that is required and cannot be had.
+void confineFurther(Sandbox sandbox, const ConfinedNeeds& needs);
 
 }  // namespace trellant

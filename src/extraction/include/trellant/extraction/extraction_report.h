@@ -43,7 +43,9 @@ struct AudioEntry {
     std::optional<AudioFacts> facts{};
     /// Of files in the folder.
     std::optional<PlacedFile> placed{};
+    /// Files that bear its name, where none was taken: the first of them, and how many there are.
     std::vector<MediaCandidate> candidates{};
+    std::size_t filesOfName = 0;
     /// Why it was not made into WAVE although that was asked for.
     std::optional<std::string> notConverted{};
 

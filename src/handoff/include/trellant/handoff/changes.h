@@ -16,7 +16,8 @@ struct DescribedChange {
     /// What validation says of it.
     std::string code{};
     std::string object{};
-    /// The track (its name, else its id), clip or audio file concerned.
+    /// The track (its name, else its id), clip or audio file concerned; a clip that has no name
+    /// has a start all the same.
     std::optional<std::string> track{};
     std::optional<std::string> clip{};
     std::optional<std::string> audioFile{};

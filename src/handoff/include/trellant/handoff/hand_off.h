@@ -59,6 +59,9 @@ struct HandOff {
 /// Where an installed worker of that name lies: as bundledHelper has it, or in the folder of the
 /// running executable.
 [[nodiscard]] std::optional<std::filesystem::path> installedWorker(const std::string& name);
+/// The places that `installedWorker` looks at, in that order; none for a name that is empty or
+/// leads elsewhere. Without a worker there, calls by it throw HelperMissing with these places.
+[[nodiscard]] std::vector<std::filesystem::path> installedWorkerPlaces(const std::string& name);
 
 struct HandOffRequest {
     std::string file{};

@@ -10,6 +10,7 @@
 #include <trellant/handoff/media_folders.h>
 #include <trellant/model/timeline.h>
 
+#include <cstddef>
 #include <map>
 #include <optional>
 #include <string>
@@ -28,8 +29,25 @@ struct MediaCandidate {
     std::optional<std::string> misfit{};
 };
 
-/// By essence id: the files of that name, where none or several fit.
-using OpenChoices = std::map<std::string, std::vector<MediaCandidate>>;
+/// The files of a source's name, where none or several fit.
+struct OpenChoice {
+    /// The first of them, with one that fits if any does.
+    std::vector<MediaCandidate> candidates{};
+    /// How many there are.
+    std::size_t files = 0;
+};
+
+/// What could not be decided.
+struct OpenChoices {
+    /// Files that are listed for one source: thousands of sources may bear a name that thousands of
+    /// files have.
+    static constexpr std::size_t listedFiles = 64;
+
+    /// By essence id.
+    std::map<std::string, OpenChoice> bySource{};
+    /// All files that were read for the search.
+    std::vector<std::string> read{};
+};
 
 /// What the clips of a source play of it.
 struct SourceNeeds {
@@ -44,8 +62,8 @@ struct SourceNeeds {
 [[nodiscard]] std::optional<std::string> misfit(const AudioFacts& facts, const SourceNeeds& needs);
 
 /// Gives each external source without a file the one file of its name that fits, and its format; of
-/// several the one beside the hand-off. Where that does not decide, all files of the name are in
-/// the result.
+/// several the one beside the hand-off. Where that does not decide, files of the name are in the
+/// result.
 [[nodiscard]] OpenChoices findMissing(AAFTimeline& timeline, const MediaFolders& folders);
 
 }  // namespace trellant

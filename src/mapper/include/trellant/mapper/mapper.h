@@ -35,8 +35,15 @@ class Mapper {
     /// 0.15 to below 0.95. What it throws ends the mapping and comes out of it.
     using Progress = std::function<void(double)>;
 
-    /// `document` must outlive the mapper.
-    Mapper(const OMFDocument& document, MappingPlaces places);
+    /// Called once, before the composition is read, with every file that the mapping will read
+    /// beside the document and what it writes itself: external media that are there. What it
+    /// throws comes out of the constructor.
+    using BeforeMapping = std::function<void(const std::vector<std::string>&)>;
+
+    /// `document` must outlive the mapper. External media are looked for beforehand only when
+    /// somebody wants to be told.
+    Mapper(const OMFDocument& document, MappingPlaces places,
+           const BeforeMapping& beforeMapping = {});
     ~Mapper();
     Mapper(const Mapper&) = delete;
     Mapper& operator=(const Mapper&) = delete;
