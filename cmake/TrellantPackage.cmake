@@ -79,8 +79,8 @@ if(BUILD_SHARED_LIBS)
     set(CPACK_COMPONENT_LIBRARIES_DESCRIPTION "shared libraries that read OMF files
 The libraries behind the command trellant and the worker trellant-omf.")
 else()
-    # Hosts that link the archives link it too; running the command takes nothing of it.
-    string(APPEND CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS ", libutf8proc-dev")
+    # Hosts that link the archives link them too; running the command takes nothing of them.
+    string(APPEND CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS ", libutf8proc-dev, nettle-dev")
 endif()
 
 find_program(TRELLANT_SHLIBDEPS dpkg-shlibdeps)

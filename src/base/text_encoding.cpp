@@ -103,6 +103,26 @@ std::size_t asciiPrefixLength(std::string_view text) noexcept {
     return position;
 }
 
+std::size_t printablePrefixLength(std::string_view text) noexcept {
+    constexpr std::uint64_t ones = 0x0101010101010101U;
+    constexpr std::uint64_t highBits = ones * 0x80;
+    std::size_t position = 0;
+    while (text.size() - position >= sizeof(std::uint64_t)) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text.data() + position, sizeof word);
+        // Below the blank the subtraction borrows, at DEL the addition reaches the highest bit.
+        if (((word - ones * ' ') & highBits) != 0 || ((word | (word + ones)) & highBits) != 0) {
+            break;
+        }
+        position += sizeof word;
+    }
+    while (position < text.size() && byteAt(text, position) >= ' ' &&
+           byteAt(text, position) < 0x7F) {
+        ++position;
+    }
+    return position;
+}
+
 bool isValidUTF8(std::string_view text) {
     std::size_t position = asciiPrefixLength(text);
     while (position < text.size()) {

@@ -15,7 +15,7 @@
 #include <memory>
 #include <optional>
 #include <poll.h>
-#include <string_view>
+#include <span>
 #include <unistd.h>
 
 namespace trellant {
@@ -177,14 +177,14 @@ class Conversation {
             LaunchFailed::Cause::requestNotTaken);
     }
 
-    /// One read; what came is in the chunk until the next.
-    Reading readChunk(FileDescriptor& from, std::string_view& chunk) {
-        const auto count = ::read(from.number(), chunk_->data(), chunk_->size());
-        if (count > 0) {
-            chunk = std::string_view(chunk_->data(), static_cast<std::size_t>(count));
+    /// One read to the head of `room`; `count` says how many bytes came.
+    static Reading readSome(FileDescriptor& from, std::span<char> room, std::size_t& count) {
+        const auto read = ::read(from.number(), room.data(), room.size());
+        if (read > 0) {
+            count = static_cast<std::size_t>(read);
             return Reading::more;
         }
-        if (count < 0 && (errno == EAGAIN || errno == EINTR)) {
+        if (read < 0 && (errno == EAGAIN || errno == EINTR)) {
             return Reading::nothingNow;
         }
         from.close();
@@ -192,27 +192,27 @@ class Conversation {
     }
 
     void readOutput() {
-        std::string_view chunk;
-        const Reading reading = readChunk(outputEnd_, chunk);
+        std::size_t count = 0;
+        const Reading reading = readSome(outputEnd_, output_.room(pipeBytes), count);
         outputEnded_ = reading == Reading::ended;
-        if (chunk.size() > call_.resultLimit - output_.size()) {
+        if (count > call_.resultLimit - output_.size()) {
             throw AAFWorkerClientError::invalidResponse(
                 "longer than " + std::to_string(call_.resultLimit) + " bytes",
                 AAFWorkerClientError::InvalidResponse::Kind::tooLong);
         }
-        output_.append(chunk);
+        output_.add(count);
     }
 
     Reading readErrors() {
-        std::string_view chunk;
-        const Reading reading = readChunk(errorsEnd_, chunk);
-        lines_.take(chunk);
+        std::size_t count = 0;
+        const Reading reading = readSome(errorsEnd_, *chunk_, count);
+        lines_.take({chunk_->data(), count});
         return reading;
     }
 
     void checkStatus(const ChildEnd& end) const {
         // Without a status the output tells: a worker writes one only when all went well.
-        const std::int32_t status = end.status.value_or(output_.empty() ? -1 : 0);
+        const std::int32_t status = end.status.value_or(output_.size() == 0 ? -1 : 0);
         if (status != 0) {
             throw AAFWorkerClientError::nonZeroExit(status, lines_.lastLines(reportedLines));
         }
@@ -231,7 +231,7 @@ class Conversation {
     FileDescriptor errorsEnd_;
     std::optional<ChildProcess> worker_;
     std::size_t written_ = 0;
-    std::string output_;
+    AnswerText output_;
     bool outputEnded_ = false;
     bool workerEnded_ = false;
 };

@@ -3,6 +3,7 @@
 // the progress goes out on another.
 #pragma once
 
+#include "answer_text.h"
 #include "time_limit.h"
 
 #include <trellant/base/cancellation.h>
@@ -32,7 +33,7 @@ struct WorkerCall {
 
 /// What a worker wrote that ended with status 0.
 struct WorkerOutput {
-    std::string answer;
+    AnswerText answer;
     std::vector<std::string> logLines;
 };
 

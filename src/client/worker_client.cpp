@@ -143,7 +143,7 @@ AAFWorkerAnswer perform(const Call& call) {
                                     .resultLimit = call.client.resultLimit,
                                     .memoryLimit = call.client.memoryLimit,
                                     .timeLimit = call.timeLimit});
-    return {decoded(output.answer, call.options.checks, call.options.stop),
+    return {decoded(output.answer.view(), call.options.checks, call.options.stop),
             std::move(output.logLines)};
 }
 

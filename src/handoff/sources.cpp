@@ -68,8 +68,11 @@ Sources::Sources(const HandOff& handOff) {
         byID_.emplace(essence.id, sources_.size());
         sources_.push_back({&essence, state, 0});
     }
+    byEvent_.reserve(timeline.events.size());
     for (const AAFClipEvent& event : timeline.events) {
-        if (const auto found = byID_.find(event.essenceID); found != byID_.end()) {
+        const auto found = byID_.find(event.essenceID);
+        byEvent_.push_back(found == byID_.end() ? none : found->second);
+        if (found != byID_.end()) {
             ++sources_[found->second].clips;
         }
     }
@@ -80,11 +83,11 @@ const Source* Sources::of(const AAFClipEvent& event) const {
     return found == byID_.end() ? nullptr : &sources_[found->second];
 }
 
-std::string sourceName(const AAFSourceEssence& essence) {
+const std::string& sourceName(const AAFSourceEssence& essence) {
     if (essence.sourceName) {
         return *essence.sourceName;
     }
-    return essence.originalPath.value_or(essence.id);
+    return essence.originalPath ? *essence.originalPath : essence.id;
 }
 
 }  // namespace trellant

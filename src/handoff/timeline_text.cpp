@@ -4,9 +4,9 @@
 #include <trellant/model/enum_names.h>
 
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <string_view>
@@ -32,8 +32,9 @@ constexpr std::array<NamedRate, 5> namedRates{{{24000, 1001, "23.976"},
 std::string fixedPoint(double value, int decimals) {
     // Room for the largest double.
     std::array<char, 512> text{};
-    static_cast<void>(std::snprintf(text.data(), text.size(), "%.*f", decimals, value));
-    return text.data();
+    const auto written = std::to_chars(text.data(), text.data() + text.size(), value,
+                                       std::chars_format::fixed, decimals);
+    return std::string(text.data(), written.ptr);
 }
 
 std::string withoutTrailingZeros(std::string text) {

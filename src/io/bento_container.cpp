@@ -2,8 +2,8 @@
 // Opening a container, and looking things up in it.
 #include "bento_contents.h"
 #include "bento_toc.h"
-#include "large_pages.h"
 
+#include <trellant/base/large_pages.h>
 #include <trellant/io/bento_container.h>
 #include <trellant/io/bento_footer.h>
 #include <trellant/io/errors.h>

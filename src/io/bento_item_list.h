@@ -3,8 +3,7 @@
 // of megabytes again and again and hold them twice meanwhile.
 #pragma once
 
-#include "large_pages.h"
-
+#include <trellant/base/large_pages.h>
 #include <trellant/io/bento_packed_item.h>
 
 #include <cstddef>

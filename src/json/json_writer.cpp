@@ -8,13 +8,11 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <optional>
 
 namespace trellant {
 
 namespace {
-
-// Room for any 64-bit integer and any shortest double ("-2.2250738585072014e-308").
-constexpr std::size_t longestNumber = 32;
 
 // 0: the byte stays as it is; 'u': as \u00xx; else the letter of its short escape.
 constexpr std::array<char, 256> escapeLetters = [] {
@@ -37,8 +35,8 @@ constexpr std::array<char, 256> escapeLetters = [] {
     return escapeLetters[static_cast<unsigned char>(byte)];
 }
 
-/// How many bytes at the head of `text` need no escape, counted in steps of eight.
-[[nodiscard]] std::size_t plainWords(std::string_view text) noexcept {
+/// How many bytes at the head of `text` need no escape.
+[[nodiscard]] std::size_t plainLength(std::string_view text) noexcept {
     constexpr std::uint64_t ones = 0x0101010101010101U;
     constexpr std::uint64_t highBits = 0x8080808080808080U;
     // The high bit of each byte below `limit` (at most 0x80); bytes from 0x80 on give none.
@@ -57,7 +55,30 @@ constexpr std::array<char, 256> escapeLetters = [] {
         }
         at += sizeof word;
     }
+    while (at < text.size() && escapeLetter(text[at]) == 0) {
+        ++at;
+    }
     return at;
+}
+
+/// Plain digits where people write them, an exponent beyond: 0.0001 and 100000, 1e-05 and 1e+16.
+/// Left to choose, std::to_chars would give 0.0001 as 1e-04 and 100000 as 1e+05.
+[[nodiscard]] std::chars_format formatOf(double value) noexcept {
+    constexpr double leastPlain = 1e-4;
+    constexpr double leastExponential = 1e16;
+    const double size = std::abs(value);
+    const bool plain = size == 0 || (size >= leastPlain && size < leastExponential);
+    return plain ? std::chars_format::fixed : std::chars_format::scientific;
+}
+
+/// The integer that is written as `value` is, where there is one. Minus zero has its sign.
+[[nodiscard]] std::optional<std::int64_t> asInteger(double value) noexcept {
+    constexpr double endOfExactIntegers = 9'007'199'254'740'992;
+    if (!(std::abs(value) < endOfExactIntegers) || (value == 0 && std::signbit(value))) {
+        return std::nullopt;
+    }
+    const auto whole = static_cast<std::int64_t>(value);
+    return static_cast<double>(whole) == value ? std::optional(whole) : std::nullopt;
 }
 
 }  // namespace
@@ -88,9 +109,14 @@ void JsonWriter::append(std::string_view bytes) {
 
 void JsonWriter::quoted(std::string_view text) {
     constexpr std::string_view digits = "0123456789abcdef";
+    const std::size_t plain = plainLength(text);
+    if (plain == text.size() && plain <= shortBufferSize - 2) {
+        shortQuoted(text);
+        return;
+    }
     put('"');
     std::size_t runStart = 0;
-    for (std::size_t at = plainWords(text); at < text.size(); ++at) {
+    for (std::size_t at = plain; at < text.size(); ++at) {
         const char letter = escapeLetter(text[at]);
         if (letter == 0) {
             continue;
@@ -174,20 +200,19 @@ void JsonWriter::unsignedInteger(std::uint64_t value) {
 }
 
 void JsonWriter::number(double value) {
-    // Plain digits where people write them, an exponent beyond: 0.0001 and 100000, 1e-05 and 1e+16.
-    // Left to choose, std::to_chars would give 0.0001 as 1e-04 and 100000 as 1e+05.
-    constexpr double leastPlain = 1e-4;
-    constexpr double leastExponential = 1e16;
     precondition(std::isfinite(value), "JSON has no form for numbers that are not finite");
-    const double size = std::abs(value);
-    const bool plain = size == 0 || (size >= leastPlain && size < leastExponential);
     separate();
     char* const out = reserve(longestNumber);
-    const auto written =
-        std::to_chars(out, out + longestNumber, value,
-                      plain ? std::chars_format::fixed : std::chars_format::scientific);
-    used_ += static_cast<std::size_t>(written.ptr - out);
+    used_ += writeNumber(value, std::span<char, longestNumber>(out, longestNumber)).size();
     needsComma_ = true;
+}
+
+std::string_view JsonWriter::writeNumber(double value, std::span<char, longestNumber> out) {
+    const std::optional<std::int64_t> whole = asInteger(value);
+    const auto written =
+        whole ? std::to_chars(out.data(), out.data() + out.size(), *whole)
+              : std::to_chars(out.data(), out.data() + out.size(), value, formatOf(value));
+    return {out.data(), static_cast<std::size_t>(written.ptr - out.data())};
 }
 
 void JsonWriter::boolean(bool value) {

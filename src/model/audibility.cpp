@@ -33,8 +33,8 @@ const AAFTrackState* AAFAudibility::track(const AAFClipEvent& event) const {
     return found == tracks_.end() ? nullptr : found->second;
 }
 
-bool AAFAudibility::isEventAudible(const AAFClipEvent& event) const {
-    const AAFTrackState* const ofEvent = track(event);
+bool AAFAudibility::isEventAudible(const AAFClipEvent& event,
+                                   const AAFTrackState* ofEvent) const noexcept {
     return ofEvent != nullptr && isAudible(*ofEvent, event, anySolo_);
 }
 

@@ -5,6 +5,8 @@
 #include <trellant/base/precondition.h>
 #include <trellant/model/timecode.h>
 
+#include <array>
+#include <charconv>
 #include <limits>
 
 namespace trellant {
@@ -119,19 +121,21 @@ AAFTimecodeAddress AAFTimecodeAddress::fromAbsoluteFrameNumber(std::int64_t fram
 }
 
 std::string AAFTimecodeAddress::description() const {
-    std::string text;
-    const auto add = [&text](std::int64_t number) {
-        text += number >= 0 && number < 10 ? "0" : "";
-        text += std::to_string(number);
+    // Four numbers of 64 bits and what parts them.
+    std::array<char, 96> text{};
+    char* end = text.data();
+    const auto add = [&text, &end](std::int64_t number, char separator) {
+        if (number >= 0 && number < 10) {
+            *end++ = '0';
+        }
+        end = std::to_chars(end, text.data() + text.size(), number).ptr;
+        *end++ = separator;
     };
-    add(hours);
-    text += ':';
-    add(minutes);
-    text += ':';
-    add(seconds);
-    text += rate.dropFrame ? ';' : ':';
-    add(frames);
-    return text;
+    add(hours, ':');
+    add(minutes, ':');
+    add(seconds, rate.dropFrame ? ';' : ':');
+    add(frames, '\0');
+    return {text.data(), end - 1};
 }
 
 std::int64_t AAFTimecodeAddress::absoluteFrameNumber() const {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <trellant/base/text.h>
+#include <trellant/base/utf8.h>
 
 #include <gtest/gtest.h>
 
@@ -39,6 +40,22 @@ TEST(UTF8, FindsABrokenByteBehindALongAsciiHead) {
     EXPECT_TRUE(isValidUTF8(head));
     EXPECT_FALSE(isValidUTF8(head + "\xFF"));
     EXPECT_FALSE(isValidUTF8("\xFF" + head));
+}
+
+TEST(UTF8, PrintablePrefixEndsAtTheFirstByteThatIsNotPrintableAscii) {
+    std::string all;
+    for (char byte = ' '; byte <= '~'; ++byte) {
+        all += byte;
+    }
+    EXPECT_EQ(printablePrefixLength(""), 0U);
+    EXPECT_EQ(printablePrefixLength(all), 95U);
+    for (const std::string_view other : {"00", "09", "0A", "1F", "7F", "80", "9F", "FF"}) {
+        for (std::size_t place = 0; place < 20; ++place) {
+            std::string text(20, '~');
+            text[place] = bytes(other).front();
+            EXPECT_EQ(printablePrefixLength(text), place) << other;
+        }
+    }
 }
 
 TEST(UTF8, EachMaximalBrokenSequenceBecomesOneReplacementCharacter) {

@@ -19,6 +19,9 @@ using SaidCell = std::function<void(cli::Cell&)>;
 [[nodiscard]] inline SaidCell text(std::string value) {
     return [value = std::move(value)](cli::Cell& cell) { cell.text(value); };
 }
+[[nodiscard]] inline SaidCell word(std::string value) {
+    return [value = std::move(value)](cli::Cell& cell) { cell.word(value); };
+}
 [[nodiscard]] inline SaidCell integer(std::int64_t value) {
     return [value](cli::Cell& cell) { cell.integer(value); };
 }

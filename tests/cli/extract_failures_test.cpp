@@ -32,9 +32,11 @@ class ExtractFailures : public ExtractTest {
         StringSink sink;
         encodeResult(result, sink);
         writeFile(folder_.file("answer.json"), bytesOf(sink.text));
-        const std::string path = writeFile(
-            folder_.file("worker"),
-            bytesOf("#!/bin/sh\ncat > /dev/null\ncat '" + folder_.file("answer.json") + "'\n"));
+        return executable("cat > /dev/null\ncat '" + folder_.file("answer.json") + "'\n");
+    }
+    /// Lines of a shell, in place of a worker.
+    std::string executable(const std::string& lines) {
+        const std::string path = writeFile(folder_.file("worker"), bytesOf("#!/bin/sh\n" + lines));
         ::chmod(path.c_str(), 0700);
         return path;
     }
@@ -213,6 +215,58 @@ TEST_F(ExtractFailures, MissingConverterIsToldBeforeAnythingIsWritten) {
               "trellant: the program trellant-wav, which writes WAVE files, is missing. It belongs "
               "to this one; please install Trellant again, or leave out --wav\n");
     EXPECT_FALSE(fs::exists(out()));
+}
+
+TEST_F(ExtractFailures, DamagedSourceAmongThoseOfOneFileNameIsToldAndTheOthersAreWhole) {
+    AAFWorkerProtocol::Result result;
+    result.timeline.sourceAAF = AAFURL{"file:///mix.omf"};
+    for (const std::string id : {"1", "2", "3"}) {
+        result.timeline.essences.push_back({.id = "omf-essence-" + id,
+                                            .sourceName = "Take " + id,
+                                            .fileURL = AAFURL{"file://PLACE/Take.wav"},
+                                            .embedded = true,
+                                            .sampleRate = AAFRational(48'000),
+                                            .channelCount = 1});
+    }
+    AAFWorkerExtensions extensions;
+    extensions.embeddedMedia = AAFWorkerExtensions::EmbeddedMedia{
+        .separateFiles = {{.essenceID = "omf-essence-1", .path = "PLACE/Take_1000.wav"},
+                          {.essenceID = "omf-essence-2"},
+                          {.essenceID = "omf-essence-3", .path = "PLACE/Take_1002.wav"}}};
+    result.extensions = extensions;
+    StringSink answer;
+    encodeResult(result, answer);
+    const std::string text = writeFile(folder_.file("answer.json"), bytesOf(answer.text));
+    const std::string first = writeFile(folder_.file("first"), waveOf(kick));
+    const std::string third = writeFile(folder_.file("third"), waveOf({5, 6}));
+    add({.name = "Take.wav", .media = waveOf(kick)});
+    auto call = options(writeDocument());
+    const std::string worker = executable(
+        "place=$(sed 's,.*\"workDirectory\":\"\\([^\"]*\\)\".*,\\1,' | tr -d '\\134')\n"
+        "printf whatever > \"$place/Take.wav\"\n"
+        "cp '" +
+        first +
+        "' \"$place/Take_1000.wav\"\n"
+        "cp '" +
+        third +
+        "' \"$place/Take_1002.wav\"\n"
+        "sed \"s,PLACE,$place,g\" '" +
+        text + "'\n");
+    call.helperURLProvider = [worker](const std::string&) { return worker; };
+    const Said said = extract(call);
+    EXPECT_EQ(said.status, 2);
+    EXPECT_THAT(said.out, HasSubstr("  Audio      2 taken out, 1 could not be taken out\n"));
+    EXPECT_EQ(said.errors,
+              "trellant: " + call.call.files.front() + ": not all audio could be taken out\n");
+    EXPECT_THAT(namesIn(out()),
+                ElementsAre("MANIFEST.sha256", "Take_1000.wav", "Take_1002.wav", "timeline.json"));
+    EXPECT_EQ(readFile(out("Take_1000.wav")), waveOf(kick));
+    EXPECT_EQ(readFile(out("Take_1002.wav")), waveOf({5, 6}));
+    const AAFTimeline made = timeline();
+    ASSERT_EQ(made.essences.size(), 3U);
+    EXPECT_EQ(made.essences[0].fileURL, AAFURL{"Take_1000.wav"});
+    EXPECT_EQ(made.essences[1].fileURL, std::nullopt);
+    EXPECT_EQ(made.essences[2].fileURL, AAFURL{"Take_1002.wav"});
 }
 
 TEST_F(ExtractFailures, FileThatTheWorkerWasNotToldToWriteIsNeverMoved) {

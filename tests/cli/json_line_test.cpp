@@ -28,6 +28,22 @@ TEST(JsonLine, KeepsTheOrderInWhichMembersAreNamed) {
               "{\"z\":\"Anna\",\"a\":-7,\"m\":0.5,\"b\":true,\"c\":false,\"n\":3}\n");
 }
 
+TEST(JsonLine, WordsAreTexts) {
+    EXPECT_EQ(jsonLine([](JsonLine& line) { line.word("in", "01:00:00;02").word("state", ""); }),
+              "{\"in\":\"01:00:00;02\",\"state\":\"\"}\n");
+}
+
+TEST(JsonLine, AnotherLineBeginsBehindOneThatHasEnded) {
+    StringSink sink;
+    JsonLine line(sink);
+    line.integer("a", 1);
+    line.end();
+    line.begin();
+    line.integer("b", 2);
+    line.end();
+    EXPECT_EQ(sink.text, "{\"a\":1}\n{\"b\":2}\n");
+}
+
 TEST(JsonLine, CountsReachBeyondSignedNumbers) {
     EXPECT_EQ(jsonLine([](JsonLine& line) {
                   line.count("n", std::numeric_limits<std::uint64_t>::max()).count("z", 0);

@@ -28,6 +28,11 @@ TEST(CsvTable, PutsTitlesFirstAndEndsEachRecord) {
               "Track,Clip\r\n1,Anna\r\n2,\r\n");
 }
 
+TEST(CsvTable, WordsAreAsTheyAre) {
+    EXPECT_EQ(record(word("01:00:00;02")), "01:00:00;02,b\r\n");
+    EXPECT_EQ(record(word("L50")), "L50,b\r\n");
+}
+
 TEST(CsvTable, WithoutRowsIsTheTitles) {
     EXPECT_EQ(csvOf(CellList({{"a", "A"}, {"b", "B"}}, {})), "A,B\r\n");
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Workers that end well and what they wrote: a result, or something else.
-#include "odd_worker/answers.h"
+#include "misbehaving_worker/answers.h"
 
 #include "client_fixture.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // One good timeline with one thing wrong after the other: no rule of the validation is passed by.
 #include "client_fixture.h"
-#include "odd_worker/answers.h"
+#include "misbehaving_worker/answers.h"
 
 #include <sample_timeline.h>
 #include <vector>

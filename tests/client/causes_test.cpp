@@ -2,7 +2,7 @@
 // What programs can tell faults apart by.
 #include "client_fixture.h"
 #include "current_directory.h"
-#include "odd_worker/answers.h"
+#include "misbehaving_worker/answers.h"
 
 #include <filesystem>
 #include <trellant_testing/byte_writer.h>

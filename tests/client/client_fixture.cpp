@@ -32,11 +32,11 @@ bool isGone(pid_t process) {
     return ::kill(process, 0) != 0 && errno == ESRCH;
 }
 
-/// Whether the process is an odd worker; its number may belong to somebody else by now.
-bool isOddWorker(pid_t process) {
+/// Whether the process is a misbehaving worker; its number may belong to somebody else by now.
+bool isMisbehavingWorker(pid_t process) {
     std::error_code none;
     return std::filesystem::read_symlink("/proc/" + std::to_string(process) + "/exe", none) ==
-           std::filesystem::canonical(TRELLANT_ODD_WORKER);
+           std::filesystem::canonical(TRELLANT_MISBEHAVING_WORKER);
 }
 
 }  // namespace
@@ -79,11 +79,11 @@ bool eventually(const std::function<bool()>& condition) {
     return true;
 }
 
-OddWorkers::~OddWorkers() {
+MisbehavingWorkers::~MisbehavingWorkers() {
     endAll();
 }
 
-AAFWorkerClient OddWorkers::client(const std::string& behaviour) const {
+AAFWorkerClient MisbehavingWorkers::client(const std::string& behaviour) const {
     AAFWorkerClient client;
     client.helperName = behaviour;
     client.helperURLProvider = [path = executable(behaviour)](const std::string& name) {
@@ -93,16 +93,16 @@ AAFWorkerClient OddWorkers::client(const std::string& behaviour) const {
     return client;
 }
 
-std::string OddWorkers::executable(const std::string& behaviour) const {
+std::string MisbehavingWorkers::executable(const std::string& behaviour) const {
     std::string path = directory_.file(behaviour);
     if (!std::filesystem::is_symlink(path)) {
-        std::filesystem::create_symlink(TRELLANT_ODD_WORKER, path);
+        std::filesystem::create_symlink(TRELLANT_MISBEHAVING_WORKER, path);
     }
     return path;
 }
 
-std::vector<pid_t> OddWorkers::announced(const std::string& behaviour,
-                                         std::string_view list) const {
+std::vector<pid_t> MisbehavingWorkers::announced(const std::string& behaviour,
+                                                 std::string_view list) const {
     std::ifstream file(directory_.file(behaviour + std::string(list)));
     std::vector<pid_t> processes;
     // A line without its line feed is still being written.
@@ -112,41 +112,42 @@ std::vector<pid_t> OddWorkers::announced(const std::string& behaviour,
     return processes;
 }
 
-void OddWorkers::awaitAnnouncement(const std::string& behaviour, std::string_view list) const {
+void MisbehavingWorkers::awaitAnnouncement(const std::string& behaviour,
+                                           std::string_view list) const {
     ASSERT_TRUE(eventually([&] { return !announced(behaviour, list).empty(); })) << behaviour;
 }
 
-void OddWorkers::release(const std::string& behaviour) const {
+void MisbehavingWorkers::release(const std::string& behaviour) const {
     writeFile(directory_.file(behaviour + ".release"), {});
 }
 
-bool OddWorkers::areGone(const std::string& behaviour) const {
+bool MisbehavingWorkers::areGone(const std::string& behaviour) const {
     const std::vector<pid_t> processes = announced(behaviour);
     return !processes.empty() && std::all_of(processes.begin(), processes.end(), isGone);
 }
 
-void OddWorkers::expectGone(const std::string& behaviour) const {
+void MisbehavingWorkers::expectGone(const std::string& behaviour) const {
     EXPECT_TRUE(areGone(behaviour)) << behaviour;
 }
 
-void OddWorkers::expectGrandchildrenEnd(const std::string& behaviour) const {
+void MisbehavingWorkers::expectGrandchildrenEnd(const std::string& behaviour) const {
     const std::vector<pid_t> processes = announced(behaviour, ".grandchildren");
     EXPECT_FALSE(processes.empty()) << behaviour;
     EXPECT_TRUE(eventually([&] {
-        return std::none_of(processes.begin(), processes.end(), isOddWorker);
+        return std::none_of(processes.begin(), processes.end(), isMisbehavingWorker);
     })) << behaviour;
 }
 
-void OddWorkers::expectNeverStarted(const std::string& behaviour) const {
+void MisbehavingWorkers::expectNeverStarted(const std::string& behaviour) const {
     EXPECT_FALSE(std::filesystem::exists(directory_.file(behaviour + ".pids"))) << behaviour;
 }
 
-void OddWorkers::endAll() const {
+void MisbehavingWorkers::endAll() const {
     for (const auto& entry : std::filesystem::directory_iterator(directory_.path())) {
         const std::filesystem::path& path = entry.path();
         if (path.extension() == ".pids" || path.extension() == ".grandchildren") {
             for (const pid_t process : announced(path.stem().string(), path.extension().string())) {
-                if (isOddWorker(process)) {
+                if (isMisbehavingWorker(process)) {
                     ::kill(process, SIGKILL);
                 }
             }

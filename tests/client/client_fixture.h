@@ -63,16 +63,16 @@ struct Act {
 
 /// Where the misbehaving workers of one test live. What is started from here and still lives at
 /// the end is ended.
-class OddWorkers {
+class MisbehavingWorkers {
   public:
-    OddWorkers() = default;
-    ~OddWorkers();
-    OddWorkers(const OddWorkers&) = delete;
-    OddWorkers& operator=(const OddWorkers&) = delete;
-    OddWorkers(OddWorkers&&) = delete;
-    OddWorkers& operator=(OddWorkers&&) = delete;
+    MisbehavingWorkers() = default;
+    ~MisbehavingWorkers();
+    MisbehavingWorkers(const MisbehavingWorkers&) = delete;
+    MisbehavingWorkers& operator=(const MisbehavingWorkers&) = delete;
+    MisbehavingWorkers(MisbehavingWorkers&&) = delete;
+    MisbehavingWorkers& operator=(MisbehavingWorkers&&) = delete;
 
-    /// A client that starts the odd worker under this name.
+    /// A client that starts the misbehaving worker under this name.
     [[nodiscard]] AAFWorkerClient client(const std::string& behaviour) const;
     /// As the provider gives it.
     [[nodiscard]] std::string executable(const std::string& behaviour) const;
@@ -170,7 +170,7 @@ class ClientTest : public ::testing::Test {
     void expectCancelEnds(const std::string& behaviour,
                           const Request& request = plainRequest()) const;
 
-    OddWorkers workers_;
+    MisbehavingWorkers workers_;
 
   private:
     static constexpr std::chrono::seconds patience{60};

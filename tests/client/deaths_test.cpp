@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Workers that die at one stage of a call or never end it.
 #include "client_fixture.h"
-#include "odd_worker/answers.h"
+#include "misbehaving_worker/answers.h"
 
 #include <csignal>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Workers that end with another status than 0, or by a signal.
 #include "client_fixture.h"
-#include "odd_worker/answers.h"
+#include "misbehaving_worker/answers.h"
 
 #include <csignal>
 

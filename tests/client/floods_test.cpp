@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Hundreds of megabytes from a worker, on both pipes at once.
 #include "client_fixture.h"
-#include "odd_worker/answers.h"
+#include "misbehaving_worker/answers.h"
 
 namespace trellant::testing {
 

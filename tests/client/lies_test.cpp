@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Answers that are made to harm whoever reads them. Each gives a result or names what is wrong.
 #include "client_fixture.h"
-#include "odd_worker/answers.h"
+#include "misbehaving_worker/answers.h"
 
 #include <string>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // What a worker may take of time and memory.
 #include "client_fixture.h"
-#include "odd_worker/answers.h"
+#include "misbehaving_worker/answers.h"
 
 #include <filesystem>
 #include <trellant_testing/byte_writer.h>

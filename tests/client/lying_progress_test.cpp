@@ -2,7 +2,7 @@
 // Progress that cannot be. What decodes is handed on as it was written: a host that draws a bar has
 // to bound it itself. What does not decode is as good as not written.
 #include "client_fixture.h"
-#include "odd_worker/answers.h"
+#include "misbehaving_worker/answers.h"
 
 #include <string>
 

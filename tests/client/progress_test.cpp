@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Progress lines and the callback that takes them.
 #include "client_fixture.h"
-#include "odd_worker/answers.h"
+#include "misbehaving_worker/answers.h"
 
 #include <array>
 #include <csignal>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What reaches the worker: the odd worker gives back each byte that it was sent.
+// What reaches the worker: the misbehaving worker gives back each byte that it was sent.
 #include "client_fixture.h"
 #include "current_directory.h"
 

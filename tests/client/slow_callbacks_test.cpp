@@ -2,7 +2,7 @@
 // Callbacks that take their time, or wait for somebody who waits for the call. Neither the reading
 // nor a cancellation waits for them.
 #include "client_fixture.h"
-#include "odd_worker/answers.h"
+#include "misbehaving_worker/answers.h"
 
 #include <atomic>
 #include <memory>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // All that a call can give, and its notice that it is over.
 #include "client_fixture.h"
-#include "odd_worker/answers.h"
+#include "misbehaving_worker/answers.h"
 
 #include <atomic>
 #include <stdexcept>

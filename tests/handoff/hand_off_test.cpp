@@ -106,6 +106,20 @@ TEST(HandOff, FindsAudioBesideTheFileWithoutBeingTold) {
     EXPECT_THAT(handOff.openChoices.bySource, IsEmpty());
 }
 
+TEST(Sources, OfAnEventAreFoundByItsIdAndByItsPosition) {
+    HandOff handOff;
+    handOff.timeline.essences = {{.id = "kick"}, {.id = "snare"}};
+    handOff.timeline.events = {{.id = "1", .essenceID = "snare"},
+                               {.id = "2", .essenceID = "tom"},
+                               {.id = "3", .essenceID = "kick"}};
+    const Sources sources(handOff);
+    const std::vector<const Source*> expected{&sources.all()[1], nullptr, &sources.all()[0]};
+    for (std::size_t event = 0; event < expected.size(); ++event) {
+        EXPECT_EQ(sources.of(handOff.timeline.events[event]), expected[event]);
+        EXPECT_EQ(sources.ofEventAt(event), expected[event]);
+    }
+}
+
 TEST(HandOff, FileOfAnotherRateIsNoFind) {
     const TemporaryDirectory folder;
     const std::string file = folder.file("external.omf");

@@ -107,7 +107,40 @@ TEST(JsonWriter, WholeDoublesHaveNoPoint) {
     EXPECT_EQ(numberJson(-3.0), "-3");
     EXPECT_EQ(numberJson(0.0), "0");
     EXPECT_EQ(numberJson(100000.0), "100000");
+    EXPECT_EQ(numberJson(9007199254740991.0), "9007199254740991");
+    EXPECT_EQ(numberJson(-9007199254740991.0), "-9007199254740991");
     EXPECT_EQ(numberJson(9007199254740992.0), "9007199254740992");
+    EXPECT_EQ(numberJson(9007199254740994.0), "9007199254740994");
+}
+
+TEST(JsonWriter, NumbersHaveTheSameTextOnTheirOwn) {
+    std::array<char, JsonWriter::longestNumber> room{};
+    EXPECT_EQ(JsonWriter::writeNumber(-0.0, room), "-0");
+    EXPECT_EQ(JsonWriter::writeNumber(48000, room), "48000");
+    EXPECT_EQ(JsonWriter::writeNumber(0.25, room), "0.25");
+    EXPECT_EQ(JsonWriter::writeNumber(-2.2250738585072014e-308, room), "-2.2250738585072014e-308");
+}
+
+TEST(JsonWriter, EscapedTextsStayAsTheyAre) {
+    EXPECT_EQ(written([](JsonWriter& writer) {
+                  writer.beginArray();
+                  writer.escapedString("1\\/480");
+                  writer.escapedString("");
+                  writer.endArray();
+              }),
+              R"(["1\/480",""])");
+}
+
+TEST(JsonWriter, StringsAroundTheLengthOfTheSmallBufferAreWhole) {
+    for (std::size_t length = JsonWriter::shortBufferSize - 3;
+         length <= JsonWriter::shortBufferSize + 1; ++length) {
+        StringSink sink;
+        JsonWriter writer(sink, JsonWriter::shortBufferSize);
+        const std::string text(length, 'x');
+        writer.string(text);
+        writer.flush();
+        EXPECT_EQ(sink.text, "\"" + text + "\"");
+    }
 }
 
 TEST(JsonWriter, MinusZeroKeepsItsSign) {

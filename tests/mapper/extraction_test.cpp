@@ -4,6 +4,7 @@
 #include "song.h"
 
 #include <trellant/io/errors.h>
+#include <trellant/mapper/embedded_media.h>
 
 #include <gmock/gmock.h>
 
@@ -288,6 +289,40 @@ TEST_F(Extraction, HeaderUpToAMebibyteIsFoundInTheFile) {
         waveImage({.bitsPerSample = 24, .leadingChunks = {{"LIST", Bytes(300'000)}}}));
     map();
     EXPECT_EQ(mapped_.timeline.essences.at(0).bitDepth, 24);
+}
+
+TEST(SeparateSources, DamagedOneLeavesTheOthersWhole) {
+    const TemporaryDirectory folder;
+    const std::string shared = folder.file("Take.wav");
+    OmfBuilder omf;
+    AAFTimeline timeline;
+    for (std::uint32_t number = 1; number <= 3; ++number) {
+        const MobID id{number, 0, 0};
+        omf.audioFile({.id = id, .name = "Take.wav"});
+        if (number == 2) {
+            const ObjectBuilder media = omf.object("WAVE").uid("OMFI:MDAT:MobID", id);
+            omf.container().addItem(media, "OMFI:WAVE:AudioData", BentoRange{0xF000'0000U, 16});
+        } else {
+            omf.waveMedia(id, bytesOf("take " + std::to_string(number)));
+        }
+        timeline.essences.push_back(
+            {.id = "e" + std::to_string(number),
+             .mobID = "0000000" + std::to_string(number) + "-00000000-00000000",
+             .fileURL = AAFURL{"file://" + shared},
+             .embedded = true});
+    }
+    const OMFDocument document(writeFile(folder.file("song.omf"), omf.build()));
+    const std::vector<SeparatedSource> sources = separateSources(document, timeline);
+    ASSERT_EQ(sources.size(), 3U);
+    // Each source has its number, whether its audio can be written or not.
+    EXPECT_EQ(sources[0].essenceID, "e1");
+    EXPECT_EQ(sources[0].path, folder.file("Take_1000.wav"));
+    EXPECT_EQ(sources[1].essenceID, "e2");
+    EXPECT_EQ(sources[1].path, std::nullopt);
+    EXPECT_EQ(sources[2].essenceID, "e3");
+    EXPECT_EQ(sources[2].path, folder.file("Take_1002.wav"));
+    EXPECT_EQ(textOf(readFile(folder.file("Take_1000.wav"))), "take 1");
+    EXPECT_EQ(textOf(readFile(folder.file("Take_1002.wav"))), "take 3");
 }
 
 TEST(EssenceOfMob, WithoutADescriptorIsNone) {

@@ -26,7 +26,7 @@ expect_control(libtrellant-dev "Package: libtrellant-dev
 Version: ${VERSION}-1
 Section: libdevel
 Priority: optional
-Depends: trellant (= ${VERSION}-1), libutf8proc-dev
+Depends: trellant (= ${VERSION}-1), libutf8proc-dev, nettle-dev
 Suggests: libtrellant-doc
 Breaks: trellant (<< 0.2.0)
 Replaces: trellant (<< 0.2.0)

@@ -3,35 +3,54 @@
 
 #include <trellant/handoff/timeline_text.h>
 
+#include <array>
+#include <charconv>
 #include <cmath>
 
 namespace trellant::cli {
 
+namespace {
+
+using NumberRoom = std::array<char, JsonWriter::longestNumber>;
+
+std::string_view infinity(double value) {
+    return value < 0 ? "-inf" : "inf";
+}
+
+}  // namespace
+
 std::string numberText(double value) {
-    if (!std::isfinite(value)) {
-        return value < 0 ? "-inf" : "inf";
-    }
-    StringSink sink;
-    JsonWriter writer(sink, JsonWriter::shortBufferSize);
-    writer.number(value);
-    writer.flush();
-    return std::move(sink.text);
+    NumberRoom room;
+    return std::string(std::isfinite(value) ? JsonWriter::writeNumber(value, room)
+                                            : infinity(value));
 }
 
 void TextCell::integer(std::int64_t value) {
-    takeNumber(std::to_string(value));
+    NumberRoom room;
+    const char* const end = std::to_chars(room.data(), room.data() + room.size(), value).ptr;
+    takeWord({room.data(), static_cast<std::size_t>(end - room.data())});
 }
 
 void TextCell::number(double value) {
-    takeNumber(numberText(value));
+    if (!std::isfinite(value)) {
+        take(infinity(value));
+        return;
+    }
+    NumberRoom room;
+    takeWord(JsonWriter::writeNumber(value, room));
 }
 
 void TextCell::boolean(bool value) {
-    take(value ? "yes" : "no");
+    takeWord(value ? "yes" : "no");
 }
 
 void TextCell::decibels(double factor) {
-    takeNumber(decibelText(factor));
+    const std::string text = decibelText(factor);
+    if (std::isfinite(factor) && factor > 0) {
+        takeWord(text);
+    } else {
+        take(text);
+    }
 }
 
 void TextCell::fraction(const AAFRational& value) {

@@ -19,6 +19,7 @@ class TextCell : public Cell {
     using Cell::text;
 
     void text(std::string_view value) final { take(value); }
+    void word(std::string_view value) final { takeWord(value); }
     void integer(std::int64_t value) final;
     void number(double value) final;
     /// "yes", "no".
@@ -33,8 +34,8 @@ class TextCell : public Cell {
   protected:
     /// A text, which may be anything a stranger wrote.
     virtual void take(std::string_view text) = 0;
-    /// The text of a number: nothing else than digits, signs, a point, an exponent, "inf".
-    virtual void takeNumber(std::string_view text) { take(text); }
+    /// A word, or a finite number.
+    virtual void takeWord(std::string_view text) { take(text); }
 };
 
 }  // namespace trellant::cli

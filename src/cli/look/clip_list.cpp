@@ -27,6 +27,7 @@ class ClipRows {
         const AAFTrackState* track;
         const Source* source;
         const LossIndex& losses;
+        std::size_t lossCount;
         bool isAudible;
     };
 
@@ -39,8 +40,14 @@ class ClipRows {
     [[nodiscard]] std::size_t count() const { return timeline_.events.size(); }
     [[nodiscard]] Row row(std::size_t position) const {
         const AAFClipEvent& event = timeline_.events[position];
-        return {timeline_,          event,   audibility_.track(event),
-                sources_.of(event), losses_, audibility_.isEventAudible(event)};
+        const AAFTrackState* const track = audibility_.track(event);
+        return {timeline_,
+                event,
+                track,
+                sources_.ofEventAt(position),
+                losses_,
+                losses_.countTouching(event),
+                audibility_.isEventAudible(event, track)};
     }
 
   private:
@@ -58,10 +65,14 @@ void sayShownSource(const Row& row, Cell& cell) {
         cell.text(row.event.essenceID);
         return;
     }
-    const std::string name = sourceName(*row.source->essence);
+    const std::string& name = sourceName(*row.source->essence);
     const bool isThere =
         row.source->state == SourceState::embedded || row.source->state == SourceState::located;
-    cell.text(isThere ? name : std::string(stateText(row.source->state)) + ": " + name);
+    if (isThere) {
+        cell.text(name);
+    } else {
+        cell.text(std::string(stateText(row.source->state)) + ": " + name);
+    }
 }
 
 void saySource(const Row& row, Cell& cell) {
@@ -91,33 +102,35 @@ void sayChannel(const std::optional<std::int64_t>& channel, Cell& cell) {
 
 void sayPan(const Row& row, Cell& cell) {
     if (row.track != nullptr && row.track->fixedPan) {
-        cell.text(panText(*row.track->fixedPan));
+        cell.word(panText(*row.track->fixedPan));
     }
 }
 
 /// The numbers that a cell for people has room for.
 void sayShownLosses(const Row& row, Cell& cell) {
+    if (row.lossCount == 0) {
+        return;
+    }
     std::string text;
     const std::vector<std::size_t> positions = row.losses.touching(row.event);
     for (const std::size_t position : positions) {
         text += (text.empty() ? "" : ",") + std::to_string(position + 1);
     }
-    if (positions.size() < row.losses.countTouching(row.event)) {
+    if (positions.size() < row.lossCount) {
         text += ",...";
     }
-    if (!text.empty()) {
-        cell.text(text);
-    }
+    cell.text(text);
 }
 
 void sayLossNumbers(const Row& row, Cell& cell) {
+    if (row.lossCount == 0) {
+        return;
+    }
     std::vector<std::size_t> numbers = row.losses.touching(row.event);
     for (std::size_t& number : numbers) {
         ++number;
     }
-    if (!numbers.empty()) {
-        cell.lossNumbers(numbers);
-    }
+    cell.lossNumbers(numbers);
 }
 
 /// What is said of a fade: of `fadeIn` or `fadeOut`.
@@ -178,11 +191,11 @@ const std::array<ColumnOf<Row>, 43> clipColumns{{
      }},
     {{"in", "In", everyone},
      [](const Row& row, Cell& cell) {
-         cell.text(timecodeText(row.timeline, row.event.timelineStart));
+         cell.word(timecodeText(row.timeline, row.event.timelineStart));
      }},
     {{"out", "Out", everyone, Align::left, false, 2},
      [](const Row& row, Cell& cell) {
-         cell.text(timecodeText(row.timeline, row.event.timelineEnd()));
+         cell.word(timecodeText(row.timeline, row.event.timelineEnd()));
      }},
     {{"clip", "Clip", everyone, Align::left, true},
      [](const Row& row, Cell& cell) { cell.text(row.event.clipName); }},
@@ -191,7 +204,7 @@ const std::array<ColumnOf<Row>, 43> clipColumns{{
     {{"sourceState", "State"},
      [](const Row& row, Cell& cell) {
          if (row.source != nullptr) {
-             cell.text(stateWord(row.source->state));
+             cell.word(stateWord(row.source->state));
          }
      }},
     {{"sourceIn", "Source in (sample)", details, Align::right},
@@ -204,7 +217,7 @@ const std::array<ColumnOf<Row>, 43> clipColumns{{
          }
      }},
     {{"channel", "Channel"},
-     [](const Row& row, Cell& cell) { cell.text(rawValue(row.event.channelRole)); }},
+     [](const Row& row, Cell& cell) { cell.word(rawValue(row.event.channelRole)); }},
     {{"", "Ch.", people, Align::right, false, 8},
      [](const Row& row, Cell& cell) {
          if (row.source != nullptr && row.source->essence->channelCount > 1) {
@@ -222,7 +235,7 @@ const std::array<ColumnOf<Row>, 43> clipColumns{{
     {exact("durationSecondsExact", "Length (exact s)"),
      [](const Row& row, Cell& cell) { cell.fraction(row.event.duration); }},
     {{"length", "Length"},
-     [](const Row& row, Cell& cell) { cell.text(lengthText(row.timeline, row.event.duration)); }},
+     [](const Row& row, Cell& cell) { cell.word(lengthText(row.timeline, row.event.duration)); }},
     {{"", "Gain dB", people, Align::right, false, 5},
      [](const Row& row, Cell& cell) {
          cell.text(decibelText(row.event.fixedClipGain) +
@@ -271,9 +284,7 @@ const std::array<ColumnOf<Row>, 43> clipColumns{{
      [](const Row& row, Cell& cell) { cell.boolean(row.isAudible); }},
     {{"", "Losses", people, Align::left, false, 4}, sayShownLosses},
     {{"losses", "Losses", machines, Align::right},
-     [](const Row& row, Cell& cell) {
-         cell.integer(static_cast<std::int64_t>(row.losses.countTouching(row.event)));
-     }},
+     [](const Row& row, Cell& cell) { cell.integer(static_cast<std::int64_t>(row.lossCount)); }},
     {{"lossNumbers", "Loss numbers", machines}, sayLossNumbers},
     {{"id", "Id"}, [](const Row& row, Cell& cell) { cell.text(row.event.id); }},
 }};

@@ -58,6 +58,9 @@ class Cell {
     virtual ~Cell() = default;
 
     virtual void text(std::string_view value) = 0;
+    /// A text that no stranger had a hand in: a timecode, a word of ours. Printable ASCII, of which
+    /// no form needs an escape, quotes or a guard.
+    virtual void word(std::string_view value) = 0;
     virtual void integer(std::int64_t value) = 0;
     virtual void number(double value) = 0;
     virtual void boolean(bool value) = 0;

@@ -5,6 +5,7 @@
 #include "terminal/failure_line.h"
 
 #include <trellant/base/text.h>
+#include <trellant/base/utf8.h>
 
 #include <algorithm>
 
@@ -12,44 +13,11 @@ namespace trellant::cli {
 
 namespace {
 
-constexpr std::string_view digits = "0123456789";
-
-/// Takes the digits at the head off `text`; false when there are none.
-bool skipDigits(std::string_view& text) {
-    const std::size_t count = std::min(text.find_first_not_of(digits), text.size());
-    text.remove_prefix(count);
-    return count > 0;
-}
-
-bool skipAnyOf(std::string_view& text, std::string_view letters) {
-    const bool isThere = !text.empty() && letters.find(text.front()) != std::string_view::npos;
-    text.remove_prefix(isThere ? 1 : 0);
-    return isThere;
-}
-
-/// A sign, digits, a fraction, an exponent: what a sheet reads as a number, never as a formula.
-bool isPlainNumber(std::string_view text) {
-    skipAnyOf(text, "+-");
-    if (!skipDigits(text)) {
-        return false;
-    }
-    if (skipAnyOf(text, ".") && !skipDigits(text)) {
-        return false;
-    }
-    if (skipAnyOf(text, "eE")) {
-        skipAnyOf(text, "+-");
-        if (!skipDigits(text)) {
-            return false;
-        }
-    }
-    return text.empty();
-}
-
 /// Where a sheet would begin a cell with a formula, in quotes or not.
 bool looksLikeFormula(std::string_view text) {
-    while (skipAnyOf(text, "\"")) {
-    }
-    return skipAnyOf(text, "=+-@\t");
+    const std::size_t head = text.find_first_not_of('"');
+    return head != std::string_view::npos &&
+           std::string_view("=+-@\t").find(text[head]) != std::string_view::npos;
 }
 
 /// With an apostrophe before each formula: at the head, and behind whatever separates cells in a
@@ -102,9 +70,10 @@ void appendQuoted(std::string& record, std::string_view text) {
 
 /// Letters, digits and the like, which stay as they are: most cells.
 bool isHarmless(std::string_view cell) {
-    return !looksLikeFormula(cell) && std::all_of(cell.begin(), cell.end(), [](char byte) {
-        return byte >= ' ' && byte <= '~' && byte != '"' && byte != ',' && byte != ';';
-    });
+    return printablePrefixLength(cell) == cell.size() &&
+           std::none_of(cell.begin(), cell.end(),
+                        [](char byte) { return byte == '"' || byte == ',' || byte == ';'; }) &&
+           !looksLikeFormula(cell);
 }
 
 void appendText(std::string& record, std::string_view cell) {
@@ -145,29 +114,29 @@ class RecordTaker final : public TextCell, public List::RowTaker {
     }
     Cell& begin(std::size_t column) override {
         endFraction();
-        records += isFirst_ ? "" : ",";
+        if (!isFirst_) {
+            records += ',';
+        }
         isFirst_ = false;
         owesDenominator_ = (*columns_)[column].isFraction;
         return *this;
     }
     void fraction(const AAFRational& value) override {
-        records += std::to_string(value.numerator()) + ',' + std::to_string(value.denominator());
+        integer(value.numerator());
+        records += ',';
+        integer(value.denominator());
         owesDenominator_ = false;
     }
 
   private:
     void endFraction() {
-        records += owesDenominator_ ? "," : "";
+        if (owesDenominator_) {
+            records += ',';
+        }
         owesDenominator_ = false;
     }
     void take(std::string_view text) override { appendText(records, text); }
-    void takeNumber(std::string_view text) override {
-        if (isPlainNumber(text)) {
-            records += text;
-        } else {
-            take(text);
-        }
-    }
+    void takeWord(std::string_view text) override { records += text; }
 
     const std::vector<Column>* columns_ = nullptr;
     std::size_t start_ = 0;

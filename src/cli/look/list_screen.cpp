@@ -3,7 +3,7 @@
 #include "cell_text.h"
 #include "list.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace trellant::cli {
 
@@ -18,6 +18,7 @@ class TableFiller final : public TextCell, public List::RowTaker {
             if (column.audience == Audience::everyone || column.audience == Audience::people ||
                 (everything && column.audience == Audience::details)) {
                 chosen_.push_back(i);
+                holdsText_.push_back(false);
                 table_.columns.push_back(
                     {std::string(column.title), column.align, column.mayShrink, column.rank});
             }
@@ -34,24 +35,11 @@ class TableFiller final : public TextCell, public List::RowTaker {
         if (everything_) {
             return std::move(table_);
         }
-        Table filled;
-        std::vector<std::size_t> kept;
-        for (std::size_t i = 0; i < chosen_.size(); ++i) {
-            if (std::any_of(table_.rows.begin(), table_.rows.end(),
-                            [i](const auto& row) { return !row[i].empty(); })) {
-                kept.push_back(i);
-                filled.columns.push_back(std::move(table_.columns[i]));
-            }
-        }
-        filled.rows.reserve(table_.rows.size());
+        keepFilled(table_.columns);
         for (std::vector<std::string>& row : table_.rows) {
-            filled.rows.emplace_back();
-            filled.rows.back().reserve(kept.size());
-            for (const std::size_t i : kept) {
-                filled.rows.back().push_back(std::move(row[i]));
-            }
+            keepFilled(row);
         }
-        return filled;
+        return std::move(table_);
     }
 
     Cell& begin(std::size_t /*column*/) override {
@@ -60,10 +48,28 @@ class TableFiller final : public TextCell, public List::RowTaker {
     }
 
   private:
-    void take(std::string_view text) override { table_.rows.back().back() = text; }
+    void take(std::string_view text) override {
+        std::vector<std::string>& row = table_.rows.back();
+        row.back() = text;
+        holdsText_[row.size() - 1] = holdsText_[row.size() - 1] || !text.empty();
+    }
+
+    /// Leaves what belongs to the columns that hold a text.
+    template <class Part>
+    void keepFilled(std::vector<Part>& parts) const {
+        std::size_t kept = 0;
+        for (std::size_t i = 0; i < parts.size(); ++i) {
+            if (holdsText_[i]) {
+                std::swap(parts[kept++], parts[i]);
+            }
+        }
+        parts.resize(kept);
+    }
 
     bool everything_;
     std::vector<std::size_t> chosen_;
+    /// Of each column that is chosen, in any row.
+    std::vector<bool> holdsText_;
     Table table_;
 };
 

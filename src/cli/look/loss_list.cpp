@@ -37,18 +37,18 @@ using Row = LossRows::Row;
 
 void sayEffect(const Row& row, Cell& cell) {
     const bool isDropped = row.feature.severity == AAFUnsupportedFeature::Severity::informational;
-    cell.text(isDropped ? "dropped" : "sounds different");
+    cell.word(isDropped ? "dropped" : "sounds different");
 }
 
 void sayIn(const Row& row, Cell& cell) {
     if (row.loss.start) {
-        cell.text(timecodeText(row.timeline, *row.loss.start));
+        cell.word(timecodeText(row.timeline, *row.loss.start));
     }
 }
 
 void sayOut(const Row& row, Cell& cell) {
     if (row.loss.start && row.loss.duration) {
-        cell.text(timecodeText(row.timeline, *row.loss.start + *row.loss.duration));
+        cell.word(timecodeText(row.timeline, *row.loss.start + *row.loss.duration));
     }
 }
 

@@ -56,7 +56,7 @@ JsonLine& JsonLine::boolean(std::string_view name, bool value) {
 }
 
 JsonLine& JsonLine::fraction(std::string_view name, const AAFRational& value) {
-    // Two numbers of 64 bits, a sign, a slash.
+    // Two numbers of 64 bits, their signs, an escaped slash.
     std::array<char, 48> text{};
     std::size_t used = 0;
     const auto put = [&text, &used](std::int64_t number) {
@@ -64,12 +64,14 @@ JsonLine& JsonLine::fraction(std::string_view name, const AAFRational& value) {
         used = static_cast<std::size_t>(end - text.data());
     };
     put(value.numerator());
-    if (value.denominator() != 1 && used < text.size()) {
+    if (value.denominator() != 1) {
+        // With the escape that every slash gets.
+        text[used++] = '\\';
         text[used++] = '/';
         put(value.denominator());
     }
     writer_.plainKey(name);
-    writer_.string({text.data(), used});
+    writer_.escapedString({text.data(), used});
     return *this;
 }
 

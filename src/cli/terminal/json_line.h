@@ -22,6 +22,8 @@ class JsonLine {
     explicit JsonLine(JsonSink& sink) : writer_(sink, JsonWriter::shortBufferSize) {
         writer_.beginObject();
     }
+    /// Begins another line behind one that has ended.
+    void begin() { writer_.beginObject(); }
 
     JsonLine& text(std::string_view name, std::string_view value);
     JsonLine& text(std::string_view name, const std::optional<std::string>& value);
@@ -30,6 +32,12 @@ class JsonLine {
     }
     JsonLine& text(std::string_view name, const char* value) {
         return text(name, std::string_view(value));
+    }
+    /// A text that no stranger had a hand in: printable ASCII that needs no escape.
+    JsonLine& word(std::string_view name, std::string_view value) {
+        writer_.plainKey(name);
+        writer_.escapedString(value);
+        return *this;
     }
     JsonLine& integer(std::string_view name, std::int64_t value);
     JsonLine& integer(std::string_view name, std::optional<std::int64_t> value);
@@ -87,7 +95,8 @@ class JsonLine {
         return *this;
     }
 
-    /// Ends the line with its line feed and hands it to the sink; nothing may be added after.
+    /// Ends the line with its line feed and hands it to the sink; nothing may be added after, but
+    /// another line may begin.
     void end();
 
   private:

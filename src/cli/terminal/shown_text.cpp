@@ -67,8 +67,11 @@ Measure measureHead(std::string_view text) {
 }  // namespace
 
 std::string shownText(std::string_view text) {
+    const std::size_t plain = printablePrefixLength(text);
     std::string shown;
     shown.reserve(text.size());
+    shown += text.substr(0, plain);
+    text.remove_prefix(plain);
     while (!text.empty()) {
         const std::size_t length = utf8SequenceLength(text);
         if (length == 0 || isHarmful(scalarOf(text, length))) {
@@ -82,17 +85,14 @@ std::string shownText(std::string_view text) {
 }
 
 bool isHarmfulText(std::string_view text) {
+    text.remove_prefix(printablePrefixLength(text));
     while (!text.empty()) {
-        const unsigned char first = static_cast<unsigned char>(text.front());
-        if (first >= ' ' && first < 0x7F) {
-            text.remove_prefix(1);
-            continue;
-        }
         const std::size_t length = utf8SequenceLength(text);
         if (length == 0 || isHarmful(scalarOf(text, length))) {
             return true;
         }
         text.remove_prefix(length);
+        text.remove_prefix(printablePrefixLength(text));
     }
     return false;
 }
@@ -102,12 +102,12 @@ std::string shownLines(std::string text) {
     std::size_t begin = 0;
     bool isChanged = false;
     for (std::size_t at = 0; at < text.size();) {
-        const auto first = static_cast<unsigned char>(text[at]);
-        if ((first >= ' ' && first < 0x7F) || first == '\n') {
+        at += printablePrefixLength(std::string_view(text).substr(at));
+        const std::string_view rest = std::string_view(text).substr(at);
+        if (rest.empty() || rest.front() == '\n') {
             ++at;
             continue;
         }
-        const std::string_view rest = std::string_view(text).substr(at);
         if (const std::size_t colour = colourLength(rest); colour != 0) {
             at += colour;
             continue;
@@ -129,7 +129,8 @@ std::string shownLines(std::string text) {
 }
 
 std::size_t displayWidth(std::string_view text) {
-    std::size_t cells = 0;
+    std::size_t cells = printablePrefixLength(text);
+    text.remove_prefix(cells);
     while (!text.empty()) {
         const Measure head = measureHead(text);
         cells += head.cells;
@@ -141,6 +142,9 @@ std::size_t displayWidth(std::string_view text) {
 std::string cutToCells(std::string_view shown, std::size_t cells) {
     if (cells == 0) {
         return {};
+    }
+    if (shown.size() <= cells && printablePrefixLength(shown) == shown.size()) {
+        return std::string(shown);
     }
     utf8proc_int32_t state = 0;
     std::int32_t before = 0;

@@ -6,9 +6,11 @@
 #include "shown_text.h"
 
 #include <trellant/base/precondition.h>
+#include <trellant/base/utf8.h>
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 namespace trellant::cli {
 
@@ -30,26 +32,37 @@ struct Cell {
 };
 using Row = std::vector<Cell>;
 
-Row shownRow(const std::vector<std::string>& texts) {
+Cell shownCell(std::string text) {
+    if (text.size() <= widestCell && printablePrefixLength(text) == text.size()) {
+        const std::size_t cells = text.size();
+        return {std::move(text), cells};
+    }
+    std::string shown = cutToCells(shownText(text), widestCell);
+    const std::size_t cells = displayWidth(shown);
+    return {std::move(shown), cells};
+}
+
+Row shownRow(std::vector<std::string> texts) {
     Row row;
     row.reserve(texts.size());
-    for (const std::string& text : texts) {
-        std::string shown = cutToCells(shownText(text), widestCell);
-        const std::size_t cells = displayWidth(shown);
-        row.push_back({std::move(shown), cells});
+    for (std::string& text : texts) {
+        row.push_back(shownCell(std::move(text)));
     }
     return row;
 }
 
-std::vector<Row> shownRows(const Table& table) {
+/// Takes the rows of the table one by one, so that the texts are there once.
+std::vector<Row> shownRows(Table& table) {
     std::vector<std::string> titles;
     for (const TableColumn& column : table.columns) {
         titles.push_back(column.title);
     }
-    std::vector<Row> rows{shownRow(titles)};
-    for (const auto& row : table.rows) {
+    std::vector<Row> rows;
+    rows.reserve(table.rows.size() + 1);
+    rows.push_back(shownRow(std::move(titles)));
+    for (auto& row : table.rows) {
         precondition(row.size() == table.columns.size(), "a row has a cell for each column");
-        rows.push_back(shownRow(row));
+        rows.push_back(shownRow(std::move(row)));
     }
     return rows;
 }
@@ -91,20 +104,33 @@ void shrink(std::vector<std::size_t>& widths, const std::vector<TableColumn>& co
     }
 }
 
-std::string lineOf(const Row& row, const std::vector<TableColumn>& columns,
-                   const std::vector<std::size_t>& widths) {
-    std::string line;
+Cell cutCell(const Cell& cell, std::size_t width) {
+    std::string text = cutToCells(cell.text, width);
+    const std::size_t cells = displayWidth(text);
+    return {std::move(text), cells};
+}
+
+void appendCell(std::string& line, const Cell& cell, Align align, std::size_t width) {
+    const std::size_t padding = width - cell.cells;
+    line.append(align == Align::right ? padding : 0, ' ');
+    line += cell.text;
+    line.append(align == Align::left ? padding : 0, ' ');
+}
+
+/// Without blanks at its end.
+void appendLine(std::string& text, const Row& row, const std::vector<TableColumn>& columns,
+                const std::vector<std::size_t>& widths) {
     for (std::size_t i = 0; i < row.size(); ++i) {
-        const bool isCut = row[i].cells > widths[i];
-        const std::string text = isCut ? cutToCells(row[i].text, widths[i]) : row[i].text;
-        const std::size_t padding = widths[i] - (isCut ? displayWidth(text) : row[i].cells);
-        line.append(i == 0 ? 0 : gap, ' ');
-        line.append(columns[i].align == Align::right ? padding : 0, ' ');
-        line += text;
-        line.append(columns[i].align == Align::left ? padding : 0, ' ');
+        text.append(i == 0 ? 0 : gap, ' ');
+        if (row[i].cells <= widths[i]) {
+            appendCell(text, row[i], columns[i].align, widths[i]);
+        } else {
+            appendCell(text, cutCell(row[i], widths[i]), columns[i].align, widths[i]);
+        }
     }
-    line.erase(line.find_last_not_of(' ') + 1);
-    return line;
+    while (text.ends_with(' ')) {
+        text.pop_back();
+    }
 }
 
 /// Which columns stay: as many as fit at the width they can be read in, in order of rank up to the
@@ -151,10 +177,12 @@ std::string textOf(const std::vector<Row>& rows, const std::vector<TableColumn>&
     if (lineCells != Console::unlimitedColumns) {
         shrink(widths, columns, lineCells);
     }
-    std::string text = painted(lineOf(rows.front(), columns, widths), Paint::bold, colour);
+    std::string titles;
+    appendLine(titles, rows.front(), columns, widths);
+    std::string text = painted(titles, Paint::bold, colour);
     text += '\n';
     for (auto row = rows.begin() + 1; row != rows.end(); ++row) {
-        text += lineOf(*row, columns, widths);
+        appendLine(text, *row, columns, widths);
         text += '\n';
     }
     return text;
@@ -162,7 +190,7 @@ std::string textOf(const std::vector<Row>& rows, const std::vector<TableColumn>&
 
 }  // namespace
 
-std::string aligned(const Table& table, std::size_t columns, bool colour) {
+std::string aligned(Table table, std::size_t columns, bool colour) {
     if (table.columns.empty()) {
         return {};
     }
@@ -170,9 +198,9 @@ std::string aligned(const Table& table, std::size_t columns, bool colour) {
     return textOf(rows, table.columns, fullWidths(rows), columns, colour);
 }
 
-FittedTable fitted(const Table& table, std::size_t columns, bool colour) {
+FittedTable fitted(Table table, std::size_t columns, bool colour) {
     if (columns == Console::unlimitedColumns || table.columns.empty()) {
-        return {aligned(table, columns, colour), {}};
+        return {aligned(std::move(table), columns, colour), {}};
     }
     std::vector<Row> rows = shownRows(table);
     const std::vector<std::size_t> widths = fullWidths(rows);

@@ -33,7 +33,7 @@ struct Table {
 /// Aligned columns, two blanks between them, titles first, no blanks at the ends of lines; control
 /// characters replaced. `columns` cells to a line at most when the shrinkable columns allow it;
 /// Console::unlimitedColumns: nothing is cut but cells of more than 200.
-[[nodiscard]] std::string aligned(const Table& table, std::size_t columns, bool colour);
+[[nodiscard]] std::string aligned(Table table, std::size_t columns, bool colour);
 
 struct FittedTable {
     std::string text;
@@ -43,6 +43,6 @@ struct FittedTable {
 
 /// The same, but columns of a rank are left out before names are cut to less than a reader can
 /// make use of.
-[[nodiscard]] FittedTable fitted(const Table& table, std::size_t columns, bool colour);
+[[nodiscard]] FittedTable fitted(Table table, std::size_t columns, bool colour);
 
 }  // namespace trellant::cli

@@ -36,4 +36,7 @@ void appendUTF8(std::string& text, char32_t scalar);
 /// How many bytes at the head of `text` are ASCII.
 [[nodiscard]] std::size_t asciiPrefixLength(std::string_view text) noexcept;
 
+/// How many bytes at the head of `text` are printable ASCII, blanks among them.
+[[nodiscard]] std::size_t printablePrefixLength(std::string_view text) noexcept;
+
 }  // namespace trellant

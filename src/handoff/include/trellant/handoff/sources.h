@@ -46,13 +46,22 @@ class Sources {
     [[nodiscard]] const std::vector<Source>& all() const noexcept { return sources_; }
     /// The source that the event plays; null when the timeline has none of that id.
     [[nodiscard]] const Source* of(const AAFClipEvent& event) const;
+    /// The same for the event at `position` of the timeline, without looking its id up again.
+    [[nodiscard]] const Source* ofEventAt(std::size_t position) const {
+        const std::size_t source = byEvent_.at(position);
+        return source == none ? nullptr : &sources_[source];
+    }
 
   private:
+    static constexpr auto none = static_cast<std::size_t>(-1);
+
     std::vector<Source> sources_;
+    /// Positions of the sources that the events play.
+    std::vector<std::size_t> byEvent_;
     KeyedMap<std::string_view, std::size_t> byID_;
 };
 
 /// What a person calls the source: its name, else its recorded path, else its id.
-[[nodiscard]] std::string sourceName(const AAFSourceEssence& essence);
+[[nodiscard]] const std::string& sourceName(const AAFSourceEssence& essence);
 
 }  // namespace trellant

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -44,6 +45,9 @@ class JsonWriter {
     /// The same for documents that are short anyhow, such as a progress line.
     static constexpr std::size_t shortBufferSize = 512;
 
+    /// Room for any 64-bit integer and any shortest double ("-2.2250738585072014e-308").
+    static constexpr std::size_t longestNumber = 32;
+
     /// `sink` must outlive the writer. `room`: bytes to gather, at least shortBufferSize.
     explicit JsonWriter(JsonSink& sink, std::size_t room = bufferSize);
 
@@ -68,6 +72,13 @@ class JsonWriter {
     void key(std::string_view key);
 
     void string(std::string_view text);
+    /// A text that needs no escape or has its escapes, as it stands; at most shortBufferSize - 2
+    /// bytes.
+    void escapedString(std::string_view text) {
+        separate();
+        shortQuoted(text);
+        needsComma_ = true;
+    }
     /// The same in printable ASCII only: all else as escapes of four digits, in pairs where needed.
     void asciiString(std::string_view text);
     void integer(std::int64_t value);
@@ -76,6 +87,9 @@ class JsonWriter {
     /// beyond ("1e-05", "1e+16"), whole values without a point, minus zero as "-0". Requires a
     /// finite value.
     void number(double value);
+    /// The same text without a document around it, at the head of `out`.
+    [[nodiscard]] static std::string_view writeNumber(double value,
+                                                      std::span<char, longestNumber> out);
     void boolean(bool value);
 
     /// A line feed behind a whole document: the next one stands on a line of its own.
@@ -113,6 +127,13 @@ class JsonWriter {
             flush();
         }
         return buffer_.get() + used_;
+    }
+    void shortQuoted(std::string_view text) {
+        char* out = reserve(text.size() + 2);
+        *out = '"';
+        text.copy(out + 1, text.size());
+        out[text.size() + 1] = '"';
+        used_ += text.size() + 2;
     }
     void append(std::string_view bytes);
     void quoted(std::string_view text);

@@ -20,7 +20,12 @@ class AAFAudibility {
     /// The event's track; null when `trackID` names none.
     [[nodiscard]] const AAFTrackState* track(const AAFClipEvent& event) const;
     /// False on a muted track, for a muted clip, beside soloed tracks and without a track.
-    [[nodiscard]] bool isEventAudible(const AAFClipEvent& event) const;
+    [[nodiscard]] bool isEventAudible(const AAFClipEvent& event) const {
+        return isEventAudible(event, track(event));
+    }
+    /// The same where the event's track is known already, or null.
+    [[nodiscard]] bool isEventAudible(const AAFClipEvent& event,
+                                      const AAFTrackState* ofEvent) const noexcept;
 
   private:
     KeyedMap<std::string_view, const AAFTrackState*> tracks_;

@@ -9,7 +9,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-namespace trellant::testing::odd {
+namespace trellant::testing::misbehaving {
 
 namespace {
 
@@ -119,4 +119,4 @@ int reportAsTold() {
     return 0;
 }
 
-}  // namespace trellant::testing::odd
+}  // namespace trellant::testing::misbehaving

@@ -14,7 +14,7 @@
 #include <unistd.h>
 #include <vector>
 
-namespace trellant::testing::odd {
+namespace trellant::testing::misbehaving {
 
 namespace {
 
@@ -88,4 +88,4 @@ int describeItself() {
     return 0;
 }
 
-}  // namespace trellant::testing::odd
+}  // namespace trellant::testing::misbehaving

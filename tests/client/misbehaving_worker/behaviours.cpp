@@ -10,7 +10,7 @@
 #include <string>
 #include <unistd.h>
 
-namespace trellant::testing::odd {
+namespace trellant::testing::misbehaving {
 
 namespace {
 
@@ -191,4 +191,4 @@ int behave(std::string_view name) {
     return sleepingBehaviour(name);
 }
 
-}  // namespace trellant::testing::odd
+}  // namespace trellant::testing::misbehaving

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The answers that the odd worker gives, for itself and for the tests that expect them.
+// The answers that the misbehaving worker gives, for itself and for the tests that expect them.
 #pragma once
 
 #include <string>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// What every behaviour of the odd worker is made of. All of it ends the process when something
-// fails that no test asks for.
+// What every behaviour of the misbehaving worker is made of. All of it ends the process when
+// something fails that no test asks for.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@
 #include <string_view>
 #include <sys/types.h>
 
-namespace trellant::testing::odd {
+namespace trellant::testing::misbehaving {
 
 /// The status of a worker that could not do what it was started for.
 inline constexpr int brokenStatus = 99;
@@ -47,4 +47,4 @@ void flood(int stream, std::size_t size);
 /// A result whose composition name and only diagnostic are `request`.
 [[nodiscard]] std::string echo(const std::string& request);
 
-}  // namespace trellant::testing::odd
+}  // namespace trellant::testing::misbehaving

@@ -10,7 +10,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-namespace trellant::testing::odd {
+namespace trellant::testing::misbehaving {
 
 namespace {
 
@@ -152,4 +152,4 @@ std::string echo(const std::string& request) {
     return resultText(timelineText(std::string_view(text).substr(1, text.size() - 2)), text);
 }
 
-}  // namespace trellant::testing::odd
+}  // namespace trellant::testing::misbehaving

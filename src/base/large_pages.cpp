@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "large_pages.h"
+#include <trellant/base/large_pages.h>
 
 #include <bit>
 #include <cstdint>

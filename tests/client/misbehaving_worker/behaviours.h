@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-// Everything that the odd worker can be, by the name under which it is started.
+// Everything that the misbehaving worker can be, by the name under which it is started.
 #pragma once
 
 #include <optional>
 #include <string_view>
 
-namespace trellant::testing::odd {
+namespace trellant::testing::misbehaving {
 
 /// Acts as `name` says and gives the exit status; some never come back.
 [[nodiscard]] int behave(std::string_view name);
@@ -32,4 +32,4 @@ namespace trellant::testing::odd {
 /// Answers with what this process got from its host besides the request, one diagnostic each.
 [[nodiscard]] int describeItself();
 
-}  // namespace trellant::testing::odd
+}  // namespace trellant::testing::misbehaving

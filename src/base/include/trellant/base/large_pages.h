@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <span>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 /// Asks the system to back `memory` with large pages where that is worth it: filling many
 /// megabytes otherwise faults in thousands of pages one by one. A wish, without effect on contents.

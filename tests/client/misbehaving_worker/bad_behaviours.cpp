@@ -8,7 +8,7 @@
 #include <string>
 #include <unistd.h>
 
-namespace trellant::testing::odd {
+namespace trellant::testing::misbehaving {
 
 namespace {
 
@@ -102,4 +102,4 @@ std::optional<int> behaveBadly(std::string_view name) {
     return std::nullopt;
 }
 
-}  // namespace trellant::testing::odd
+}  // namespace trellant::testing::misbehaving

@@ -7,13 +7,13 @@
 #include <string>
 
 int main(int count, char** arguments) {
-    namespace odd = trellant::testing::odd;
+    namespace misbehaving = trellant::testing::misbehaving;
     // A worker takes no arguments.
     if (count != 1) {
-        return odd::brokenStatus;
+        return misbehaving::brokenStatus;
     }
     const std::string program = arguments[0];
-    odd::limitLife();
-    odd::setProgram(program);
-    return odd::behave(std::string_view(program).substr(program.rfind('/') + 1));
+    misbehaving::limitLife();
+    misbehaving::setProgram(program);
+    return misbehaving::behave(std::string_view(program).substr(program.rfind('/') + 1));
 }
