@@ -61,7 +61,7 @@ std::string_view formatName(ExportFormat format) {
         case ExportFormat::otio:
             return "OTIO";
         case ExportFormat::otioz:
-            return "OTIO in an archive";
+            return "OTIO archive";
         case ExportFormat::reaper:
             return "REAPER project";
         case ExportFormat::dawproject:
@@ -97,7 +97,7 @@ std::string differencesText(const ExportReport& report) {
         return "none";
     }
     return std::to_string(ofReading + ofFormat) + " (" + std::to_string(ofReading) +
-           " of reading, " + std::to_string(ofFormat) + " of the format), each in " +
+           " of reading, " + std::to_string(ofFormat) + " of the format), listed in " +
            shown(report.files.back());
 }
 
@@ -137,7 +137,7 @@ std::string exportLine(const std::string& file, const std::string& directory, Ex
     const Counts counts(report.plan);
     return jsonLine([&](JsonLine& line) {
         line.text("file", fileForPrograms(file))
-            .text("directory", directory)
+            .text("directory", fileForPrograms(directory))
             .text("format", exchange::formatWord(format))
             .texts("files", report.files)
             .text("mediaFolder", report.mediaFolder)
@@ -153,13 +153,15 @@ std::string exportLine(const std::string& file, const std::string& directory, Ex
                             .count("linked", report.linkedMedia)
                             .count("offline", report.offlineMedia);
                     })
-            .object("losses", [&](JsonLine& losses) {
-                losses.count("reading", report.handOff.timeline.unsupportedFeatures.size())
-                    .count("export", report.losses.size())
-                    .count("exportDropped", countOf(report.losses, Severity::informational))
-                    .count("exportSoundsDifferent",
-                           countOf(report.losses, Severity::renderAffecting));
-            });
+            .object("losses",
+                    [&](JsonLine& losses) {
+                        losses.count("reading", report.handOff.timeline.unsupportedFeatures.size())
+                            .count("export", report.losses.size())
+                            .count("exportDropped", countOf(report.losses, Severity::informational))
+                            .count("exportSoundsDifferent",
+                                   countOf(report.losses, Severity::renderAffecting));
+                    })
+            .count("changes", report.handOff.changes.size());
     });
 }
 
