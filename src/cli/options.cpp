@@ -358,7 +358,7 @@ class Parser {
     }
 
     CLI::App app_{
-        "Looks into OMF files, takes their audio out, and tells what could not be "
+        "Looks into OMF files, takes their audio out, writes sessions, and tells what could not be "
         "carried over.",
         "trellant"};
     CLI::App* info_ = nullptr;

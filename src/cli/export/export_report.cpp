@@ -79,13 +79,13 @@ std::string mediaText(const ExportReport& report) {
                         shown(*report.mediaFolder));
     }
     if (report.embeddedMedia != 0) {
-        parts.push_back(std::to_string(report.embeddedMedia) + " inside");
+        parts.push_back(counted(report.embeddedMedia, "file", "files") + " inside");
     }
     if (report.linkedMedia != 0) {
-        parts.push_back(std::to_string(report.linkedMedia) + " linked where they lie");
+        parts.push_back(counted(report.linkedMedia, "file where it lies", "files where they lie"));
     }
     if (report.offlineMedia != 0) {
-        parts.push_back(std::to_string(report.offlineMedia) + " offline");
+        parts.push_back(counted(report.offlineMedia, "file", "files") + " offline");
     }
     return parts.empty() ? "none" : joined(parts, ", ");
 }
@@ -93,12 +93,15 @@ std::string mediaText(const ExportReport& report) {
 std::string differencesText(const ExportReport& report) {
     const std::size_t ofReading = report.handOff.timeline.unsupportedFeatures.size();
     const std::size_t ofFormat = report.losses.size();
-    if (ofReading + ofFormat == 0) {
-        return "none";
+    std::vector<std::string> parts;
+    if (ofReading != 0) {
+        parts.push_back(std::to_string(ofReading) + " of reading");
     }
-    return std::to_string(ofReading + ofFormat) + " (" + std::to_string(ofReading) +
-           " of reading, " + std::to_string(ofFormat) + " of the format), listed in " +
-           shown(report.files.back());
+    if (ofFormat != 0) {
+        parts.push_back(std::to_string(ofFormat) + " of the format");
+    }
+    return parts.empty() ? "none"
+                         : joined(parts, ", ") + "; listed in " + shown(report.files.back());
 }
 
 std::size_t countOf(const std::vector<ExportLoss>& losses, Severity severity) {
