@@ -72,6 +72,14 @@ string(REGEX REPLACE "/$" "" trellant_pc_prefix "${trellant_pc_prefix}")
 configure_file(cmake/trellant.pc.in ${PROJECT_BINARY_DIR}/package/trellant.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/package/trellant.pc DESTINATION ${trellant_pkgconfig_dir}
     COMPONENT development)
+# Hosts that write sessions link more: a file of its own, so that others are not asked for it.
+set(trellant_pc_export_requires "trellant = ${PROJECT_VERSION}")
+if(TRELLANT_STATIC_LIBRARIES)
+    string(APPEND trellant_pc_export_requires ", nettle, minizip, zlib, pugixml")
+endif()
+configure_file(cmake/trellant-export.pc.in ${PROJECT_BINARY_DIR}/package/trellant-export.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/package/trellant-export.pc DESTINATION ${trellant_pkgconfig_dir}
+    COMPONENT development)
 
 file(GLOB trellant_schemas CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/schema/*.schema.json)
 install(FILES ${trellant_schemas} DESTINATION ${trellant_schema_dir} COMPONENT development)

@@ -33,9 +33,10 @@ set(trellant_this_version "(= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}
 set(CPACK_DEBIAN_COMMAND_PACKAGE_NAME trellant)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION sound)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_SUGGESTS libtrellant-doc)
-set(CPACK_COMPONENT_COMMAND_DESCRIPTION "looks into OMF files and takes their audio out
-The command trellant lists what is in OMF 2.x files, takes their audio out
-and says what could not be carried over.
+set(CPACK_COMPONENT_COMMAND_DESCRIPTION "looks into OMF files and writes sessions for today's tools
+The command trellant lists what is in OMF 2.x files, takes their audio out,
+writes them as AAF, OTIO, REAPER or DAWproject sessions and says what could
+not be carried over.
 With the worker trellant-omf, which reads a file into an exact timeline, and
 trellant-wav, which writes WAVE files.")
 
@@ -45,8 +46,8 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "trellant ${trellant_this_version}"
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libtrellant-doc)
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "libraries that read OMF files, for C++ hosts
 Headers and libraries by which a program runs the worker trellant-omf, or
-reads OMF 2.x files in its own process, and the JSON schemas of the messages
-between host and worker.
+reads OMF 2.x files in its own process, or writes them as sessions of other
+tools, and the JSON schemas of the messages between host and worker.
 To be found by CMake and pkg-config.")
 
 set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_NAME libtrellant-doc)
@@ -81,6 +82,8 @@ The libraries behind the command trellant and the worker trellant-omf.")
 else()
     # Hosts that link the archives link them too; running the command takes nothing of them.
     string(APPEND CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS ", libutf8proc-dev, nettle-dev")
+    # What those link that write sessions.
+    set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS "libminizip-dev, libpugixml-dev, zlib1g-dev")
 endif()
 
 find_program(TRELLANT_SHLIBDEPS dpkg-shlibdeps)

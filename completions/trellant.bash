@@ -25,7 +25,8 @@ _trellant() {
     local anywhere="-h --help -q --quiet -v --verbose"
     local lossy="--media --fail-on"
     local output="-o --output --force"
-    local commands="info list extract dump validate"
+    local commands="info list extract export dump validate"
+    local formats="aaf otio otioz reaper dawproject markers"
     # In any case: such files come from systems that do not tell the cases apart.
     local omf='*.[oO][mM][fF]' omfi='*.[oO][mM][fF][iI]' json='*.[jJ][sS][oO][nN]'
     local current="${COMP_WORDS[COMP_CWORD]}" previous="" command="" word
@@ -38,7 +39,8 @@ _trellant() {
         word="${COMP_WORDS[index]}"
         [[ $word == = ]] && continue
         case $previous in
-            --media | --fail-on | --to | --output | -o | --object | --path)
+            --media | --fail-on | --to | --output | -o | --object | --path | --format | --media-mode | \
+                --rate | --name)
                 previous=""
                 continue
                 ;;
@@ -69,7 +71,15 @@ _trellant() {
             _trellant_paths '*' "$current"
             return
             ;;
-        --object | --path)
+        --format)
+            _trellant_words "$formats" "$current"
+            return
+            ;;
+        --media-mode)
+            _trellant_words "copy link embed" "$current"
+            return
+            ;;
+        --object | --path | --rate | --name)
             return
             ;;
     esac
@@ -87,6 +97,7 @@ _trellant() {
             info) _trellant_words "$anywhere --json $lossy $output" "$current" ;;
             list) _trellant_words "$anywhere --csv --json $lossy $output" "$current" ;;
             extract) _trellant_words "$anywhere --to $lossy --wav --force --absolute --json" "$current" ;;
+            export) _trellant_words "$anywhere --to --format $lossy --media-mode --rate --name --no-markers --force --json" "$current" ;;
             dump) _trellant_words "$anywhere --toc --object --path --all --json" "$current" ;;
             validate) _trellant_words "$anywhere --json" "$current" ;;
         esac
@@ -100,7 +111,7 @@ _trellant() {
                 _trellant_paths "@($omf|$omfi)" "$current"
             fi
             ;;
-        info | extract) _trellant_paths "@($omf|$omfi)" "$current" ;;
+        info | extract | export) _trellant_paths "@($omf|$omfi)" "$current" ;;
         dump) _trellant_paths '*' "$current" ;;
         help) ((places == 0)) && _trellant_words "$commands" "$current" ;;
         validate) _trellant_paths "$json" "$current" ;;

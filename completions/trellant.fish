@@ -18,7 +18,7 @@ function __trellant_in
     test "$words[1]" = "$argv[1]"
 end
 
-set -l commands info list extract dump validate
+set -l commands info list extract export dump validate
 set -l contents tracks clips sources losses
 
 complete -c trellant -f
@@ -31,6 +31,7 @@ complete -c trellant -n __trellant_in -l version -d 'Show the version'
 complete -c trellant -n __trellant_in -a info -d 'Show what is in OMF files, one screen each'
 complete -c trellant -n __trellant_in -a list -d 'List the tracks, clips, audio files or losses of OMF files'
 complete -c trellant -n __trellant_in -a extract -d 'Take the audio out of OMF files'
+complete -c trellant -n __trellant_in -a export -d 'Write sessions for the tools of today'
 complete -c trellant -n __trellant_in -a dump -d 'Show the containers behind OMF files, for engineers'
 complete -c trellant -n __trellant_in -a validate -d 'Check timelines and results that were written as JSON'
 complete -c trellant -n __trellant_in -a help -d 'Show the page of a command'
@@ -59,6 +60,18 @@ complete -c trellant -n '__trellant_in extract' -l absolute -d 'Name files in ti
 complete -c trellant -n '__trellant_in extract' -l json -d 'Write one JSON object a line for each file'
 complete -c trellant -n '__trellant_in extract' -l fail-on -x -a 'missing render any' -d 'End with status 3 when there is such a loss'
 complete -c trellant -n '__trellant_in extract' -a '(__trellant_files "omfi?")'
+
+complete -c trellant -n '__trellant_in export' -l to -x -a '(__fish_complete_directories)' -d 'Write into this folder'
+complete -c trellant -n '__trellant_in export' -l format -x -a 'aaf otio otioz reaper dawproject markers' -d 'Write this kind of session'
+complete -c trellant -n '__trellant_in export' -l media -x -a '(__fish_complete_directories)' -d 'Look for external audio files here and below'
+complete -c trellant -n '__trellant_in export' -l media-mode -x -a 'copy link embed' -d 'Put the audio beside the session, leave it, or put it inside'
+complete -c trellant -n '__trellant_in export' -l rate -x -d 'Write so many samples in a second'
+complete -c trellant -n '__trellant_in export' -l name -x -d 'Call the session this'
+complete -c trellant -n '__trellant_in export' -l no-markers -d 'Put no markers where something was lost'
+complete -c trellant -n '__trellant_in export' -l force -d 'Replace existing files'
+complete -c trellant -n '__trellant_in export' -l json -d 'Write one JSON object a line for each file'
+complete -c trellant -n '__trellant_in export' -l fail-on -x -a 'missing render any' -d 'End with status 3 when there is such a loss'
+complete -c trellant -n '__trellant_in export' -a '(__trellant_files "omfi?")'
 
 complete -c trellant -n '__trellant_in dump' -l toc -d 'Show every entry of the table'
 complete -c trellant -n '__trellant_in dump' -l object -x -d 'Show one object with its properties'

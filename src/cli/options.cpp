@@ -242,11 +242,12 @@ class Parser {
             ->add_option("--rate", exportCall_.rate,
                          "Samples in a second of the session; else the commonest of its audio")
             ->type_name("HZ")
-            ->check(CLI::Range(std::int64_t{1}, highestRate));
+            ->check(CLI::Range(std::int64_t{1}, highestRate).description(""));
         export_->add_option("--name", exportCall_.name, "Name of the session; else the file's")
             ->type_name("NAME");
-        export_->add_flag("!--no-markers", exportCall_.markers,
-                          "No markers where something was lost");
+        export_->add_flag_callback(
+            "--no-markers", [this] { exportCall_.markers = false; },
+            "No markers where something was lost");
         export_->add_flag("--force", exportCall_.force, "Replace existing files");
         export_->add_flag("--json", exportCall_.json, "One JSON object a line for each file");
         addFailOn(*export_, exportCall_.failOn);
@@ -357,7 +358,7 @@ class Parser {
     }
 
     CLI::App app_{
-        "Looks into OMF files, takes their audio out, and tells what could not be "
+        "Looks into OMF files, takes their audio out, writes sessions, and tells what could not be "
         "carried over.",
         "trellant"};
     CLI::App* info_ = nullptr;

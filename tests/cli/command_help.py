@@ -7,7 +7,7 @@ from pathlib import Path
 
 COMMAND = os.environ["TRELLANT_COMMAND"]
 TREE = Path(__file__).resolve().parents[2]
-COMMANDS = ("info", "list", "extract", "dump", "validate")
+COMMANDS = ("info", "list", "extract", "export", "dump", "validate")
 
 
 def page(*command):
@@ -24,3 +24,8 @@ def options(*command):
     """Every name of every option: {"-h", "--help", ...}."""
     lines = re.findall(r"^  (-\S+)", page(*command), re.MULTILINE)
     return {name for line in lines for name in line.split(",")}
+
+
+def choices(command, option):
+    """The words that the option takes: ["copy", "link", "embed"]."""
+    return re.search(rf"^  {option} ([a-z|]+)", page(command), re.MULTILINE).group(1).split("|")

@@ -8,7 +8,7 @@ import tempfile
 import unittest
 from pathlib import Path
 
-from command_help import COMMANDS, TREE, options
+from command_help import COMMANDS, TREE, choices, options
 
 FOLDER = TREE / "completions"
 BASH = FOLDER / "trellant.bash"
@@ -71,7 +71,7 @@ class Bash(InFolder):
 
     def test_first_word_is_a_command(self):
         self.assertEqual(self.replies(""), sorted(WORDS))
-        self.assertEqual(self.replies("ex"), ["extract"])
+        self.assertEqual(self.replies("ex"), ["export", "extract"])
         self.assertEqual(self.replies("-q", "l"), ["list"])
         self.assertEqual(self.replies("x"), [])
 
@@ -102,6 +102,7 @@ class Bash(InFolder):
         self.assertEqual(self.replies("list", "clips", ""), found)
         self.assertEqual(self.replies("extract", ""), found)
         self.assertEqual(self.replies("extract", "mix.omf", ""), found)
+        self.assertEqual(self.replies("export", ""), found)
 
     def test_files_in_a_folder_keep_their_folder(self):
         (self.folder / "audio" / "scene.omf").touch()
@@ -117,7 +118,7 @@ class Bash(InFolder):
                          ["OTHER.JSON", "audio", "bundle.omf", "result.json"])
 
     def test_losses_are_offered_after_fail_on(self):
-        for command in ("info", "list", "extract"):
+        for command in ("info", "list", "extract", "export"):
             with self.subTest(command):
                 self.assertEqual(self.replies(command, "--fail-on", ""),
                                  ["any", "missing", "render"])
@@ -125,8 +126,11 @@ class Bash(InFolder):
         self.assertEqual(self.replies("info", "--fail-on", "="), ["any", "missing", "render"])
 
     def test_folders_alone_are_offered_where_a_folder_is_meant(self):
-        self.assertEqual(self.replies("extract", "mix.omf", "--to", ""), ["audio", "bundle.omf"])
-        for command in ("info", "list", "extract"):
+        for command in ("extract", "export"):
+            with self.subTest(command):
+                self.assertEqual(self.replies(command, "mix.omf", "--to", ""),
+                                 ["audio", "bundle.omf"])
+        for command in ("info", "list", "extract", "export"):
             with self.subTest(command):
                 self.assertEqual(self.replies(command, "--media", "a"), ["audio"])
         self.assertEqual(self.replies("extract", "--to", "=", "a"), ["audio"])
@@ -135,9 +139,18 @@ class Bash(InFolder):
         self.assertEqual(self.replies("info", "-o", "no"), ["notes.txt"])
         self.assertEqual(self.replies("list", "--output", "no"), ["notes.txt"])
 
-    def test_nothing_is_offered_for_an_object_or_a_path(self):
+    def test_formats_and_modes_of_an_export_are_offered(self):
+        self.assertEqual(self.replies("export", "--format", ""),
+                         sorted(choices("export", "--format")))
+        self.assertEqual(self.replies("export", "--format", "=", "o"), ["otio", "otioz"])
+        self.assertEqual(self.replies("export", "--media-mode", ""),
+                         sorted(choices("export", "--media-mode")))
+
+    def test_nothing_is_offered_for_what_only_the_person_knows(self):
         self.assertEqual(self.replies("dump", "--object", ""), [])
         self.assertEqual(self.replies("dump", "--path", ""), [])
+        self.assertEqual(self.replies("export", "--rate", ""), [])
+        self.assertEqual(self.replies("export", "--name", ""), [])
 
     def test_values_of_options_are_no_commands_and_no_files(self):
         self.assertEqual(self.replies("list", "--fail-on", "any", "--media", "audio", "s"),
@@ -146,6 +159,8 @@ class Bash(InFolder):
         self.assertEqual(self.replies("extract", "--to", "audio", "m"), ["mix.omf"])
         self.assertEqual(self.replies("dump", "--object", "12", "mix.omf."), ["mix.omf.txt"])
         self.assertEqual(self.replies("list", "-o", "list.csv", "l"), ["losses"])
+        self.assertEqual(self.replies("export", "--format", "aaf", "--rate", "48000", "--name",
+                                      "mix", "--media-mode", "copy", "m"), ["mix.omf"])
 
 
 def zsh_options(source):
@@ -184,13 +199,16 @@ class Zsh(unittest.TestCase):
 
     def test_values_are_all_there(self):
         text = ZSH.read_text()
-        self.assertEqual(text.count(":loss:(missing render any)"), 3)
+        self.assertEqual(text.count(":loss:(missing render any)"), 4)
         self.assertEqual(text.count(":what:(tracks clips sources losses)"), 1)
+        for option, name in (("--format", "format"), ("--media-mode", "mode")):
+            words = " ".join(choices("export", option))
+            self.assertEqual(text.count(f":{name}:({words})"), 1)
 
     def test_what_may_be_given_several_times_is_marked_so(self):
         text = ZSH.read_text()
         self.assertEqual(text.count("'*--media=["), text.count("--media=["))
-        self.assertEqual(text.count('"*:OMF file:$omf"'), 3)
+        self.assertEqual(text.count('"*:OMF file:$omf"'), 4)
 
 
 class Fish(unittest.TestCase):
@@ -227,7 +245,10 @@ class Fish(unittest.TestCase):
 
     def test_values_are_all_there(self):
         text = FISH.read_text()
-        self.assertEqual(text.count("-l fail-on -x -a 'missing render any'"), 3)
+        self.assertEqual(text.count("-l fail-on -x -a 'missing render any'"), 4)
+        for option in ("format", "media-mode"):
+            words = " ".join(choices("export", f"--{option}"))
+            self.assertEqual(text.count(f"-l {option} -x -a '{words}'"), 1)
         self.assertIn("set -l contents tracks clips sources losses", text.splitlines())
 
 
@@ -261,7 +282,7 @@ class FishOffers(InFolder):
     def test_files_are_those_that_fit_and_nothing_else(self):
         found = ["Reel 1.OMF", "audio/", "bundle.omf/", "mix.omf", "old.Omfi"]
         for line in ("info ", "info mix.omf ", "list clips ", "list clips mix.omf ", "extract ",
-                     "extract mix.omf "):
+                     "extract mix.omf ", "export ", "export mix.omf "):
             with self.subTest(line):
                 self.assertEqual(self.replies(line), found)
         self.assertEqual(self.replies("validate "),
@@ -275,6 +296,9 @@ class FishOffers(InFolder):
     def test_values_of_options_are_those_that_fit(self):
         self.assertEqual(self.replies("info --fail-on "), ["any", "missing", "render"])
         self.assertEqual(self.replies("extract mix.omf --to "), ["audio/", "bundle.omf/"])
+        self.assertEqual(self.replies("export mix.omf --to "), ["audio/", "bundle.omf/"])
+        self.assertEqual(self.replies("export --media-mode "), ["copy", "embed", "link"])
+        self.assertEqual(self.replies("export --format o"), ["otio", "otioz"])
         self.assertEqual(self.replies("list --media a"), ["audio/"])
         self.assertEqual(self.replies("dump --object "), [])
 

@@ -41,6 +41,18 @@ TEST_F(ExportCommand, SaysWhatIsWhere) {
                                                "  Differences  none\n");
 }
 
+TEST_F(ExportCommand, SaysWhereDifferencesComeFromAndAreListed) {
+    const std::string file = example("session.omf");
+    // Three of reading; nothing that a REAPER project cannot hold.
+    EXPECT_THAT(exportWell(exporting(file)),
+                HasSubstr("\n  Differences  3 of reading; listed in session.losses.json\n"));
+    // One first sample between two of another rate.
+    auto forced = exporting(file, ExportFormat::aaf);
+    forced.call.force = true;
+    EXPECT_THAT(exportWell(forced), HasSubstr("\n  Differences  3 of reading, 1 of the format; "
+                                              "listed in session.losses.json\n"));
+}
+
 TEST_F(ExportCommand, GivesProgramsOneObject) {
     auto options = exporting(plainDocument());
     options.call.json = true;
@@ -52,7 +64,11 @@ TEST_F(ExportCommand, GivesProgramsOneObject) {
     EXPECT_EQ(line["clips"], 1);
     EXPECT_EQ(line["media"],
               (nlohmann::json{{"files", 1}, {"embedded", 0}, {"linked", 0}, {"offline", 0}}));
-    EXPECT_EQ(line["losses"]["export"], 0);
+    EXPECT_EQ(
+        line["losses"],
+        (nlohmann::json{
+            {"reading", 0}, {"export", 0}, {"exportDropped", 0}, {"exportSoundsDifferent", 0}}));
+    EXPECT_EQ(line["changes"], 0);
 }
 
 TEST_F(ExportCommand, ASecondExportReplacesNothingUnlessForced) {

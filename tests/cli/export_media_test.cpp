@@ -110,7 +110,7 @@ TEST_F(ExportMedia, LinkedAudioStaysWhereItLies) {
     options.call.mediaFolders = {folder_.file("media")};
     options.call.mediaMode = MediaMode::link;
     const std::string said = exportWell(options);
-    EXPECT_THAT(said, HasSubstr("  Audio        1 linked where they lie\n"));
+    EXPECT_THAT(said, HasSubstr("  Audio        1 file where it lies\n"));
     EXPECT_THAT(written(), ElementsAre("mix.losses.json", "mix.rpp"));
     EXPECT_THAT(session(), HasSubstr("FILE \"" + folder_.file("media/Kick.wav") + "\""));
 }
@@ -127,7 +127,7 @@ TEST_F(ExportMedia, EmbeddedAudioOfAnArchiveLeavesNoFolder) {
     auto options = exporting(writeExternal(second()), ExportFormat::otioz);
     options.call.mediaFolders = {folder_.file("media")};
     const std::string said = exportWell(options);
-    EXPECT_THAT(said, HasSubstr("  Audio        1 inside\n"));
+    EXPECT_THAT(said, HasSubstr("  Audio        1 file inside\n"));
     EXPECT_THAT(written(), ElementsAre("mix.losses.json", "mix.otioz"));
     EXPECT_GT(fs::file_size(out("mix.otioz")), second().size());
 }
@@ -136,7 +136,7 @@ TEST_F(ExportMedia, MissingAudioIsOfflineUnderItsRecordedPath) {
     add({.name = "Kick", .locators = {omf_.dosLocator("D:\\Audio\\Kick.wav")}, .clipLength = 100});
     const Said said = exported(exporting(writeDocument()));
     EXPECT_EQ(said.status, 0);
-    EXPECT_THAT(said.out, HasSubstr("  Audio        1 offline\n"));
+    EXPECT_THAT(said.out, HasSubstr("  Audio        1 file offline\n"));
     EXPECT_THAT(said.errors, HasSubstr("1 audio file is not there, and clips of it are offline; "
                                        "name the folder that holds it with --media FOLDER"));
     EXPECT_THAT(session(), HasSubstr("D:\\Audio\\Kick.wav"));

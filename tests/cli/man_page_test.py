@@ -9,7 +9,7 @@ import tempfile
 import unittest
 from pathlib import Path
 
-from command_help import COMMAND, COMMANDS, TREE, options, subcommands
+from command_help import COMMAND, COMMANDS, TREE, choices, options, subcommands
 
 PAGE = TREE / "man" / "trellant.1"
 SESSION = TREE / "examples" / "session.omf"
@@ -106,7 +106,8 @@ class ManPage(unittest.TestCase):
         read = set(re.findall(r'\b(?:variable|getenv)\("([A-Z_]+)"\)', sources))
         named = set(re.findall(r"^\.It Ev (.*)$", part(".Sh ENVIRONMENT"), re.MULTILINE))
         self.assertEqual((named, read),
-                         ({"NO_COLOR", "COLUMNS", "TERM", "TRELLANT_SANDBOX"}, named))
+                         ({"NO_COLOR", "COLUMNS", "TERM", "TRELLANT_SANDBOX",
+                           "SOURCE_DATE_EPOCH"}, named))
 
 
 class ManPageFacts(InFolder):
@@ -149,15 +150,40 @@ class ManPageFacts(InFolder):
                 self.assertIn(run.returncode, (0, 3))
         self.assertEqual(self.run_command("info", "--fail-on=other", "mix.omf").returncode, 1)
 
+    @staticmethod
+    def files_of(command):
+        """The files that the page says the command writes, but for the hidden folder."""
+        parts = part(".Sh FILES").split("\n.Pp\n")
+        items = next(part for part in parts if part.startswith(f".Cm {command}\n"))
+        named = {name for line in re.findall(r"^\.It Pa (.*)$", items, re.MULTILINE)
+                 for name in line.split(" , Pa ")}
+        return named - {".trellant-XXXXXX"}
+
     def test_extraction_writes_the_files_that_are_named(self):
         self.assertEqual(self.run_command("extract", "mix.omf", "--to", "out").returncode, 0)
         written = {re.sub(r"^.*(?=\.(?:wav|aifc)$)", "NAME", path.name)
                    for path in (self.folder / "out").iterdir()}
-        named = set(re.findall(r"[^ ,]+\.(?:wav|aifc|json|sha256)\b",
-                               "\n".join(re.findall(r"^\.It Pa .*$", part(".Sh FILES"),
-                                                    re.MULTILINE))))
+        named = self.files_of("extract")
         self.assertEqual(named, {"NAME.wav", "NAME.aifc", "timeline.json", "MANIFEST.sha256"})
         self.assertEqual(written, named)
+
+    def test_formats_and_modes_of_an_export_are_those_of_the_help(self):
+        named = re.findall(r"^\.It Cm ([a-z]+)$", part(".Ss trellant export"), re.MULTILINE)
+        self.assertEqual(named, [*choices("export", "--format"), *choices("export", "--media-mode")])
+
+    def test_exports_write_the_files_that_are_named(self):
+        for format in choices("export", "--format"):
+            run = self.run_command("export", "mix.omf", "--to", "out", "--format", format,
+                                   "--name", "NAME", "--force")
+            self.assertEqual((run.returncode, run.stderr), (0, b""), format)
+        written = {path.name for path in (self.folder / "out").iterdir()}
+        self.assertEqual(written, self.files_of("export"))
+        self.assertEqual(len(written), 10)
+
+    def test_a_name_that_is_taken_is_wrong_use(self):
+        (self.folder / "NAME.rpp").touch()
+        run = self.run_command("export", "mix.omf", "--to", ".", "--format=reaper", "--name=NAME")
+        self.assertEqual(run.returncode, 1)
 
 
 class ManPageExamples(InFolder):
@@ -173,18 +199,22 @@ class ManPageExamples(InFolder):
                                      env={**os.environ, "PATH": path})
                 self.assertEqual((run.returncode, run.stderr), (0, b""))
                 said.append(run.stdout.decode())
-        self.assertEqual(len(said), 7)
+        self.assertEqual(len(said), 8)
         self.assertEqual(said[1], "complete\n")
-        self.assertEqual(sorted(said[3].splitlines()),
+        self.assertEqual(sorted(said[4].splitlines()),
                          ["Rain_ garden.wav: OK", "Theme.wav: OK", "Voice_Anna.wav: OK",
                           "Voice_Ben.wav: OK", "timeline.json: OK"])
-        self.assertEqual(said[6], "mix-wav/timeline.json: valid, 5 tracks, 11 clips, 4 audio files\n")
+        self.assertEqual(said[7], "mix-wav/timeline.json: valid, 5 tracks, 11 clips, 4 audio files\n")
         sheet = (self.folder / "mix.csv").read_bytes()
         self.assertEqual(sheet.count(b"\r\n"), 12)
         self.assertEqual((self.folder / "mix-clips.csv").read_bytes(), sheet)
         self.assertEqual(sorted(path.name for path in (self.folder / "mix-audio").iterdir()),
                          ["MANIFEST.sha256", "Rain_ garden.wav", "Theme.aifc", "Voice_Anna.wav",
                           "Voice_Ben.wav", "timeline.json"])
+        self.assertEqual(sorted(path.name for path in (self.folder / "mix").iterdir()),
+                         ["mix.aaf", "mix.losses.json", "mix.media"])
+        self.assertEqual(sorted(path.name for path in (self.folder / "archive").iterdir()),
+                         ["mix.losses.json", "mix.otioz"])
 
 
 if __name__ == "__main__":

@@ -57,6 +57,58 @@ TEST(Options, ExtractTakesSeveralMediaFolders) {
     EXPECT_TRUE(call.force);
 }
 
+TEST(Options, ExportTakesAFormatAndWhatIsWishedOfIt) {
+    const auto call =
+        callOf<ExportCall>({"export", "a.omf", "--to", "out", "--format", "reaper", "--media", "m",
+                            "--media-mode", "link", "--rate", "96000", "--name", "Reel 1",
+                            "--no-markers", "--force", "--json", "--fail-on=any"});
+    EXPECT_THAT(call.files, ElementsAre("a.omf"));
+    EXPECT_EQ(call.directory, "out");
+    EXPECT_EQ(call.format, exchange::ExportFormat::reaper);
+    EXPECT_THAT(call.mediaFolders, ElementsAre("m"));
+    EXPECT_THAT(call.mediaMode, Optional(MediaMode::link));
+    EXPECT_THAT(call.rate, Optional(Eq(96'000)));
+    EXPECT_THAT(call.name, Optional(Eq("Reel 1")));
+    EXPECT_FALSE(call.markers);
+    EXPECT_TRUE(call.force);
+    EXPECT_TRUE(call.json);
+    EXPECT_EQ(call.failOn, FailOn::any);
+}
+
+TEST(Options, AnExportIsLeftToItsFormatUnlessTold) {
+    const auto call =
+        callOf<ExportCall>({"export", "a.omf", "b.omf", "--to", "out", "--format=markers"});
+    EXPECT_THAT(call.files, ElementsAre("a.omf", "b.omf"));
+    EXPECT_EQ(call.format, exchange::ExportFormat::markers);
+    EXPECT_EQ(call.mediaMode, std::nullopt);
+    EXPECT_EQ(call.rate, std::nullopt);
+    EXPECT_EQ(call.name, std::nullopt);
+    EXPECT_TRUE(call.markers);
+    EXPECT_FALSE(call.force);
+    EXPECT_EQ(call.failOn, FailOn::nothing);
+}
+
+TEST(Options, TheHelpShowsHowTheOptionsOfAnExportAreTyped) {
+    const std::string page = lineOf({"export", "-h"}).text;
+    EXPECT_THAT(page, HasSubstr("\n  --no-markers   "));
+    EXPECT_THAT(page, HasSubstr("\n  --rate HZ   "));
+}
+
+TEST(Options, AnExportNeedsAFolderAndAFormatThatExists) {
+    EXPECT_EQ(lineOf({"export", "a.omf", "--format", "aaf"}).text,
+              "--to is required\nTry: trellant export -h");
+    EXPECT_EQ(lineOf({"export", "a.omf", "--to", "out"}).text,
+              "--format is required\nTry: trellant export -h");
+    EXPECT_EQ(lineOf({"export", "a.omf", "--to", "out", "--format", "AAF"}).text,
+              "--format: is one of aaf|otio|otioz|reaper|dawproject|markers, not \"AAF\"\nTry: "
+              "trellant export -h");
+    for (const char* rate : {"0", "384001", "-1", "48k", ""}) {
+        EXPECT_EQ(lineOf({"export", "a.omf", "--to", "out", "--format=aaf", "--rate", rate}).status,
+                  ExitStatus::wrongUse)
+            << rate;
+    }
+}
+
 TEST(Options, VerbosityMayStandBehindTheCommand) {
     EXPECT_EQ(lineOf({"info", "a.omf", "-q"}).verbosity, Verbosity::quiet);
     EXPECT_EQ(lineOf({"-v", "info", "a.omf"}).verbosity, Verbosity::verbose);

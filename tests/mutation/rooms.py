@@ -16,6 +16,7 @@ def of_room(*names):
     return tuple(Test(f"{name}_test", f"tests/{name}/{name}_test") for name in names)
 
 
+EXPORT = Test("export_test", "tests/cli/export_test")
 EXTRACT = Test("extract_test", "tests/cli/extract_test")
 
 TESTS = {
@@ -35,8 +36,9 @@ TESTS = {
     "exchange": of_room("exchange", "sessions"),
     "sessions": of_room("sessions"),
     "extraction": (*of_room("extraction"), EXTRACT),
-    "cli": (*of_room("cli"), EXTRACT),
-    "wav": (EXTRACT,),
+    "exporter": (*of_room("exporter"), EXPORT),
+    "cli": (*of_room("cli"), EXTRACT, EXPORT),
+    "wav": (EXTRACT, EXPORT),
 }
 
 

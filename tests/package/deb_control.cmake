@@ -27,6 +27,7 @@ Version: ${VERSION}-1
 Section: libdevel
 Priority: optional
 Depends: trellant (= ${VERSION}-1), libutf8proc-dev, nettle-dev
+Recommends: libminizip-dev, libpugixml-dev, zlib1g-dev
 Suggests: libtrellant-doc
 Breaks: trellant (<< 0.2.0)
 Replaces: trellant (<< 0.2.0)
@@ -53,7 +54,7 @@ foreach(package trellant libtrellant-dev libtrellant-doc)
     string(APPEND descriptions "${first}")
 endforeach()
 expect_equal("first lines of the descriptions" "${descriptions}"
-"looks into OMF files and takes their audio out
+"looks into OMF files and writes sessions for today's tools
 libraries that read OMF files, for C++ hosts
 documents and examples of Trellant
 ")

@@ -1,31 +1,13 @@
 # SPDX-License-Identifier: Apache-2.0
-# Builds and runs what docs/embedding.md shows, as it stands on the page: its files, then each
-# console block, whose output must be the page's. Variables: PAGE, PREFIX, FOLDER, EXAMPLES.
+# Builds and runs what a page of docs shows, as it stands there: its files, then each console block,
+# whose output must be the page's. Variables: PAGE, FILES (parted by blanks), PREFIX, FOLDER, EXAMPLES.
 include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)
 file(REMOVE_RECURSE ${FOLDER})
 file(READ ${PAGE} page)
 
-# The fenced block behind `opening`, as `block`; `rest` is the page behind it.
-function(take_block text opening)
-    string(FIND "${text}" "${opening}" place)
-    if(place EQUAL -1)
-        message(FATAL_ERROR "the page has no \"${opening}\"")
-    endif()
-    string(LENGTH "${opening}" length)
-    math(EXPR place "${place} + ${length}")
-    string(SUBSTRING "${text}" ${place} -1 text)
-    string(FIND "${text}" "```" end)
-    string(SUBSTRING "${text}" 0 ${end} content)
-    math(EXPR end "${end} + 3")
-    string(SUBSTRING "${text}" ${end} -1 text)
-    set(block "${content}" PARENT_SCOPE)
-    set(rest "${text}" PARENT_SCOPE)
-endfunction()
-
-foreach(name CMakeLists.txt host.cpp look.cpp)
-    string(REGEX MATCH "`${name}`:\n\n```[a-z]+\n" opening "${page}")
-    take_block("${page}" "${opening}")
-    file(WRITE ${FOLDER}/${name} "${block}")
+separate_arguments(FILES)
+foreach(name IN LISTS FILES)
+    take_file("${page}" ${name} ${FOLDER}/${name})
 endforeach()
 build_outside(${FOLDER} ${FOLDER}/build ${PREFIX})
 file(COPY ${EXAMPLES}/session.omf DESTINATION ${FOLDER})

@@ -28,16 +28,19 @@ expect_equal("composition that the unpacked worker read" "${name}" "Café")
 
 foreach(file IN LISTS pages ITEMS
         lib/cmake/trellant/trellantConfig.cmake lib/pkgconfig/trellant.pc
+        lib/pkgconfig/trellant-export.pc include/trellant/exporter/exporter.h
         include/trellant/version.h include/trellant/client/worker_client.h
         share/locale/de/LC_MESSAGES/trellant.mo share/locale/en/LC_MESSAGES/trellant.mo
         share/bash-completion/completions/trellant share/zsh/vendor-completions/_trellant
         share/fish/vendor_completions.d/trellant.fish libexec/trellant/trellant-wav
-        share/doc/trellant/docs/embedding.md share/doc/trellant/SECURITY.md
+        share/doc/trellant/docs/embedding.md share/doc/trellant/docs/exports.md share/doc/trellant/SECURITY.md
         share/doc/trellant/CHANGELOG.md share/doc/trellant/CONTRIBUTING.md share/doc/trellant/copyright
         share/doc/trellant/sbom.spdx.json
         share/trellant/schema/request.schema.json share/trellant/schema/progress.schema.json
         share/trellant/schema/result.schema.json share/trellant/schema/timeline.schema.json
-        share/trellant/schema/command/info.schema.json share/trellant/schema/command/failure.schema.json)
+        share/trellant/schema/command/info.schema.json share/trellant/schema/command/failure.schema.json
+        share/trellant/schema/command/export.schema.json
+        share/trellant/schema/command/export-losses.schema.json)
     if(NOT EXISTS ${prefix}/${file})
         message(FATAL_ERROR "the packages lack ${file}")
     endif()
@@ -50,6 +53,10 @@ expect_equal("composition that the unpacked command shows" "${name}" "Café")
 run(${prefix}/bin/trellant extract ${EXAMPLES}/archive.omf --to ${FOLDER}/taken --wav)
 if(NOT EXISTS "${FOLDER}/taken/Reel 7 transfer.wav")
     message(FATAL_ERROR "the unpacked command wrote no WAVE")
+endif()
+run(${prefix}/bin/trellant export ${EXAMPLES}/archive.omf --to ${FOLDER}/session --format aaf)
+if(NOT EXISTS ${FOLDER}/session/archive.aaf)
+    message(FATAL_ERROR "the unpacked command wrote no session")
 endif()
 
 set(project ${CMAKE_CURRENT_LIST_DIR}/host)

@@ -12,6 +12,7 @@ from schemas import FOLDER, parse
 
 TREE = FOLDER.parent
 LISTS = ("tracks", "clips", "sources", "losses")
+FORMATS = ("aaf", "otio", "otioz", "reaper", "dawproject", "markers")
 
 
 @dataclass(frozen=True)
@@ -102,6 +103,25 @@ class Folder:
             self.call("extract", "extract", "--to", "out", *extra, files=self.readable)
         self.call("extract", "extract", "--to", "none", files=self.unreadable)
 
+    def export(self):
+        for format in FORMATS:
+            call = self.call("export", "export", "--to", f"../{format}", "--format", format,
+                             files=self.readable)
+            for line in call.lines:
+                self.read_losses(line)
+        for extra in (["--media", "../one"], ["--media", "../several", "--media-mode", "link"]):
+            self.call("export", "export", "--to", "../aaf", "--format", "aaf", "--force", *extra,
+                      files=["external.omf"])
+        self.call("export", "export", "--to", "../aaf", "--format", "aaf", files=["session.omf"])
+        self.call("export", "export", "--to", "../none", "--format", "reaper",
+                  files=self.unreadable)
+
+    def read_losses(self, line):
+        """The list of losses beside a session that was written, as a line of its own."""
+        document = (self.path / line["directory"] / line["files"][-1]).read_bytes()
+        self.calls.append(Call("export-losses", ("export", line["format"]), (line["file"],), 0,
+                               [parse(document)], ""))
+
     def dump(self):
         files = self.readable + self.unreadable
         for extra in ([], ["--all"]):
@@ -131,6 +151,7 @@ def all_calls(path):
     folder = Folder(path)
     folder.look()
     folder.extract()
+    folder.export()
     folder.dump()
     folder.validate()
     return folder.calls

@@ -9,7 +9,7 @@ from fractions import Fraction
 
 import jsonschema
 
-from command_lines import all_calls
+from command_lines import FORMATS, all_calls
 from command_schemas import NAMES, SCHEMAS, Part, all_keys, keys_of, walk
 from mutations import CANDIDATES, UNKNOWN_KEY, changed, json_types, removal, replacement
 from schemas import FOLDER
@@ -23,6 +23,9 @@ FADES = {f"fade{side}{what}" for side in ("In", "Out") for what in ("", "Seconds
 LENGTH = {"lengthSeconds", "lengthSecondsExact"}
 RATE = {"sampleRate", "sampleRateExact"}
 
+OF_A_LOSS = {"track", "trackNumber", "clip", "in", "out", "objectPath", "startSeconds",
+             "startSecondsExact", "durationSeconds", "durationSecondsExact"}
+
 # The keys that a line may lack, by schema and record; every other key is always there.
 OPTIONAL = {
     ("info", ""): {"composition", "length", "firstAudible", "firstAudibleSeconds",
@@ -34,13 +37,13 @@ OPTIONAL = {
     ("list-clips", ""): {"track", "clip", "sourceChannel", "gainDb", "automationPoints",
                          "gainPoints", "lossNumbers"} | PAN | FADES,
     ("list-sources", ""): {"bitDepth", "codec", "path", "recordedPath"},
-    ("list-losses", ""): {"track", "trackNumber", "clip", "in", "out", "objectPath",
-                          "startSeconds", "startSecondsExact", "durationSeconds",
-                          "durationSecondsExact"},
+    ("list-losses", ""): OF_A_LOSS,
     ("extract", ""): {"notPlayed"},
     ("extract", "audio"): {"name", "path", "fileURL", "frames", "bitDepth", "channels", "codec",
                            "recordedPath", "sha256", "notConverted"} | LENGTH,
     ("extract", "candidate"): {"frames", "channels", "bitDepth", "misfit"} | LENGTH | RATE,
+    ("export", ""): {"mediaFolder"},
+    ("export-losses", "loss"): OF_A_LOSS,
     ("dump-overview", ""): {"looksLike", "header"},
     ("dump-overview", "table"): {"blockBytes"},
     ("dump-object", ""): {"steps", "class"},
@@ -121,6 +124,12 @@ class CommandSchemas(unittest.TestCase):
         for name, definitions in defined.items():
             self.assertEqual(definitions, [definitions[0]] * len(definitions), name)
 
+    def test_an_export_lists_its_losses_in_the_records_of_the_list_of_losses(self):
+        listed, exported = SCHEMAS["list-losses"], SCHEMAS["export-losses"]["$defs"]["loss"]
+        for keyword in ("type", "required", "dependentRequired", "properties",
+                        "additionalProperties"):
+            self.assertEqual(exported[keyword], listed[keyword], keyword)
+
 
 class MachineOutputPage(unittest.TestCase):
     PAGE = (FOLDER.parent / "docs" / "machine-output.md").read_text()
@@ -157,7 +166,8 @@ class CommandLines(unittest.TestCase):
 
     def test_the_file_is_named_first(self):
         for name, line in LINES:
-            self.assertEqual(next(iter(line)), "file", name)
+            for record in line if isinstance(line, list) else [line]:
+                self.assertEqual(next(iter(record)), "file", name)
 
     def test_times_are_given_twice_and_agree(self):
         compared = 0
@@ -173,7 +183,7 @@ class CommandLines(unittest.TestCase):
 
     def test_files_have_a_line_each_where_a_line_is_a_file(self):
         for call in CALLS:
-            if call.schema in ("info", "extract", "validate", "dump-overview", "dump-object"):
+            if call.schema in ("info", "extract", "export", "validate", "dump-overview", "dump-object"):
                 self.assertEqual(len(call.lines), len(call.files), call.arguments)
 
     def test_whatever_is_listed_a_file_that_cannot_be_read_has_one_line(self):
@@ -189,6 +199,9 @@ class CommandLines(unittest.TestCase):
         for call in CALLS:
             if call.failures and call.schema == "dump-object":
                 self.assertIn(call.status, (1, 2))
+            elif call.failures and call.schema == "export" and len(call.files) == 1:
+                # The one session whose name is taken.
+                self.assertEqual(call.status, 1, call.arguments)
             elif call.failures:
                 self.assertEqual(call.status, 2, call.arguments)
 
@@ -207,6 +220,26 @@ class CommandLines(unittest.TestCase):
         # Audio that lies inside and cannot be taken out needs a worker that misbehaves.
         self.assertEqual(states["extract"],
                          {"takenOut", "converted", "found", "missing", "undecided"})
+
+    def test_every_format_is_exported_with_its_losses(self):
+        for format in FORMATS:
+            with self.subTest(format):
+                written = [line for name, line in LINES
+                           if name == "export" and line["format"] == format]
+                self.assertGreater(len(written), 6)
+                counted = {line["file"]: line["losses"] for line in written}
+                for call in CALLS:
+                    if call.schema == "export-losses" and call.arguments[1] == format:
+                        losses, = call.lines
+                        counts = counted[call.files[0]]
+                        self.assertEqual(len(losses), counts["reading"] + counts["export"])
+                        self.assertEqual([loss["loss"] for loss in losses],
+                                         list(range(1, len(losses) + 1)))
+
+    def test_audio_of_exports_is_in_every_place(self):
+        reached = {place for name, line in LINES if name == "export"
+                   for place, count in line["media"].items() if count > 0}
+        self.assertEqual(reached, {"files", "embedded", "linked", "offline"})
 
     def test_loss_numbers_are_a_hundred_at_most_and_all_are_counted(self):
         counted = [(line["losses"], len(line["lossNumbers"])) for name, line in LINES
@@ -241,10 +274,12 @@ class MutatedLines(unittest.TestCase):
     def chosen():
         seen = collections.defaultdict(set)
         for name, line in LINES:
-            held = keys_of(name, line)
-            if not held <= seen[name]:
-                seen[name] |= held
-                yield name, line
+            # Of a list each record alone: a change is checked against all that stands beside it.
+            for part in [[record] for record in line] if isinstance(line, list) else [line]:
+                held = keys_of(name, part)
+                if not held <= seen[name]:
+                    seen[name] |= held
+                    yield name, part
 
     def test_a_key_that_is_always_there_cannot_be_missing(self):
         removed = collections.defaultdict(set)

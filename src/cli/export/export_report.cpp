@@ -61,7 +61,7 @@ std::string_view formatName(ExportFormat format) {
         case ExportFormat::otio:
             return "OTIO";
         case ExportFormat::otioz:
-            return "OTIO in an archive";
+            return "OTIO archive";
         case ExportFormat::reaper:
             return "REAPER project";
         case ExportFormat::dawproject:
@@ -79,13 +79,13 @@ std::string mediaText(const ExportReport& report) {
                         shown(*report.mediaFolder));
     }
     if (report.embeddedMedia != 0) {
-        parts.push_back(std::to_string(report.embeddedMedia) + " inside");
+        parts.push_back(counted(report.embeddedMedia, "file", "files") + " inside");
     }
     if (report.linkedMedia != 0) {
-        parts.push_back(std::to_string(report.linkedMedia) + " linked where they lie");
+        parts.push_back(counted(report.linkedMedia, "file where it lies", "files where they lie"));
     }
     if (report.offlineMedia != 0) {
-        parts.push_back(std::to_string(report.offlineMedia) + " offline");
+        parts.push_back(counted(report.offlineMedia, "file", "files") + " offline");
     }
     return parts.empty() ? "none" : joined(parts, ", ");
 }
@@ -93,12 +93,15 @@ std::string mediaText(const ExportReport& report) {
 std::string differencesText(const ExportReport& report) {
     const std::size_t ofReading = report.handOff.timeline.unsupportedFeatures.size();
     const std::size_t ofFormat = report.losses.size();
-    if (ofReading + ofFormat == 0) {
-        return "none";
+    std::vector<std::string> parts;
+    if (ofReading != 0) {
+        parts.push_back(std::to_string(ofReading) + " of reading");
     }
-    return std::to_string(ofReading + ofFormat) + " (" + std::to_string(ofReading) +
-           " of reading, " + std::to_string(ofFormat) + " of the format), each in " +
-           shown(report.files.back());
+    if (ofFormat != 0) {
+        parts.push_back(std::to_string(ofFormat) + " of the format");
+    }
+    return parts.empty() ? "none"
+                         : joined(parts, ", ") + "; listed in " + shown(report.files.back());
 }
 
 std::size_t countOf(const std::vector<ExportLoss>& losses, Severity severity) {
@@ -137,7 +140,7 @@ std::string exportLine(const std::string& file, const std::string& directory, Ex
     const Counts counts(report.plan);
     return jsonLine([&](JsonLine& line) {
         line.text("file", fileForPrograms(file))
-            .text("directory", directory)
+            .text("directory", fileForPrograms(directory))
             .text("format", exchange::formatWord(format))
             .texts("files", report.files)
             .text("mediaFolder", report.mediaFolder)
@@ -153,13 +156,15 @@ std::string exportLine(const std::string& file, const std::string& directory, Ex
                             .count("linked", report.linkedMedia)
                             .count("offline", report.offlineMedia);
                     })
-            .object("losses", [&](JsonLine& losses) {
-                losses.count("reading", report.handOff.timeline.unsupportedFeatures.size())
-                    .count("export", report.losses.size())
-                    .count("exportDropped", countOf(report.losses, Severity::informational))
-                    .count("exportSoundsDifferent",
-                           countOf(report.losses, Severity::renderAffecting));
-            });
+            .object("losses",
+                    [&](JsonLine& losses) {
+                        losses.count("reading", report.handOff.timeline.unsupportedFeatures.size())
+                            .count("export", report.losses.size())
+                            .count("exportDropped", countOf(report.losses, Severity::informational))
+                            .count("exportSoundsDifferent",
+                                   countOf(report.losses, Severity::renderAffecting));
+                    })
+            .count("changes", report.handOff.changes.size());
     });
 }
 
