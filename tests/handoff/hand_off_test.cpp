@@ -140,6 +140,28 @@ TEST(HandOff, FileOfAnotherRateIsNoFind) {
     EXPECT_EQ(candidates[0].misfit, "another rate, the clips need 11025 Hz");
 }
 
+TEST(HandOff, OfManyFilesOfOneNameThatFitNothingSomeAreListedAndAllWereRead) {
+    constexpr std::size_t count = 70;
+    const TemporaryDirectory folder;
+    const std::string file = folder.file("external.omf");
+    fs::copy_file(example("external.omf"), file);
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::string place = folder.file("media/" + std::to_string(i));
+        fs::create_directories(place);
+        writeFile(place + "/Door.wav", Bytes());
+    }
+    HandOffRequest request = requestOf(file);
+    request.mediaFolders = {folder.file("media")};
+    WorkProgress progress;
+    const HandOff handOff = readHandOff(request, progress);
+    ASSERT_THAT(handOff.openChoices.bySource, SizeIs(1));
+    const OpenChoice& choice = handOff.openChoices.bySource.begin()->second;
+    EXPECT_EQ(choice.files, count);
+    EXPECT_THAT(choice.candidates, SizeIs(OpenChoices::listedFiles));
+    EXPECT_EQ(choice.candidates.back().misfit, "no readable audio file");
+    EXPECT_THAT(handOff.openChoices.read, SizeIs(count));
+}
+
 TEST(HandOff, AWorkerThatIsNotInstalledIsMissingWithThePlacesSearched) {
     // Nothing is installed beside a test.
     const fs::path folder = fs::canonical("/proc/self/exe").parent_path();
