@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "format_limits.h"
 #include "loss_words.h"
 
 #include <trellant/base/printable_text.h>
 #include <trellant/exchange/carried_part.h>
+#include <trellant/exchange/format_limits.h>
 
 #include <algorithm>
 #include <map>
@@ -126,6 +126,11 @@ void Reduction::ofSession(ExportPlan& plan) {
     if (plan.name) {
         ofName(Feature::sessionName, *plan.name, {});
     }
+    if (carriage(Feature::sourceNames) == Carriage::limited) {
+        for (PlannedMedia& media : plan.media) {
+            ofName(Feature::sourceNames, media.name, {});
+        }
+    }
 }
 
 void Reduction::ofName(Feature feature, std::string& name, const Place& place) {
@@ -202,6 +207,10 @@ void Reduction::ofTrack(PlannedTrack& track, const ExportPlan& plan) {
         }
     }
     ofEnvelope(Feature::trackPanAutomation, track.panAutomation, place);
+    if (track.pan && track.panAutomation && carriage(Feature::trackPan) == Carriage::limited) {
+        recordChange(Feature::trackPan, place, numberText(*track.pan), "its automation alone");
+        track.pan.reset();
+    }
     ofFlag(Feature::trackMute, track.muted, place);
     ofFlag(Feature::trackSolo, track.solo, place);
     for (Lane& lane : track.lanes) {

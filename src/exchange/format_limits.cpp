@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "format_limits.h"
-
-#include <trellant/base/text.h>
+#include <trellant/base/utf8.h>
+#include <trellant/exchange/format_limits.h>
 
 #include <algorithm>
 #include <array>
@@ -35,47 +34,52 @@ bool isUnknown(const Interpolation& curve) noexcept {
     return std::holds_alternative<Interpolation::Unsupported>(curve.curve);
 }
 
-/// C0 and C1 controls and DEL, in UTF-8, and what XML has no way to write.
-std::string withoutControls(std::string_view text) {
+bool isControl(char32_t scalar) noexcept {
+    return scalar < 0x20 || (scalar >= 0x7F && scalar < 0xA0);
+}
+
+/// Without control characters, cut after the last whole character that fits.
+std::string aafName(std::string_view name) {
     std::string kept;
-    kept.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        const auto next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0U;
-        if (byte < 0x20U || byte == 0x7FU) {
+    std::size_t units = 0;
+    for (std::size_t at = 0; at < name.size();) {
+        const UTF8Step step = utf8Step(name, at);
+        at += step.length;
+        if (isControl(step.scalar)) {
             continue;
         }
-        if (byte == 0xC2U && next >= 0x80U && next < 0xA0U) {
-            ++i;
-            continue;
+        units += step.scalar > 0xFFFF ? 2 : 1;
+        if (units > mostAafUnits) {
+            break;
         }
-        // U+FFFE and U+FFFF.
-        if (text.substr(i).starts_with("\xEF\xBF\xBE") ||
-            text.substr(i).starts_with("\xEF\xBF\xBF")) {
-            i += 2;
-            continue;
-        }
-        kept += text[i];
+        appendUTF8(kept, step.scalar);
     }
     return kept;
 }
 
-std::string cutToUnits(std::string text, std::size_t mostUnits) {
-    if (text.size() <= mostUnits) {
-        return text;
+/// A project quotes a name by a kind of quote that is not in it.
+std::string reaperName(std::string_view name) {
+    std::string line = plainLine(name);
+    const auto holds = [&line](char quote) { return line.find(quote) != std::string::npos; };
+    if (holds('"') && holds('\'') && holds('`')) {
+        std::replace(line.begin(), line.end(), '`', '\'');
     }
-    std::size_t units = 0;
-    std::size_t at = 0;
-    while (at < text.size()) {
-        const auto byte = static_cast<unsigned char>(text[at]);
-        const std::size_t bytes = byte < 0x80U ? 1 : byte < 0xE0U ? 2 : byte < 0xF0U ? 3 : 4;
-        units += bytes == 4 ? 2 : 1;
-        if (units > mostUnits) {
-            break;
-        }
-        at += bytes;
+    return line;
+}
+
+/// Two characters are all that XML has no form for, beside the controls.
+std::string xmlName(std::string_view name) {
+    constexpr char32_t replacement = 0xFFFD;
+    const std::string line = plainLine(name);
+    std::string text;
+    text.reserve(line.size());
+    for (std::size_t at = 0; at < line.size();) {
+        const UTF8Step step = utf8Step(line, at);
+        // A broken sequence gives the replacement already.
+        const bool isForbidden = step.scalar == 0xFFFE || step.scalar == 0xFFFF;
+        appendUTF8(text, isForbidden ? replacement : step.scalar);
+        at += step.length;
     }
-    text.resize(std::min(at, text.size()));
     return text;
 }
 
@@ -109,12 +113,40 @@ Interpolation fadeCurveWithin(ExportFormat format, const Interpolation& curve) {
     return carriage != Carriage::limited || isKept ? curve : Interpolation::linear();
 }
 
-std::string nameWithin(ExportFormat format, const std::string& name) {
-    if (!isLimited(format, Feature::clipNames)) {
-        return name;
+std::string nameWithin(ExportFormat format, std::string_view name) {
+    switch (format) {
+        case ExportFormat::aaf:
+            return aafName(name);
+        case ExportFormat::reaper:
+            return reaperName(name);
+        case ExportFormat::dawproject:
+            return xmlName(name);
+        case ExportFormat::markers:
+            return plainLine(name);
+        case ExportFormat::otio:
+        case ExportFormat::otioz:
+            return std::string(name);
     }
-    std::string kept = withoutControls(name);
-    return format == ExportFormat::aaf ? cutToUnits(std::move(kept), mostAafUnits) : kept;
+    return std::string(name);
+}
+
+std::string plainLine(std::string_view text) {
+    constexpr unsigned char firstPrintable = 0x20;
+    constexpr unsigned char deletion = 0x7F;
+    std::string line;
+    line.reserve(text.size());
+    bool inRun = false;
+    for (const char byte : text) {
+        const auto value = static_cast<unsigned char>(byte);
+        const bool isControl = value < firstPrintable || value == deletion;
+        if (!isControl) {
+            line += byte;
+        } else if (!inRun) {
+            line += ' ';
+        }
+        inRun = isControl;
+    }
+    return line;
 }
 
 std::int64_t mostChannels(ExportFormat format) noexcept {

@@ -113,7 +113,7 @@ void Document::members(JsonWriter& writer, const Record& record) const {
     const bool isDropped = record.severity == Severity::informational;
     member(writer, "file", std::string_view(file_));
     integer(writer, "loss", number_);
-    member(writer, "effect", std::string_view(isDropped ? "dropped" : "sounds different"));
+    member(writer, "effect", std::string_view(isDropped ? "dropped" : "soundsDifferent"));
     member(writer, "track", record.track);
     if (record.trackNumber) {
         integer(writer, "trackNumber", *record.trackNumber);

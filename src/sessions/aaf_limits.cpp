@@ -2,7 +2,7 @@
 #include "aaf_limits.h"
 
 #include <trellant/base/int128.h>
-#include <trellant/base/utf8.h>
+#include <trellant/exchange/format_limits.h>
 
 #include <algorithm>
 #include <cmath>
@@ -15,7 +15,6 @@ namespace {
 
 constexpr std::int64_t largest = std::numeric_limits<std::int32_t>::max();
 constexpr int finestPower = 29;
-constexpr std::size_t mostUnits = 32'766;
 
 StoredFraction inPowersOfTwo(double value) noexcept {
     if (!(value > 0)) {
@@ -95,10 +94,6 @@ bool isLevelLine(const AAFAutomationEnvelope& envelope) {
            envelope.points.front().value == envelope.points.back().value;
 }
 
-bool isControl(char32_t scalar) noexcept {
-    return scalar < 0x20 || (scalar >= 0x7F && scalar < 0xA0);
-}
-
 }  // namespace
 
 StoredFraction storedGain(double gain) noexcept {
@@ -138,27 +133,11 @@ AAFRational placeAsWritten(const AAFRational& place) noexcept {
 }
 
 AAFAutomationInterpolation curveAsWritten(const AAFAutomationInterpolation& curve) {
-    const bool isUnknown =
-        std::holds_alternative<AAFAutomationInterpolation::Unsupported>(curve.curve);
-    return isUnknown ? AAFAutomationInterpolation::linear() : curve;
+    return exchange::automationCurveWithin(exchange::ExportFormat::aaf, curve);
 }
 
 std::string nameAsWritten(std::string_view name) {
-    std::string written;
-    std::size_t units = 0;
-    for (std::size_t at = 0; at < name.size();) {
-        const UTF8Step step = utf8Step(name, at);
-        at += step.length;
-        if (isControl(step.scalar)) {
-            continue;
-        }
-        units += step.scalar > 0xFFFF ? 2 : 1;
-        if (units > mostUnits) {
-            break;
-        }
-        appendUTF8(written, step.scalar);
-    }
-    return written;
+    return exchange::nameWithin(exchange::ExportFormat::aaf, name);
 }
 
 Levels clipLevelsAsWritten(const Levels& levels) {

@@ -3,10 +3,10 @@
 // lanes of clips beside lanes of points. Times are seconds. Elements have a fixed order.
 #include "dawproject_document.h"
 
-#include "dawproject_limits.h"
 #include "session_text.h"
 #include "xml_tree.h"
 
+#include <trellant/exchange/format_limits.h>
 #include <trellant/version.h>
 
 #include <algorithm>
@@ -17,6 +17,10 @@
 namespace trellant::sessions {
 
 namespace {
+
+std::string dawProjectName(std::string_view text) {
+    return exchange::nameWithin(exchange::ExportFormat::dawproject, text);
+}
 
 using exchange::PlannedClip;
 using exchange::PlannedTrack;

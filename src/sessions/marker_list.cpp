@@ -4,12 +4,14 @@
 #include "marker_limits.h"
 #include "session_text.h"
 
+#include <trellant/exchange/format_limits.h>
+
 #include <algorithm>
 
 namespace trellant::sessions {
 
 std::string markerName(std::string_view name) {
-    return plainLine(name);
+    return exchange::nameWithin(exchange::ExportFormat::markers, name);
 }
 
 std::vector<Mark> marksOf(const Session& session) {

@@ -2,10 +2,10 @@
 // A REAPER project: chunks from "<NAME" to ">", one within the other, of lines with fields. Times
 // are seconds. A lane is a track; clips are items of one take each, and overlaps sound together.
 #include "name_based_uuid.h"
-#include "reaper_limits.h"
 #include "reaper_text.h"
 #include "session_text.h"
 
+#include <trellant/exchange/format_limits.h>
 #include <trellant/sessions/session.h>
 
 #include <algorithm>
@@ -16,6 +16,9 @@
 namespace trellant::sessions {
 
 namespace {
+
+/// That an item can play alone of a source, from the first on.
+const std::int64_t mostChannels = exchange::mostChannels(exchange::ExportFormat::reaper);
 
 using exchange::PlannedClip;
 using exchange::PlannedFade;
@@ -158,8 +161,7 @@ std::int64_t Project::channelsOf(const exchange::Lane& lane) const {
     std::int64_t most = fewest;
     for (const PlannedClip& clip : lane.clips) {
         if (!clip.channel) {
-            most =
-                std::max(most, std::min(plan_.media.at(clip.media).channelCount, reaperChannels));
+            most = std::max(most, std::min(plan_.media.at(clip.media).channelCount, mostChannels));
         }
     }
     // Tracks have pairs of channels.
@@ -199,7 +201,7 @@ void Project::take(const PlannedClip& clip) {
     // 0 plays all channels, 3 and 4 the first and second alone, 5 the third, and so on.
     constexpr std::int64_t firstAlone = 3;
     const std::int64_t mode =
-        clip.channel ? firstAlone + std::clamp<std::int64_t>(*clip.channel, 0, reaperChannels - 1)
+        clip.channel ? firstAlone + std::clamp<std::int64_t>(*clip.channel, 0, mostChannels - 1)
                      : 0;
     out_.add("      SOFFS ", numberText(mediaSeconds(clip.sourceStart, planned.sampleRate)), "\n");
     out_.add("      CHANMODE ", std::to_string(mode), "\n");

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "reaper_text.h"
 
-#include "reaper_limits.h"
-#include "session_text.h"
+#include <trellant/exchange/format_limits.h>
 
 #include <algorithm>
 #include <array>
@@ -35,16 +34,8 @@ struct FrameRate {
 
 }  // namespace
 
-std::string reaperName(std::string_view name) {
-    std::string text = plainLine(name);
-    if (freeQuote(text) == 0) {
-        std::replace(text.begin(), text.end(), '`', '\'');
-    }
-    return text;
-}
-
 std::string reaperField(std::string_view text) {
-    const std::string name = reaperName(text);
+    const std::string name = exchange::nameWithin(exchange::ExportFormat::reaper, text);
     const char quote = freeQuote(name);
     return quote + name + quote;
 }

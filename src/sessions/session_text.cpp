@@ -94,25 +94,6 @@ double mediaSeconds(std::int64_t sample, const AAFRational& sampleRate) noexcept
                : 0;
 }
 
-std::string plainLine(std::string_view text) {
-    constexpr unsigned char firstPrintable = 0x20;
-    constexpr unsigned char deletion = 0x7F;
-    std::string line;
-    line.reserve(text.size());
-    bool inRun = false;
-    for (const char byte : text) {
-        const auto value = static_cast<unsigned char>(byte);
-        const bool isControl = value < firstPrintable || value == deletion;
-        if (!isControl) {
-            line += byte;
-        } else if (!inRun) {
-            line += ' ';
-        }
-        inRun = isControl;
-    }
-    return line;
-}
-
 std::string remarkText(const Session& session, const SessionMarker& marker) {
     return marker.track ? session.plan.tracks.at(*marker.track).name + ": " + marker.text
                         : marker.text;

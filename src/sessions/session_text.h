@@ -50,9 +50,6 @@ class TextOutput {
 /// The second of a media file at which its sample `sample` lies.
 [[nodiscard]] double mediaSeconds(std::int64_t sample, const AAFRational& sampleRate) noexcept;
 
-/// `text` with a blank for each run of control characters (below 0x20, and 0x7F).
-[[nodiscard]] std::string plainLine(std::string_view text);
-
 /// What a remark says where nothing else shows its track: "Atmo: This stretch is silent."
 [[nodiscard]] std::string remarkText(const Session& session, const SessionMarker& marker);
 

@@ -323,7 +323,7 @@ TEST(LossList, ProgramsGetPlaceSentenceAndTechnicalText) {
                        .plain = "An effect was left out."}};
     // Half a second is frame 12.5, three quarters are 18.75.
     EXPECT_EQ(jsonOf(*cli::listOfLosses(handOff)),
-              "{\"file\":\"a.omf\",\"loss\":1,\"effect\":\"sounds different\",\"track\":\"Dialog\","
+              "{\"file\":\"a.omf\",\"loss\":1,\"effect\":\"soundsDifferent\",\"track\":\"Dialog\","
               "\"trackNumber\":3,\"clip\":\"Anna\",\"in\":\"01:00:00:13\",\"out\":\"01:00:00:19\","
               "\"startSeconds\":0.5,\"startSecondsExact\":\"1\\/2\",\"durationSeconds\":0.25,"
               "\"durationSecondsExact\":\"1\\/4\",\"sentence\":\"An effect was left out.\","

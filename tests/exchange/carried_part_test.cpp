@@ -211,7 +211,7 @@ TEST(CarriedPart, ReaperChoosesAmongTheFirstSixtyFourChannels) {
     EXPECT_THAT(featuresOf(part), ElementsAre(Feature::channelOfSeveral));
 }
 
-TEST(CarriedPart, ControlCharactersInNamesAreLeftOutAndOnRecord) {
+TEST(CarriedPart, ControlCharactersInNamesAreReplacedAndOnRecord) {
     AAFTimeline timeline = plainTimeline();
     timeline.tracks[0].name = "A\n1";
     timeline.events[0].clipName =
@@ -219,14 +219,46 @@ TEST(CarriedPart, ControlCharactersInNamesAreLeftOutAndOnRecord) {
         "b\x7F"
         "c\xEF\xBF\xBF";
     const CarriedPart part = carried(timeline, ExportFormat::dawproject);
-    EXPECT_EQ(part.plan.tracks[0].name, "A1");
-    EXPECT_EQ(part.plan.tracks[0].lanes[0].name, "A1");
-    EXPECT_EQ(onlyClip(part).name, "abc");
+    EXPECT_EQ(part.plan.tracks[0].name, "A 1");
+    EXPECT_EQ(part.plan.tracks[0].lanes[0].name, "A 1");
+    EXPECT_EQ(onlyClip(part).name,
+              "a\xC2\x9B"
+              "b c\xEF\xBF\xBD");
     EXPECT_THAT(featuresOf(part), ElementsAre(Feature::trackNames, Feature::clipNames));
     EXPECT_EQ(part.losses[0].severity, Severity::informational);
     EXPECT_EQ(part.losses[0].technical,
-              "names of tracks: A\\u000a1 is written to dawproject as A1");
+              "names of tracks: A\\u000a1 is written to dawproject as A 1");
     EXPECT_EQ(carried(timeline, ExportFormat::otio).plan.tracks[0].name, "A\n1");
+}
+
+TEST(CarriedPart, AControlCharacterIsNothingInAaf) {
+    AAFTimeline timeline = plainTimeline();
+    timeline.events[0].clipName =
+        "a\xC2\x9B"
+        "b\n";
+    timeline.essences[0].sourceName = "An\tna";
+    const CarriedPart part = carried(timeline, ExportFormat::aaf);
+    EXPECT_EQ(onlyClip(part).name, "ab");
+    EXPECT_EQ(part.plan.media.at(0).name, "Anna");
+    EXPECT_THAT(featuresOf(part), ElementsAre(Feature::sourceNames, Feature::clipNames));
+}
+
+TEST(CarriedPart, AProjectQuotesANameByTheKindOfQuoteThatIsNotInIt) {
+    AAFTimeline timeline = plainTimeline();
+    timeline.events[0].clipName = "\"a\" 'b' `c`";
+    const CarriedPart part = carried(timeline, ExportFormat::reaper);
+    EXPECT_EQ(onlyClip(part).name, "\"a\" 'b' 'c'");
+    EXPECT_THAT(featuresOf(part), ElementsAre(Feature::clipNames));
+}
+
+TEST(CarriedPart, AnAutomatedPanIsTheOnlyOneWhereBothAreNot) {
+    AAFTimeline timeline = plainTimeline();
+    timeline.tracks[0].fixedPan = 0.25;
+    timeline.tracks[0].panAutomation = AAFAutomationEnvelope{{}, {{seconds(0), 1}}};
+    const CarriedPart part = carried(timeline, ExportFormat::aaf);
+    EXPECT_FALSE(part.plan.tracks[0].pan.has_value());
+    EXPECT_TRUE(part.plan.tracks[0].panAutomation.has_value());
+    EXPECT_THAT(featuresOf(part), ElementsAre(Feature::trackPan));
 }
 
 TEST(CarriedPart, ALongNameIsCutForAafBetweenCharacters) {
@@ -332,10 +364,10 @@ TEST(CarriedPart, TheTableIsWhatHappens) {
     event.clipMuted = true;
     event.fadeIn = fadeOf(fadeIn, seconds(1, 2));
     const std::vector<Feature> told{
-        Feature::sessionName, Feature::trackGain,          Feature::trackGainAutomation,
-        Feature::trackPan,    Feature::trackPanAutomation, Feature::trackMute,
-        Feature::trackSolo,   Feature::clipGain,           Feature::clipGainAutomation,
-        Feature::clipMute,    Feature::fadeLengths};
+        Feature::sessionName,        Feature::trackGain,          Feature::trackGainAutomation,
+        Feature::trackPanAutomation, Feature::trackMute,          Feature::trackSolo,
+        Feature::clipGain,           Feature::clipGainAutomation, Feature::clipMute,
+        Feature::fadeLengths};
     for (const ExportFormat format : allFormats) {
         const CarriedPart part = carried(timeline, format);
         const std::vector<Feature> recorded = featuresOf(part);
@@ -354,7 +386,9 @@ TEST(CarriedPart, TheTableIsWhatHappens) {
         EXPECT_EQ(part.plan.name.has_value(), isKept(Feature::sessionName));
         EXPECT_EQ(planned.gain == 0.5, isKept(Feature::trackGain));
         EXPECT_EQ(planned.gainAutomation.has_value(), isKept(Feature::trackGainAutomation));
-        EXPECT_EQ(planned.pan.has_value(), isKept(Feature::trackPan));
+        // The automation takes its place where there is one of both.
+        EXPECT_EQ(planned.pan.has_value(),
+                  capability(format, Feature::trackPan).carriage == Carriage::metadata);
         EXPECT_EQ(planned.panAutomation.has_value(), isKept(Feature::trackPanAutomation));
         EXPECT_EQ(planned.muted, isKept(Feature::trackMute));
         EXPECT_EQ(planned.solo, isKept(Feature::trackSolo));

@@ -57,7 +57,7 @@ TEST(LossesDocument, HasARecordALineWithThoseOfReadingFirst) {
          "in": "01:00:01:13", "out": "01:00:01:23", "startSeconds": 1.5, "startSecondsExact": "3/2",
          "durationSeconds": 0.4, "durationSecondsExact": "2/5", "sentence": "The clip is left out.",
          "technical": "dropped a clip", "objectPath": "CMOB[1]"},
-        {"file": "mix.omf", "loss": 2, "effect": "sounds different", "track": "Dialog",
+        {"file": "mix.omf", "loss": 2, "effect": "soundsDifferent", "track": "Dialog",
          "trackNumber": 3, "clip": "Anna \"1\"\n", "in": "01:00:01:00", "startSeconds": 1,
          "startSecondsExact": "1", "sentence": "The clip's gain is left out.",
          "technical": "clip gain (0.5): not in markers"}])");

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "dawproject_limits.h"
 #include "dawproject_reader.h"
 #include "session_samples.h"
 #include "zip_reader.h"
+
+#include <trellant/exchange/format_limits.h>
 
 #include <gtest/gtest.h>
 
@@ -15,7 +16,10 @@ namespace trellant {
 
 namespace {
 
-using sessions::dawProjectName;
+std::string dawProjectName(std::string_view name) {
+    return exchange::nameWithin(exchange::ExportFormat::dawproject, name);
+}
+
 using sessions::Session;
 using testing::addClip;
 using testing::addMedia;

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "reaper_limits.h"
 #include "reaper_reader.h"
 #include "session_samples.h"
+
+#include <trellant/exchange/format_limits.h>
 
 #include <gtest/gtest.h>
 
@@ -12,8 +13,11 @@ namespace trellant {
 
 namespace {
 
+std::string reaperName(std::string_view name) {
+    return exchange::nameWithin(exchange::ExportFormat::reaper, name);
+}
+
 using exchange::PlannedClip;
-using sessions::reaperName;
 using sessions::Session;
 using testing::addClip;
 using testing::addMedia;

@@ -4,6 +4,7 @@
 #include "session_samples.h"
 
 #include <trellant/base/system_call_error.h>
+#include <trellant/exchange/format_limits.h>
 
 #include <gtest/gtest.h>
 
@@ -17,10 +18,10 @@ namespace trellant {
 
 namespace {
 
+using exchange::plainLine;
 using sessions::mediaSeconds;
 using sessions::mostTextBytes;
 using sessions::numberText;
-using sessions::plainLine;
 using sessions::secondsAt;
 using sessions::startText;
 

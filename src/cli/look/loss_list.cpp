@@ -37,7 +37,7 @@ using Row = LossRows::Row;
 
 void sayEffect(const Row& row, Cell& cell) {
     const bool isDropped = row.feature.severity == AAFUnsupportedFeature::Severity::informational;
-    cell.word(isDropped ? "dropped" : "sounds different");
+    cell.word(isDropped ? "dropped" : "soundsDifferent");
 }
 
 void sayIn(const Row& row, Cell& cell) {
