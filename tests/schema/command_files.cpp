@@ -71,11 +71,11 @@ Bytes manyLosses() {
     return omf.build();
 }
 
-/// A source whose sample rate is below zero.
+/// A clip with a name, from a source whose sample rate is below zero.
 Bytes beyondSense() {
     OmfBuilder omf;
     omf.audioFile({.id = gone, .name = "Gone.wav", .sampleRate = Ratio{-48'000}, .length = 48'000});
-    const ObjectID clip = omf.clip({.length = 25, .source = gone});
+    const ObjectID clip = omf.clip({.length = 25, .source = gone, .name = "Lost"});
     omf.composition({.slots = {omf.slot({.editRate = Ratio{25}, .segment = clip})}});
     return omf.build();
 }
