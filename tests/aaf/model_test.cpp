@@ -6,7 +6,9 @@
 #include "written_aaf.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
+#include <string>
 
 namespace trellant::aaf {
 namespace {
@@ -29,6 +31,21 @@ TEST(AafModel, IdentifiersAreUnique) {
         ++count;
     }
     EXPECT_EQ(ids.size(), count);
+}
+
+TEST(AafModel, DescriptorsOfSoundHaveTheNumbersThatOtherReadersKnow) {
+    std::map<std::string, int> numbers;
+    for (const PropertyRow& row : propertyRows()) {
+        if (row.owner == Class::soundDescriptor) {
+            numbers.emplace(row.name, row.pid);
+        }
+    }
+    const std::map<std::string, int> expected{{"QuantizationBits", 0x3D01},
+                                              {"Locked", 0x3D02},
+                                              {"AudioSamplingRate", 0x3D03},
+                                              {"ElectroSpatial", 0x3D05},
+                                              {"Channels", 0x3D07}};
+    EXPECT_EQ(numbers, expected);
 }
 
 TEST(AafModel, MetaDictionaryDescribesEveryRow) {
