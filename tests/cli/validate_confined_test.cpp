@@ -12,11 +12,11 @@
 #include <algorithm>
 #include <cstdint>
 #include <fstream>
-#include <iterator>
 #include <limits>
 #include <string>
 #include <sys/stat.h>
 #include <thread>
+#include <trellant_testing/byte_writer.h>
 #include <trellant_testing/temporary_directory.h>
 #include <utility>
 #include <vector>
@@ -40,8 +40,7 @@ Said validatedUnder(const std::string& wish, const cli::ValidateOptions& options
 
 /// An example whose four audio files are one beside it, one elsewhere, and two nowhere.
 std::string documentNaming(const std::string& elsewhere) {
-    std::ifstream example(std::string(TRELLANT_EXAMPLES) + "/session.accepted.json");
-    std::string text{std::istreambuf_iterator<char>(example), {}};
+    std::string text = textOf(readFile(std::string(TRELLANT_EXAMPLES) + "/session.accepted.json"));
     for (const auto& [from, to] :
          {std::pair<std::string, std::string>{"file:\\/\\/WORK\\/Voice_Anna.wav", "beside.wav"},
           {"file:\\/\\/WORK\\/Voice_Ben.wav", "file://" + elsewhere}}) {
