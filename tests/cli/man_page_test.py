@@ -136,7 +136,7 @@ class ManPageFacts(InFolder):
                          (["dropped", "sounds different"], {"dropped", "soundsDifferent"}))
         text = self.run_command("list", "losses", "mix.omf").stdout
         for words in named:
-            self.assertIn(words, text)
+            self.assertIn(words.encode(), text)
 
     def test_whatever_may_be_listed_is_named(self):
         named = re.findall(r"^\.It Cm ([a-z]+)$", part(".Ss trellant list"), re.MULTILINE)
