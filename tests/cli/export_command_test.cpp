@@ -246,7 +246,6 @@ TEST_F(ExportCommand, LossesOfReadingAndOfTheFormatAreInTheList) {
 }
 
 TEST_F(ExportCommand, FailOnLooksAtTheFormatToo) {
-    add({.name = "Kick.wav", .media = waveOf({1, 2, 3, 4}), .clipLength = 1});
     auto options = exporting(example("archive.omf"), ExportFormat::otio);
     options.call.force = true;
     // Its only difference is a gain or fade that OTIO has no field for.
@@ -256,7 +255,12 @@ TEST_F(ExportCommand, FailOnLooksAtTheFormatToo) {
         options.call.failOn = failOn;
         EXPECT_EQ(exported(options).status, status);
     }
+    // Its source comes from a reel, which AAF carries and a project of REAPER does not.
+    options.call.format = ExportFormat::aaf;
+    EXPECT_EQ(exported(options).status, 0);
     options.call.format = ExportFormat::reaper;
+    EXPECT_EQ(exported(options).status, 3);
+    options.call.failOn = cli::FailOn::render;
     EXPECT_EQ(exported(options).status, 0);
 }
 

@@ -16,6 +16,7 @@ using ::testing::IsEmpty;
 TEST(PropertyKind, IsThatOfThePropertysPlaceInTheTable) {
     EXPECT_EQ(kindOf(OMFProperty::objClass), ValueKind::classID);
     EXPECT_EQ(kindOf(OMFProperty::headByteOrder), ValueKind::byteOrder);
+    EXPECT_EQ(kindOf(OMFProperty::headLastModified), ValueKind::int32);
     EXPECT_EQ(kindOf(OMFProperty::mobSlots), ValueKind::references);
     EXPECT_EQ(kindOf(OMFProperty::slotEditRate), ValueKind::rational);
     EXPECT_EQ(kindOf(OMFProperty::componentName), ValueKind::text);
