@@ -50,9 +50,7 @@ class ProjectDocument {
     void write(const compound::ByteSink& sink);
 
   private:
-    void transport(const XmlElement& project) const;
     void track(const XmlElement& structure, const LanePlace& place) const;
-    void master(const XmlElement& structure) const;
     void laneClips(const XmlElement& arrangement, const LanePlace& place) const;
     void clip(const XmlElement& clips, const PlannedClip& clip) const;
     void audio(const XmlElement& parent, std::size_t media) const;
@@ -69,6 +67,21 @@ class ProjectDocument {
     const exchange::ExportPlan& plan_;
     std::vector<LanePlace> lanes_;
 };
+
+void transport(const XmlElement& project) {
+    const XmlElement transport = project.add("Transport");
+    transport.add("Tempo").with("unit", "bpm").with("value", "120");
+    transport.add("TimeSignature").with("denominator", "4").with("numerator", "4");
+}
+
+void master(const XmlElement& structure) {
+    const XmlElement track = structure.add("Track");
+    track.with("name", "Master")
+        .with("id", "masterTrack")
+        .with("contentType", "audio")
+        .withFlag("loaded", true);
+    track.add("Channel").with("id", "master").with("audioChannels", "2").with("role", "master");
+}
 
 void points(const XmlElement& parent, const AAFAutomationEnvelope& envelope, double factor,
             exchange::Samples length, std::int64_t rate, double start) {
@@ -104,12 +117,6 @@ void ProjectDocument::write(const compound::ByteSink& sink) {
     tree.write(sink);
 }
 
-void ProjectDocument::transport(const XmlElement& project) const {
-    const XmlElement transport = project.add("Transport");
-    transport.add("Tempo").with("unit", "bpm").with("value", "120");
-    transport.add("TimeSignature").with("denominator", "4").with("numerator", "4");
-}
-
 std::int64_t ProjectDocument::channelsOf(const exchange::Lane& lane) const {
     std::int64_t most = 1;
     for (const PlannedClip& clip : lane.clips) {
@@ -142,15 +149,6 @@ void ProjectDocument::track(const XmlElement& structure, const LanePlace& place)
         .with("min", "0")
         .with("unit", "linear")
         .with("value", place.track->gain);
-}
-
-void ProjectDocument::master(const XmlElement& structure) const {
-    const XmlElement track = structure.add("Track");
-    track.with("name", "Master")
-        .with("id", "masterTrack")
-        .with("contentType", "audio")
-        .withFlag("loaded", true);
-    track.add("Channel").with("id", "master").with("audioChannels", "2").with("role", "master");
 }
 
 void ProjectDocument::laneClips(const XmlElement& arrangement, const LanePlace& place) const {
@@ -258,8 +256,8 @@ void writeDawProjectDocument(const Session& session, const compound::ByteSink& s
 void writeDawProjectMetadata(const Session& session, const compound::ByteSink& sink) {
     const XmlTree tree("MetaData");
     const XmlElement root = tree.root();
-    root.add("Title").withText(dawProjectName(session.plan.name.value_or(session.name)));
-    root.add("Comment").withText("Starts at " + startText(session.plan.start));
+    root.add("Title").setText(dawProjectName(session.plan.name.value_or(session.name)));
+    root.add("Comment").setText("Starts at " + startText(session.plan.start));
     tree.write(sink);
 }
 

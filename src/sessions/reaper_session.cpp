@@ -88,7 +88,7 @@ void Project::write() {
 }
 
 void Project::header() {
-    const double frames = static_cast<double>(plan_.start.absoluteFrameNumber());
+    const auto frames = static_cast<double>(plan_.start.absoluteFrameNumber());
     const AAFRational& rate = plan_.start.rate.exactRate;
     const double start =
         frames * static_cast<double>(rate.denominator()) / static_cast<double>(rate.numerator());

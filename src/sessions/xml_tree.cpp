@@ -58,13 +58,12 @@ const XmlElement& XmlElement::withFlag(const char* attribute, bool value) const 
     return with(attribute, value ? "true" : "false");
 }
 
-const XmlElement& XmlElement::withText(std::string_view text) const {
+void XmlElement::setText(std::string_view text) const {
     pugi::xml_node node = node_;
     const std::string value(text);
     if (!present(node.append_child(pugi::node_pcdata)).set_value(value.c_str())) {
         throw std::bad_alloc();
     }
-    return *this;
 }
 
 XmlTree::XmlTree(const char* rootName) {

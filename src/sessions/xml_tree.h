@@ -22,7 +22,7 @@ class XmlElement {
     const XmlElement& with(const char* attribute, double value) const;
     const XmlElement& with(const char* attribute, std::int64_t value) const;
     const XmlElement& withFlag(const char* attribute, bool value) const;
-    const XmlElement& withText(std::string_view text) const;
+    void setText(std::string_view text) const;
 
   private:
     pugi::xml_node node_;
