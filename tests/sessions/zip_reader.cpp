@@ -76,7 +76,8 @@ List listOf(const ZipBytes& archive) {
     require(largeEnd + largeEndSize + locatorSize == end, "the end does not follow");
     Numbers large(archive.read(largeEnd, largeEndSize));
     require(large.next(4) == 0x06064B50 && large.next(8) == largeEndSize - 12, "no large end");
-    large.next(12);
+    large.next(4);
+    large.next(8);
     list.count = large.next(8);
     require(large.next(8) == list.count, "several volumes");
     list.byteCount = large.next(8);
