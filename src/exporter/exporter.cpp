@@ -5,6 +5,7 @@
 
 #include <trellant/base/file_descriptor.h>
 #include <trellant/base/system_call_error.h>
+#include <trellant/base/text.h>
 #include <trellant/base/url.h>
 #include <trellant/base/write_all.h>
 #include <trellant/client/errors.h>
@@ -170,7 +171,8 @@ ExportReport SessionExport::Run::all() {
     read();
     exchange::CarriedPart carried = planned();
     sessions::Session session;
-    session.name = request_.name;
+    // A file's name is bytes; a session's is text.
+    session.name = madeValidUTF8(request_.name);
     session.date = date();
     session.media = media(carried.plan);
     if (request_.markers) {
