@@ -43,6 +43,14 @@ std::optional<std::pair<std::uint64_t, std::uint64_t>> identityOf(const std::str
                      static_cast<std::uint64_t>(status.st_ino));
 }
 
+/// The audio beside a session that was exported: copies of what was found already, which would make
+/// every later look find two files of each name.
+bool isOfExport(const fs::path& folder) {
+    std::error_code ignored;
+    return folder.extension() == ".media" &&
+           fs::is_regular_file(fs::path(folder).replace_extension(".losses.json"), ignored);
+}
+
 }  // namespace
 
 std::string wantedFileName(std::string path) {
@@ -85,7 +93,7 @@ bool MediaFolders::read(const std::string& folder, int deepest, std::uint64_t mo
             return false;
         }
         const std::string name = entry->path().filename().native();
-        if (name.starts_with('.') || entry.depth() >= deepest) {
+        if (name.starts_with('.') || entry.depth() >= deepest || isOfExport(entry->path())) {
             entry.disable_recursion_pending();
         }
         if (!name.starts_with('.') && isAudioFileName(name)) {

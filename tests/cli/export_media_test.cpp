@@ -105,6 +105,16 @@ TEST_F(ExportMedia, ExternalAudioIsCopiedAndStaysWhereItIs) {
     EXPECT_EQ(readFile(folder_.file("media/Kick.wav")), second());
 }
 
+TEST_F(ExportMedia, AudioOfAnEarlierExportIsNoSecondFile) {
+    auto options = exporting(writeExternal(second()));
+    options.call.force = true;
+    exportWell(options);
+    const Bytes first = readFile(out("mix.rpp"));
+    const std::string said = exportWell(options);
+    EXPECT_THAT(said, HasSubstr("  Audio        1 file in mix.media\n"));
+    EXPECT_EQ(readFile(out("mix.rpp")), first);
+}
+
 TEST_F(ExportMedia, LinkedAudioStaysWhereItLies) {
     auto options = exporting(writeExternal(second()));
     options.call.mediaFolders = {folder_.file("media")};

@@ -74,6 +74,15 @@ TEST_F(MediaFoldersTest, HiddenFilesAndFoldersArePassedOver) {
     EXPECT_THAT(read({folder_.path().string()}).named(".kick.wav"), IsEmpty());
 }
 
+TEST_F(MediaFoldersTest, AudioOfAnExportIsPassedOverUnlessItsFolderIsNamed) {
+    const std::string own = file("kick.wav");
+    const std::string copy = file("out/mix.media/kick.wav");
+    EXPECT_THAT(read({folder_.path().string()}).named("kick.wav"), ElementsAre(own, copy));
+    file("out/mix.losses.json");
+    EXPECT_THAT(read({folder_.path().string()}).named("kick.wav"), ElementsAre(own));
+    EXPECT_THAT(read({folder_.file("out/mix.media")}).named("kick.wav"), ElementsAre(copy));
+}
+
 TEST_F(MediaFoldersTest, FileThatTwoFoldersReachCountsOnce) {
     const std::string path = file("deep/kick.wav");
     fs::create_symlink(path, folder_.file("zzz.wav"));
