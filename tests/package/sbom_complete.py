@@ -49,7 +49,7 @@ def check_packages(packages):
         check(SPDX_ID.fullmatch(package["SPDXID"]), name + " has no proper identity")
         check(package["downloadLocation"] and package["copyrightText"], name + " lacks a field")
         check(package["filesAnalyzed"] is False, name + " claims to be analysed")
-        check(re.match(r"\d+\.\d+", package["versionInfo"]), name + " has no version")
+        check(re.match(r"(\d+:)?\d+\.\d+", package["versionInfo"]), name + " has no version")
         licence = package["licenseConcluded"]
         if name.startswith("trellant"):
             check(licence == "Apache-2.0", name + " is under another licence: " + licence)
