@@ -20,18 +20,18 @@ struct FileSpec {
     bool isBeside = false;
 };
 
-MediaCandidate file(const FileSpec& spec) {
-    MediaCandidate candidate{.isBeside = spec.isBeside};
-    candidate.facts = AudioFacts{.frames = spec.frames};
-    candidate.facts->format.sampleRate = AAFRational(spec.rate);
-    candidate.facts->format.channels = spec.channels;
+MediaCandidate file(const FileSpec& one) {
+    MediaCandidate candidate{.isBeside = one.isBeside};
+    candidate.facts = AudioFacts{.frames = one.frames};
+    candidate.facts->format.sampleRate = AAFRational(one.rate);
+    candidate.facts->format.channels = one.channels;
     return candidate;
 }
 
-NamedFiles named(const std::vector<FileSpec>& specs) {
+NamedFiles named(const std::vector<FileSpec>& given) {
     std::vector<MediaCandidate> files;
-    for (const FileSpec& spec : specs) {
-        files.push_back(file(spec));
+    for (const FileSpec& one : given) {
+        files.push_back(file(one));
     }
     return NamedFiles(std::move(files));
 }
@@ -77,24 +77,24 @@ TEST(NamedFiles, ThatFitAreThoseWithoutAMisfit) {
     std::minstd_rand random(20261122);
     const auto below = [&](std::uint32_t end) { return static_cast<std::int64_t>(random() % end); };
     for (int round = 0; round < 2'000; ++round) {
-        std::vector<FileSpec> specs;
+        std::vector<FileSpec> given;
         for (std::int64_t count = below(6), beside = below(6), i = 0; i < count; ++i) {
-            FileSpec spec{.rate = 48'000 + below(2), .channels = below(4), .isBeside = i < beside};
-            spec.frames = static_cast<std::uint64_t>(below(5));
-            specs.push_back(spec);
+            FileSpec one{.rate = 48'000 + below(2), .channels = below(4), .isBeside = i < beside};
+            one.frames = static_cast<std::uint64_t>(below(5));
+            given.push_back(one);
         }
         const SourceNeeds need = needs(below(5), below(4));
         std::vector<std::size_t> fitting;
         std::vector<std::size_t> besideFitting;
-        for (std::size_t i = 0; i < specs.size(); ++i) {
-            if (!misfit(*file(specs[i]).facts, need)) {
+        for (std::size_t i = 0; i < given.size(); ++i) {
+            if (!misfit(*file(given[i]).facts, need)) {
                 fitting.push_back(i);
-                if (specs[i].isBeside) {
+                if (given[i].isBeside) {
                     besideFitting.push_back(i);
                 }
             }
         }
-        const auto found = named(specs).fitting(need);
+        const auto found = named(given).fitting(need);
         EXPECT_EQ(found.any.has_value(), !fitting.empty());
         const auto& sole = fitting.size() == 1 ? fitting : besideFitting;
         EXPECT_EQ(found.decided, sole.size() == 1 ? std::optional(sole.front()) : std::nullopt);
