@@ -41,8 +41,9 @@ class Document {
     OmfBuilder& operator*() { return omf_; }
     OmfBuilder* operator->() { return &omf_; }
 
-    ObjectID clip(std::optional<std::string> name = std::nullopt) {
-        return omf_.clip({.length = 480, .source = tone, .name = std::move(name)});
+    ObjectID clip() { return omf_.clip({.length = 480, .source = tone}); }
+    ObjectID clip(const std::string& name) {
+        return omf_.clip({.length = 480, .source = tone, .name = name});
     }
     /// `segment` ten times, and that ten times again.
     ObjectID fan(ObjectID segment, int levels) {
