@@ -106,12 +106,13 @@ void Reduction::ofPlan(const std::vector<PlanLoss>& losses) {
 
 void Reduction::ofSession(ExportPlan& plan) {
     if (plan.edges.count != 0) {
-        record(Feature::clipPlaces, {}, Severity::renderAffecting, roundingSentence(plan.edges),
+        // Half a sample is some 10 microseconds: nobody hears it.
+        record(Feature::clipPlaces, {}, Severity::informational, roundingSentence(plan.edges),
                roundingText(Feature::clipPlaces, plan.edges, plan.rate));
     }
     if (plan.sourceStarts.count != 0 &&
         carriage(Feature::sourceStartAtOtherRates) == Carriage::limited) {
-        record(Feature::sourceStartAtOtherRates, {}, Severity::renderAffecting,
+        record(Feature::sourceStartAtOtherRates, {}, Severity::informational,
                sourceRoundingSentence(plan.sourceStarts),
                roundingText(Feature::sourceStartAtOtherRates, plan.sourceStarts, plan.rate));
     }

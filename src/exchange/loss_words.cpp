@@ -100,8 +100,8 @@ Severity severityOf(PlanLoss::Kind kind) noexcept {
         case PlanLoss::Kind::shorterThanASample:
         case PlanLoss::Kind::beforeTheStart:
         case PlanLoss::Kind::headBeforeTheStart:
-        case PlanLoss::Kind::beyondTheRange:
             return Severity::informational;
+        case PlanLoss::Kind::beyondTheRange:
         case PlanLoss::Kind::fadeLongerThanClip:
             return Severity::renderAffecting;
     }

@@ -184,13 +184,13 @@ TEST_F(ExportCommand, WhatMakesNoSenseIsRefused) {
                 }),
                 HasSubstr("--name is for one file"));
     EXPECT_EQ(refusal([](cli::ExportCall& call) { call.mediaMode = MediaMode::embed; }),
-              "trellant: a session of the format reaper cannot have its audio that way "
-              "(--media-mode embed)\n");
+              "trellant: a session of the format reaper cannot have its audio that way: "
+              "--media-mode is copy or link, not embed\n");
     EXPECT_THAT(refusal([](cli::ExportCall& call) {
                     call.format = ExportFormat::otioz;
                     call.mediaMode = MediaMode::link;
                 }),
-                HasSubstr("otioz cannot have its audio that way (--media-mode link)"));
+                HasSubstr("otioz cannot have its audio that way: --media-mode is embed, not link"));
 }
 
 TEST_F(ExportCommand, AFileThatCannotBeReadLeavesNothing) {

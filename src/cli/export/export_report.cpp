@@ -5,10 +5,13 @@
 #include "terminal/json_line.h"
 
 #include <trellant/base/printable_text.h>
+#include <trellant/handoff/sources.h>
 #include <trellant/handoff/timeline_text.h>
 
 #include <algorithm>
 #include <cstddef>
+#include <map>
+#include <set>
 #include <string_view>
 
 namespace trellant::cli {
@@ -166,6 +169,34 @@ std::string exportLine(const std::string& file, const std::string& directory, Ex
                     })
             .count("changes", report.handOff.changes.size());
     });
+}
+
+std::vector<std::string> offlineRemarks(const ExportReport& report) {
+    const Sources sources(report.handOff);
+    std::map<SourceState, std::size_t> counts;
+    std::set<std::size_t> seen;
+    for (const exchange::PlannedMedia& media : report.plan.media) {
+        if (media.isOffline && seen.insert(media.essence).second) {
+            ++counts[sources.all().at(media.essence).state];
+        }
+    }
+    std::vector<std::string> remarks;
+    if (const std::size_t count = counts[SourceState::missing]; count != 0) {
+        remarks.push_back(counted(count, "audio file is", "audio files are") +
+                          " not there, and the clips are offline; name the folder that holds " +
+                          (count == 1 ? "it" : "them") + " with --media FOLDER");
+    }
+    if (const std::size_t count = counts[SourceState::severalCandidates]; count != 0) {
+        remarks.push_back(counted(count, "audio file is", "audio files are") +
+                          " undecided, since several files of the name fit, and the clips are "
+                          "offline; trellant extract lists the files");
+    }
+    if (const std::size_t count = counts[SourceState::misfit]; count != 0) {
+        remarks.push_back(counted(count, "audio file does", "audio files do") +
+                          " not fit what the clips need, and these are offline; trellant extract "
+                          "says why");
+    }
+    return remarks;
 }
 
 }  // namespace trellant::cli
