@@ -64,10 +64,11 @@ TEST_F(ExportCommand, GivesProgramsOneObject) {
     EXPECT_EQ(line["clips"], 1);
     EXPECT_EQ(line["media"],
               (nlohmann::json{{"files", 1}, {"embedded", 0}, {"linked", 0}, {"offline", 0}}));
-    EXPECT_EQ(
-        line["losses"],
-        (nlohmann::json{
-            {"reading", 0}, {"export", 0}, {"exportDropped", 0}, {"exportSoundsDifferent", 0}}));
+    EXPECT_EQ(line["losses"], (nlohmann::json{{"reading", 0},
+                                              {"export", 0},
+                                              {"exportDropped", 0},
+                                              {"exportChanged", 0},
+                                              {"exportSoundsDifferent", 0}}));
     EXPECT_EQ(line["changes"], 0);
 }
 

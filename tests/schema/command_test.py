@@ -57,7 +57,7 @@ OPTIONAL = {
 # Byte orders, roles of channels, object models: their words speak for themselves.
 UNNAMED_WORDS = {"littleEndian", "bigEndian", "mono", "left", "right", "center", "lfe",
                  "leftSurround", "rightSurround", "unknown", "omf1", "omf2", "dropped",
-                 "soundsDifferent"}
+                 "soundsDifferent", "changed"}
 
 CALLS = []
 LINES = []

@@ -22,7 +22,7 @@ constexpr std::size_t longestShownPath = 4'096;
 
 using exchange::ExportFormat;
 using exchange::ExportLoss;
-using Severity = AAFUnsupportedFeature::Severity;
+using exchange::LossEffect;
 
 std::string shown(const std::string& text) {
     return printableText(text, longestShownPath);
@@ -107,10 +107,10 @@ std::string differencesText(const ExportReport& report) {
                          : joined(parts, ", ") + "; listed in " + shown(report.files.back());
 }
 
-std::size_t countOf(const std::vector<ExportLoss>& losses, Severity severity) {
-    return static_cast<std::size_t>(
-        std::count_if(losses.begin(), losses.end(),
-                      [severity](const ExportLoss& loss) { return loss.severity == severity; }));
+std::size_t countOf(const std::vector<ExportLoss>& losses, LossEffect effect) {
+    return static_cast<std::size_t>(std::count_if(
+        losses.begin(), losses.end(),
+        [effect](const ExportLoss& loss) { return exchange::effectOf(loss) == effect; }));
 }
 
 }  // namespace
@@ -163,9 +163,10 @@ std::string exportLine(const std::string& file, const std::string& directory, Ex
                     [&](JsonLine& losses) {
                         losses.count("reading", report.handOff.timeline.unsupportedFeatures.size())
                             .count("export", report.losses.size())
-                            .count("exportDropped", countOf(report.losses, Severity::informational))
+                            .count("exportDropped", countOf(report.losses, LossEffect::dropped))
+                            .count("exportChanged", countOf(report.losses, LossEffect::changed))
                             .count("exportSoundsDifferent",
-                                   countOf(report.losses, Severity::renderAffecting));
+                                   countOf(report.losses, LossEffect::soundsDifferent));
                     })
             .count("changes", report.handOff.changes.size());
     });
