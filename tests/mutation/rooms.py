@@ -39,6 +39,7 @@ TESTS = {
     "extraction": (*of_room("extraction"), EXTRACT),
     "exporter": (*of_room("exporter"), EXPORT),
     "cli": (*of_room("cli"), EXTRACT, EXPORT),
+    "listening": of_room("listening"),
     "wav": (EXTRACT, EXPORT),
 }
 
