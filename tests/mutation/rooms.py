@@ -40,7 +40,7 @@ TESTS = {
     "exporter": (*of_room("exporter"), EXPORT),
     "cli": (*of_room("cli"), EXTRACT, EXPORT),
     "listening": of_room("listening"),
-    "wav": (EXTRACT, EXPORT),
+    "wav": (*of_room("wav"), EXTRACT, EXPORT),
 }
 
 
