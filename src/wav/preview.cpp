@@ -29,8 +29,7 @@ double compressionLevel(std::uint32_t bitRate) noexcept {
 
 /// Frames of the part that are there. Throws ConversionError.
 sf_count_t framesOf(const Source& source, const PreviewPart& part) {
-    if (source.info.frames < 0 ||
-        part.firstFrame >= static_cast<std::uint64_t>(source.info.frames)) {
+    if (part.firstFrame >= static_cast<std::uint64_t>(source.info.frames)) {
         throw ConversionError("it ends before the part that is wanted");
     }
     const std::uint64_t rest = static_cast<std::uint64_t>(source.info.frames) - part.firstFrame;

@@ -23,6 +23,9 @@ inline sf_count_t readFrames(SNDFILE* sound, std::int32_t* samples, sf_count_t f
     static_assert(sizeof(int) == sizeof(std::int32_t));
     return ::sf_readf_int(sound, samples, frames);
 }
+inline sf_count_t readFrames(SNDFILE* sound, float* samples, sf_count_t frames) {
+    return ::sf_readf_float(sound, samples, frames);
+}
 inline sf_count_t readFrames(SNDFILE* sound, double* samples, sf_count_t frames) {
     return ::sf_readf_double(sound, samples, frames);
 }

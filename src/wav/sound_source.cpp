@@ -67,6 +67,9 @@ Source openSource(const std::string& path) {
     if (!isKnown(source.info.format)) {
         throw ConversionError("it is no AIFF, AIFC or WAVE file");
     }
+    if (source.info.channels < 1 || source.info.frames < 0) {
+        throw ConversionError("its header makes no sense");
+    }
     return source;
 }
 

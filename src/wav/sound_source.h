@@ -20,7 +20,7 @@ struct Source {
     Sound sound;
 };
 
-/// Throws ConversionError.
+/// There is one channel at least. Throws ConversionError.
 [[nodiscard]] Source openSource(const std::string& path);
 
 /// How a kind of sample is called in a WAVE file, and what it takes there.
