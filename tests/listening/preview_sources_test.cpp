@@ -6,8 +6,8 @@
 
 #include <gmock/gmock.h>
 
-#include <cmath>
 #include <cstdint>
+#include <limits>
 
 namespace trellant::testing {
 namespace {
@@ -126,7 +126,8 @@ TEST_F(PreviewSources, AreAsLargeAsIsEstimatedAtMost) {
     EXPECT_LE(made[0].ogg.size(), estimated);
     // No more than a twentieth and the heads above what the rate says.
     EXPECT_EQ(estimated, 1'500U + 84'000U);
-    EXPECT_EQ(listening::estimatedPreviewBytes(INFINITY, 2, 64'000), UINT64_MAX);
+    EXPECT_EQ(listening::estimatedPreviewBytes(std::numeric_limits<double>::infinity(), 2, 64'000),
+              UINT64_MAX);
 }
 
 TEST_F(PreviewSources, AStopEndsThem) {
