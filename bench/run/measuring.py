@@ -38,6 +38,7 @@ class Bench:
         self.worker = build / "src/helper/trellant-omf"
         self.floor = build / "bench/processes/bench_floor_static"
         self.dynamic_floor = build / "bench/processes/bench_floor_dynamic"
+        self.converter = build / "src/wav/trellant-wav"
         self.sessions = build / "bench/processes/bench_sessions"
 
     def size(self, full):
