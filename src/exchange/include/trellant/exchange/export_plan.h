@@ -87,8 +87,8 @@ struct PlannedFade {
     AAFAutomationInterpolation curve{};
     /// The fade's own shape, where the curve does not say it all.
     std::vector<AAFAutomationPoint> shape{};
-    /// The length as the hand-off has it, in seconds; absent for a fade that is cut to its clip, and
-    /// in a plan that is made of samples.
+    /// The length as the hand-off has it, in seconds; absent for a fade that is cut to its clip,
+    /// and in a plan that is made of samples.
     std::optional<AAFRational> exactLength{};
     bool operator==(const PlannedFade&) const = default;
 };
