@@ -143,6 +143,15 @@ TEST_F(PreviewSources, WhatWillNotFitIsNotTried) {
     EXPECT_EQ(made[2].state, PreviewState::leftOut);
 }
 
+TEST_F(PreviewSources, OfTwoChannelsTakeTwiceTheRoom) {
+    // Ten seconds, 85,500 bytes for one channel and 169,500 for both, as is estimated.
+    add(file("stereo.wav", waveOf(std::vector<std::int16_t>(960'000), 2)));
+    const auto made = previews({{.essence = 0}, {.essence = 0, .channel = 1}},
+                               {.converter = TRELLANT_WAV, .mostBytes = 100'000});
+    EXPECT_EQ(made[0].state, PreviewState::leftOut);
+    EXPECT_EQ(made[1].state, PreviewState::made);
+}
+
 TEST_F(PreviewSources, AreAsLargeAsIsEstimatedAtMost) {
     add(tenSeconds("a.wav"));
     const auto made = previews({{.essence = 0}});
