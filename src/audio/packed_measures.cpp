@@ -156,11 +156,6 @@ Peaks unpackedPeaks(Unpacker& unpacker, std::size_t channels) {
     return peaks;
 }
 
-/// Pairs that so many frames have.
-std::uint64_t pairsOf(std::uint64_t frames, std::uint64_t framesPerPair) noexcept {
-    return frames / framesPerPair + (frames % framesPerPair == 0 ? 0 : 1);
-}
-
 }  // namespace
 
 Bytes packedMeasures(const SoundMeasures& sound) {

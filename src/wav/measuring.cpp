@@ -59,7 +59,8 @@ void writeMeasures(const std::string& source, const std::string& destination,
     const Source input = openSource(source);
     const SampleForm form = sampleForm(input.info.format);
     const std::uint64_t frames = measuredFrames(input);
-    const std::uint64_t framesPerPair = frames / mostPairs + (frames % mostPairs == 0 ? 0 : 1);
+    // Divided into so many parts, rounded up: with fewer to a pair there would be more pairs.
+    const std::uint64_t framesPerPair = audio::pairsOf(frames, mostPairs);
     NewFile file(destination, "file of measures");
     audio::SoundMeter meter(soundFormat(input, form, bitDepth),
                             std::max<std::uint64_t>(1, framesPerPair));
@@ -73,7 +74,7 @@ void writeWaveform(const std::string& source, const std::string& destination,
     const Source input = openSource(source);
     const SampleForm form = sampleForm(input.info.format);
     const std::uint64_t frames = measuredFrames(input);
-    const std::uint64_t pairs = frames / framesPerPair + (frames % framesPerPair == 0 ? 0 : 1);
+    const std::uint64_t pairs = audio::pairsOf(frames, framesPerPair);
     if (pairs > std::uint64_t{std::numeric_limits<std::int32_t>::max()}) {
         throw ConversionError("it is too long for so fine a waveform");
     }

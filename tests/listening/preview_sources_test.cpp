@@ -121,6 +121,37 @@ TEST_F(PreviewSources, LargerThanWasThoughtAreLeftOut) {
     EXPECT_EQ(previews({{.essence = 0}}, tight)[0].state, PreviewState::leftOut);
 }
 
+TEST_F(PreviewSources, MayFillTheBytesThatAreAllowed) {
+    add(file("a.wav", waveOf({1, 2, 3})));
+    const PreviewRequest request{.converter = script("head -c 5000 /dev/zero > \"$3\""),
+                                 .mostBytes = 10'000};
+    const auto made = previews({{.essence = 0}, {.essence = 0}, {.essence = 0}}, request);
+    EXPECT_EQ(made[0].state, PreviewState::made);
+    EXPECT_EQ(made[1].state, PreviewState::made);
+    EXPECT_EQ(made[2].state, PreviewState::leftOut);
+}
+
+TEST_F(PreviewSources, WhatWillNotFitIsNotTried) {
+    add(tenSeconds("a.wav"));
+    // Leaves a mark for each run.
+    const PreviewRequest request{
+        .converter = script("echo x >> '" + folder_.file("runs") + "'; echo Ogg > \"$3\""),
+        .mostBytes = 200'000};
+    const auto made = previews({{.essence = 0}, {.essence = 0}, {.essence = 0}}, request);
+    // 85,500 bytes each, as is estimated.
+    EXPECT_EQ(textOf(readFile(folder_.file("runs"))), "x\nx\n");
+    EXPECT_EQ(made[2].state, PreviewState::leftOut);
+}
+
+TEST_F(PreviewSources, OfTwoChannelsTakeTwiceTheRoom) {
+    // Ten seconds, 85,500 bytes for one channel and 169,500 for both, as is estimated.
+    add(file("stereo.wav", waveOf(std::vector<std::int16_t>(960'000), 2)));
+    const auto made = previews({{.essence = 0}, {.essence = 0, .channel = 1}},
+                               {.converter = TRELLANT_WAV, .mostBytes = 100'000});
+    EXPECT_EQ(made[0].state, PreviewState::leftOut);
+    EXPECT_EQ(made[1].state, PreviewState::made);
+}
+
 TEST_F(PreviewSources, AreAsLargeAsIsEstimatedAtMost) {
     add(tenSeconds("a.wav"));
     const auto made = previews({{.essence = 0}});

@@ -42,6 +42,13 @@ struct PeakPair {
     bool operator==(const PeakPair&) const = default;
 };
 
+/// Pairs of one channel that so many frames make, when a pair is of `framesPerPair` (1 or more) and
+/// the last one of what is left.
+[[nodiscard]] constexpr std::uint64_t pairsOf(std::uint64_t frames,
+                                              std::uint64_t framesPerPair) noexcept {
+    return frames / framesPerPair + (frames % framesPerPair == 0 ? 0 : 1);
+}
+
 /// The outline of a sound.
 struct Peaks {
     /// Frames that a pair is of, 1 or more; the last pair may be of fewer.
