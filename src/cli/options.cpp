@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "options.h"
 
-#include "nearest_word.h"
-
+#include <trellant/base/nearest_word.h>
 #include <trellant/base/printable_text.h>
 #include <trellant/version.h>
 
