@@ -2,6 +2,7 @@
 // The command line, read.
 #pragma once
 
+#include "check/check.h"
 #include "dump/dump.h"
 #include "export/export.h"
 #include "extract/extract.h"
@@ -42,8 +43,8 @@ struct ValidateOptions {
     bool json = false;
 };
 
-using Call =
-    std::variant<InfoOptions, ListOptions, ExtractCall, ExportCall, DumpCall, ValidateOptions>;
+using Call = std::variant<InfoOptions, ListOptions, ExtractCall, ExportCall, CheckCall, DumpCall,
+                          ValidateOptions>;
 
 struct CommandLine {
     Verbosity verbosity = Verbosity::normal;
