@@ -23,6 +23,7 @@ TESTS = {
     "base": of_room("base", "json", "io", "model"),
     "json": of_room("json", "model", "protocol"),
     "model": of_room("model", "protocol"),
+    "audio": of_room("audio"),
     "io": of_room("io", "omf"),
     "compound": of_room("compound", "aaf"),
     "aaf": of_room("aaf"),
@@ -38,7 +39,8 @@ TESTS = {
     "extraction": (*of_room("extraction"), EXTRACT),
     "exporter": (*of_room("exporter"), EXPORT),
     "cli": (*of_room("cli"), EXTRACT, EXPORT),
-    "wav": (EXTRACT, EXPORT),
+    "listening": of_room("listening"),
+    "wav": (*of_room("wav"), EXTRACT, EXPORT),
 }
 
 
