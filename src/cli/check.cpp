@@ -3,6 +3,7 @@
 #include "check/check.h"
 
 #include "check/checked_files.h"
+#include "check/heard_audio.h"
 #include "check/named_profile.h"
 #include "check/rule_pages.h"
 #include "check/verdict_report.h"
@@ -103,9 +104,17 @@ class Checker {
             return ExitStatus::fileFailed;
         }
         protectMedia(*found.handOff, delivery);
-        const check::CheckedHandOff checked(*found.handOff, std::move(facts));
+        const bool isWanted = call_.audio || profile_.audio;
+        const auto sound =
+            isWanted ? heardAudio(file, call_.mediaFolders, *found.handOff, console_, stop_)
+                     : std::nullopt;
+        const check::CheckedHandOff checked(*found.handOff, std::move(facts),
+                                            sound ? &*sound : nullptr);
         const check::Verdict verdict = check::verdictOf(checked, profile_);
         report.add({file, verdict, found.handOff->timeline, found.failure});
+        if (isWanted && !sound) {
+            return ExitStatus::fileFailed;
+        }
         const auto worst = verdict.worst();
         return worst && *worst >= call_.failOn ? ExitStatus::lossesFound : ExitStatus::done;
     }

@@ -270,6 +270,8 @@ class Parser {
         addMedia(*check_, checkCall_.mediaFolders);
         check_->add_flag("--recursive", checkCall_.recursive,
                          "Look for OMF files in folders within the folders too");
+        check_->add_flag("--audio", checkCall_.audio,
+                         "Read all audio too, for sync pops, silence and clipping");
         addChoice<check::Severity>(*check_, "--fail-on", checkCall_.failOn,
                                    "End with status 3 when something of this weight is found, or "
                                    "of a higher one; else error",

@@ -25,6 +25,8 @@ struct CheckCall {
     /// The name of a profile that comes with the program, or a file.
     std::string profile = "post";
     std::vector<std::string> mediaFolders;
+    /// Read the audio too, whatever the profile says.
+    bool audio = false;
     Form form = Form::people;
     check::Severity failOn = check::Severity::error;
     Destination destination;

@@ -221,8 +221,9 @@ class ScreenReport final : public VerdictReport {
             }
         }
         if (!unlooked.empty()) {
-            text += wrapped("The audio was not read: nothing is said of " + unlooked + ".",
-                            paragraph, std::nullopt);
+            text += wrapped(
+                "The audio was not read (--audio reads it): nothing is said of " + unlooked + ".",
+                paragraph, std::nullopt);
         }
         return text.empty() ? text : "\n" + text;
     }
