@@ -25,6 +25,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr std::size_t longestShownPath = 4'096;
+
 check::FileFacts factsOf(const std::string& file) {
     std::error_code failure;
     const std::uintmax_t bytes = fs::file_size(file, failure);
@@ -51,9 +53,12 @@ class Checker {
         : call_(call), profile_(profile), console_(console), stop_(stop) {}
 
     [[nodiscard]] ExitStatus run() {
-        bool failed = false;
-        const auto files = checkedFiles(call_.files, call_.recursive, console_, failed);
-        if (!mayDeliver(call_.destination, files, console_)) {
+        const std::vector<CheckedFile> files = checkedFiles(call_.files, call_.recursive);
+        std::vector<std::string> inputs;
+        for (const CheckedFile& file : files) {
+            inputs.push_back(file.path);
+        }
+        if (!mayDeliver(call_.destination, inputs, console_)) {
             return ExitStatus::wrongUse;
         }
         Delivery delivery(call_.destination, console_);
@@ -65,9 +70,9 @@ class Checker {
                        .isOneFile = isOneFile,
                        .everything = console_.verbosity() == Verbosity::verbose,
                        .failOn = call_.failOn});
-        ExitStatus status = failed ? ExitStatus::fileFailed : ExitStatus::done;
+        ExitStatus status = ExitStatus::done;
         report->begin();
-        for (const std::string& file : files) {
+        for (const CheckedFile& file : files) {
             if (stop_.stop_requested()) {
                 return ExitStatus::fileFailed;
             }
@@ -94,8 +99,14 @@ class Checker {
         return lineReport(sink);
     }
 
-    [[nodiscard]] ExitStatus judge(const std::string& file, VerdictReport& report,
+    [[nodiscard]] ExitStatus judge(const CheckedFile& checkedFile, VerdictReport& report,
                                    Delivery& delivery) {
+        const std::string& file = checkedFile.path;
+        if (!checkedFile.failure.empty()) {
+            console_.error(printableText(file, longestShownPath) + ": " + checkedFile.failure);
+            report.addFailure(file, checkedFile.failure);
+            return ExitStatus::fileFailed;
+        }
         const Inspection found = inspect(
             {.file = file, .mediaFolders = call_.mediaFolders, .contents = true}, console_, stop_);
         check::FileFacts facts = factsOf(file);

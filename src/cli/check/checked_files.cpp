@@ -1,20 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "checked_files.h"
 
-#include <trellant/base/printable_text.h>
 #include <trellant/base/text.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace trellant::cli {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr std::size_t longestShownPath = 4'096;
 
 bool isOmf(const fs::path& path) {
     const std::string extension = lowerCased(path.extension().native());
@@ -40,29 +38,28 @@ bool gather(const std::string& folder, std::vector<std::string>& files) {
 
 }  // namespace
 
-std::vector<std::string> checkedFiles(const std::vector<std::string>& names, bool recursive,
-                                      Console& console, bool& failed) {
-    std::vector<std::string> all;
+std::vector<CheckedFile> checkedFiles(const std::vector<std::string>& names, bool recursive) {
+    std::vector<CheckedFile> all;
     for (const std::string& name : names) {
         std::error_code ignored;
         if (!fs::is_directory(name, ignored)) {
-            all.push_back(name);
+            all.push_back({.path = name});
             continue;
         }
-        const std::string shown = printableText(name, longestShownPath);
         std::vector<std::string> files;
         const bool isWhole = recursive ? gather<fs::recursive_directory_iterator>(name, files)
                                        : gather<fs::directory_iterator>(name, files);
-        if (!isWhole) {
-            console.error(shown + ": not all of this folder could be looked at");
-            failed = true;
-        } else if (files.empty()) {
-            console.error(shown + ": there is no OMF file in this folder" +
-                          (recursive ? "" : "; --recursive looks into the folders in it too"));
-            failed = true;
-        }
         std::sort(files.begin(), files.end());
-        all.insert(all.end(), files.begin(), files.end());
+        for (std::string& file : files) {
+            all.push_back({.path = std::move(file)});
+        }
+        if (!isWhole) {
+            all.push_back({name, "not all of this folder could be looked at"});
+        } else if (files.empty()) {
+            all.push_back(
+                {name, std::string("there is no OMF file in this folder") +
+                           (recursive ? "" : "; --recursive looks into the folders in it too")});
+        }
     }
     return all;
 }
