@@ -76,6 +76,8 @@ TEST(RateLabel, IsAClockThatCountsOtherFramesThanItsLabels) {
     const Finding finding = made.findings("rate-label").at(0);
     EXPECT_EQ(finding.found.number, AAFRational(24));
     EXPECT_EQ(finding.wanted.number, AAFRational(24'000, 1'001));
+    EXPECT_TRUE(finding.sentence.ends_with(" seconds per hour. Ask which of both the picture has."))
+        << finding.sentence;
     clockOf(made).editRate = AAFRational(24);
     EXPECT_THAT(made.broken(off), IsEmpty());
 }

@@ -300,6 +300,15 @@ TEST(WorkerRequest, NamesTheExtensionsItAsksFor) {
               "extensions[0]: expected a string, found a number");
 }
 
+AAFWorkerExtensions::Contents sampleContents() {
+    return {.mediaLengths = {{.essenceID = "e", .frames = 96'000}},
+            .unusedMedia = 1,
+            .unusedNames = {"Kick"},
+            .unusedBytes = 1'044,
+            .renderedEffects = 2,
+            .nestedGroups = 3};
+}
+
 TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
     AAFWorkerExtensions extensions;
     extensions.lossPlaces = AAFWorkerExtensions::LossPlaces{{{.kind = LossKind::transitionAsCut,
@@ -326,13 +335,7 @@ TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
           .start = AAFRational(7, 2),
           .timecode = AAFWorkerExtensions::ReelTimecode{90'000, 30, true}},
          {.essenceID = "f", .mobID = "n"}}};
-    extensions.contents =
-        AAFWorkerExtensions::Contents{.mediaLengths = {{.essenceID = "e", .frames = 96'000}},
-                                      .unusedMedia = 1,
-                                      .unusedNames = {"Kick"},
-                                      .unusedBytes = 1'044,
-                                      .renderedEffects = 2,
-                                      .nestedGroups = 3};
+    extensions.contents = sampleContents();
     Result result;
     result.extensions = extensions;
     result.timeline.clock = {AAFRational(25), AAFTimecodeRate::fps25(),

@@ -15,7 +15,7 @@ void look(const CheckedHandOff& checked, const RuleSettings&, FindingList& findi
     }
     findings.report({}, [&] {
         return FindingText{.sentence = rateDisagreement(checked.timeline().clock).value_or("") +
-                                       ": ask which of both the picture has.",
+                                       " Ask which of both the picture has.",
                            .found = numberValue(drift->timecodeRate),
                            .wanted = numberValue(drift->editRate),
                            .unit = "fps"};
