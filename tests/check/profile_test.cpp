@@ -194,6 +194,28 @@ TEST(Profile, ListsAreBounded) {
               "profile \"house.json\": name is longer than 1024 bytes");
 }
 
+TEST(Profile, AnyTextIsReadOrRefusedAndNothingElse) {
+    const std::string whole =
+        R"({"profileVersion":1,"name":"n","extends":"film","audio":false,"rules":{"handles":)"
+        R"({"severity":"info","seconds":1.5},"rate-expected":{"rates":[1,2]},"track-names":)"
+        R"({"patterns":["a*"]},"start-timecode":{"timecode":"01:00:00:00"}},)"
+        R"("accept":[{"rule":"muted","track":"t","reason":"r"}]})";
+    EXPECT_EQ(faultOf(whole), "");
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        EXPECT_NE(faultOf(whole.substr(0, length)), "") << length;
+    }
+    std::size_t refused = 0;
+    for (std::size_t at = 0; at < whole.size(); ++at) {
+        for (const char other : {'\0', '"', '{', '[', '9', '\xFF'}) {
+            std::string changed = whole;
+            changed[at] = other;
+            refused += faultOf(changed).empty() ? 0U : 1U;
+        }
+    }
+    // Inside of texts some changes are no faults.
+    EXPECT_GT(refused, whole.size());
+}
+
 TEST(BuiltInProfiles, AreReadAndDisagree) {
     ASSERT_EQ(builtInProfiles().size(), 5U);
     EXPECT_EQ(builtInProfile("pos"), std::nullopt);
