@@ -25,7 +25,12 @@ _trellant() {
     local anywhere="-h --help -q --quiet -v --verbose"
     local lossy="--media --fail-on"
     local output="-o --output --force"
-    local commands="info list extract export peaks dump validate"
+    local commands="info list extract export check peaks dump validate"
+    local profiles="post film broadcast-25 music archive"
+    local rules="media-missing media-ambiguous media-linked media-past-end media-unused loss-dropped loss-sound"
+    rules+=" effects nesting omf-version file-size compositions rate-expected rate-mixed depth-expected"
+    rules+=" depth-mixed channels-mono handles start-timecode frame-rate rate-label off-frame overlap"
+    rules+=" tiny-clip duplicate pairs track-names muted gain-range names-odd pop-head silent clipped"
     local formats="aaf otio otioz reaper dawproject markers"
     # In any case: such files come from systems that do not tell the cases apart.
     local omf='*.[oO][mM][fF]' omfi='*.[oO][mM][fF][iI]' json='*.[jJ][sS][oO][nN]'
@@ -41,7 +46,7 @@ _trellant() {
         [[ $word == = ]] && continue
         case $previous in
             --media | --fail-on | --to | --output | -o | --object | --path | --format | --media-mode | \
-                --rate | --name | --samples-per-pair | --bits)
+                --rate | --name | --samples-per-pair | --bits | --profile | --explain)
                 previous=""
                 continue
                 ;;
@@ -65,7 +70,20 @@ _trellant() {
             return
             ;;
         --fail-on)
-            _trellant_words "missing render any" "$current"
+            if [[ $command == check ]]; then
+                _trellant_words "error warning info" "$current"
+            else
+                _trellant_words "missing render any" "$current"
+            fi
+            return
+            ;;
+        --profile)
+            _trellant_words "$profiles" "$current"
+            _trellant_paths "$json" "$current"
+            return
+            ;;
+        --explain)
+            _trellant_words "$rules" "$current"
             return
             ;;
         -o | --output)
@@ -103,6 +121,7 @@ _trellant() {
             list) _trellant_words "$anywhere --csv --json $lossy $output" "$current" ;;
             extract) _trellant_words "$anywhere --to $lossy --wav --force --absolute --json" "$current" ;;
             export) _trellant_words "$anywhere --to --format $lossy --media-mode --rate --name --no-markers --force --json" "$current" ;;
+            check) _trellant_words "$anywhere --profile --media --recursive --audio --fail-on --json --junit --sarif $output --list-rules --explain" "$current" ;;
             peaks) _trellant_words "$anywhere --samples-per-pair --bits --json $output" "$current" ;;
             dump) _trellant_words "$anywhere --toc --object --path --all --json" "$current" ;;
             validate) _trellant_words "$anywhere --json" "$current" ;;
@@ -117,7 +136,7 @@ _trellant() {
                 _trellant_paths "@($omf|$omfi)" "$current"
             fi
             ;;
-        info | extract | export) _trellant_paths "@($omf|$omfi)" "$current" ;;
+        info | extract | export | check) _trellant_paths "@($omf|$omfi)" "$current" ;;
         peaks) _trellant_paths "$audio" "$current" ;;
         dump) _trellant_paths '*' "$current" ;;
         help) ((places == 0)) && _trellant_words "$commands" "$current" ;;

@@ -18,7 +18,7 @@ function __trellant_in
     test "$words[1]" = "$argv[1]"
 end
 
-set -l commands info list extract export peaks dump validate
+set -l commands info list extract export check peaks dump validate
 set -l contents tracks clips sources losses
 
 complete -c trellant -f
@@ -32,6 +32,7 @@ complete -c trellant -n __trellant_in -a info -d 'Show what is in OMF files, one
 complete -c trellant -n __trellant_in -a list -d 'List the tracks, clips, audio files or losses of OMF files'
 complete -c trellant -n __trellant_in -a extract -d 'Take the audio out of OMF files'
 complete -c trellant -n __trellant_in -a export -d 'Write sessions for the tools of today'
+complete -c trellant -n __trellant_in -a check -d 'Hold OMF files against published rules of delivery'
 complete -c trellant -n __trellant_in -a peaks -d 'Write waveforms of audio files, for tools that draw them'
 complete -c trellant -n __trellant_in -a dump -d 'Show the containers behind OMF files, for engineers'
 complete -c trellant -n __trellant_in -a validate -d 'Check timelines and results that were written as JSON'
@@ -73,6 +74,20 @@ complete -c trellant -n '__trellant_in export' -l force -d 'Replace existing fil
 complete -c trellant -n '__trellant_in export' -l json -d 'Write one JSON object a line for each file'
 complete -c trellant -n '__trellant_in export' -l fail-on -x -a 'missing render any' -d 'End with status 3 when there is such a loss'
 complete -c trellant -n '__trellant_in export' -a '(__trellant_files "omfi?")'
+
+complete -c trellant -n '__trellant_in check' -l profile -x -a 'post film broadcast-25 music archive (__trellant_files json)' -d 'Take these rules'
+complete -c trellant -n '__trellant_in check' -l media -x -a '(__fish_complete_directories)' -d 'Look for external audio files here and below'
+complete -c trellant -n '__trellant_in check' -l recursive -d 'Look into the folders within folders too'
+complete -c trellant -n '__trellant_in check' -l audio -d 'Read all audio too'
+complete -c trellant -n '__trellant_in check' -l fail-on -x -a 'error warning info' -d 'End with status 3 at this weight and above'
+complete -c trellant -n '__trellant_in check' -l json -d 'Write one JSON object a line for each file'
+complete -c trellant -n '__trellant_in check' -l junit -d 'Write test results'
+complete -c trellant -n '__trellant_in check' -l sarif -d 'Write SARIF 2.1.0'
+complete -c trellant -n '__trellant_in check' -s o -l output -r -F -d 'Write to this file'
+complete -c trellant -n '__trellant_in check' -l force -d 'Replace an existing file'
+complete -c trellant -n '__trellant_in check' -l list-rules -d 'Show the rules'
+complete -c trellant -n '__trellant_in check' -l explain -x -a 'media-missing media-ambiguous media-linked media-past-end media-unused loss-dropped loss-sound effects nesting omf-version file-size compositions rate-expected rate-mixed depth-expected depth-mixed channels-mono handles start-timecode frame-rate rate-label off-frame overlap tiny-clip duplicate pairs track-names muted gain-range names-odd pop-head silent clipped' -d 'Show what a rule is'
+complete -c trellant -n '__trellant_in check' -a '(__trellant_files "omfi?")'
 
 complete -c trellant -n '__trellant_in peaks' -l samples-per-pair -x -d 'Take a lowest and a highest value of so many samples'
 complete -c trellant -n '__trellant_in peaks' -l bits -x -a '8 16' -d 'Write values of this size'

@@ -1,7 +1,9 @@
 # SPDX-License-Identifier: Apache-2.0
 """Rows about whole processes: reading, memory, start, extraction, external media."""
+import json
 import random
 import shutil
+import subprocess
 import wave
 
 from measuring import Command
@@ -152,6 +154,43 @@ def _exports(bench):
                        seconds(written.wall), f"cp of the same bytes, {seconds(cp.wall)}",
                        written.wall / cp.wall, 1.1,
                        details={"export": written.record(), "cp": cp.record()})]
+
+
+def _profile(bench):
+    """Every rule holds and none ends a run with a status: what is measured is the looking."""
+    rules = subprocess.run([bench.command, "check", "--list-rules", "--json"], check=True,
+                           capture_output=True, text=True).stdout.splitlines()
+    path = bench.folder / "profile.json"
+    path.write_text(json.dumps({"profileVersion": 1, "rules": {
+        json.loads(line)["rule"]: {"severity": "info"} for line in rules}}))
+    return path
+
+
+def checks(bench):
+    """The command's verdict: on many clips against `info` of the same file, and with all audio
+    listened to against a copy of it."""
+    clips = bench.size(100_000)
+    omf = bench.generate("real", clips)
+    profile = _profile(bench)
+
+    def check(file, *more):
+        return Command(bench.command, "check", file, "--profile", profile, "--quiet", "--json",
+                       "--force", "-o", bench.folder / "verdict.json", *more)
+
+    verdict, info = bench.processes(bench.runs(9), check(omf), Command(bench.command, "info", omf))
+    rows = [Row(f"verdict on {clips:,} clips, without audio: CPU", seconds(verdict.cpu),
+                f"info of the same file, {seconds(info.cpu)}", verdict.cpu / info.cpu, 1.5,
+                details={"check": verdict.record(), "info": info.record()})]
+    big = bench.size(256 * MEBI)
+    omf = bench.generate("embedded", 1, "--media-bytes", big)
+    copy = bench.folder / "copy"
+    heard, cp = bench.processes(bench.runs(9), check(omf, "--audio"),
+                                Command("cp", omf, copy / "copy.omf", fresh=copy))
+    shutil.rmtree(copy)
+    omf.unlink()
+    return rows + [Row(f"verdict with {big // MEBI} MiB of audio listened to: wall clock",
+                       seconds(heard.wall), f"cp of the same bytes, {seconds(cp.wall)}",
+                       heard.wall / cp.wall, details={"check": heard.record(), "cp": cp.record()})]
 
 
 def sessions(bench):

@@ -58,6 +58,7 @@ GROUPS = {
     "client": lambda bench, shared: part_rows.client_rows(bench),
     "export": lambda bench, shared: process_rows.sessions(bench),
     "audio": lambda bench, shared: process_rows.audio(bench),
+    "check": lambda bench, shared: process_rows.checks(bench),
     "worst": worst_group,
 }
 

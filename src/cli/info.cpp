@@ -21,7 +21,8 @@ ExitStatus runInfo(const InfoOptions& options, Console& console, const StopToken
         if (stop.stop_requested()) {
             return ExitStatus::fileFailed;
         }
-        const Inspection found = inspect(file, options.mediaFolders, console, stop);
+        const Inspection found =
+            inspect({.file = file, .mediaFolders = options.mediaFolders}, console, stop);
         if (!found.handOff) {
             status = ExitStatus::fileFailed;
             if (options.json) {

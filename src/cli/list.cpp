@@ -162,7 +162,8 @@ ExitStatus runList(const ListOptions& options, Console& console, const StopToken
         if (stop.stop_requested()) {
             return ExitStatus::fileFailed;
         }
-        const Inspection found = inspect(file, options.mediaFolders, console, stop);
+        const Inspection found =
+            inspect({.file = file, .mediaFolders = options.mediaFolders}, console, stop);
         if (found.handOff) {
             lister.add(file, *found.handOff);
             status = worse(status, verdict(*found.handOff, options.failOn));

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // trellant: the command for people.
+#include "check/check.h"
 #include "commands.h"
 #include "dump/dump.h"
 #include "export/export.h"
@@ -34,6 +35,8 @@ ExitStatus perform(const Call& call, Console& console) {
                 return runValidate(options, console);
             } else if constexpr (std::is_same_v<Options, DumpCall>) {
                 return runDump(options, console);
+            } else if constexpr (std::is_same_v<Options, CheckCall>) {
+                return runCheck(options, console, stop);
             } else if constexpr (std::is_same_v<Options, ExportCall>) {
                 const Cancellable heeded;
                 return runExport({.call = options, .helperURLProvider = installedWorker}, console,

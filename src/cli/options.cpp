@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "options.h"
 
-#include "nearest_word.h"
-
+#include <trellant/base/nearest_word.h>
 #include <trellant/base/printable_text.h>
 #include <trellant/version.h>
 
@@ -124,11 +123,13 @@ class Parser {
             "  trellant list clips mix.omf --csv > mix.csv    every clip, for a sheet\n"
             "  trellant list losses mix.omf                   what could not be carried over\n"
             "  trellant extract mix.omf --to mix-audio        take the audio out\n"
-            "  trellant export mix.omf --to mix --format aaf  a session for today's tools");
+            "  trellant export mix.omf --to mix --format aaf  a session for today's tools\n"
+            "  trellant check mix.omf                         is it what a post house wants?");
         addInfo();
         addList();
         addExtract();
         addExport();
+        addCheck();
         addPeaks();
         addDump();
         addValidate();
@@ -274,6 +275,52 @@ class Parser {
         addFailOn(*export_, exportCall_.failOn);
     }
 
+    void addCheck() {
+        check_ = &command("check", "Holds OMF files against published rules of delivery",
+                          "  trellant check mix.omf\n"
+                          "  trellant check deliveries --recursive --profile film\n"
+                          "  trellant check mix.omf --profile house.json --sarif -o check.sarif\n"
+                          "  trellant check --explain handles");
+        check_->add_option("FILE", checkCall_.files, "OMF files, or folders that hold some");
+        check_
+            ->add_option("--profile", checkCall_.profile,
+                         "The rules: post (the default), film, broadcast-25, music, archive, or a "
+                         "JSON file")
+            ->type_name("PROFILE");
+        addMedia(*check_, checkCall_.mediaFolders);
+        check_->add_flag("--recursive", checkCall_.recursive,
+                         "Look for OMF files in folders within the folders too");
+        check_->add_flag("--audio", checkCall_.audio,
+                         "Read all audio too, for sync pops, silence and clipping");
+        addChoice<check::Severity>(*check_, "--fail-on", checkCall_.failOn,
+                                   "End with status 3 when something of this weight is found, or "
+                                   "of a higher one; else error",
+                                   {{"error", check::Severity::error},
+                                    {"warning", check::Severity::warning},
+                                    {"info", check::Severity::info}});
+        auto* const json = check_->add_flag_callback(
+            "--json", [this] { checkCall_.form = CheckCall::Form::json; },
+            "One JSON object a line for each file, or for each rule");
+        auto* const junit = check_->add_flag_callback(
+            "--junit", [this] { checkCall_.form = CheckCall::Form::junit; },
+            "Test results, as servers that build show them");
+        check_
+            ->add_flag_callback(
+                "--sarif", [this] { checkCall_.form = CheckCall::Form::sarif; },
+                "SARIF 2.1.0, as services that show findings read it")
+            ->excludes(json)
+            ->excludes(junit);
+        junit->excludes(json);
+        addDestination(*check_, checkCall_.destination);
+        auto* const list = check_->add_flag("--list-rules", checkCall_.listRules,
+                                            "In place of a check: the rules, a line each");
+        check_
+            ->add_option("--explain", checkCall_.explain,
+                         "In place of a check: what a rule is, why, and how it is put right")
+            ->type_name("RULE")
+            ->excludes(list);
+    }
+
     void addPeaks() {
         using audio::PeakBits;
         peaks_ =
@@ -382,6 +429,9 @@ class Parser {
         if (export_->parsed()) {
             return exportCall_;
         }
+        if (check_->parsed()) {
+            return checkCall_;
+        }
         if (peaks_->parsed()) {
             return peaksOptions_;
         }
@@ -408,6 +458,7 @@ class Parser {
     CLI::App* list_ = nullptr;
     CLI::App* extract_ = nullptr;
     CLI::App* export_ = nullptr;
+    CLI::App* check_ = nullptr;
     CLI::App* peaks_ = nullptr;
     CLI::App* dump_ = nullptr;
     CLI::App* validate_ = nullptr;
@@ -415,6 +466,7 @@ class Parser {
     ListOptions listOptions_;
     ExtractCall extractCall_;
     ExportCall exportCall_;
+    CheckCall checkCall_;
     DumpCall dumpCall_;
     PeaksOptions peaksOptions_;
     ValidateOptions validateOptions_;

@@ -2,6 +2,7 @@
 // The command line, read.
 #pragma once
 
+#include "check/check.h"
 #include "dump/dump.h"
 #include "export/export.h"
 #include "extract/extract.h"
@@ -56,8 +57,8 @@ struct ValidateOptions {
     bool json = false;
 };
 
-using Call = std::variant<InfoOptions, ListOptions, ExtractCall, ExportCall, PeaksOptions, DumpCall,
-                          ValidateOptions>;
+using Call = std::variant<InfoOptions, ListOptions, ExtractCall, ExportCall, CheckCall,
+                          PeaksOptions, DumpCall, ValidateOptions>;
 
 struct CommandLine {
     Verbosity verbosity = Verbosity::normal;

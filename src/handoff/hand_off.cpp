@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <trellant/base/executable_location.h>
+#include <trellant/base/keyed_hash.h>
+#include <trellant/base/url.h>
+#include <trellant/handoff/audio_facts.h>
 #include <trellant/handoff/hand_off.h>
 #include <trellant/handoff/loss_sentences.h>
 #include <trellant/handoff/media_folders.h>
@@ -9,6 +12,7 @@
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <limits>
 #include <memory>
 #include <mutex>
 #include <system_error>
@@ -99,7 +103,8 @@ PlacedLoss placedLoss(const AAFUnsupportedFeature& feature, const Extensions::Lo
                     .clipName = place.clipName,
                     .start = place.start,
                     .duration = place.duration,
-                    .plain = std::string(plainSentence(place.kind))};
+                    .plain = std::string(plainSentence(place.kind)),
+                    .kind = place.kind};
     if (place.trackIndex) {
         loss.trackNumber = *place.trackIndex + 1;
     }
@@ -120,6 +125,17 @@ std::vector<PlacedLoss> lossesOf(const AAFTimeline& timeline,
         }
     }
     return losses;
+}
+
+/// Samples of one channel of an essence's file of its own; absent where its header does not tell.
+std::optional<std::int64_t> framesOfFile(const AAFSourceEssence& essence) {
+    const auto path = essence.fileURL ? pathOfFileURL(essence.fileURL->text) : std::nullopt;
+    const auto facts = path ? audioFacts(*path) : std::nullopt;
+    constexpr auto most = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+    if (!facts || !facts->frames || *facts->frames > most) {
+        return std::nullopt;
+    }
+    return static_cast<std::int64_t>(*facts->frames);
 }
 
 /// The same, but where an installed worker is missing it says where one was looked for.
@@ -199,6 +215,7 @@ HandOff handOffOf(AAFWorkerProtocol::Result answer) {
         if (const Boxed<Extensions::Reels>& reels = extensions->reels) {
             handOff.reels = reels->reels;
         }
+        handOff.contents = extensions->contents;
     }
     handOff.losses = lossesOf(handOff.timeline, places);
     return handOff;
@@ -236,11 +253,36 @@ void makeUsable(HandOff& handOff) {
     }
 }
 
+void measureMedia(HandOff& handOff, const WorkProgress& progress) {
+    KeyedMap<std::string_view, std::int64_t> embedded;
+    if (handOff.contents) {
+        for (const Extensions::MediaLength& length : handOff.contents->mediaLengths) {
+            embedded.emplace(length.essenceID, length.frames);
+        }
+    }
+    handOff.mediaFrames.clear();
+    handOff.mediaFrames.reserve(handOff.timeline.essences.size());
+    for (const AAFSourceEssence& essence : handOff.timeline.essences) {
+        progress.check();
+        const auto known = embedded.find(essence.id);
+        if (essence.embedded) {
+            handOff.mediaFrames.push_back(known == embedded.end() ? std::nullopt
+                                                                  : std::optional(known->second));
+        } else {
+            handOff.mediaFrames.push_back(framesOfFile(essence));
+        }
+    }
+}
+
 HandOff readHandOff(const HandOffRequest& request, WorkProgress& progress) {
+    std::vector<std::string> extensions{std::string(Extensions::lossPlacesName),
+                                        std::string(Extensions::compositionsName),
+                                        std::string(Extensions::datesName)};
+    if (request.contents) {
+        extensions.emplace_back(Extensions::contentsName);
+    }
     HandOff handOff = handOffOf(askWorker({.file = request.file,
-                                           .extensions = {std::string(Extensions::lossPlacesName),
-                                                          std::string(Extensions::compositionsName),
-                                                          std::string(Extensions::datesName)},
+                                           .extensions = std::move(extensions),
                                            .helperURLProvider = request.helperURLProvider},
                                           progress.stop(),
                                           [&progress](const AAFWorkerProtocol::Progress& report) {
@@ -249,6 +291,9 @@ HandOff readHandOff(const HandOffRequest& request, WorkProgress& progress) {
     progress.check();
     findMedia(handOff, request.file, request.mediaFolders, {}, progress);
     makeUsable(handOff);
+    if (request.contents) {
+        measureMedia(handOff, progress);
+    }
     return handOff;
 }
 

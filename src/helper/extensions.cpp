@@ -7,6 +7,8 @@
 #include <trellant/mapper/reels.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <limits>
 #include <utility>
 
 namespace trellant {
@@ -96,6 +98,33 @@ Boxed<Extensions::Reels> reelsOf(const OMFDocument& document, const AAFTimeline&
     return result;
 }
 
+std::int64_t counted(std::uint64_t count) {
+    constexpr auto most = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+    return static_cast<std::int64_t>(std::min(count, most));
+}
+
+std::int64_t renderedEffectsIn(const OMFDocument& document) {
+    const std::vector<OMFObject> effects = document.objects("EFFE");
+    return std::count_if(effects.begin(), effects.end(), [&document](OMFObject effect) {
+        const auto rendering = document.objectRef(effect, {OMFProperty::effectFinalRendering});
+        return rendering && document.classOf(*rendering) == OMFClass::sourceClip;
+    });
+}
+
+Extensions::Contents contentsOf(const OMFDocument& document, const AAFTimeline& timeline) {
+    UnusedMedia unused = unusedMedia(document, timeline);
+    Extensions::Contents result{.unusedMedia = counted(unused.count),
+                                .unusedNames = std::move(unused.names),
+                                .unusedBytes = counted(unused.bytes),
+                                .renderedEffects = renderedEffectsIn(document),
+                                .nestedGroups = counted(document.objects("NEST").size())};
+    for (MediaLength& length : mediaLengths(document, timeline)) {
+        result.mediaLengths.push_back(
+            {.essenceID = std::move(length.essenceID), .frames = counted(length.frames)});
+    }
+    return result;
+}
+
 Extensions::Dates datesOf(const OMFDocument& document) {
     // Four bytes of seconds; a fifth says whether they are in UTC, which writers do not agree on.
     const auto seconds = document.uint32(document.headerObject(), {OMFProperty::headLastModified});
@@ -132,6 +161,9 @@ Boxed<AAFWorkerExtensions> extensionsFor(const AAFWorkerProtocol::Request& reque
     }
     if (asksFor(request, Extensions::reelsName)) {
         extensions.reels = reelsOf(document, timeline);
+    }
+    if (asksFor(request, Extensions::contentsName)) {
+        extensions.contents = contentsOf(document, timeline);
     }
     return extensions;
 }

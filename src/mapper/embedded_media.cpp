@@ -8,6 +8,7 @@
 #include <trellant/base/url.h>
 #include <trellant/io/errors.h>
 #include <trellant/mapper/embedded_media.h>
+#include <trellant/omf/audio_probe.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -24,6 +25,11 @@ constexpr std::uint64_t firstFurtherNumber = 1'000;
 /// Unused media that are named; more would bury the message.
 constexpr std::size_t namedUnused = 5;
 constexpr std::size_t longestShownName = 80;
+/// Bytes of a header that are read: those that nearly every one fits into, then those that one with
+/// much about the audio before it takes.
+constexpr std::int64_t usualHeader = 4'096;
+constexpr std::int64_t longHeader = 262'144;
+
 struct Media {
     OMFObject object = OMFObject::none;
     OMFProperty data{};
@@ -58,6 +64,27 @@ std::string nameOfMedia(const OMFDocument& document, BoundedReads& reads,
         mob == mobs.end() ? std::nullopt : reads.string(mob->second, {OMFProperty::mobName});
     return name ? printableText(*name, longestShownName)
                 : "object " + std::to_string(number(object));
+}
+
+/// Samples of one channel; absent where the header does not tell or cannot be read.
+std::optional<std::uint64_t> framesOf(const OMFDocument& document, const BoundedReads& reads,
+                                      const Media& media) {
+    const std::uint64_t size =
+        document.bento().copiedBytes(number(media.object), nameOf(media.data));
+    try {
+        for (const std::int64_t bytes : {usualHeader, longHeader}) {
+            const auto header = reads.head(media.object, media.data, bytes);
+            const auto frames = header ? AudioProbe::frames(*header, size) : std::nullopt;
+            if (frames || !header || header->size() < static_cast<std::size_t>(bytes)) {
+                return frames;
+            }
+        }
+    } catch (const OMFIOError&) {
+        return std::nullopt;
+    } catch (const FileSystemError&) {
+        return std::nullopt;
+    }
+    return std::nullopt;
 }
 
 bool isThere(const std::string& path) {
@@ -145,6 +172,8 @@ UnusedMedia unusedMedia(const OMFDocument& document, const AAFTimeline& timeline
     BoundedReads reads(document);
     OMFDocument::MobMap mobs;
     for (const char* const kind : {"WAVE", "AIFC"}) {
+        const OMFProperty data = kind == std::string_view("WAVE") ? OMFProperty::waveAudioData
+                                                                  : OMFProperty::aifcAudioData;
         for (const OMFObject object : document.objects(kind)) {
             if (used.contains(object)) {
                 continue;
@@ -152,12 +181,30 @@ UnusedMedia unusedMedia(const OMFDocument& document, const AAFTimeline& timeline
             if (unused.count == 0) {
                 mobs = document.mobMap();
             }
+            const std::uint64_t bytes = document.bento().copiedBytes(number(object), nameOf(data));
+            unused.bytes +=
+                std::min(bytes, std::numeric_limits<std::uint64_t>::max() - unused.bytes);
             if (unused.count++ < namedUnused) {
                 unused.names.push_back(nameOfMedia(document, reads, mobs, object));
             }
         }
     }
     return unused;
+}
+
+std::vector<MediaLength> mediaLengths(const OMFDocument& document, const AAFTimeline& timeline) {
+    const auto media = audioMedia(document);
+    const BoundedReads reads(document);
+    std::vector<MediaLength> lengths;
+    for (const AAFSourceEssence& essence : timeline.essences) {
+        const auto found = media.find(essence.mobID.value_or(""));
+        if (essence.embedded && found != media.end()) {
+            if (const auto frames = framesOf(document, reads, found->second)) {
+                lengths.push_back({essence.id, *frames});
+            }
+        }
+    }
+    return lengths;
 }
 
 std::vector<SeparatedSource> separateSources(const OMFDocument& document,

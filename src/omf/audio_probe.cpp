@@ -6,10 +6,13 @@
 //   WAVE "fmt ", at least 16 bytes      AIFF "COMM", at least 18 bytes
 //   offset  size  meaning               offset  size  meaning
 //   0       2     format tag            0       2     channels
-//   2       2     channels              2       4     frame count, not read
+//   2       2     channels              2       4     frame count
 //   4       4     sample rate           6       2     bits per sample
-//   14      2     bits per sample       8       10    sample rate, 80-bit floating point
-//                                       18      4     compression type, AIFC only
+//   12      2     bytes of a frame      8       10    sample rate, 80-bit floating point
+//   14      2     bits per sample       18      4     compression type, AIFC only
+//
+// A WAVE's audio is the chunk "data"; where its size is 0xFFFFFFFF, that at offset 8 (8 bytes) of
+// "ds64" holds.
 #include <trellant/io/errors.h>
 #include <trellant/io/random_access_file.h>
 #include <trellant/omf/audio_probe.h>
@@ -156,7 +159,57 @@ std::optional<AudioFormatInfo> probeAiff(ByteView data) {
         .codec = aiffCodec(data, *common)};
 }
 
+bool isPlain(const AudioFormatInfo& format) {
+    return format.codec == "PCM" || format.codec == "IEEE Float" ||
+           format.codec == "WAVE format 0xFFFE";
+}
+
+std::optional<std::uint64_t> waveFrames(ByteView data, std::uint64_t size) {
+    constexpr auto order = OMFByteOrder::little;
+    constexpr std::uint32_t sizeElsewhere = 0xFFFFFFFF;
+    constexpr std::size_t largeSizes = 16;
+    const auto format = probeWave(data);
+    if (!format || !isPlain(*format)) {
+        return std::nullopt;
+    }
+    const auto described = findChunk(data, order, "fmt ", [](const Chunk& chunk) {
+        return chunk.size >= waveFormatSize && chunk.rest.size() >= waveFormatSize;
+    });
+    const auto audio = findChunk(data, order, "data", [](const Chunk&) { return true; });
+    const std::uint64_t frameBytes = described ? u16(described->rest, 12, order) : 0;
+    if (!audio || frameBytes == 0) {
+        return std::nullopt;
+    }
+    std::uint64_t bytes = audio->size;
+    if (audio->size == sizeElsewhere) {
+        const auto large = findChunk(data, order, "ds64", [](const Chunk& chunk) {
+            return chunk.size >= largeSizes && chunk.rest.size() >= largeSizes;
+        });
+        bytes = large ? u64(large->rest, 8, order) : bytes;
+    }
+    const std::uint64_t before = data.size() - audio->rest.size();
+    return std::min(bytes, size < before ? 0 : size - before) / frameBytes;
+}
+
+std::optional<std::uint64_t> aiffFrames(ByteView data) {
+    const auto common = findChunk(data, OMFByteOrder::big, "COMM", [](const Chunk& chunk) {
+        return chunk.rest.size() >= aiffCommonSize;
+    });
+    return common ? std::optional<std::uint64_t>(u32(common->rest, 2, OMFByteOrder::big))
+                  : std::nullopt;
+}
+
 }  // namespace
+
+std::optional<std::uint64_t> AudioProbe::frames(ByteView data, std::uint64_t size) {
+    if (data.size() < headSize) {
+        return std::nullopt;
+    }
+    if (hasText(data, 0, "RIFF") || hasText(data, 0, "RF64")) {
+        return waveFrames(data, size);
+    }
+    return hasText(data, 0, "FORM") ? aiffFrames(data) : std::nullopt;
+}
 
 std::optional<AudioFormatInfo> AudioProbe::probe(ByteView data) {
     if (data.size() < headSize) {

@@ -88,12 +88,30 @@ struct RecordFields<AAFWorkerExtensions::Reels> {
 };
 
 template <>
+struct RecordFields<AAFWorkerExtensions::MediaLength> {
+    using R = AAFWorkerExtensions::MediaLength;
+    static constexpr auto fields =
+        std::tuple{field("essenceID", &R::essenceID), field("frames", &R::frames)};
+};
+
+template <>
+struct RecordFields<AAFWorkerExtensions::Contents> {
+    using R = AAFWorkerExtensions::Contents;
+    static constexpr auto fields = std::tuple{
+        field("mediaLengths", &R::mediaLengths),       field("unusedMedia", &R::unusedMedia),
+        field("unusedNames", &R::unusedNames),         field("unusedBytes", &R::unusedBytes),
+        field("renderedEffects", &R::renderedEffects), field("nestedGroups", &R::nestedGroups)};
+};
+
+template <>
 struct RecordFields<AAFWorkerExtensions> {
     using R = AAFWorkerExtensions;
-    static constexpr auto fields =
-        std::tuple{field("lossPlaces", &R::lossPlaces), field("compositions", &R::compositions),
-                   field("embeddedMedia", &R::embeddedMedia), field("dates", &R::dates),
-                   field("reels", &R::reels)};
+    static constexpr auto fields = std::tuple{field("lossPlaces", &R::lossPlaces),
+                                              field("compositions", &R::compositions),
+                                              field("embeddedMedia", &R::embeddedMedia),
+                                              field("dates", &R::dates),
+                                              field("reels", &R::reels),
+                                              field("contents", &R::contents)};
 };
 
 template <>

@@ -14,6 +14,7 @@
 #include <thread>
 #include <trellant_testing/omf_builder.h>
 #include <trellant_testing/temporary_directory.h>
+#include <trellant_testing/wave_builder.h>
 #include <trellant_testing/worker_process.h>
 #include <variant>
 #include <vector>
@@ -104,6 +105,54 @@ TEST(HandOff, FindsAudioBesideTheFileWithoutBeingTold) {
     EXPECT_EQ(sources.all()[0].state, SourceState::located);
     EXPECT_EQ(sources.all()[1].state, SourceState::missing);
     EXPECT_THAT(handOff.openChoices.bySource, IsEmpty());
+}
+
+TEST(HandOff, ContentsAreThereWhenTheyAreAskedFor) {
+    WorkProgress progress;
+    HandOffRequest request = requestOf(example("external.omf"));
+    const HandOff plain = readHandOff(request, progress);
+    EXPECT_FALSE(plain.contents.has_value());
+    EXPECT_THAT(plain.mediaFrames, IsEmpty());
+    request.contents = true;
+    const HandOff handOff = readHandOff(request, progress);
+    ASSERT_TRUE(handOff.contents.has_value());
+    EXPECT_EQ(handOff.contents->unusedMedia, 0);
+    ASSERT_EQ(handOff.mediaFrames.size(), handOff.timeline.essences.size());
+    for (std::size_t i = 0; i < handOff.mediaFrames.size(); ++i) {
+        const std::string& name = sourceName(handOff.timeline.essences[i]);
+        // A second at 11,025 Hz beside the file; the other one is not there.
+        EXPECT_EQ(handOff.mediaFrames[i],
+                  name == "Door.wav" ? std::optional<std::int64_t>(11'025) : std::nullopt)
+            << name;
+    }
+}
+
+TEST(HandOff, EmbeddedAudioIsMeasuredByItsOwnHeader) {
+    const TemporaryDirectory folder;
+    OmfBuilder omf;
+    const MobID tone{1, 2, 3};
+    // The descriptor says 9,000 samples; the audio has 20 bytes, ten samples of 16 bits.
+    omf.audioFile({.id = tone,
+                   .name = "Tone.wav",
+                   .media = waveImage({.samples = Bytes(20)}),
+                   .length = 9'000});
+    omf.composition({.slots = {omf.slot({.editRate = Ratio{48'000},
+                                         .segment = omf.clip({.length = 10, .source = tone})})}});
+    HandOffRequest request = requestOf(writeFile(folder.file("mix.omf"), omf.build()));
+    request.contents = true;
+    WorkProgress progress;
+    const HandOff handOff = readHandOff(request, progress);
+    EXPECT_THAT(handOff.mediaFrames, ElementsAre(std::optional<std::int64_t>(10)));
+}
+
+TEST(HandOff, LossesSayTheirKind) {
+    WorkProgress progress;
+    const HandOff handOff = readHandOff(requestOf(example("session.omf")), progress);
+    ASSERT_THAT(handOff.losses, SizeIs(3));
+    EXPECT_EQ(handOff.losses[1].kind, LossKind::effectNotRendered);
+    AAFWorkerProtocol::Result answer;
+    answer.timeline.unsupportedFeatures.resize(1);
+    EXPECT_EQ(handOffOf(answer).losses.at(0).kind, std::nullopt);
 }
 
 TEST(Sources, OfAnEventAreFoundByItsIdAndByItsPosition) {

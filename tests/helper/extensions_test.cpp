@@ -78,6 +78,25 @@ TEST_F(HelperExtensions, AFileWithoutTapesNamesNoReel) {
     EXPECT_EQ(runAsking("[\"reels\"]").output, resultWith("{\"reels\":{\"reels\":[]}}"));
 }
 
+// The one source is a WAVE of 480 samples; a second one that nothing plays is as long in bytes as
+// its text, an effect has its result beside it, and a group stands apart.
+TEST_F(HelperExtensions, ContentsAreWhatTheTimelineDoesNotSay) {
+    OmfBuilder omf = oneClipDocument();
+    omf.waveMedia(MobID{9, 9, 9}, bytesOf("no audio at all"));
+    ObjectBuilder rendered = omf.effect({.effectID = "x:Reverb", .length = 10});
+    rendered.ref("OMFI:EFFE:FinalRendering", omf.clip({.length = 10, .source = {1, 2, 3}}));
+    omf.effect({.effectID = "x:Reverb", .length = 10});
+    omf.nestedScope({});
+    writeFile(source_, omf.build());
+    const std::string answer = runAsking("[\"contents\"]").output;
+    EXPECT_NE(answer.find(R"("extensions":{"contents":{"mediaLengths":[)"
+                          R"({"essenceID":"omf-essence-00000001-00000002-00000003",)"
+                          R"("frames":480}],"nestedGroups":1,"renderedEffects":1,)"
+                          R"("unusedBytes":15,"unusedMedia":1,"unusedNames":["object )"),
+              std::string::npos)
+        << answer;
+}
+
 TEST_F(HelperExtensions, AFileWithoutADateSaysNone) {
     EXPECT_EQ(runAsking("[\"dates\"]").output, resultWith("{\"dates\":{}}"));
 }

@@ -35,6 +35,7 @@ TESTS = {
     "client": of_room("client", "cli"),
     "handoff": (*of_room("handoff"), *of_room("cli")),
     "exchange": of_room("exchange", "sessions"),
+    "check": of_room("check"),
     "sessions": of_room("sessions"),
     "extraction": (*of_room("extraction"), EXTRACT),
     "exporter": (*of_room("exporter"), EXPORT),

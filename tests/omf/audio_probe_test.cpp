@@ -267,5 +267,33 @@ TEST(AudioProbeDamage, EveryTruncationAndChangedByteGivesAResultOrNone) {
     }
 }
 
+// A head of 12 bytes, "fmt " of 8 + 16, and the head of "data": audio begins at byte 44.
+TEST(AudioFrames, OfWaveAreWhatTheFileHasRoomFor) {
+    const Bytes stereo = waveImage({.channels = 2, .samples = patternBytes(40)});
+    // Four bytes a frame.
+    EXPECT_EQ(AudioProbe::frames(stereo, 84), 10U);
+    EXPECT_EQ(AudioProbe::frames(ByteView(stereo).first(44), 84), 10U);
+    // A file that was cut holds less than its head says, down to nothing.
+    EXPECT_EQ(AudioProbe::frames(stereo, 67), 5U);
+    EXPECT_EQ(AudioProbe::frames(stereo, 44), 0U);
+    EXPECT_EQ(AudioProbe::frames(stereo, 0), 0U);
+}
+
+TEST(AudioFrames, AreAbsentWhereTheHeadDoesNotReachOrTell) {
+    const Bytes wave = waveImage({.samples = patternBytes(40)});
+    for (std::size_t size = 0; size < 44; ++size) {
+        EXPECT_EQ(AudioProbe::frames(ByteView(wave).first(size), 84), std::nullopt) << size;
+    }
+    EXPECT_EQ(AudioProbe::frames(waveImage({.formatTag = 0x55}), 1'000), std::nullopt);
+    EXPECT_EQ(AudioProbe::frames(waveImage({.channels = 0, .samples = patternBytes(4)}), 48),
+              std::nullopt);
+    EXPECT_EQ(AudioProbe::frames(bytesOf("nothing that is known"), 1'000), std::nullopt);
+}
+
+TEST(AudioFrames, OfAiffAreCounted) {
+    EXPECT_EQ(AudioProbe::frames(aiffImage({.channels = 2, .samples = patternBytes(40)}), 1'000),
+              10U);
+}
+
 }  // namespace
 }  // namespace trellant

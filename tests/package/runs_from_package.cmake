@@ -39,6 +39,7 @@ foreach(file IN LISTS pages ITEMS
         share/trellant/schema/request.schema.json share/trellant/schema/progress.schema.json
         share/trellant/schema/result.schema.json share/trellant/schema/timeline.schema.json
         share/trellant/schema/command/info.schema.json share/trellant/schema/command/failure.schema.json
+        share/trellant/schema/profile.schema.json share/trellant/schema/command/check.schema.json
         share/trellant/schema/command/export.schema.json
         share/trellant/schema/command/export-losses.schema.json)
     if(NOT EXISTS ${prefix}/${file})

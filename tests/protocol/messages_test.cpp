@@ -300,6 +300,15 @@ TEST(WorkerRequest, NamesTheExtensionsItAsksFor) {
               "extensions[0]: expected a string, found a number");
 }
 
+AAFWorkerExtensions::Contents sampleContents() {
+    return {.mediaLengths = {{.essenceID = "e", .frames = 96'000}},
+            .unusedMedia = 1,
+            .unusedNames = {"Kick"},
+            .unusedBytes = 1'044,
+            .renderedEffects = 2,
+            .nestedGroups = 3};
+}
+
 TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
     AAFWorkerExtensions extensions;
     extensions.lossPlaces = AAFWorkerExtensions::LossPlaces{{{.kind = LossKind::transitionAsCut,
@@ -326,6 +335,7 @@ TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
           .start = AAFRational(7, 2),
           .timecode = AAFWorkerExtensions::ReelTimecode{90'000, 30, true}},
          {.essenceID = "f", .mobID = "n"}}};
+    extensions.contents = sampleContents();
     Result result;
     result.extensions = extensions;
     result.timeline.clock = {AAFRational(25), AAFTimecodeRate::fps25(),
@@ -337,7 +347,9 @@ TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
     EXPECT_NE(
         sink.text.find(
             R"("extensions":{"compositions":{"compositions":[{"isRead":true,"object":9,)"
-            R"("slotCount":4}]},"dates":{"lastModified":4294967295},"embeddedMedia":{"separateFiles":[{"essenceID":"e"},)"
+            R"("slotCount":4}]},"contents":{"mediaLengths":[{"essenceID":"e","frames":96000}],)"
+            R"("nestedGroups":3,"renderedEffects":2,"unusedBytes":1044,"unusedMedia":1,)"
+            R"("unusedNames":["Kick"]},"dates":{"lastModified":4294967295},"embeddedMedia":{"separateFiles":[{"essenceID":"e"},)"
             R"({"essenceID":"f","path":"\/out\/f.wav"}],)"
             R"("unusedCount":1,"unusedNames":["Kick"]},"lossPlaces":{"places":[{"clipName":"Rain",)"
             R"("clipObject":7,"cut":{"denominator":1,"numerator":2},)"

@@ -122,6 +122,16 @@ class Folder:
         self.calls.append(Call("export-losses", ("export", line["format"]), (line["file"],), 0,
                                [parse(document)], ""))
 
+    def check(self):
+        for profile in ("post", "archive"):
+            self.call("check", "check", "--profile", profile, files=self.readable + self.unreadable)
+        (self.path / "house.json").write_text(
+            '{"profileVersion":1,"accept":[{"rule":"handles","track":"Dialog*","reason":"meant so"},'
+            '{"rule":"muted","file":"*.omf","track":"a","clip":"b","audioFile":"c","reason":"r"}]}')
+        self.call("check", "check", "--profile", "house.json", "--audio", files=["session.omf"])
+        for rule in ("post", "music"):
+            self.call("check-rules", "check", "--list-rules", "--profile", rule, files=[])
+
     def peaks(self):
         for extra in ([], ["--bits", "8", "--samples-per-pair", "24000"]):
             self.call("peaks", "peaks", *extra,
@@ -158,6 +168,7 @@ def all_calls(path):
     folder.look()
     folder.extract()
     folder.export()
+    folder.check()
     folder.peaks()
     folder.dump()
     folder.validate()

@@ -48,6 +48,13 @@ AAFWorkerExtensions sampleExtensions() {
                             .name = "TAPE 7",
                             .start = AAFRational(7, 2),
                             .timecode = Extensions::ReelTimecode{90'000, 25, false}}}};
+    extensions.contents =
+        Extensions::Contents{.mediaLengths = {{.essenceID = "omf-essence-1", .frames = 48'000}},
+                             .unusedMedia = 1,
+                             .unusedNames = {"Kick"},
+                             .unusedBytes = 1'000,
+                             .renderedEffects = 2,
+                             .nestedGroups = 3};
     return extensions;
 }
 

@@ -121,6 +121,14 @@ std::string failureText(const std::string& file, const std::exception& error) {
     return error.what();
 }
 
+bool isOlderModel(const std::exception& error) {
+    const auto* const failed = dynamic_cast<const AAFWorkerClientError*>(&error);
+    const auto* const exit = failed == nullptr
+                                 ? nullptr
+                                 : std::get_if<AAFWorkerClientError::NonZeroExit>(&failed->fault());
+    return exit != nullptr && exit->logLines.find(olderModel) != std::string::npos;
+}
+
 std::optional<std::string> streamFailure(const std::string& file) {
     if (!isStream(file)) {
         return std::nullopt;

@@ -26,13 +26,13 @@ std::string shown(const std::string& file) {
 
 }  // namespace
 
-Inspection inspect(const std::string& file, const std::vector<std::string>& mediaFolders,
-                   Console& console, const StopToken& stop) {
+Inspection inspect(const InspectionRequest& request, Console& console, const StopToken& stop) {
+    const std::string& file = request.file;
     if (file.empty()) {
         console.error("a file has an empty name");
         return {.failure = "a file has an empty name"};
     }
-    for (const std::string& folder : mediaFolders) {
+    for (const std::string& folder : request.mediaFolders) {
         std::error_code ignored;
         if (!std::filesystem::is_directory(folder, ignored)) {
             const std::string failure =
@@ -48,7 +48,9 @@ Inspection inspect(const std::string& file, const std::vector<std::string>& medi
     try {
         const Cancellable heeded;
         ConsoleProgress progress(console, stop);
-        HandOff handOff = readHandOff({.file = file, .mediaFolders = mediaFolders}, progress);
+        HandOff handOff = readHandOff(
+            {.file = file, .mediaFolders = request.mediaFolders, .contents = request.contents},
+            progress);
         console.endBar();
         reportChanges(file, handOff, console);
         for (const std::string& line : handOff.diagnostics) {
@@ -59,7 +61,8 @@ Inspection inspect(const std::string& file, const std::vector<std::string>& medi
         throw;
     } catch (const std::exception& error) {
         console.endBar();
-        return {.failure = reportFailure(file, error, console)};
+        return {.failure = reportFailure(file, error, console),
+                .isOlderModel = isOlderModel(error)};
     }
 }
 

@@ -24,11 +24,19 @@ struct Inspection {
     std::optional<HandOff> handOff{};
     /// For people, without the file's name; was said on the console.
     std::string failure{};
+    /// It is an OMF 1.x file, which is not read.
+    bool isOlderModel = false;
+};
+
+struct InspectionRequest {
+    std::string file;
+    std::vector<std::string> mediaFolders{};
+    /// As HandOffRequest has it.
+    bool contents = false;
 };
 
 /// Reads the file and says on the console what was repaired.
-[[nodiscard]] Inspection inspect(const std::string& file,
-                                 const std::vector<std::string>& mediaFolders, Console& console,
+[[nodiscard]] Inspection inspect(const InspectionRequest& request, Console& console,
                                  const StopToken& stop);
 
 /// Says why reading `file` failed, and gives the reason without the file's name.

@@ -8,6 +8,7 @@
 #include <trellant/handoff/changes.h>
 #include <trellant/handoff/missing_media.h>
 #include <trellant/handoff/work_progress.h>
+#include <trellant/model/loss_kind.h>
 #include <trellant/model/timeline.h>
 #include <trellant/protocol/messages.h>
 
@@ -34,6 +35,8 @@ struct PlacedLoss {
     std::optional<AAFRational> duration{};
     /// What it means, in one sentence; empty where the worker did not say of which kind it is.
     std::string plain{};
+    /// Absent where the worker did not say.
+    std::optional<LossKind> kind{};
 };
 
 struct HandOff {
@@ -54,6 +57,12 @@ struct HandOff {
     std::optional<std::int64_t> lastModified{};
     /// The tapes and films that essences were recorded from, where they were asked for.
     std::vector<AAFWorkerExtensions::Reel> reels{};
+    /// What the file holds that the timeline does not say, where it was asked for.
+    Boxed<AAFWorkerExtensions::Contents> contents{};
+    /// Samples of one channel of each of the timeline's essences, in their order, as the audio's
+    /// own header tells: absent where it does not, or where there is no audio. Empty unless
+    /// contents were asked for.
+    std::vector<std::optional<std::int64_t>> mediaFrames{};
 };
 
 /// Where an installed worker of that name lies: as bundledHelper has it, or in the folder of the
@@ -68,6 +77,8 @@ struct HandOffRequest {
     /// Where audio files that the hand-off does not hold are looked for, beside the places that it
     /// records and the folder that it lies in itself.
     std::vector<std::string> mediaFolders{};
+    /// Also asks for `contents` and `mediaFrames`, for which headers of audio are read.
+    bool contents = false;
     AAFWorkerClient::HelperURLProvider helperURLProvider = installedWorker;
 };
 
@@ -102,6 +113,11 @@ struct WorkerTask {
 /// The timeline need not be valid. Throws AAFCancellationError.
 void findMedia(HandOff& handOff, const std::string& file, const std::vector<std::string>& folders,
                const std::vector<std::string>& ignored, WorkProgress& progress);
+
+/// How many samples the media of each essence have, from `contents` where the audio is embedded,
+/// else from the header of the file that was found. Fills `mediaFrames`; the timeline must be
+/// usable. Throws AAFCancellationError.
+void measureMedia(HandOff& handOff, const WorkProgress& progress);
 
 /// Makes the timeline valid where it is not, and says in `changes` what that took. Unusual but real
 /// files lead to timelines that no program may rely on; just the piece at fault goes.

@@ -8,6 +8,7 @@
 #include <trellant/omf/document.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,12 +17,26 @@ namespace [[gnu::visibility("default")]] trellant {
 
 struct UnusedMedia {
     std::size_t count = 0;
+    /// Bytes of all of them; those that lie over one another count each, as far as numbers go.
+    std::uint64_t bytes = 0;
     /// Of the first few, each fit for one line; "object 12" for one without a name.
     std::vector<std::string> names{};
 };
 
 /// The audio media of `document` that no embedded essence of `timeline` is.
 [[nodiscard]] UnusedMedia unusedMedia(const OMFDocument& document, const AAFTimeline& timeline);
+
+/// How much audio an embedded essence holds.
+struct MediaLength {
+    std::string essenceID{};
+    /// Samples of one channel.
+    std::uint64_t frames = 0;
+};
+
+/// Of the embedded essences of `timeline` whose audio's own header tells, in their order. Reads
+/// headers, nothing more.
+[[nodiscard]] std::vector<MediaLength> mediaLengths(const OMFDocument& document,
+                                                    const AAFTimeline& timeline);
 
 /// An essence whose file is shared, and the file that holds its audio alone.
 struct SeparatedSource {

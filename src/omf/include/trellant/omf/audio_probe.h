@@ -29,6 +29,10 @@ struct AudioProbe {
     [[nodiscard]] static std::optional<AudioFormatInfo> probe(ByteView data);
     /// Looks at the first 1 MiB of a regular file; absent when it cannot be read.
     [[nodiscard]] static std::optional<AudioFormatInfo> probeFile(const std::string& path);
+    /// Samples of one channel of a file of `size` bytes that begins with `data`: as many as WAVE
+    /// has room for, as many as AIFF counts. Absent where `data` ends before it is said, and for
+    /// compressed WAVE.
+    [[nodiscard]] static std::optional<std::uint64_t> frames(ByteView data, std::uint64_t size);
 };
 
 }  // namespace trellant

@@ -23,6 +23,7 @@ struct AAFWorkerExtensions {
     static constexpr std::string_view embeddedMediaName = "embeddedMedia";
     static constexpr std::string_view datesName = "dates";
     static constexpr std::string_view reelsName = "reels";
+    static constexpr std::string_view contentsName = "contents";
 
     /// Where on the timeline a loss lies.
     struct LossPlace {
@@ -124,11 +125,36 @@ struct AAFWorkerExtensions {
         bool operator==(const Reels&) const = default;
     };
 
+    /// How much audio an embedded essence holds.
+    struct MediaLength {
+        std::string essenceID{};
+        /// Samples of one channel, as the audio's own header tells.
+        std::int64_t frames = 0;
+        bool operator==(const MediaLength&) const = default;
+    };
+
+    /// What the file holds that the timeline does not say.
+    struct Contents {
+        /// Of the embedded essences whose header tells, in their order.
+        std::vector<MediaLength> mediaLengths{};
+        /// Pieces of embedded audio that no source of the timeline is, the names of the first few,
+        /// and their bytes.
+        std::int64_t unusedMedia = 0;
+        std::vector<std::string> unusedNames{};
+        std::int64_t unusedBytes = 0;
+        /// Effects whose rendered result is played in their place.
+        std::int64_t renderedEffects = 0;
+        /// Groups of tracks within a track.
+        std::int64_t nestedGroups = 0;
+        bool operator==(const Contents&) const = default;
+    };
+
     Boxed<LossPlaces> lossPlaces{};
     Boxed<Compositions> compositions{};
     Boxed<EmbeddedMedia> embeddedMedia{};
     Boxed<Dates> dates{};
     Boxed<Reels> reels{};
+    Boxed<Contents> contents{};
     bool operator==(const AAFWorkerExtensions&) const = default;
 };
 

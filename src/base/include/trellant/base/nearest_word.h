@@ -7,11 +7,11 @@
 #include <string_view>
 #include <vector>
 
-namespace trellant::cli {
+namespace [[gnu::visibility("default")]] trellant {
 
 /// The one of `words` that takes the fewest letters to be changed, added, left out or exchanged
 /// with their neighbours; absent when that is more than a third of the longer word's letters.
 [[nodiscard]] std::optional<std::string> nearestWord(std::string_view typed,
                                                      const std::vector<std::string>& words);
 
-}  // namespace trellant::cli
+}  // namespace trellant

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "nearest_word.h"
+#include <trellant/base/nearest_word.h>
 
 #include <gtest/gtest.h>
 
-namespace trellant::cli {
+namespace trellant {
 namespace {
 
 const std::vector<std::string> words{"info", "list", "extract", "dump"};
@@ -28,4 +28,4 @@ TEST(NearestWord, DoesNotLookAtEndlessWords) {
 }
 
 }  // namespace
-}  // namespace trellant::cli
+}  // namespace trellant

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "nearest_word.h"
+#include <trellant/base/nearest_word.h>
 
 #include <algorithm>
 #include <cstddef>
 
-namespace trellant::cli {
+namespace trellant {
 
 namespace {
 
@@ -53,4 +53,4 @@ std::optional<std::string> nearestWord(std::string_view typed,
     return nearest;
 }
 
-}  // namespace trellant::cli
+}  // namespace trellant
