@@ -110,6 +110,7 @@ class Parser {
         addList();
         addExtract();
         addExport();
+        addPage();
         addDump();
         addValidate();
     }
@@ -253,6 +254,29 @@ class Parser {
         addFailOn(*export_, exportCall_.failOn);
     }
 
+    void addPage() {
+        page_ = &command("page", "Writes the timeline as a page for any browser",
+                         "  trellant page mix.omf -o mix.html\n"
+                         "  trellant page mix.omf -o mix.html --language de\n"
+                         "  trellant page reel1.omf reel2.omf -o pages");
+        page_
+            ->add_option("FILE", pageCall_.files,
+                         "OMF files; of several each gets a page, with an index")
+            ->required();
+        page_
+            ->add_option(
+                "-o,--output", pageCall_.output,
+                "Write to this file; of several files to this folder, created when missing")
+            ->required()
+            ->type_name("PATH");
+        addMedia(*page_, pageCall_.mediaFolders);
+        addChoice<PageLanguage>(*page_, "--language", pageCall_.language,
+                                "English or German; else as the system is set",
+                                {{"en", PageLanguage::english}, {"de", PageLanguage::german}});
+        page_->add_flag("--force", pageCall_.force, "Replace existing files");
+        addFailOn(*page_, pageCall_.failOn);
+    }
+
     void addDump() {
         dump_ = &command("dump", "Shows the container behind an OMF file, for engineers",
                          "  trellant dump mix.omf\n"
@@ -342,6 +366,9 @@ class Parser {
         if (export_->parsed()) {
             return exportCall_;
         }
+        if (page_->parsed()) {
+            return pageCall_;
+        }
         if (dump_->parsed()) {
             return dumpCall_;
         }
@@ -365,12 +392,14 @@ class Parser {
     CLI::App* list_ = nullptr;
     CLI::App* extract_ = nullptr;
     CLI::App* export_ = nullptr;
+    CLI::App* page_ = nullptr;
     CLI::App* dump_ = nullptr;
     CLI::App* validate_ = nullptr;
     InfoOptions infoOptions_;
     ListOptions listOptions_;
     ExtractCall extractCall_;
     ExportCall exportCall_;
+    PageCall pageCall_;
     DumpCall dumpCall_;
     ValidateOptions validateOptions_;
     bool quiet_ = false;

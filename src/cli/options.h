@@ -6,6 +6,7 @@
 #include "export/export.h"
 #include "extract/extract.h"
 #include "look/fail_on.h"
+#include "page/page.h"
 #include "terminal/console.h"
 #include "terminal/destination.h"
 #include "terminal/exit_status.h"
@@ -42,8 +43,8 @@ struct ValidateOptions {
     bool json = false;
 };
 
-using Call =
-    std::variant<InfoOptions, ListOptions, ExtractCall, ExportCall, DumpCall, ValidateOptions>;
+using Call = std::variant<InfoOptions, ListOptions, ExtractCall, ExportCall, PageCall, DumpCall,
+                          ValidateOptions>;
 
 struct CommandLine {
     Verbosity verbosity = Verbosity::normal;
