@@ -25,7 +25,7 @@ _trellant() {
     local anywhere="-h --help -q --quiet -v --verbose"
     local lossy="--media --fail-on"
     local output="-o --output --force"
-    local commands="info list extract export dump validate"
+    local commands="info list extract export page dump validate"
     local formats="aaf otio otioz reaper dawproject markers"
     # In any case: such files come from systems that do not tell the cases apart.
     local omf='*.[oO][mM][fF]' omfi='*.[oO][mM][fF][iI]' json='*.[jJ][sS][oO][nN]'
@@ -40,7 +40,7 @@ _trellant() {
         [[ $word == = ]] && continue
         case $previous in
             --media | --fail-on | --to | --output | -o | --object | --path | --format | --media-mode | \
-                --rate | --name)
+                --rate | --name | --language)
                 previous=""
                 continue
                 ;;
@@ -79,6 +79,10 @@ _trellant() {
             _trellant_words "copy link embed" "$current"
             return
             ;;
+        --language)
+            _trellant_words "en de" "$current"
+            return
+            ;;
         --object | --path | --rate | --name)
             return
             ;;
@@ -98,6 +102,7 @@ _trellant() {
             list) _trellant_words "$anywhere --csv --json $lossy $output" "$current" ;;
             extract) _trellant_words "$anywhere --to $lossy --wav --force --absolute --json" "$current" ;;
             export) _trellant_words "$anywhere --to --format $lossy --media-mode --rate --name --no-markers --force --json" "$current" ;;
+            page) _trellant_words "$anywhere --language $lossy $output" "$current" ;;
             dump) _trellant_words "$anywhere --toc --object --path --all --json" "$current" ;;
             validate) _trellant_words "$anywhere --json" "$current" ;;
         esac
@@ -111,7 +116,7 @@ _trellant() {
                 _trellant_paths "@($omf|$omfi)" "$current"
             fi
             ;;
-        info | extract | export) _trellant_paths "@($omf|$omfi)" "$current" ;;
+        info | extract | export | page) _trellant_paths "@($omf|$omfi)" "$current" ;;
         dump) _trellant_paths '*' "$current" ;;
         help) ((places == 0)) && _trellant_words "$commands" "$current" ;;
         validate) _trellant_paths "$json" "$current" ;;

@@ -18,7 +18,7 @@ function __trellant_in
     test "$words[1]" = "$argv[1]"
 end
 
-set -l commands info list extract export dump validate
+set -l commands info list extract export page dump validate
 set -l contents tracks clips sources losses
 
 complete -c trellant -f
@@ -32,6 +32,7 @@ complete -c trellant -n __trellant_in -a info -d 'Show what is in OMF files, one
 complete -c trellant -n __trellant_in -a list -d 'List the tracks, clips, audio files or losses of OMF files'
 complete -c trellant -n __trellant_in -a extract -d 'Take the audio out of OMF files'
 complete -c trellant -n __trellant_in -a export -d 'Write sessions for the tools of today'
+complete -c trellant -n __trellant_in -a page -d 'Write the timeline as a page for any browser'
 complete -c trellant -n __trellant_in -a dump -d 'Show the containers behind OMF files, for engineers'
 complete -c trellant -n __trellant_in -a validate -d 'Check timelines and results that were written as JSON'
 complete -c trellant -n __trellant_in -a help -d 'Show the page of a command'
@@ -72,6 +73,13 @@ complete -c trellant -n '__trellant_in export' -l force -d 'Replace existing fil
 complete -c trellant -n '__trellant_in export' -l json -d 'Write one JSON object a line for each file'
 complete -c trellant -n '__trellant_in export' -l fail-on -x -a 'missing render any' -d 'End with status 3 when there is such a loss'
 complete -c trellant -n '__trellant_in export' -a '(__trellant_files "omfi?")'
+
+complete -c trellant -n '__trellant_in page' -s o -l output -r -F -d 'Write to this file, or of several files to this folder'
+complete -c trellant -n '__trellant_in page' -l media -x -a '(__fish_complete_directories)' -d 'Look for external audio files here and below'
+complete -c trellant -n '__trellant_in page' -l language -x -a 'en de' -d 'Write English or German'
+complete -c trellant -n '__trellant_in page' -l force -d 'Replace existing files'
+complete -c trellant -n '__trellant_in page' -l fail-on -x -a 'missing render any' -d 'End with status 3 when there is such a loss'
+complete -c trellant -n '__trellant_in page' -a '(__trellant_files "omfi?")'
 
 complete -c trellant -n '__trellant_in dump' -l toc -d 'Show every entry of the table'
 complete -c trellant -n '__trellant_in dump' -l object -x -d 'Show one object with its properties'

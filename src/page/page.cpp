@@ -70,8 +70,8 @@ class Page {
     }
 
     void writeTables() {
-        writeClips(markup_, request_.handOff, sources_);
         writeLosses(markup_, request_.handOff);
+        writeClips(markup_, request_.handOff, sources_);
         writeTracks(markup_, request_.handOff);
         writeSources(markup_, sources_);
         writeCompositions(markup_, request_.handOff);

@@ -5,7 +5,7 @@ namespace trellant::page {
 
 namespace {
 
-constexpr std::array<PageText, 124> texts{{
+constexpr std::array<PageText, 123> texts{{
     {"page.allMuted", "none: every clip is muted"},
     {"page.assumed", "assumed: the file has no timecode"},
     {"page.audioFile", "Audio file"},
@@ -58,7 +58,7 @@ constexpr std::array<PageText, 124> texts{{
     {"page.keyLoss", "L, Shift L: next loss, previous loss"},
     {"page.keyRow", "Enter: row of the clip in the table"},
     {"page.keyTracks", "Up, Down: track above, track below"},
-    {"page.keyWheel", "Ctrl and wheel: zoom; Shift and wheel: move in time"},
+    {"page.keyWheel", "Ctrl and wheel: zoom, Shift and wheel: move in time"},
     {"page.keyZoom", "+, -, 0: zoom in, zoom out, whole timeline"},
     {"page.keys", "Keys"},
     {"page.lanes", "Timeline: arrow keys walk from clip to clip, question mark shows all keys"},
@@ -87,9 +87,7 @@ constexpr std::array<PageText, 124> texts{{
     {"page.no", "no"},
     {"page.noName", "(no name)"},
     {"page.noRows", "None."},
-    {"page.noScript",
-     "The picture of the timeline needs the script of this page, which your browser does not run. "
-     "The tables below are whole."},
+    {"page.noScript", "The picture of the timeline needs the script of this page, which your browser does not run. The tables below are whole."},
     {"page.notCopied", "The browser does not allow copying. Here it is: {0}"},
     {"page.notKnown", "not known"},
     {"page.note", "Note"},
@@ -98,7 +96,6 @@ constexpr std::array<PageText, 124> texts{{
     {"page.objectPath", "Place in the file"},
     {"page.out", "Out"},
     {"page.overview", "Overview of the whole timeline"},
-    {"page.page", "Page"},
     {"page.pan", "Pan"},
     {"page.place", "Place"},
     {"page.power", "power"},

@@ -228,6 +228,7 @@ class TimelineData {
                 writer_.integer(static_cast<std::int64_t>(curveOf(it->curve)));
                 writer_.integer(it->points.empty() ? none
                                                    : envelopes_.numberOf(it->curve, it->points));
+                writer_.integer(it->reversesPointTime.value_or(false) ? 1 : 0);
             }
         });
     }

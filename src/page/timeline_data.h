@@ -13,8 +13,9 @@
 //   envelopes  [curve, [place, value, ...]]: places from 0 to 1 of their owner
 //   clips      columns of one length: track and source (numbers from 0; -1: none), start, length,
 //              and lists of what few clips have: gains [clip, factor, ...], automation
-//              [clip, envelope, ...], fadeIn and fadeOut [clip, length, curve, envelope, ...]
-//              (envelope -1: the curve says it all), silent [clip, ...] (mute or solo)
+//              [clip, envelope, ...], fadeIn and fadeOut [clip, length, curve, envelope,
+//              reversed, ...] (envelope -1: the curve says it all; reversed 1: its points count
+//              from its end), silent [clip, ...] (mute or solo)
 //   losses     columns of one length: track, start, length (-1: none), dropped (1, 0)
 //
 // Curves are the numbers of Curve. Times are numbers of units where they are whole, and else texts,

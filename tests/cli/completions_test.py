@@ -118,7 +118,7 @@ class Bash(InFolder):
                          ["OTHER.JSON", "audio", "bundle.omf", "result.json"])
 
     def test_losses_are_offered_after_fail_on(self):
-        for command in ("info", "list", "extract", "export"):
+        for command in ("info", "list", "extract", "export", "page"):
             with self.subTest(command):
                 self.assertEqual(self.replies(command, "--fail-on", ""),
                                  ["any", "missing", "render"])
@@ -130,7 +130,7 @@ class Bash(InFolder):
             with self.subTest(command):
                 self.assertEqual(self.replies(command, "mix.omf", "--to", ""),
                                  ["audio", "bundle.omf"])
-        for command in ("info", "list", "extract", "export"):
+        for command in ("info", "list", "extract", "export", "page"):
             with self.subTest(command):
                 self.assertEqual(self.replies(command, "--media", "a"), ["audio"])
         self.assertEqual(self.replies("extract", "--to", "=", "a"), ["audio"])
@@ -199,7 +199,7 @@ class Zsh(unittest.TestCase):
 
     def test_values_are_all_there(self):
         text = ZSH.read_text()
-        self.assertEqual(text.count(":loss:(missing render any)"), 4)
+        self.assertEqual(text.count(":loss:(missing render any)"), 5)
         self.assertEqual(text.count(":what:(tracks clips sources losses)"), 1)
         for option, name in (("--format", "format"), ("--media-mode", "mode")):
             words = " ".join(choices("export", option))
@@ -208,7 +208,7 @@ class Zsh(unittest.TestCase):
     def test_what_may_be_given_several_times_is_marked_so(self):
         text = ZSH.read_text()
         self.assertEqual(text.count("'*--media=["), text.count("--media=["))
-        self.assertEqual(text.count('"*:OMF file:$omf"'), 4)
+        self.assertEqual(text.count('"*:OMF file:$omf"'), 5)
 
 
 class Fish(unittest.TestCase):
@@ -245,7 +245,7 @@ class Fish(unittest.TestCase):
 
     def test_values_are_all_there(self):
         text = FISH.read_text()
-        self.assertEqual(text.count("-l fail-on -x -a 'missing render any'"), 4)
+        self.assertEqual(text.count("-l fail-on -x -a 'missing render any'"), 5)
         for option in ("format", "media-mode"):
             words = " ".join(choices("export", f"--{option}"))
             self.assertEqual(text.count(f"-l {option} -x -a '{words}'"), 1)

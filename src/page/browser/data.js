@@ -45,11 +45,12 @@ function byNumber(list) {
 function fadesOf(list, unit) {
   /** @type {Map<number, Fade>} */
   const map = new Map();
-  for (let i = 0; i < list.length; i += 4) {
+  for (let i = 0; i < list.length; i += 5) {
     map.set(list[i], {
       length: secondsOf(list[i + 1], unit),
       curve: list[i + 2],
       envelope: list[i + 3],
+      isReversed: list[i + 4] === 1,
     });
   }
   return map;

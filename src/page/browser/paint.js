@@ -141,8 +141,8 @@ class LanePainter {
       context.beginPath();
       context.rect(from, y, to - from, height);
       context.clip();
-      this.paintFade(clip, this.model.fadeIn.get(clip), left, 1, y, height);
-      this.paintFade(clip, this.model.fadeOut.get(clip), right, -1, y, height);
+      this.paintFade(this.model.fadeIn.get(clip), fadeInGain, left, 1, y, height);
+      this.paintFade(this.model.fadeOut.get(clip), fadeOutGain, right, -1, y, height);
       this.paintGain(clip, left, right, y, height);
       if (to - from >= 28) {
         this.paintName(clip, from, to, y);
@@ -174,11 +174,12 @@ class LanePainter {
   }
 
   /**
-   * A fade from its silent end at `x` on: the curve, and what it takes away in shadow.
-   * @param {number} clip @param {Fade | undefined} fade @param {number} x
-   * @param {number} direction  1: rises to the right @param {number} y @param {number} height
+   * A fade from its outer end at `x` on: the curve, and what it takes away in shadow.
+   * @param {Fade | undefined} fade
+   * @param {(model: Model, fade: Fade, place: number) => number} gainOf
+   * @param {number} x @param {number} direction  1: a fade-in @param {number} y @param {number} height
    */
-  paintFade(clip, fade, x, direction, y, height) {
+  paintFade(fade, gainOf, x, direction, y, height) {
     if (!fade || fade.length <= 0) {
       return;
     }
@@ -188,7 +189,7 @@ class LanePainter {
     context.beginPath();
     for (let i = 0; i <= steps; ++i) {
       const part = i / steps;
-      const gain = Math.min(1, Math.max(0, gainOfFade(model, fade, part)));
+      const gain = Math.min(1, Math.max(0, gainOf(model, fade, direction > 0 ? part : 1 - part)));
       const at = x + direction * width * part;
       if (i === 0) {
         context.moveTo(at, y + height * (1 - gain));

@@ -5,7 +5,7 @@
  * @typedef {{gain: number, pan?: number, muted: boolean, solo: boolean, envelope?: number,
  *   panEnvelope?: number}} TrackData
  * @typedef {{curve: number, places: number[], values: number[]}} Envelope
- * @typedef {{length: number, curve: number, envelope: number}} Fade
+ * @typedef {{length: number, curve: number, envelope: number, isReversed: boolean}} Fade
  *
  * @typedef {object} Lane  the clips of one track
  * @property {number} track
