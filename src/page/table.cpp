@@ -17,7 +17,7 @@ Table::Table(Markup& markup, const Shape& shape) : markup_(markup), rows_(shape.
         markup_.raw("<p class=\"none\">").text(say("noRows")).raw("</p>\n</section>\n");
         return;
     }
-    markup_.raw("<div class=\"rows\" tabindex=\"0\" role=\"region\" aria-labelledby=\"" + id +
+    markup_.raw("<div class=\"rows\" tabindex=\"0\" role=\"group\" aria-labelledby=\"" + id +
                 "-title\">");
     if (rows_ > mostShownRows) {
         markup_.raw("<noscript>");

@@ -25,7 +25,7 @@ TEST(Table, ShortOneStandsAsItIs) {
     EXPECT_EQ(tableOf(1),
               "<section id=\"clips\" aria-labelledby=\"clips-title\">\n"
               "<h2 id=\"clips-title\">Clips <span class=\"count\">1</span></h2>\n"
-              "<div class=\"rows\" tabindex=\"0\" role=\"region\" aria-labelledby=\"clips-title\">"
+              "<div class=\"rows\" tabindex=\"0\" role=\"group\" aria-labelledby=\"clips-title\">"
               "<table>\n<caption>Clips</caption>\n"
               "<thead><tr><th scope=\"col\">No.<th scope=\"col\">Name\n"
               "<tbody>\n"
