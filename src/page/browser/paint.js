@@ -92,7 +92,15 @@ class LanePainter {
     this.paintStretches(lane, y);
     /** @type {[number, number, number][]} */
     const wide = [];
-    let painted = -Infinity;
+    // Clips of a pixel or two: columns of pixels, those side by side in one rectangle.
+    let from = 0;
+    let to = -Infinity;
+    const endRun = () => {
+      if (to > from) {
+        context.fillRect(from, y + clipTop, to - from, laneHeight - clipTop);
+      }
+    };
+    context.fillStyle = colours["clip-edge"];
     for (let i = firstBehind(lane, view.start); i < lane.clips.length; ++i) {
       const clip = lane.clips[i];
       const left = view.xOf(model.start[clip]);
@@ -102,16 +110,20 @@ class LanePainter {
       const right = view.xOf(model.start[clip] + model.duration[clip]);
       if (right - left >= 3) {
         wide.push([clip, left, right]);
-      } else if (right > painted + 0.5) {
-        context.fillStyle = colours["clip-edge"];
-        const from = Math.max(left, painted);
-        context.fillRect(from, y + clipTop, Math.max(right - from, 0.75), laneHeight - clipTop);
-        painted = Math.max(right, from + 0.75);
+      } else if (Math.ceil(right) > to) {
+        const column = Math.max(0, Math.floor(left));
+        if (column > to) {
+          endRun();
+          from = column;
+        }
+        to = Math.max(Math.ceil(right), column + 1);
       }
     }
+    endRun();
     // Bodies first: where clips cross, the curves of both stay visible.
     wide.forEach(([clip, left, right]) => this.paintBody(lane, clip, left, right, y + clipTop));
     wide.forEach(([clip, left, right]) => this.paintLines(clip, left, right, y + clipTop));
+    this.paintEdges(wide, y + clipTop);
     this.paintPins(lane, y);
   }
 
@@ -132,28 +144,45 @@ class LanePainter {
 
   /** @param {number} clip @param {number} left @param {number} right @param {number} y */
   paintLines(clip, left, right, y) {
-    const { context, colours, view } = this;
+    if (right - left < 8) {
+      return;
+    }
+    const { model, view } = this;
     const height = laneHeight - clipTop;
+    this.paintFade(model.fadeIn.get(clip), fadeInGain, left, 1, y, height);
+    this.paintFade(model.fadeOut.get(clip), fadeOutGain, right, -1, y, height);
+    this.paintGain(clip, left, right, y, height);
     const from = Math.max(left, -2);
     const to = Math.min(right, view.width + 2);
-    if (right - left >= 8) {
-      context.save();
-      context.beginPath();
-      context.rect(from, y, to - from, height);
-      context.clip();
-      this.paintFade(this.model.fadeIn.get(clip), fadeInGain, left, 1, y, height);
-      this.paintFade(this.model.fadeOut.get(clip), fadeOutGain, right, -1, y, height);
-      this.paintGain(clip, left, right, y, height);
-      if (to - from >= 28) {
-        this.paintName(clip, from, to, y);
-      }
-      context.restore();
+    if (to - from >= 28) {
+      this.paintName(clip, from, to, y);
     }
-    const isFocused = clip === this.focused;
-    context.strokeStyle = isFocused ? colours.focus : colours["clip-edge"];
-    context.lineWidth = isFocused ? 3 : 1;
-    const inset = isFocused ? 1.5 : 0.5;
-    context.strokeRect(from + inset, y + inset, to - from - 2 * inset, height - 2 * inset);
+  }
+
+  /** In one stroke, which costs a tenth of one for each. @param {[number, number, number][]} clips @param {number} y */
+  paintEdges(clips, y) {
+    const { context, colours, view } = this;
+    const height = laneHeight - clipTop;
+    context.beginPath();
+    for (const [, left, right] of clips) {
+      const from = Math.max(left, -2);
+      const width = Math.min(right, view.width + 2) - from;
+      if (width < 8) {
+        context.rect(from + 0.5, y, 0, height);
+      } else {
+        context.rect(from + 0.5, y + 0.5, width - 1, height - 1);
+      }
+    }
+    context.strokeStyle = colours["clip-edge"];
+    context.lineWidth = 1;
+    context.stroke();
+    const focused = clips.find(([clip]) => clip === this.focused);
+    if (focused) {
+      const from = Math.max(focused[1], -2);
+      context.strokeStyle = colours.focus;
+      context.lineWidth = 3;
+      context.strokeRect(from + 1.5, y + 1.5, Math.max(1, Math.min(focused[2], view.width + 2) - from - 3), height - 3);
+    }
   }
 
   /** @param {number} clip @param {number} from @param {number} to @param {number} y */
@@ -164,13 +193,25 @@ class LanePainter {
     const name = this.nameOf(clip);
     context.globalAlpha = 0.8;
     context.fillStyle = this.isMissing(clip) ? colours["bad-ground"] : this.colours.surface;
-    const width = Math.min(context.measureText(name).width + 8, to - from);
-    if (name !== "") {
-      context.fillRect(from + 1, y + 1, width, 16);
+    if (name === "") {
+      context.globalAlpha = 1;
+      return;
     }
+    const width = context.measureText(name).width + 8;
+    const isCut = width > to - from;
+    if (isCut) {
+      context.save();
+      context.beginPath();
+      context.rect(from, y, to - from, laneHeight);
+      context.clip();
+    }
+    context.fillRect(from + 1, y + 1, width, 16);
     context.globalAlpha = 1;
     context.fillStyle = this.isMissing(clip) ? colours.bad : colours["clip-ink"];
     context.fillText(name, from + 5, y + 3);
+    if (isCut) {
+      context.restore();
+    }
   }
 
   /**

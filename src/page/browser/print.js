@@ -18,7 +18,8 @@ class PrintedTimeline {
     this.nameOf = nameOf;
     this.width = 1000;
     this.headWidth = 90;
-    this.laneHeight = 18;
+    // Many lanes still fit on one sheet.
+    this.laneHeight = Math.min(18, Math.max(7, 560 / Math.max(1, model.lanes.length)));
     this.ruler = new Ruler(model.clock);
   }
 
@@ -50,14 +51,14 @@ class PrintedTimeline {
     }
     model.lanes.forEach((lane, i) => {
       const y = 14 + i * laneHeight;
-      this.addText(svg, lane.name.slice(0, 18), 0, y + 11, "#000");
+      this.addText(svg, lane.name.slice(0, 18), 0, y + this.laneHeight * 0.6, "#000");
       this.drawLane(svg, lane, y, from, from + seconds, x);
     });
   }
 
   /** @param {Element} svg @param {string} text @param {number} x @param {number} y @param {string} fill */
   addText(svg, text, x, y, fill) {
-    const element = addVector(svg, "text", { x, y, fill, "font-size": 8.5, "font-family": "sans-serif" });
+    const element = addVector(svg, "text", { x, y, fill, "font-size": Math.min(8.5, this.laneHeight * 0.6), "font-family": "sans-serif" });
     element.textContent = text;
   }
 
@@ -83,13 +84,43 @@ class PrintedTimeline {
           "stroke-width": 0.6, "stroke-dasharray": isThere ? "none" : "2 1.5",
         });
         painted = right;
+        this.drawFades(svg, clip, y, from, to, x);
         const letters = Math.floor((right - left - 4) / 4.6);
         if (letters >= 2) {
-          this.addText(svg, this.nameOf(clip).slice(0, letters), left + 2, y + 10, "#000");
+          this.addText(svg, this.nameOf(clip).slice(0, letters), left + 2, y + this.laneHeight * 0.55, "#000");
         }
       }
     }
     this.drawPins(svg, lane, y, from, to, x);
+  }
+
+  /**
+   * @param {Element} svg @param {number} clip @param {number} y @param {number} from
+   * @param {number} to @param {(time: number) => number} x
+   */
+  drawFades(svg, clip, y, from, to, x) {
+    const { model } = this;
+    const start = model.start[clip];
+    const end = start + model.duration[clip];
+    const height = this.laneHeight - 4;
+    /** @param {Fade | undefined} fade @param {number} begin @param {typeof fadeInGain} gainOf */
+    const draw = (fade, begin, gainOf) => {
+      if (!fade || x(begin + fade.length) - x(begin) < 3) {
+        return;
+      }
+      const points = [];
+      for (let i = 0; i <= 24; ++i) {
+        const time = begin + (fade.length * i) / 24;
+        if (time >= from && time <= to) {
+          const gain = Math.min(1, Math.max(0, gainOf(model, fade, i / 24)));
+          points.push(x(time).toFixed(1) + "," + (y + height * (1 - gain)).toFixed(1));
+        }
+      }
+      addVector(svg, "polyline", { points: points.join(" "), fill: "none", stroke: "#234", "stroke-width": 0.6 });
+    };
+    draw(model.fadeIn.get(clip), start, fadeInGain);
+    const fadeOut = model.fadeOut.get(clip);
+    draw(fadeOut, end - (fadeOut ? fadeOut.length : 0), fadeOutGain);
   }
 
   /**

@@ -17,7 +17,7 @@ function unescaped(markup) {
 function rowsOfElements(table) {
   const rows = [...table.tBodies[0].rows];
   /** @param {number} i */
-  const cells = (i) => [...rows[i].cells].map((cell) => cell.textContent || "");
+  const cells = (i) => [...rows[i].cells].map((cell) => (cell.textContent || "").replace(/\n$/, ""));
   return { count: rows.length, cells, row: (/** @type {number} */ i) => rows[i], isLong: false };
 }
 
