@@ -25,10 +25,11 @@ _trellant() {
     local anywhere="-h --help -q --quiet -v --verbose"
     local lossy="--media --fail-on"
     local output="-o --output --force"
-    local commands="info list extract export page dump validate"
+    local commands="info list extract export page peaks dump validate"
     local formats="aaf otio otioz reaper dawproject markers"
     # In any case: such files come from systems that do not tell the cases apart.
     local omf='*.[oO][mM][fF]' omfi='*.[oO][mM][fF][iI]' json='*.[jJ][sS][oO][nN]'
+    local audio='@(*.[wW][aA][vV]|*.[aA][iI][fF]|*.[aA][iI][fF][fFcC])'
     local current="${COMP_WORDS[COMP_CWORD]}" previous="" command="" word
     local -i index places=0
     COMPREPLY=()
@@ -40,7 +41,7 @@ _trellant() {
         [[ $word == = ]] && continue
         case $previous in
             --media | --fail-on | --to | --output | -o | --object | --path | --format | --media-mode | \
-                --rate | --name | --language)
+                --rate | --name | --language | --samples-per-pair | --bits)
                 previous=""
                 continue
                 ;;
@@ -83,7 +84,11 @@ _trellant() {
             _trellant_words "en de" "$current"
             return
             ;;
-        --object | --path | --rate | --name)
+        --bits)
+            _trellant_words "8 16" "$current"
+            return
+            ;;
+        --object | --path | --rate | --name | --samples-per-pair)
             return
             ;;
     esac
@@ -103,6 +108,7 @@ _trellant() {
             extract) _trellant_words "$anywhere --to $lossy --wav --force --absolute --json" "$current" ;;
             export) _trellant_words "$anywhere --to --format $lossy --media-mode --rate --name --no-markers --force --json" "$current" ;;
             page) _trellant_words "$anywhere --language $lossy $output" "$current" ;;
+            peaks) _trellant_words "$anywhere --samples-per-pair --bits --json $output" "$current" ;;
             dump) _trellant_words "$anywhere --toc --object --path --all --json" "$current" ;;
             validate) _trellant_words "$anywhere --json" "$current" ;;
         esac
@@ -117,6 +123,7 @@ _trellant() {
             fi
             ;;
         info | extract | export | page) _trellant_paths "@($omf|$omfi)" "$current" ;;
+        peaks) _trellant_paths "$audio" "$current" ;;
         dump) _trellant_paths '*' "$current" ;;
         help) ((places == 0)) && _trellant_words "$commands" "$current" ;;
         validate) _trellant_paths "$json" "$current" ;;

@@ -18,7 +18,7 @@ function __trellant_in
     test "$words[1]" = "$argv[1]"
 end
 
-set -l commands info list extract export page dump validate
+set -l commands info list extract export page peaks dump validate
 set -l contents tracks clips sources losses
 
 complete -c trellant -f
@@ -33,6 +33,7 @@ complete -c trellant -n __trellant_in -a list -d 'List the tracks, clips, audio 
 complete -c trellant -n __trellant_in -a extract -d 'Take the audio out of OMF files'
 complete -c trellant -n __trellant_in -a export -d 'Write sessions for the tools of today'
 complete -c trellant -n __trellant_in -a page -d 'Write the timeline as a page for any browser'
+complete -c trellant -n __trellant_in -a peaks -d 'Write waveforms of audio files, for tools that draw them'
 complete -c trellant -n __trellant_in -a dump -d 'Show the containers behind OMF files, for engineers'
 complete -c trellant -n __trellant_in -a validate -d 'Check timelines and results that were written as JSON'
 complete -c trellant -n __trellant_in -a help -d 'Show the page of a command'
@@ -80,6 +81,13 @@ complete -c trellant -n '__trellant_in page' -l language -x -a 'en de' -d 'Write
 complete -c trellant -n '__trellant_in page' -l force -d 'Replace existing files'
 complete -c trellant -n '__trellant_in page' -l fail-on -x -a 'missing render any' -d 'End with status 3 when there is such a loss'
 complete -c trellant -n '__trellant_in page' -a '(__trellant_files "omfi?")'
+
+complete -c trellant -n '__trellant_in peaks' -l samples-per-pair -x -d 'Take a lowest and a highest value of so many samples'
+complete -c trellant -n '__trellant_in peaks' -l bits -x -a '8 16' -d 'Write values of this size'
+complete -c trellant -n '__trellant_in peaks' -l json -d 'Write one JSON object a line for each file'
+complete -c trellant -n '__trellant_in peaks' -s o -l output -r -F -d 'Write to this file'
+complete -c trellant -n '__trellant_in peaks' -l force -d 'Replace an existing file'
+complete -c trellant -n '__trellant_in peaks' -a '(__trellant_files "wav|aif[fc]?")'
 
 complete -c trellant -n '__trellant_in dump' -l toc -d 'Show every entry of the table'
 complete -c trellant -n '__trellant_in dump' -l object -x -d 'Show one object with its properties'

@@ -64,6 +64,25 @@ void effects(CompositionWriter& writer, const ShapeRequest& request) {
     }
 }
 
+/// As a mixed session is: a gain line of ten points on every clip.
+void automation(CompositionWriter& writer, const ShapeRequest& request) {
+    constexpr std::uint32_t pointCount = 10;
+    files(writer, sourcesFor(request.count), request.media);
+    writer.beginComposition("Automation");
+    TrackFiller tracks(writer, request.count, clipsInTrack);
+    for (std::uint32_t i = 0; i < request.count; ++i) {
+        const ClipSpec clip = clipOf(i, request.count);
+        std::vector<PointSpec> points;
+        for (std::uint32_t point = 0; point < pointCount; ++point) {
+            points.push_back({100 * point / (pointCount - 1), 20 + (7 * i + 31 * point) % 80});
+        }
+        const auto gain = writer.effect(CompositionWriter::EffectKind::gain, clip.length);
+        writer.input(gain, writer.clip(clip));
+        writer.control(gain, writer.varyingValue(clip.length, points));
+        tracks.add(gain.object);
+    }
+}
+
 /// As one workstation writes a panned clip: the clip is one slot of a scope, the effect the other
 /// and refers back to it.
 void scopes(CompositionWriter& writer, const ShapeRequest& request) {
@@ -124,6 +143,7 @@ constexpr std::array shapes{
     Shape{"plain", "clips", FileLayout::plain, plain},
     Shape{"real", "clips as workstations write them", FileLayout::real, real},
     Shape{"effects", "clips with gain automation and pan", FileLayout::real, effects},
+    Shape{"automation", "clips with ten points of gain", FileLayout::real, automation},
     Shape{"scopes", "clips within nested scopes", FileLayout::real, scopes},
     Shape{"chains", "clips behind chains of mobs", FileLayout::real, chains},
     Shape{"external", "external files", FileLayout::real, external},

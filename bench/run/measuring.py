@@ -36,6 +36,7 @@ class Bench:
         self.folder = folder
         self.quick = quick
         self.worker = build / "src/helper/trellant-omf"
+        self.command = build / "src/cli/trellant"
         self.floor = build / "bench/processes/bench_floor_static"
         self.dynamic_floor = build / "bench/processes/bench_floor_dynamic"
         self.sessions = build / "bench/processes/bench_sessions"

@@ -113,6 +113,45 @@ def external(bench, omf, tree, files, sources, open_found):
     ]
 
 
+def _export(bench, omf):
+    out = bench.folder / "exported"
+    return out, Command(bench.command, "export", omf, "--to", out, "--format", "aaf", "--quiet",
+                        fresh=out)
+
+
+def _exports(bench):
+    """The command from start to end: a session with a line of automation on each clip against
+    `info` of the same file, and a large file of audio against its copy."""
+    clips = bench.size(10_000)
+    omf = bench.generate("automation", clips)
+    out, export = _export(bench, omf)
+    written, info = bench.processes(bench.runs(9), export, Command(bench.command, "info", omf))
+    details = {"export": written.record(), "info": info.record()}
+    rows = [
+        Row(f"AAF of {clips:,} clips and ten times the points, by the command: CPU",
+            seconds(written.cpu), f"info of the same file, {seconds(info.cpu)}",
+            written.cpu / info.cpu, 2, details=details),
+        Row("the same: peak memory above info", size(written.peak), size(info.peak),
+            (written.peak - info.peak) / 1e6, 64, figure=" MB", details=details),
+    ]
+    big = bench.size(256 * MEBI)
+    omf = bench.generate("embedded", 1, "--media-bytes", big)
+    out, export = _export(bench, omf)
+    bench.processes(1, export)
+    audio, copy = bench.folder / "audio", bench.folder / "copy"
+    shutil.move(next(out.glob("*.media")), audio)
+    written, cp = bench.processes(bench.runs(15), export,
+                                  Command("cp", next(audio.iterdir()), copy / "copy.wav",
+                                          fresh=copy))
+    for folder in (out, copy, audio):
+        shutil.rmtree(folder)
+    omf.unlink()
+    return rows + [Row(f"AAF with {big // MEBI} MiB of audio beside it: wall clock",
+                       seconds(written.wall), f"cp of the same bytes, {seconds(cp.wall)}",
+                       written.wall / cp.wall, 1.1,
+                       details={"export": written.record(), "cp": cp.record()})]
+
+
 def sessions(bench):
     """An AAF session out of a plan, written to nowhere."""
     automated = bench.size(10_000)
@@ -121,7 +160,7 @@ def sessions(bench):
     small, = bench.processes(bench.runs(30), Command(bench.sessions, few, 0))
     large, = bench.processes(bench.runs(3), Command(bench.sessions, many, 0))
     details = {"automated": points.record(), str(few): small.record(), str(many): large.record()}
-    return [
+    return _exports(bench) + [
         Row(f"AAF session of {automated:,} clips and ten times the points: CPU",
             seconds(points.cpu), "", points.cpu, 0.15, figure=" s", details=details),
         Row(f"growth: CPU of a session of {many:,} clips against {few:,}", seconds(large.cpu),

@@ -4,8 +4,13 @@
 
 namespace trellant {
 
+namespace {
+
+constexpr std::string_view digits = "0123456789abcdef";
+
+}  // namespace
+
 std::string printableText(std::string_view text, std::size_t maxBytes) {
-    constexpr std::string_view digits = "0123456789abcdef";
     std::string printable;
     std::size_t shown = 0;
     while (shown < text.size()) {
@@ -26,6 +31,22 @@ std::string printableText(std::string_view text, std::size_t maxBytes) {
         shown += taken;
     }
     return printable;
+}
+
+std::string textOfBytes(std::string_view bytes) {
+    std::string text;
+    for (std::size_t position = 0; position < bytes.size();) {
+        const std::string_view rest = bytes.substr(position);
+        const std::size_t length = utf8SequenceLength(rest);
+        const unsigned first = static_cast<unsigned char>(rest.front());
+        if (length == 0) {
+            text.append({'\\', 'x', digits[first >> 4U], digits[first & 15U]});
+        } else {
+            text.append(rest.substr(0, length));
+        }
+        position += length == 0 ? 1 : length;
+    }
+    return text;
 }
 
 }  // namespace trellant

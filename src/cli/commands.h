@@ -15,6 +15,8 @@ namespace trellant::cli {
                                  const StopToken& stop);
 [[nodiscard]] ExitStatus runList(const ListOptions& options, Console& console,
                                  const StopToken& stop);
+[[nodiscard]] ExitStatus runPeaks(const PeaksOptions& options, Console& console,
+                                  const StopToken& stop);
 [[nodiscard]] ExitStatus runValidate(const ValidateOptions& options, Console& console);
 
 }  // namespace trellant::cli

@@ -3,10 +3,15 @@
 #include "dump/dump.h"
 
 #include "dump/dump_container.h"
+#include "look/failure_text.h"
 #include "process/forked_child.h"
 #include "terminal/failure_line.h"
 
+#include <trellant/base/printable_text.h>
+
+#include <cstddef>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -14,6 +19,7 @@ namespace trellant::cli {
 
 namespace {
 
+constexpr std::size_t longestShownPath = 4'096;
 /// What the child answers beside a status when nobody reads any more.
 constexpr std::string_view closedAnswer = "closed";
 
@@ -25,18 +31,26 @@ std::string dumpInChild(const DumpOptions& options, Console& console) {
     }
 }
 
+ExitStatus failed(const DumpOptions& options, const std::string& line, const std::string& why,
+                  Console& console) {
+    if (options.json) {
+        console.out(failureLine(options.file, why));
+    }
+    console.error(line);
+    return ExitStatus::fileFailed;
+}
+
 }  // namespace
 
 ExitStatus runDump(const DumpOptions& options, Console& console) {
+    if (const auto failure = streamFailure(options.file)) {
+        return failed(options, printableText(options.file, longestShownPath) + ": " + *failure, *failure, console);
+    }
     const ForkedAnswer answer = inConfinedChild([&] { return dumpInChild(options, console); },
                                                 std::nullopt, std::vector{options.file});
     if (const auto* failure = std::get_if<ForkedFailure>(&answer)) {
         const std::string why = whyNoAnswer(options.file, *failure);
-        if (options.json) {
-            console.out(failureLine(options.file, why));
-        }
-        console.error(why);
-        return ExitStatus::fileFailed;
+        return failed(options, why, why, console);
     }
     const auto& text = std::get<std::string>(answer);
     if (text == closedAnswer) {

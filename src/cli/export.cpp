@@ -44,6 +44,17 @@ bool isFileName(const std::string& name) {
            name.find('/') == std::string::npos;
 }
 
+/// "copy or link".
+std::string modesOf(exchange::ExportFormat format) {
+    std::string text;
+    for (const MediaMode mode : {MediaMode::copy, MediaMode::link, MediaMode::embed}) {
+        if (hasMediaMode(format, mode)) {
+            text.append(text.empty() ? "" : " or ").append(modeWord(mode));
+        }
+    }
+    return text;
+}
+
 /// Why the command line cannot be meant; absent when it can.
 std::optional<std::string> wrongUse(const ExportCall& call) {
     std::error_code ignored;
@@ -68,8 +79,8 @@ std::optional<std::string> wrongUse(const ExportCall& call) {
     }
     if (call.mediaMode && !hasMediaMode(call.format, *call.mediaMode)) {
         return "a session of the format " + std::string(exchange::formatWord(call.format)) +
-               " cannot have its audio that way (--media-mode " +
-               std::string(modeWord(*call.mediaMode)) + ")";
+               " cannot have its audio that way: --media-mode is " + modesOf(call.format) +
+               ", not " + std::string(modeWord(*call.mediaMode));
     }
     return std::nullopt;
 }

@@ -27,6 +27,9 @@ ExitStatus perform(const Call& call, Console& console) {
                 return runInfo(options, console, stop);
             } else if constexpr (std::is_same_v<Options, ListOptions>) {
                 return runList(options, console, stop);
+            } else if constexpr (std::is_same_v<Options, PeaksOptions>) {
+                const Cancellable heeded;
+                return runPeaks(options, console, stop);
             } else if constexpr (std::is_same_v<Options, ValidateOptions>) {
                 return runValidate(options, console);
             } else if constexpr (std::is_same_v<Options, DumpCall>) {

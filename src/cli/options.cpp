@@ -111,6 +111,7 @@ class Parser {
         addExtract();
         addExport();
         addPage();
+        addPeaks();
         addDump();
         addValidate();
     }
@@ -277,6 +278,25 @@ class Parser {
         addFailOn(*page_, pageCall_.failOn);
     }
 
+    void addPeaks() {
+        using audio::PeakBits;
+        peaks_ =
+            &command("peaks", "Writes waveforms of audio files, for tools that draw them",
+                     "  trellant peaks Voice.wav -o Voice.dat\n"
+                     "  trellant peaks Voice.wav -o Voice.dat --samples-per-pair 1024 --bits 8\n"
+                     "  trellant peaks --json *.wav");
+        peaks_->add_option("FILE", peaksOptions_.files, "WAVE, AIFF and AIFC files")->required();
+        peaks_
+            ->add_option("--samples-per-pair", peaksOptions_.samplesPerPair,
+                         "Samples that a lowest and a highest value are of; 256 otherwise")
+            ->type_name("N")
+            ->check(CLI::Range(std::uint32_t{1}, std::uint32_t{2'147'483'647}).description(""));
+        addChoice<PeakBits>(*peaks_, "--bits", peaksOptions_.bits, "Size of a value; 16 otherwise",
+                            {{"8", PeakBits::eight}, {"16", PeakBits::sixteen}});
+        peaks_->add_flag("--json", peaksOptions_.json, "One JSON object a line for each file");
+        addDestination(*peaks_, peaksOptions_.destination);
+    }
+
     void addDump() {
         dump_ = &command("dump", "Shows the container behind an OMF file, for engineers",
                          "  trellant dump mix.omf\n"
@@ -369,6 +389,9 @@ class Parser {
         if (page_->parsed()) {
             return pageCall_;
         }
+        if (peaks_->parsed()) {
+            return peaksOptions_;
+        }
         if (dump_->parsed()) {
             return dumpCall_;
         }
@@ -393,6 +416,7 @@ class Parser {
     CLI::App* extract_ = nullptr;
     CLI::App* export_ = nullptr;
     CLI::App* page_ = nullptr;
+    CLI::App* peaks_ = nullptr;
     CLI::App* dump_ = nullptr;
     CLI::App* validate_ = nullptr;
     InfoOptions infoOptions_;
@@ -401,6 +425,7 @@ class Parser {
     ExportCall exportCall_;
     PageCall pageCall_;
     DumpCall dumpCall_;
+    PeaksOptions peaksOptions_;
     ValidateOptions validateOptions_;
     bool quiet_ = false;
     bool verbose_ = false;

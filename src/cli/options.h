@@ -11,6 +11,9 @@
 #include "terminal/destination.h"
 #include "terminal/exit_status.h"
 
+#include <trellant/audio/waveform_data.h>
+
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <variant>
@@ -37,14 +40,25 @@ struct ListOptions {
     Destination destination;
 };
 
+struct PeaksOptions {
+    /// Audio files.
+    std::vector<std::string> files;
+    std::uint32_t samplesPerPair = 256;
+    audio::PeakBits bits = audio::PeakBits::sixteen;
+    bool json = false;
+    Destination destination;
+    /// Absent: the installed one.
+    std::optional<std::string> converter;
+};
+
 struct ValidateOptions {
     /// "-" is standard input.
     std::vector<std::string> files;
     bool json = false;
 };
 
-using Call = std::variant<InfoOptions, ListOptions, ExtractCall, ExportCall, PageCall, DumpCall,
-                          ValidateOptions>;
+using Call = std::variant<InfoOptions, ListOptions, ExtractCall, ExportCall, PageCall, PeaksOptions,
+                          DumpCall, ValidateOptions>;
 
 struct CommandLine {
     Verbosity verbosity = Verbosity::normal;

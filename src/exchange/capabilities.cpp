@@ -57,7 +57,7 @@ constexpr std::array<Row, featureCount> rows{{
      "first sample of the source",
      {{{carried, {}}, {carried, {}}, {carried, {}}, {carried, {}}, placesOnly}}},
     {Feature::sourceStartAtOtherRates,
-     "the same of media at another rate",
+     "first sample of media at another rate",
      {{{limited, "in whole samples of the session's rate"},
        {carried, "in samples of the medium"},
        {carried, "in seconds"},

@@ -37,8 +37,9 @@ class Reduction {
     [[nodiscard]] Carriage carriage(Feature feature) const noexcept {
         return capability(format_, feature).carriage;
     }
-    void record(Feature feature, const Place& place, Severity severity, std::string sentence,
-                std::string technical);
+    enum class Kind { leftOut, changed };
+    void record(Feature feature, const Place& place, Severity severity, Kind kind,
+                std::string sentence, std::string technical);
     [[nodiscard]] bool keeps(Feature feature, const Place& place, const std::string& value);
     void recordChange(Feature feature, const Place& place, const std::string& from,
                       const std::string& to);
@@ -62,17 +63,17 @@ class Reduction {
     std::vector<ExportLoss> losses_;
 };
 
-void Reduction::record(Feature feature, const Place& place, Severity severity, std::string sentence,
-                       std::string technical) {
+void Reduction::record(Feature feature, const Place& place, Severity severity, Kind kind,
+                       std::string sentence, std::string technical) {
     losses_.push_back({feature, severity, place.track, place.event, place.start, place.duration,
-                       std::move(sentence), std::move(technical)});
+                       kind == Kind::leftOut, std::move(sentence), std::move(technical)});
 }
 
 /// Whether a value that is there stays in the plan; what other tools do not get of it is on record.
 bool Reduction::keeps(Feature feature, const Place& place, const std::string& value) {
     const Carriage how = carriage(feature);
     if (how == Carriage::lost || how == Carriage::metadata) {
-        record(feature, place, severityOf(feature), sentenceOf(feature, how),
+        record(feature, place, severityOf(feature), Kind::leftOut, sentenceOf(feature, how),
                technicalText(feature, value, format_));
     }
     return how != Carriage::lost;
@@ -80,7 +81,7 @@ bool Reduction::keeps(Feature feature, const Place& place, const std::string& va
 
 void Reduction::recordChange(Feature feature, const Place& place, const std::string& from,
                              const std::string& to) {
-    record(feature, place, severityOf(feature), changeSentence(feature),
+    record(feature, place, severityOf(feature), Kind::changed, changeSentence(feature),
            technicalChange(feature, from, to, format_));
 }
 
@@ -100,18 +101,21 @@ void Reduction::ofPlan(const std::vector<PlanLoss>& losses) {
                           event.duration};
         record(loss.kind == PlanLoss::Kind::fadeLongerThanClip ? Feature::fadeLengths
                                                                : Feature::clipPlaces,
-               place, severityOf(loss.kind), sentenceOf(loss.kind), technicalText(loss.kind));
+               place, severityOf(loss.kind), isLeftOut(loss.kind) ? Kind::leftOut : Kind::changed,
+               sentenceOf(loss.kind), technicalText(loss.kind));
     }
 }
 
 void Reduction::ofSession(ExportPlan& plan) {
     if (plan.edges.count != 0) {
-        record(Feature::clipPlaces, {}, Severity::renderAffecting, roundingSentence(plan.edges),
+        // Half a sample is some 10 microseconds: nobody hears it.
+        record(Feature::clipPlaces, {}, Severity::informational, Kind::changed,
+               roundingSentence(plan.edges),
                roundingText(Feature::clipPlaces, plan.edges, plan.rate));
     }
     if (plan.sourceStarts.count != 0 &&
         carriage(Feature::sourceStartAtOtherRates) == Carriage::limited) {
-        record(Feature::sourceStartAtOtherRates, {}, Severity::renderAffecting,
+        record(Feature::sourceStartAtOtherRates, {}, Severity::informational, Kind::changed,
                sourceRoundingSentence(plan.sourceStarts),
                roundingText(Feature::sourceStartAtOtherRates, plan.sourceStarts, plan.rate));
     }

@@ -100,12 +100,35 @@ Severity severityOf(PlanLoss::Kind kind) noexcept {
         case PlanLoss::Kind::shorterThanASample:
         case PlanLoss::Kind::beforeTheStart:
         case PlanLoss::Kind::headBeforeTheStart:
-        case PlanLoss::Kind::beyondTheRange:
             return Severity::informational;
+        case PlanLoss::Kind::beyondTheRange:
         case PlanLoss::Kind::fadeLongerThanClip:
             return Severity::renderAffecting;
     }
     return Severity::renderAffecting;
+}
+
+LossEffect effectOf(const ExportLoss& loss) noexcept {
+    if (loss.severity != Severity::informational) {
+        return LossEffect::soundsDifferent;
+    }
+    return loss.isLeftOut ? LossEffect::dropped : LossEffect::changed;
+}
+
+std::string_view effectWord(LossEffect effect) noexcept {
+    switch (effect) {
+        case LossEffect::dropped:
+            return "dropped";
+        case LossEffect::soundsDifferent:
+            return "soundsDifferent";
+        case LossEffect::changed:
+            return "changed";
+    }
+    return {};
+}
+
+bool isLeftOut(PlanLoss::Kind kind) noexcept {
+    return kind != PlanLoss::Kind::headBeforeTheStart && kind != PlanLoss::Kind::fadeLongerThanClip;
 }
 
 std::string sentenceOf(Feature feature, Carriage carriage) {

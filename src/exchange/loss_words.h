@@ -13,6 +13,9 @@ namespace trellant::exchange {
 [[nodiscard]] AAFUnsupportedFeature::Severity severityOf(Feature feature) noexcept;
 [[nodiscard]] AAFUnsupportedFeature::Severity severityOf(PlanLoss::Kind kind) noexcept;
 
+/// Whether the clip is not in the session; else it is there and is another.
+[[nodiscard]] bool isLeftOut(PlanLoss::Kind kind) noexcept;
+
 /// `carriage` is `lost` or `metadata`.
 [[nodiscard]] std::string sentenceOf(Feature feature, Carriage carriage);
 [[nodiscard]] std::string sentenceOf(PlanLoss::Kind kind);

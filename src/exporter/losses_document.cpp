@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <trellant/base/printable_text.h>
 #include <trellant/base/text.h>
 #include <trellant/exporter/exporter.h>
 #include <trellant/handoff/timeline_text.h>
@@ -16,7 +17,7 @@ using Severity = AAFUnsupportedFeature::Severity;
 
 /// What the records of both kinds say.
 struct Record {
-    Severity severity;
+    std::string_view effect;
     std::optional<std::string> track{};
     std::optional<std::int64_t> trackNumber{};
     std::optional<std::string> clip{};
@@ -28,7 +29,7 @@ struct Record {
 };
 
 Record recordOf(const AAFUnsupportedFeature& feature, const PlacedLoss& loss) {
-    return {.severity = feature.severity,
+    return {.effect = feature.severity == Severity::informational ? "dropped" : "soundsDifferent",
             .track = loss.trackName,
             .trackNumber = loss.trackNumber,
             .clip = loss.clipName,
@@ -40,7 +41,7 @@ Record recordOf(const AAFUnsupportedFeature& feature, const PlacedLoss& loss) {
 }
 
 Record recordOf(const AAFTimeline& timeline, const ExportLoss& loss) {
-    Record record{.severity = loss.severity,
+    Record record{.effect = exchange::effectWord(exchange::effectOf(loss)),
                   .start = loss.start,
                   .duration = loss.duration,
                   .sentence = loss.sentence,
@@ -110,10 +111,9 @@ void Document::add(const Record& record) {
 }
 
 void Document::members(JsonWriter& writer, const Record& record) const {
-    const bool isDropped = record.severity == Severity::informational;
-    member(writer, "file", std::string_view(file_));
+    member(writer, "file", std::string_view(textOfBytes(file_)));
     integer(writer, "loss", number_);
-    member(writer, "effect", std::string_view(isDropped ? "dropped" : "soundsDifferent"));
+    member(writer, "effect", record.effect);
     member(writer, "track", record.track);
     if (record.trackNumber) {
         integer(writer, "trackNumber", *record.trackNumber);

@@ -113,16 +113,21 @@ sessions::SessionMedia SessionMediaMaker::made(PlannedMedia& media, const std::s
     if (auto linked = linkedMedia(media, source)) {
         return std::move(*linked);
     }
-    if (!media.channel && plainWave(source)) {
-        bring(media, source, wishes_.newPath + "/" + media.fileName);
+    auto wave = media.channel ? std::nullopt : plainWave(source);
+    const std::string planned = wishes_.newPath + "/" + media.fileName;
+    if (wave && bring(media, source, planned) == Brought::moved) {
+        wave->path = planned;
     } else {
-        convert(media, source);
+        if (!wave) {
+            convert(media, source);
+        }
+        wave = plainWave(wishes_.newPath + "/" + media.fileName);
     }
     sessions::SessionMedia result;
     if (media.isOffline) {
         return result;
     }
-    result.wave = plainWave(wishes_.newPath + "/" + media.fileName);
+    result.wave = std::move(wave);
     result.isEmbedded = wishes_.mode == MediaMode::embed;
     if (result.isEmbedded) {
         return result;
@@ -156,15 +161,18 @@ std::optional<sessions::SessionMedia> SessionMediaMaker::linkedMedia(const Plann
 }
 
 /// What the worker took out is ours to move, when nothing else is made of it.
-void SessionMediaMaker::bring(const PlannedMedia& media, const std::string& source,
-                              const std::string& destination) {
+SessionMediaMaker::Brought SessionMediaMaker::bring(const PlannedMedia& media,
+                                                    const std::string& source,
+                                                    const std::string& destination) {
     if (!isOurs(source) || remainingUses_[source] != 0) {
         copyFile(source, destination, progress_);
-    } else if (std::rename(source.c_str(), destination.c_str()) != 0) {
-        throw FileSystemError("create", media.fileName, errno);
-    } else {
-        progress_.advance(bytesOfFile(destination));
+        return Brought::copied;
     }
+    if (std::rename(source.c_str(), destination.c_str()) != 0) {
+        throw FileSystemError("create", media.fileName, errno);
+    }
+    progress_.advance(bytesOfFile(destination));
+    return Brought::moved;
 }
 
 void SessionMediaMaker::convert(PlannedMedia& media, const std::string& source) {
@@ -188,7 +196,7 @@ void SessionMediaMaker::keepAsItIs(PlannedMedia& media, const std::string& sourc
     }
     const NumberedName name = NumberedName::whole(media.fileName);
     media.fileName = NumberedName{name.stem, extension}.text();
-    bring(media, source, wishes_.newPath + "/" + media.fileName);
+    static_cast<void>(bring(media, source, wishes_.newPath + "/" + media.fileName));
     progress_.say(
         WorkProgress::Remark::problem,
         printableText(media.name) + " stays as it is, and not every tool reads it: " + reason);

@@ -59,8 +59,9 @@ class SessionMediaMaker {
                                               const std::string& source);
     [[nodiscard]] std::optional<sessions::SessionMedia> linkedMedia(
         const exchange::PlannedMedia& media, const std::string& source);
-    void bring(const exchange::PlannedMedia& media, const std::string& source,
-               const std::string& destination);
+    enum class Brought { moved, copied };
+    [[nodiscard]] Brought bring(const exchange::PlannedMedia& media, const std::string& source,
+                                const std::string& destination);
     void convert(exchange::PlannedMedia& media, const std::string& source);
     void keepAsItIs(exchange::PlannedMedia& media, const std::string& source,
                     const std::string& reason);

@@ -72,18 +72,11 @@ std::optional<std::string> installedWaveConverter() {
     return std::nullopt;
 }
 
-std::optional<std::string> convertToWave(const std::string& converter, const std::string& source,
-                                         const std::string& destination, WorkProgress& progress,
-                                         const std::optional<std::int64_t>& channel) {
+std::optional<std::string> runConverter(const std::vector<std::string>& commandLine,
+                                        const std::string& destination,
+                                        const std::function<void()>& whileWaiting) {
     try {
-        const std::uint64_t before = progress.bytes();
-        std::vector<std::string> commandLine{converter, source, destination};
-        if (channel) {
-            commandLine.push_back(std::to_string(*channel + 1));
-        }
-        const ProgramEnd end =
-            runProgram(commandLine, [&] { progress.at(before + bytesOfFile(destination)); });
-        progress.at(before + bytesOfFile(source));
+        const ProgramEnd end = runProgram(commandLine, whileWaiting);
         if (end.status == 0) {
             // A system that hides how its programs end gives 0 for all of them.
             return isRegularFile(destination)
@@ -96,6 +89,20 @@ std::optional<std::string> convertToWave(const std::string& converter, const std
     } catch (const FileSystemError& error) {
         return error.what();
     }
+}
+
+std::optional<std::string> convertToWave(const std::string& converter, const std::string& source,
+                                         const std::string& destination, WorkProgress& progress,
+                                         const std::optional<std::int64_t>& channel) {
+    const std::uint64_t before = progress.bytes();
+    std::vector<std::string> commandLine{converter, source, destination};
+    if (channel) {
+        commandLine.push_back(std::to_string(*channel + 1));
+    }
+    auto failure = runConverter(commandLine, destination,
+                                [&] { progress.at(before + bytesOfFile(destination)); });
+    progress.at(before + bytesOfFile(source));
+    return failure;
 }
 
 WaveConversions convertAll(const std::string& converter, AAFTimeline& timeline,

@@ -1,18 +1,36 @@
 // SPDX-License-Identifier: Apache-2.0
-// trellant-wav IN OUT [CHANNEL]: the audio of an uncompressed AIFF, AIFC or WAVE file, or one
-// channel of it (from 1), as a new WAVE file. Exit status 0 done, 1 wrong use, 2 not converted,
-// with the reason on standard error.
+// What is made of an uncompressed AIFF, AIFC or WAVE file, each time as a new file:
+//
+//   trellant-wav IN OUT [CHANNEL]
+//       its audio, or one channel of it (from 1), as plain WAVE
+//   trellant-wav --measure IN OUT PAIRS [BITS]
+//       what is measured of it, its outline of no more than PAIRS pairs a channel; BITS: the depth
+//       that its header names
+//   trellant-wav --waveform IN OUT FRAMES BITS
+//       its outline, a pair of 8 or 16 BITS for each so many FRAMES
+//   trellant-wav --preview IN OUT RATE FIRST FRAMES [CHANNEL]
+//       a small copy in Opus, of RATE bits in a second for each channel, from the frame FIRST on;
+//       FRAMES of 0: up to the end
+//
+// Exit status 0 done, 1 wrong use, 2 not done, with the reason on standard error.
+#include "measuring.h"
+#include "preview.h"
 #include "wave_copy.h"
 
 #include <trellant/base/host_watch.h>
 #include <trellant/confine/confinement.h>
 #include <trellant/confine/memory_allowance.h>
 
+#include <algorithm>
 #include <charconv>
+#include <cstdint>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <functional>
+#include <limits>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -21,29 +39,134 @@
 
 namespace {
 
-/// From 1 on the command line; absent for what is no such number.
-std::optional<int> channelOf(std::string_view word) {
-    constexpr int most = 65'536;
-    int number = 0;
+using Words = std::span<const std::string_view>;
+
+constexpr std::uint64_t mostChannels = 65'536;
+constexpr std::uint64_t mostBits = 64;
+constexpr std::uint64_t mostFrames = std::numeric_limits<std::int64_t>::max();
+
+/// What is to be done, once this process has confined itself.
+struct Work {
+    std::string source;
+    std::string destination;
+    std::function<void(const std::string& source, const std::string& destination)> run;
+};
+
+/// A whole number from `least` to `most`; absent for what is none.
+std::optional<std::uint64_t> numberIn(std::string_view word, std::uint64_t least,
+                                      std::uint64_t most) {
+    std::uint64_t number = 0;
     const auto end = std::from_chars(word.data(), word.data() + word.size(), number);
-    if (end.ec != std::errc() || end.ptr != word.data() + word.size() || number < 1 ||
+    if (end.ec != std::errc() || end.ptr != word.data() + word.size() || number < least ||
         number > most) {
         return std::nullopt;
     }
-    return number - 1;
+    return number;
 }
 
-int convert(const char* source, const char* destination, const std::optional<int>& channel) {
+/// Whether the word at `index` may be left out and is, or is a number that is taken into `number`.
+bool takeOptional(Words words, std::size_t index, std::uint64_t most,
+                  std::optional<std::uint64_t>& number) {
+    if (words.size() > index) {
+        number = numberIn(words[index], 1, most);
+        return number.has_value();
+    }
+    return true;
+}
+
+std::optional<int> channelOf(const std::optional<std::uint64_t>& number) {
+    return number ? std::optional(static_cast<int>(*number) - 1) : std::nullopt;
+}
+
+std::optional<Work> copying(Words words) {
+    std::optional<std::uint64_t> channel;
+    if (words.size() < 2 || words.size() > 3 || !takeOptional(words, 2, mostChannels, channel)) {
+        return std::nullopt;
+    }
+    return Work{std::string(words[0]), std::string(words[1]),
+                [channel](const std::string& source, const std::string& destination) {
+                    trellant::wav::copyAsWave(source, destination, channelOf(channel));
+                }};
+}
+
+std::optional<Work> measuring(Words words) {
+    std::optional<std::uint64_t> bits;
+    const auto pairs =
+        words.size() < 3 ? std::nullopt : numberIn(words[2], 1, trellant::audio::mostPairs);
+    if (!pairs || words.size() > 4 || !takeOptional(words, 3, mostBits, bits)) {
+        return std::nullopt;
+    }
+    return Work{std::string(words[0]), std::string(words[1]),
+                [pairs, bits](const std::string& source, const std::string& destination) {
+                    trellant::wav::writeMeasures(
+                        source, destination, *pairs,
+                        bits ? std::optional(static_cast<std::uint32_t>(*bits)) : std::nullopt);
+                }};
+}
+
+std::optional<Work> drawing(Words words) {
+    using trellant::audio::PeakBits;
+    const bool isEight = words.size() == 4 && words[3] == "8";
+    const auto frames = words.size() != 4
+                            ? std::nullopt
+                            : numberIn(words[2], 1, std::numeric_limits<std::int32_t>::max());
+    if (!frames || (!isEight && words[3] != "16")) {
+        return std::nullopt;
+    }
+    return Work{std::string(words[0]), std::string(words[1]),
+                [frames, isEight](const std::string& source, const std::string& destination) {
+                    trellant::wav::writeWaveform(source, destination,
+                                                 static_cast<std::uint32_t>(*frames),
+                                                 isEight ? PeakBits::eight : PeakBits::sixteen);
+                }};
+}
+
+std::optional<Work> previewing(Words words) {
+    if (words.size() < 5 || words.size() > 6) {
+        return std::nullopt;
+    }
+    std::optional<std::uint64_t> channel;
+    const auto rate =
+        numberIn(words[2], trellant::wav::lowestBitRate, trellant::wav::highestBitRate);
+    const auto first = numberIn(words[3], 0, mostFrames);
+    const auto frames = numberIn(words[4], 0, mostFrames);
+    if (!rate || !first || !frames || !takeOptional(words, 5, mostChannels, channel)) {
+        return std::nullopt;
+    }
+    const trellant::wav::PreviewPart part{.firstFrame = *first,
+                                          .frames = *frames == 0 ? std::nullopt : frames,
+                                          .channel = channelOf(channel)};
+    return Work{std::string(words[0]), std::string(words[1]),
+                [rate, part](const std::string& source, const std::string& destination) {
+                    trellant::wav::writePreview(source, destination,
+                                                static_cast<std::uint32_t>(*rate), part);
+                }};
+}
+
+std::optional<Work> workOf(Words words) {
+    if (!words.empty() && words.front() == "--measure" && words.size() > 3) {
+        return measuring(words.subspan(1));
+    }
+    if (!words.empty() && words.front() == "--waveform" && words.size() > 3) {
+        return drawing(words.subspan(1));
+    }
+    if (!words.empty() && words.front() == "--preview" && words.size() > 3) {
+        return previewing(words.subspan(1));
+    }
+    return copying(words);
+}
+
+int done(const Work& work) {
     try {
         // The library that reads the samples knows many formats, and a stranger's file chooses
         // which of its parsers runs: it gets nothing to do harm with.
         trellant::keepWithinMemory();
-        const std::filesystem::path target = std::filesystem::absolute(destination);
+        const std::filesystem::path target = std::filesystem::absolute(work.destination);
         trellant::confine(trellant::sandboxFromEnvironment(),
                           {.writableDirectory = target.parent_path().native(),
                            .awaitsStreams = true,
-                           .readablePaths = std::vector<std::string>{source}});
-        trellant::wav::copyAsWave(source, destination, channel);
+                           .readablePaths = std::vector<std::string>{work.source}});
+        work.run(work.source, work.destination);
         return 0;
     } catch (const std::exception& error) {
         static_cast<void>(std::fprintf(stderr, "%s\n", error.what()));
@@ -54,13 +177,21 @@ int convert(const char* source, const char* destination, const std::optional<int
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
-    const auto channel = argumentCount == 4 ? channelOf(arguments[3]) : std::nullopt;
-    if (argumentCount != 3 && !channel) {
-        static_cast<void>(std::fputs("usage: trellant-wav IN OUT [CHANNEL]\n", stderr));
+    const std::vector<std::string_view> words(arguments + std::min(1, argumentCount),
+                                              arguments + argumentCount);
+    const auto work = workOf(words);
+    if (!work) {
+        static_cast<void>(
+            std::fputs("usage: trellant-wav IN OUT [CHANNEL]\n"
+                       "       trellant-wav --measure IN OUT PAIRS [BITS]\n"
+                       "       trellant-wav --waveform IN OUT FRAMES BITS\n"
+                       "       trellant-wav --preview IN OUT RATE FIRST FRAMES "
+                       "[CHANNEL]\n",
+                       stderr));
         return 1;
     }
     trellant::watchHost(2);
     trellant::removeUnfinishedFileOnSignals();
     // At once: what libraries do at the end of a process takes calls that it has given up.
-    ::_exit(convert(arguments[1], arguments[2], channel));
+    ::_exit(done(*work));
 }

@@ -5,18 +5,13 @@
 // rounded; 8-bit samples change sides (signed here, unsigned there) and keep their value.
 #pragma once
 
+#include "conversion_error.h"
+
 #include <cstdint>
 #include <optional>
-#include <stdexcept>
 #include <string>
 
 namespace trellant::wav {
-
-/// Why there is no WAVE file; what() completes "cannot convert PATH: ".
-class ConversionError final : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
 
 /// Whether so many bytes of samples need the form of WAVE with 64-bit sizes.
 [[nodiscard]] bool needsLargeForm(std::uint64_t sampleBytes) noexcept;

@@ -24,6 +24,12 @@ TEST(PrintableText, ControlCharactersAreSpelledOut) {
     EXPECT_EQ(printableText("a\nb\x01\x1f\x7f\0c"sv), "a\\u000ab\\u0001\\u001f\\u007f\\u0000c");
 }
 
+TEST(TextOfBytes, KeepsNamesApartThatAreNoUTF8) {
+    EXPECT_EQ(textOfBytes("a\xC3\xBC\n"), "a\xC3\xBC\n");
+    EXPECT_EQ(textOfBytes("a\xFF\xC3"), "a\\xff\\xc3");
+    EXPECT_EQ(textOfBytes("a\xFE\xC3"), "a\\xfe\\xc3");
+}
+
 TEST(PrintableText, BrokenBytesAreReplacedOneByOne) {
     EXPECT_EQ(printableText("a\xFF\xC3"), "a\xEF\xBF\xBD\xEF\xBF\xBD");
 }

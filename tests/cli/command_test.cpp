@@ -337,7 +337,10 @@ TEST(Command, AStreamIsToldToNameAFile) {
         "an OMF file is read back and forth, which a pipe cannot do: save it, and name the file\n";
     EXPECT_EQ(run({"info", "-"}).errors, "trellant: -: " + why);
     EXPECT_EQ(run({"list", "clips", "/dev/null"}).errors, "trellant: /dev/null: " + why);
+    EXPECT_EQ(run({"dump", "-"}).errors, "trellant: -: " + why);
+    EXPECT_EQ(run({"dump", "/dev/null"}).errors, "trellant: /dev/null: " + why);
     EXPECT_THAT(run({"info", "--json", "-"}).out, StartsWith("{\"file\":\"-\",\"error\":\"an OMF"));
+    EXPECT_THAT(run({"dump", "--json", "-"}).out, StartsWith("{\"file\":\"-\",\"error\":\"an OMF"));
 }
 
 TEST(Command, ValidateTellsWhatIsNoTimeline) {

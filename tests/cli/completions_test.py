@@ -117,6 +117,15 @@ class Bash(InFolder):
         self.assertEqual(self.replies("validate", ""),
                          ["OTHER.JSON", "audio", "bundle.omf", "result.json"])
 
+    def test_peaks_takes_audio_files_and_a_size_of_values(self):
+        for name in ("voice.WAV", "atmo.aif", "music.aiff", "tape.aifc", "voice.wav.txt"):
+            (self.folder / name).touch()
+        self.assertEqual(self.replies("peaks", ""),
+                         ["atmo.aif", "audio", "bundle.omf", "music.aiff", "tape.aifc", "voice.WAV"])
+        self.assertEqual(self.replies("peaks", "--bits", ""), ["16", "8"])
+        self.assertEqual(self.replies("peaks", "--bits", "8", "voice.W"), ["voice.WAV"])
+        self.assertEqual(self.replies("peaks", "--samples-per-pair", ""), [])
+
     def test_losses_are_offered_after_fail_on(self):
         for command in ("info", "list", "extract", "export", "page"):
             with self.subTest(command):

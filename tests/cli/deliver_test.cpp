@@ -80,6 +80,14 @@ TEST_F(Deliver, TheFileThatIsReadIsNeverReplaced) {
               "trellant: " + path_ + " is a file that is read. Name another file for the output\n");
 }
 
+TEST_F(Deliver, AnEmptyNameIsTold) {
+    const Said said = saidWithStatus({}, [&](Console& console) {
+        return mayDeliver({.path = "", .force = true}, {}, console) ? 1 : 0;
+    });
+    EXPECT_EQ(said.status, 0);
+    EXPECT_EQ(said.errors, "trellant: -o needs the name of a file, or - for standard output\n");
+}
+
 TEST_F(Deliver, AFolderThatIsMissingIsTold) {
     const std::string path = folder_.file("missing/out.csv");
     const Said said = saidWithStatus(

@@ -64,10 +64,11 @@ TEST_F(ExportCommand, GivesProgramsOneObject) {
     EXPECT_EQ(line["clips"], 1);
     EXPECT_EQ(line["media"],
               (nlohmann::json{{"files", 1}, {"embedded", 0}, {"linked", 0}, {"offline", 0}}));
-    EXPECT_EQ(
-        line["losses"],
-        (nlohmann::json{
-            {"reading", 0}, {"export", 0}, {"exportDropped", 0}, {"exportSoundsDifferent", 0}}));
+    EXPECT_EQ(line["losses"], (nlohmann::json{{"reading", 0},
+                                              {"export", 0},
+                                              {"exportDropped", 0},
+                                              {"exportChanged", 0},
+                                              {"exportSoundsDifferent", 0}}));
     EXPECT_EQ(line["changes"], 0);
 }
 
@@ -184,13 +185,13 @@ TEST_F(ExportCommand, WhatMakesNoSenseIsRefused) {
                 }),
                 HasSubstr("--name is for one file"));
     EXPECT_EQ(refusal([](cli::ExportCall& call) { call.mediaMode = MediaMode::embed; }),
-              "trellant: a session of the format reaper cannot have its audio that way "
-              "(--media-mode embed)\n");
+              "trellant: a session of the format reaper cannot have its audio that way: "
+              "--media-mode is copy or link, not embed\n");
     EXPECT_THAT(refusal([](cli::ExportCall& call) {
                     call.format = ExportFormat::otioz;
                     call.mediaMode = MediaMode::link;
                 }),
-                HasSubstr("otioz cannot have its audio that way (--media-mode link)"));
+                HasSubstr("otioz cannot have its audio that way: --media-mode is embed, not link"));
 }
 
 TEST_F(ExportCommand, AFileThatCannotBeReadLeavesNothing) {

@@ -147,9 +147,49 @@ TEST_F(ExportMedia, MissingAudioIsOfflineUnderItsRecordedPath) {
     const Said said = exported(exporting(writeDocument()));
     EXPECT_EQ(said.status, 0);
     EXPECT_THAT(said.out, HasSubstr("  Audio        1 file offline\n"));
-    EXPECT_THAT(said.errors, HasSubstr("1 audio file is not there, and clips of it are offline; "
+    EXPECT_THAT(said.errors, HasSubstr("1 audio file is not there, and the clips are offline; "
                                        "name the folder that holds it with --media FOLDER"));
     EXPECT_THAT(session(), HasSubstr("D:\\Audio\\Kick.wav"));
+}
+
+TEST_F(ExportMedia, SeveralFilesThatFitAreToldApartFromAMissingOne) {
+    auto options = exporting(writeExternal(second(), "first/Kick.wav"));
+    fs::create_directories(folder_.file("second"));
+    writeFile(folder_.file("second/Kick.wav"), second());
+    options.call.mediaFolders = {folder_.file("first"), folder_.file("second")};
+    const Said said = exported(options);
+    EXPECT_EQ(said.status, 0);
+    EXPECT_THAT(said.errors,
+                HasSubstr("1 audio file is undecided, since several files of the name fit, and the "
+                          "clips are offline; trellant extract lists the files"));
+    EXPECT_THAT(said.errors, Not(HasSubstr("not there")));
+}
+
+TEST_F(ExportMedia, AFileThatDoesNotFitIsToldApartFromAMissingOne) {
+    // The clip needs 100 samples.
+    auto options = exporting(writeExternal(waveOf(std::vector<std::int16_t>(99, 7))));
+    options.call.mediaFolders = {folder_.file("media")};
+    const Said said = exported(options);
+    EXPECT_EQ(said.status, 0);
+    EXPECT_THAT(said.errors,
+                HasSubstr("1 audio file does not fit what the clips need, and these are offline; "
+                          "trellant extract says why"));
+    EXPECT_THAT(said.errors, Not(HasSubstr("not there")));
+}
+
+TEST_F(ExportMedia, AudioEmbeddedInAnAafLiesInItOnce) {
+    auto options = exporting(writeExternal(second()), ExportFormat::aaf);
+    options.call.mediaFolders = {folder_.file("media")};
+    options.call.mediaMode = MediaMode::embed;
+    const std::string said = exportWell(options);
+    EXPECT_THAT(said, HasSubstr("  Audio        1 file inside\n"));
+    EXPECT_THAT(written(), ElementsAre("mix.aaf", "mix.losses.json"));
+    const std::string session = textOf(readFile(out("mix.aaf")));
+    // Stored in sectors of 4,096 bytes, one after the other.
+    const std::string samples = textOf(samples16(std::vector<std::int16_t>(48'000, 7)));
+    const auto first = session.find(samples);
+    ASSERT_NE(first, std::string::npos);
+    EXPECT_EQ(session.find(samples, first + 1), std::string::npos);
 }
 
 TEST_F(ExportMedia, CompressedAudioIsKeptAsItIsAndTold) {

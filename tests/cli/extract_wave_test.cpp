@@ -210,7 +210,11 @@ TEST_F(WaveCopyRefuses, AChannelThatIsNotThere) {
 TEST_F(WaveCopyRefuses, WrongNumberOfArguments) {
     const ProgramEnd end = runProgram({TRELLANT_WAV, "only one"}, [] {});
     EXPECT_EQ(end.status, 1);
-    EXPECT_EQ(end.errors, "usage: trellant-wav IN OUT [CHANNEL]\n");
+    EXPECT_EQ(end.errors,
+              "usage: trellant-wav IN OUT [CHANNEL]\n"
+              "       trellant-wav --measure IN OUT PAIRS [BITS]\n"
+              "       trellant-wav --waveform IN OUT FRAMES BITS\n"
+              "       trellant-wav --preview IN OUT RATE FIRST FRAMES [CHANNEL]\n");
     for (const char* channel : {"0", "-1", "1x", "", "99999999999"}) {
         EXPECT_EQ(runProgram({TRELLANT_WAV, "in", "out", channel}, [] {}).status, 1) << channel;
     }

@@ -15,13 +15,20 @@
 #include <trellant_testing/killed_host.h>
 #include <trellant_testing/temporary_directory.h>
 #include <unistd.h>
+#include <vector>
 
 namespace trellant::testing {
 namespace {
 
 namespace fs = std::filesystem;
 
-class InterruptedConversion : public ::testing::Test {
+/// What is made, and the words behind the two names of files.
+struct Mode {
+    std::string option;
+    std::vector<std::string> more;
+};
+
+class InterruptedConversion : public ::testing::TestWithParam<Mode> {
   protected:
     InterruptedConversion() {
         // Seconds of work, all of it a hole in the file.
@@ -36,9 +43,16 @@ class InterruptedConversion : public ::testing::Test {
         fs::resize_file(source_, head.size() + sampleBytes);
     }
 
-    [[nodiscard]] bool isBegun() const {
-        return fs::exists(destination_) && fs::file_size(destination_) > 0;
+    [[nodiscard]] std::vector<std::string> commandLine() const {
+        std::vector<std::string> words{TRELLANT_WAV};
+        if (!GetParam().option.empty()) {
+            words.push_back(GetParam().option);
+        }
+        words.insert(words.end(), {source_, destination_});
+        words.insert(words.end(), GetParam().more.begin(), GetParam().more.end());
+        return words;
     }
+    [[nodiscard]] bool isBegun() const { return fs::exists(destination_); }
     void awaitHalfFile() const {
         constexpr std::chrono::milliseconds rest{1};
         constexpr int looks = 60'000;
@@ -53,10 +67,16 @@ class InterruptedConversion : public ::testing::Test {
     std::string destination_ = folder_.file("out.wav");
 };
 
-TEST_F(InterruptedConversion, EndsWithWhoeverStartedItAndLeavesNoHalfFile) {
+TEST_P(InterruptedConversion, EndsWithWhoeverStartedItAndLeavesNoHalfFile) {
     KilledHost host([&](const std::function<void()>& ready) {
+        std::vector<std::string> words = commandLine();
+        std::vector<char*> arguments;
+        for (std::string& word : words) {
+            arguments.push_back(word.data());
+        }
+        arguments.push_back(nullptr);
         ready();
-        ::execl(TRELLANT_WAV, TRELLANT_WAV, source_.c_str(), destination_.c_str(), nullptr);
+        ::execv(TRELLANT_WAV, arguments.data());
     });
     awaitHalfFile();
     host.kill();
@@ -66,8 +86,8 @@ TEST_F(InterruptedConversion, EndsWithWhoeverStartedItAndLeavesNoHalfFile) {
     EXPECT_FALSE(fs::exists(destination_));
 }
 
-TEST_F(InterruptedConversion, SignalThatEndsItLeavesNoHalfFile) {
-    const pid_t process = ProgramStart({}).start({TRELLANT_WAV, source_, destination_});
+TEST_P(InterruptedConversion, SignalThatEndsItLeavesNoHalfFile) {
+    const pid_t process = ProgramStart({}).start(commandLine());
     awaitHalfFile();
     ASSERT_EQ(::kill(process, SIGTERM), 0);
     int status = 0;
@@ -76,6 +96,15 @@ TEST_F(InterruptedConversion, SignalThatEndsItLeavesNoHalfFile) {
     EXPECT_EQ(WTERMSIG(status), SIGTERM);
     EXPECT_FALSE(fs::exists(destination_));
 }
+
+INSTANTIATE_TEST_SUITE_P(EachMode, InterruptedConversion,
+                         ::testing::Values(Mode{"", {}}, Mode{"--measure", {"8192"}},
+                                           Mode{"--waveform", {"256", "16"}},
+                                           Mode{"--preview", {"64000", "0", "0"}}),
+                         [](const auto& mode) {
+                             const std::string& option = mode.param.option;
+                             return option.empty() ? "Wave" : option.substr(2);
+                         });
 
 }  // namespace
 }  // namespace trellant::testing

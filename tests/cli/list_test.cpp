@@ -102,10 +102,10 @@ TEST(List, LossNumbersAreAnArrayForPrograms) {
     EXPECT_THAT(tableForPeople(list).rows[0], ElementsAre("1 12"));
 }
 
-TEST(List, FilesThatAreNoTextAreMadeReadable) {
+TEST(List, BytesOfAFileNameThatAreNoTextAreSpelledOut) {
     StringSink sink;
     cli::writeJsonLines("a\xFF.omf", oneCell(integer(1)), sink);
-    EXPECT_EQ(sink.text, "{\"file\":\"a\uFFFD.omf\",\"it\":1}\n");
+    EXPECT_EQ(sink.text, "{\"file\":\"a\\\\xff.omf\",\"it\":1}\n");
 }
 
 }  // namespace

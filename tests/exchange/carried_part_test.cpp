@@ -300,6 +300,8 @@ TEST(CarriedPart, RoundingIsOneRecordOfTheWholeSession) {
     const CarriedPart part = carried(timeline, ExportFormat::reaper);
     ASSERT_THAT(part.losses, SizeIs(1));
     EXPECT_EQ(part.losses[0].feature, Feature::clipPlaces);
+    EXPECT_EQ(part.losses[0].severity, Severity::informational) << "nobody hears half a sample";
+    EXPECT_EQ(effectOf(part.losses[0]), LossEffect::changed);
     EXPECT_FALSE(part.losses[0].track.has_value());
     EXPECT_EQ(part.losses[0].sentence,
               "2 edges lie between two samples and are moved to the nearest one.");

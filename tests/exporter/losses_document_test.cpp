@@ -69,8 +69,18 @@ TEST(LossesDocument, ALossOfTheWholeSessionHasNoPlace) {
     exchange::ExportLoss loss;
     loss.sentence = "Said.";
     const json document = json::parse(lossesDocument("a\xFF", handOffWithAClip(), {loss}));
-    EXPECT_EQ(document, json::parse(R"([{"file": "a\uFFFD", "loss": 1, "effect": "dropped",
+    EXPECT_EQ(document, json::parse(R"([{"file": "a\\xff", "loss": 1, "effect": "dropped",
                                          "sentence": "Said.", "technical": ""}])"));
+}
+
+TEST(LossesDocument, AChangeThatNobodyHearsIsNothingDropped) {
+    exchange::ExportLoss loss;
+    loss.isLeftOut = false;
+    const json document = json::parse(lossesDocument("a", handOffWithAClip(), {loss}));
+    EXPECT_EQ(document.at(0).at("effect"), "changed");
+    loss.severity = Severity::renderAffecting;
+    const json heard = json::parse(lossesDocument("a", handOffWithAClip(), {loss}));
+    EXPECT_EQ(heard.at(0).at("effect"), "soundsDifferent");
 }
 
 }  // namespace

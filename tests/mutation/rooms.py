@@ -23,6 +23,7 @@ TESTS = {
     "base": of_room("base", "json", "io", "model"),
     "json": of_room("json", "model", "protocol"),
     "model": of_room("model", "protocol"),
+    "audio": of_room("audio"),
     "io": of_room("io", "omf"),
     "compound": of_room("compound", "aaf"),
     "aaf": of_room("aaf"),
@@ -39,7 +40,8 @@ TESTS = {
     "exporter": (*of_room("exporter"), EXPORT),
     "page": of_room("page"),
     "cli": (*of_room("cli"), EXTRACT, EXPORT),
-    "wav": (EXTRACT, EXPORT),
+    "listening": of_room("listening"),
+    "wav": (*of_room("wav"), EXTRACT, EXPORT),
 }
 
 

@@ -122,6 +122,12 @@ class Folder:
         self.calls.append(Call("export-losses", ("export", line["format"]), (line["file"],), 0,
                                [parse(document)], ""))
 
+    def peaks(self):
+        for extra in ([], ["--bits", "8", "--samples-per-pair", "24000"]):
+            self.call("peaks", "peaks", *extra,
+                      files=["../one/Steps.wav", "nothing.wav", "text.omf", "folder.omf",
+                             b"bytes-\xff.wav"])
+
     def dump(self):
         files = self.readable + self.unreadable
         for extra in ([], ["--all"]):
@@ -152,6 +158,7 @@ def all_calls(path):
     folder.look()
     folder.extract()
     folder.export()
+    folder.peaks()
     folder.dump()
     folder.validate()
     return folder.calls

@@ -5,10 +5,13 @@
 #include "terminal/json_line.h"
 
 #include <trellant/base/printable_text.h>
+#include <trellant/handoff/sources.h>
 #include <trellant/handoff/timeline_text.h>
 
 #include <algorithm>
 #include <cstddef>
+#include <map>
+#include <set>
 #include <string_view>
 
 namespace trellant::cli {
@@ -19,7 +22,7 @@ constexpr std::size_t longestShownPath = 4'096;
 
 using exchange::ExportFormat;
 using exchange::ExportLoss;
-using Severity = AAFUnsupportedFeature::Severity;
+using exchange::LossEffect;
 
 std::string shown(const std::string& text) {
     return printableText(text, longestShownPath);
@@ -104,10 +107,10 @@ std::string differencesText(const ExportReport& report) {
                          : joined(parts, ", ") + "; listed in " + shown(report.files.back());
 }
 
-std::size_t countOf(const std::vector<ExportLoss>& losses, Severity severity) {
-    return static_cast<std::size_t>(
-        std::count_if(losses.begin(), losses.end(),
-                      [severity](const ExportLoss& loss) { return loss.severity == severity; }));
+std::size_t countOf(const std::vector<ExportLoss>& losses, LossEffect effect) {
+    return static_cast<std::size_t>(std::count_if(
+        losses.begin(), losses.end(),
+        [effect](const ExportLoss& loss) { return exchange::effectOf(loss) == effect; }));
 }
 
 }  // namespace
@@ -160,12 +163,41 @@ std::string exportLine(const std::string& file, const std::string& directory, Ex
                     [&](JsonLine& losses) {
                         losses.count("reading", report.handOff.timeline.unsupportedFeatures.size())
                             .count("export", report.losses.size())
-                            .count("exportDropped", countOf(report.losses, Severity::informational))
+                            .count("exportDropped", countOf(report.losses, LossEffect::dropped))
+                            .count("exportChanged", countOf(report.losses, LossEffect::changed))
                             .count("exportSoundsDifferent",
-                                   countOf(report.losses, Severity::renderAffecting));
+                                   countOf(report.losses, LossEffect::soundsDifferent));
                     })
             .count("changes", report.handOff.changes.size());
     });
+}
+
+std::vector<std::string> offlineRemarks(const ExportReport& report) {
+    const Sources sources(report.handOff);
+    std::map<SourceState, std::size_t> counts;
+    std::set<std::size_t> seen;
+    for (const exchange::PlannedMedia& media : report.plan.media) {
+        if (media.isOffline && seen.insert(media.essence).second) {
+            ++counts[sources.all().at(media.essence).state];
+        }
+    }
+    std::vector<std::string> remarks;
+    if (const std::size_t count = counts[SourceState::missing]; count != 0) {
+        remarks.push_back(counted(count, "audio file is", "audio files are") +
+                          " not there, and the clips are offline; name the folder that holds " +
+                          (count == 1 ? "it" : "them") + " with --media FOLDER");
+    }
+    if (const std::size_t count = counts[SourceState::severalCandidates]; count != 0) {
+        remarks.push_back(counted(count, "audio file is", "audio files are") +
+                          " undecided, since several files of the name fit, and the clips are "
+                          "offline; trellant extract lists the files");
+    }
+    if (const std::size_t count = counts[SourceState::misfit]; count != 0) {
+        remarks.push_back(counted(count, "audio file does", "audio files do") +
+                          " not fit what the clips need, and these are offline; trellant extract "
+                          "says why");
+    }
+    return remarks;
 }
 
 }  // namespace trellant::cli

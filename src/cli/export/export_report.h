@@ -7,6 +7,7 @@
 #include <trellant/exporter/exporter.h>
 
 #include <string>
+#include <vector>
 
 namespace trellant::cli {
 
@@ -17,5 +18,8 @@ namespace trellant::cli {
 /// One JSON object on a line.
 [[nodiscard]] std::string exportLine(const std::string& file, const std::string& directory,
                                      exchange::ExportFormat format, const ExportReport& report);
+
+/// Why audio is offline and what to do, a line for each reason; none when all of it is there.
+[[nodiscard]] std::vector<std::string> offlineRemarks(const ExportReport& report);
 
 }  // namespace trellant::cli

@@ -148,11 +148,8 @@ ExitStatus SessionExporter::conclude(const ExportJob& job, const ExportReport& r
     for (const std::string& line : report.handOff.diagnostics) {
         console_.detail(shown(job.file) + ": " + line);
     }
-    if (report.offlineMedia != 0) {
-        console_.note(shown(job.file) + ": " + std::to_string(report.offlineMedia) +
-                      (report.offlineMedia == 1 ? " audio file is" : " audio files are") +
-                      " not there, and clips of it are offline; name the folder that holds " +
-                      (report.offlineMedia == 1 ? "it" : "them") + " with --media FOLDER");
+    for (const std::string& remark : offlineRemarks(report)) {
+        console_.note(shown(job.file) + ": " + remark);
     }
     if (call.json) {
         console_.out(exportLine(job.file, call.directory, call.format, report));

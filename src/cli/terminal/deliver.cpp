@@ -46,6 +46,10 @@ bool mayDeliver(const Destination& destination, const std::vector<std::string>& 
     if (destination.path == "-") {
         return true;
     }
+    if (destination.path.empty()) {
+        console.error("-o needs the name of a file, or - for standard output");
+        return false;
+    }
     const auto there = statusOf(destination.path);
     if (!there) {
         return true;

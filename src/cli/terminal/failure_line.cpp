@@ -4,12 +4,11 @@
 #include "json_line.h"
 
 #include <trellant/base/printable_text.h>
-#include <trellant/base/text.h>
 
 namespace trellant::cli {
 
 std::string fileForPrograms(const std::string& file) {
-    return isValidUTF8(file) ? file : printableText(file, file.size());
+    return textOfBytes(file);
 }
 
 std::string failureLine(const std::string& file, const std::string& failure) {

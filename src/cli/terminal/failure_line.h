@@ -6,7 +6,7 @@
 
 namespace trellant::cli {
 
-/// How programs and sheets name a file: as it was given, made readable where it is not UTF-8.
+/// How programs and sheets name a file: as it was given, bytes that are no UTF-8 as "\xNN".
 [[nodiscard]] std::string fileForPrograms(const std::string& file);
 
 /// One line of JSON: the file and `error`, the reason.

@@ -12,4 +12,8 @@ namespace [[gnu::visibility("default")]] trellant {
 /// UTF-8 as U+FFFD; cut with "..." when more than `maxBytes` of `text` would be shown.
 [[nodiscard]] std::string printableText(std::string_view text, std::size_t maxBytes = 120);
 
+/// `bytes` as they are, but every byte that is not UTF-8 as `\xNN`: names of files that differ stay
+/// apart.
+[[nodiscard]] std::string textOfBytes(std::string_view bytes);
+
 }  // namespace trellant

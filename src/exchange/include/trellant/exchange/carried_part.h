@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace [[gnu::visibility("default")]] trellant {
@@ -25,12 +26,27 @@ struct ExportLoss {
     /// Timeline seconds.
     std::optional<AAFRational> start{};
     std::optional<AAFRational> duration{};
+    /// It is not in the session, or only as a note that other tools do not act on; else it is there
+    /// and is another.
+    bool isLeftOut = true;
     /// One sentence for an editor, without names: "The clip's gain is left out."
     std::string sentence{};
     /// What it was and what became of it: "clip gain 0.5, not carried by markers".
     std::string technical{};
     bool operator==(const ExportLoss&) const = default;
 };
+
+/// What a loss means for whoever plays the session.
+enum class LossEffect {
+    /// Left out, which is not heard.
+    dropped,
+    soundsDifferent,
+    /// There, as something else that sounds the same.
+    changed
+};
+[[nodiscard]] LossEffect effectOf(const ExportLoss& loss) noexcept;
+/// For programs: "dropped", "soundsDifferent", "changed".
+[[nodiscard]] std::string_view effectWord(LossEffect effect) noexcept;
 
 struct CarriedPart {
     /// Values whose Carriage is `metadata` are still there: writers put them where only this

@@ -8,10 +8,19 @@
 #include <trellant/model/timeline.h>
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace [[gnu::visibility("default")]] trellant {
+
+/// Runs trellant-wav with its arguments, of which `destination` is the new file. Absent when there
+/// is one; else the reason, in one line, and no file. `whileWaiting` is called some ten times a
+/// second; when it throws, the program is ended and the exception goes on.
+[[nodiscard]] std::optional<std::string> runConverter(const std::vector<std::string>& commandLine,
+                                                      const std::string& destination,
+                                                      const std::function<void()>& whileWaiting);
 
 /// Runs `converter` for the AIFF, AIFC or WAVE file at `source`, for all of it or for one channel
 /// (from 0). Absent when there is a new file at `destination`; else the reason, in one line, and no
