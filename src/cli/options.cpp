@@ -274,6 +274,18 @@ class Parser {
         addChoice<PageLanguage>(*page_, "--language", pageCall_.language,
                                 "English or German; else as the system is set",
                                 {{"en", PageLanguage::english}, {"de", PageLanguage::german}});
+        constexpr std::uint64_t mostMegabytes = 2'000;
+        page_
+            ->add_option("--preview-size", pageCall_.previewMegabytes,
+                         "Megabytes of sound in a page at most, 0 for none; 30 otherwise")
+            ->type_name("MB")
+            ->check(CLI::Range(std::uint64_t{0}, mostMegabytes).description(""));
+        page_
+            ->add_option("--media-folder", pageCall_.extractedFolder,
+                         "Link to the whole audio files that extract wrote into this folder")
+            ->type_name("FOLDER");
+        page_->add_flag("--no-audio", pageCall_.noAudio,
+                        "Do not listen to the audio: neither waveforms nor playback");
         page_->add_flag("--force", pageCall_.force, "Replace existing files");
         addFailOn(*page_, pageCall_.failOn);
     }

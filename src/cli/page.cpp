@@ -9,9 +9,11 @@
 
 #include <trellant/base/printable_text.h>
 #include <trellant/base/text.h>
+#include <trellant/extraction/extraction.h>
 
 #include <exception>
 #include <filesystem>
+#include <optional>
 #include <set>
 #include <system_error>
 
@@ -41,6 +43,22 @@ std::vector<std::string> pageNames(const std::vector<std::string>& files) {
         names.push_back(name + ".html");
     }
     return names;
+}
+
+/// Why a folder that is named cannot be meant; absent when all can.
+std::optional<std::string> wrongFolder(const PageCall& call) {
+    std::error_code ignored;
+    for (const std::string& folder : call.mediaFolders) {
+        if (!fs::is_directory(folder, ignored)) {
+            return "there is no folder " + printableText(folder, longestShownPath) +
+                   " to look for audio files in";
+        }
+    }
+    if (call.extractedFolder && !fs::is_directory(*call.extractedFolder, ignored)) {
+        return "there is no folder " + printableText(*call.extractedFolder, longestShownPath) +
+               " to link to";
+    }
+    return std::nullopt;
 }
 
 ExitStatus writeOne(const PageCall& call, Console& console, const StopToken& stop) {
@@ -97,6 +115,16 @@ ExitStatus writeSeveral(const PageCall& call, Console& console, const StopToken&
 ExitStatus runPage(const PageCall& call, Console& console, const StopToken& stop) {
     if (call.output.empty()) {
         console.error("-o needs the name of the page, or of a folder for several pages");
+        return ExitStatus::wrongUse;
+    }
+    if (!call.noAudio && !installedWaveConverter()) {
+        console.error(
+            "the program trellant-wav, which reads audio files, is missing. It belongs to this "
+            "one; please install Trellant again");
+        return ExitStatus::fileFailed;
+    }
+    if (const auto message = wrongFolder(call)) {
+        console.error(*message);
         return ExitStatus::wrongUse;
     }
     speak(call.language);

@@ -39,6 +39,24 @@ std::string depthsText(const Summary& summary) {
     return text;
 }
 
+/// What of the sound is in the page.
+std::string soundText(const PageSound* sound) {
+    if (sound == nullptr || (sound->pieces.empty() && sound->leftOut + sound->failed == 0)) {
+        return std::string(say("soundNone"));
+    }
+    if (sound->leftOut + sound->failed == 0) {
+        return std::string(say("soundWhole"));
+    }
+    std::string text;
+    if (sound->leftOut != 0) {
+        appendPart(text, say("soundLeftOut", std::to_string(sound->leftOut)));
+    }
+    if (sound->failed != 0) {
+        appendPart(text, say("soundFailed", std::to_string(sound->failed)));
+    }
+    return text;
+}
+
 class Facts {
   public:
     explicit Facts(Markup& markup) : markup_(markup) { markup_.raw("<dl class=\"facts\">\n"); }
@@ -125,6 +143,7 @@ void writeFacts(Markup& markup, const PageRequest& request, const Summary& summa
     if (const auto note = rateDisagreement(timeline.clock)) {
         facts.addWide("note", *note);
     }
+    facts.add("sound", soundText(request.sound));
     facts.add("madeWith", "trellant " + std::string(versionText));
     if (!request.sha256.empty()) {
         facts.addWide("checksum", request.sha256);

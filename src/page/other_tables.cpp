@@ -74,11 +74,12 @@ void writeTracks(Markup& markup, const HandOff& handOff) {
     }
 }
 
-void writeSources(Markup& markup, const Sources& sources) {
+void writeSources(Markup& markup, const Sources& sources,
+                  const std::vector<std::string>& fullFiles) {
     Table table(markup, {.id = "sources",
                          .title = "sources",
                          .columns = {"number", "name", "state", "rate", "bitsColumn", "channels",
-                                     "clips", "place"},
+                                     "clips", "place", "fullFile"},
                          .rows = sources.all().size()});
     std::size_t number = 0;
     for (const Source& source : sources.all()) {
@@ -91,7 +92,12 @@ void writeSources(Markup& markup, const Sources& sources) {
             .cell(essence.bitDepth ? std::to_string(*essence.bitDepth) : "")
             .cell(std::to_string(essence.channelCount))
             .numberCell(source.clips)
-            .nameCell(placeOf(essence));
+            .nameCell(placeOf(essence))
+            .cell();
+        if (number <= fullFiles.size() && !fullFiles[number - 1].empty()) {
+            markup.raw("<a href=\"").text(fullFiles[number - 1]).raw("\">");
+            markup.text(say("fullFile")).raw("</a>");
+        }
     }
 }
 

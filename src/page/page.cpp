@@ -5,6 +5,7 @@
 #include "markup.h"
 #include "policy.h"
 #include "say.h"
+#include "sound_data.h"
 #include "tables.h"
 #include "timeline_data.h"
 
@@ -65,6 +66,16 @@ class Page {
                  ScriptSafeSink sink(markup_);
                  writeTimelineData(request_, sources_, sink);
              }},
+            {"waves",
+             [this] {
+                 ScriptSafeSink sink(markup_);
+                 writeWaveforms(request_.sound, sink);
+             }},
+            {"previews",
+             [this] {
+                 ScriptSafeSink sink(markup_);
+                 writePreviews(request_.sound, sink);
+             }},
             {"script", [this] { markup_.raw(script_); }},
         };
     }
@@ -73,7 +84,7 @@ class Page {
         writeLosses(markup_, request_.handOff);
         writeClips(markup_, request_.handOff, sources_);
         writeTracks(markup_, request_.handOff);
-        writeSources(markup_, sources_);
+        writeSources(markup_, sources_, request_.fullFiles);
         writeCompositions(markup_, request_.handOff);
         writeChanges(markup_, request_.handOff);
     }

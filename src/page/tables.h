@@ -7,12 +7,17 @@
 #include <trellant/handoff/hand_off.h>
 #include <trellant/handoff/sources.h>
 
+#include <string>
+#include <vector>
+
 namespace trellant::page {
 
 void writeTracks(Markup& markup, const HandOff& handOff);
 /// The columns that `trellant list clips` has for people. `sources`: those of `handOff`.
 void writeClips(Markup& markup, const HandOff& handOff, const Sources& sources);
-void writeSources(Markup& markup, const Sources& sources);
+/// `fullFiles`: as in a PageRequest.
+void writeSources(Markup& markup, const Sources& sources,
+                  const std::vector<std::string>& fullFiles);
 void writeLosses(Markup& markup, const HandOff& handOff);
 void writeCompositions(Markup& markup, const HandOff& handOff);
 void writeChanges(Markup& markup, const HandOff& handOff);

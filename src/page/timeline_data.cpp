@@ -3,7 +3,6 @@
 
 #include <trellant/base/keyed_hash.h>
 #include <trellant/handoff/timeline_text.h>
-#include <trellant/model/audibility.h>
 
 #include <cmath>
 #include <map>
@@ -66,7 +65,7 @@ class TimelineData {
         addClock();
         addSearched();
         addTracks();
-        addStates();
+        addSources();
         addClips();
         addLosses();
         addEnvelopes();
@@ -161,10 +160,20 @@ class TimelineData {
         });
     }
 
-    void addStates() {
+    void addSources() {
         list("states", [this] {
             for (const Source& source : sources_.all()) {
                 writer_.escapedString(stateWord(source.state));
+            }
+        });
+        list("rates", [this] {
+            for (const Source& source : sources_.all()) {
+                const AAFRational& rate = source.essence->sampleRate;
+                if (rate.denominator() == 1) {
+                    writer_.integer(rate.numerator());
+                } else {
+                    writer_.escapedString(fractionText(rate));
+                }
             }
         });
     }
@@ -196,10 +205,13 @@ class TimelineData {
             const Source* const source = sources_.ofEventAt(i);
             writer_.integer(source == nullptr ? none : source - sources_.all().data());
         });
+        column("offset", [this](std::size_t, const AAFClipEvent& event) {
+            writer_.integer(event.sourceStartSample);
+        });
         addGains();
         addFades("fadeIn", &AAFClipEvent::fadeIn);
         addFades("fadeOut", &AAFClipEvent::fadeOut);
-        addSilent();
+        addChannels();
         writer_.endObject();
     }
 
@@ -233,11 +245,16 @@ class TimelineData {
         });
     }
 
-    void addSilent() {
-        const AAFAudibility audibility(timeline_);
-        column("silent", [this, &audibility](std::size_t i, const AAFClipEvent& event) {
-            if (!audibility.isEventAudible(event)) {
+    void addChannels() {
+        column("muted", [this](std::size_t i, const AAFClipEvent& event) {
+            if (event.clipMuted) {
                 writer_.integer(static_cast<std::int64_t>(i));
+            }
+        });
+        column("channels", [this](std::size_t i, const AAFClipEvent& event) {
+            if (event.sourceChannel.value_or(0) != 0) {
+                writer_.integer(static_cast<std::int64_t>(i));
+                writer_.integer(*event.sourceChannel);
             }
         });
     }

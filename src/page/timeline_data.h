@@ -10,12 +10,14 @@
 //   tracks     gain (factor), pan (absent: none), muted, solo, envelope and panEnvelope (numbers of
 //              envelopes, absent: none)
 //   states     of the sources, each a word of stateWord
+//   rates      of the sources, samples in a second: whole numbers or fractions as text
 //   envelopes  [curve, [place, value, ...]]: places from 0 to 1 of their owner
 //   clips      columns of one length: track and source (numbers from 0; -1: none), start, length,
-//              and lists of what few clips have: gains [clip, factor, ...], automation
-//              [clip, envelope, ...], fadeIn and fadeOut [clip, length, curve, envelope,
-//              reversed, ...] (envelope -1: the curve says it all; reversed 1: its points count
-//              from its end), silent [clip, ...] (mute or solo)
+//              offset (first frame of the source), and lists of what few clips have: gains [clip,
+//              factor, ...], automation [clip, envelope, ...], fadeIn and fadeOut [clip, length,
+//              curve, envelope, reversed, ...] (envelope -1: the curve says it all; reversed 1: its
+//              points count from its end), muted [clip, ...], channels [clip, channel of the source
+//              from 0, ...]
 //   losses     columns of one length: track, start, length (-1: none), dropped (1, 0)
 //
 // Curves are the numbers of Curve. Times are numbers of units where they are whole, and else texts,

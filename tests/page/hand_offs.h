@@ -7,7 +7,9 @@
 #include <trellant/page/page.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
+#include <vector>
 
 namespace trellant::page {
 
@@ -37,6 +39,18 @@ void addLoss(HandOff& handOff, AAFUnsupportedFeature::Severity severity,
 /// As reels are: `clips` clips of 0.5 to 3 s on 24 tracks, names of takes, fades on every fourth,
 /// a gain on every third.
 [[nodiscard]] HandOff reelOf(std::size_t clips);
+
+/// Sixteen-bit noise of ten seconds as the audio of the first source of `handOff`, in two pieces
+/// of a WAVE file each, which browsers decode without loss.
+struct Noise {
+    std::vector<std::int16_t> samples{};
+    PageSound sound{};
+};
+[[nodiscard]] Noise noiseFor(const HandOff& handOff);
+
+/// The mix of ten seconds at 48 kHz, left and right by turns, of clips that play `noise`: summed
+/// from what src/audio says of fades, automation and pans.
+[[nodiscard]] std::vector<float> mixOf(const HandOff& handOff, const Noise& noise);
 
 [[nodiscard]] std::string pageOf(const HandOff& handOff);
 

@@ -61,7 +61,6 @@ TEST(TimelineData, ClipWithoutTrackOrSourceSaysSo) {
     const Json data = dataOf(handOff);
     EXPECT_EQ(data["clips"]["track"], Json::parse("[-1]"));
     EXPECT_EQ(data["clips"]["source"], Json::parse("[-1]"));
-    EXPECT_EQ(data["clips"]["silent"], Json::parse("[0]"));
 }
 
 TEST(TimelineData, FadesSayLengthCurveAndPoints) {

@@ -2,9 +2,13 @@
 // Writes pages into a folder, for the tests in a browser.
 #include "hand_offs.h"
 
+#include <array>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <fstream>
+#include <stdexcept>
+#include <vector>
 
 namespace trellant::page {
 
@@ -19,18 +23,38 @@ std::string hostileName() {
     return name;
 }
 
-void write(const std::string& folder, const std::string& name, const HandOff& handOff) {
+void write(const std::string& folder, const std::string& name, const HandOff& handOff,
+           const PageSound* sound = nullptr) {
     StringSink sink;
     writePage({.handOff = handOff,
                .file = name + ".omf",
                .sha256 = std::string(64, '0'),
-               .searchedFolders = {"Audio disk"}},
+               .searchedFolders = {"Audio disk"},
+               .sound = sound},
               sink);
     std::ofstream file(folder + "/" + name + ".html", std::ios::binary);
     file << sink.text;
     file.close();
     if (!file) {
         throw std::runtime_error("cannot write " + name);
+    }
+}
+
+/// A page with sound, and beside it the mix that playback has to come to, as 32-bit floats.
+void writePlayback(const std::string& folder) {
+    const HandOff handOff = handOffOfEverything();
+    const Noise noise = noiseFor(handOff);
+    write(folder, "playback", handOff, &noise.sound);
+    const std::vector<float> mix = mixOf(handOff, noise);
+    std::ofstream file(folder + "/playback.f32", std::ios::binary);
+    for (const float sample : mix) {
+        std::array<char, sizeof sample> bytes{};
+        std::memcpy(bytes.data(), &sample, sizeof sample);
+        file.write(bytes.data(), bytes.size());
+    }
+    file.close();
+    if (!file) {
+        throw std::runtime_error("cannot write the mix");
     }
 }
 
@@ -48,6 +72,7 @@ int main(int argc, char** argv) {
         constexpr std::size_t usualReel = 2'000;
         constexpr std::size_t longReel = 100'000;
         write(argv[1], "everything", handOffOfEverything());
+        writePlayback(argv[1]);
         write(argv[1], "empty", emptyHandOff());
         write(argv[1], "hostile", handOffNamed(hostileName()));
         write(argv[1], "endless", handOffNamed(std::string(10'000, 'W')));

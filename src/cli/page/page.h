@@ -8,6 +8,8 @@
 
 #include <trellant/base/cancellation.h>
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,6 +25,12 @@ struct PageCall {
     std::string output;
     std::vector<std::string> mediaFolders;
     PageLanguage language = PageLanguage::system;
+    /// That `trellant extract` wrote, for links to whole audio files.
+    std::optional<std::string> extractedFolder;
+    /// Megabytes of previews in a page; 0: none.
+    std::uint64_t previewMegabytes = 30;
+    /// Nothing is listened to: no waveforms, no previews.
+    bool noAudio = false;
     bool force = false;
     FailOn failOn = FailOn::nothing;
 };

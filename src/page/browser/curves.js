@@ -99,3 +99,9 @@ function fadeInGain(model, fade, place) {
 function fadeOutGain(model, fade, place) {
   return fade.envelope < 0 ? valueBetween(fade.curve, 1, 0, place) : pointGain(model, fade, place);
 }
+
+/** What a pan does to a mono signal: left and right. @param {number} pan  from 0 (left) to 1 */
+function panGains(pan) {
+  const turn = (Math.min(Math.max(pan, 0), 1) * Math.PI) / 2;
+  return [Math.cos(turn), Math.sin(turn)];
+}

@@ -129,6 +129,7 @@ function readModel(nameOf) {
     tracks: data.tracks,
     lanes: [],
     states: data.states,
+    rates: data.rates.map((/** @type {number | string} */ rate) => secondsOf(rate, [1, 1])),
     searched: data.searched,
     envelopes: envelopesOf(data.envelopes),
     count: clips.track.length,
@@ -140,7 +141,9 @@ function readModel(nameOf) {
     automation: byNumber(clips.automation),
     fadeIn: fadesOf(clips.fadeIn, unit),
     fadeOut: fadesOf(clips.fadeOut, unit),
-    silent: new Set(clips.silent),
+    muted: new Set(clips.muted),
+    offset: Float64Array.from(clips.offset),
+    channels: byNumber(clips.channels),
     losses: lossesOf(data.losses, unit),
   };
   let end = data.length === undefined ? 0 : secondsOf(data.length, unit);

@@ -1,5 +1,5 @@
-/** Keys of the timeline. @param {Walk} walk @param {Stage} stage */
-function setUpKeys(walk, stage) {
+/** Keys of the timeline. @param {Walk} walk @param {Stage} stage @param {Transport} transport */
+function setUpKeys(walk, stage, transport) {
   const { view, canvas } = stage;
   const xOfCursor = () => Math.min(Math.max(0, view.xOf(stage.cursor)), view.width);
   /** @param {number} factor */
@@ -27,6 +27,10 @@ function setUpKeys(walk, stage) {
     L: () => walk.stepLoss(-1),
     c: () => void walk.copy(walk.timecode()),
     Enter: () => walk.tables.clips?.focusCurrent(),
+    " ": () => transport.toggle(),
+    o: () => transport.toggleLoop(),
+    m: () => transport.press("mute"),
+    s: () => transport.press("solo"),
     "?": showHelp,
   };
   canvas.addEventListener("keydown", (event) => {

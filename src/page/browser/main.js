@@ -30,17 +30,16 @@ const stage = new Stage(model, nameOfClip);
 stage.fillHead = (track, head) => {
   const name = document.createElement("b");
   name.textContent = model.lanes[track].name;
-  const state = document.createElement("span");
-  const { muted, solo } = model.tracks[track];
-  state.textContent = [muted ? say("muted") : "", solo ? say("solo") : ""].filter((text) => text).join(", ");
-  head.append(name, state);
+  head.append(name);
+  transport.addSwitches(track, head);
 };
 walk = new Walk(model, stage, tables);
+const transport = new Transport(walk, stage, stage.painter.audible);
 if (model.losses.start.length === 0) {
   element("loss-buttons").hidden = true;
 }
 setUpTheme(() => stage.repaint());
-setUpKeys(walk, stage);
+setUpKeys(walk, stage, transport);
 setUpWheel(stage);
 setUpPointers(walk, stage);
 setUpOverview(stage);

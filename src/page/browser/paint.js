@@ -44,7 +44,8 @@ class LanePainter {
     this.focused = -1;
     /** @type {CanvasPattern | string} */
     this.hatch = "";
-    this.waves = /** @type {Waves | null} */ (null);
+    this.waves = new Waves(model);
+    this.audible = new Audible(model);
   }
 
   /** @param {Record<string, string>} colours */
@@ -79,7 +80,7 @@ class LanePainter {
     if (this.isMissing(clip)) {
       return this.hatch;
     }
-    return this.model.silent.has(clip)
+    return !this.audible.isHeard(clip)
       ? this.colours.silent
       : this.colours["clip-" + (lane.track % 6)];
   }
@@ -137,9 +138,7 @@ class LanePainter {
     context.globalAlpha = 0.85;
     context.fillRect(from, y, to - from, height);
     context.globalAlpha = 1;
-    if (this.waves) {
-      this.waves.paint(context, clip, from, to, y, height, colours.wave);
-    }
+    this.waves.paint(context, view, clip, from, to, y, height, colours.wave);
   }
 
   /** @param {number} clip @param {number} left @param {number} right @param {number} y */

@@ -19,22 +19,6 @@ function scheduleChunk(context, mixer, from, count, when) {
   return node;
 }
 
-/**
- * A stretch as it is played, without playing it: the same schedule on an offline context.
- * @param {Mixer} mixer @param {number} from @param {number} to  samples
- */
-async function renderOffline(mixer, from, to) {
-  const context = new OfflineAudioContext(2, to - from, mixRate);
-  const chunk = Math.round(chunkSeconds * mixRate);
-  for (let at = from; at < to; at += chunk) {
-    const count = Math.min(chunk, to - at);
-    await mixer.prepare(context, at / mixRate, (at + count) / mixRate);
-    scheduleChunk(context, mixer, at, count, (at - from) / mixRate);
-  }
-  const rendered = await context.startRendering();
-  return [rendered.getChannelData(0), rendered.getChannelData(1)];
-}
-
 /** Plays the timeline. */
 class Player {
   /** @param {Mixer} mixer @param {(seconds: number) => void} at @param {() => void} ended */

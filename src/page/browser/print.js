@@ -68,6 +68,7 @@ class PrintedTimeline {
    */
   drawLane(svg, lane, y, from, to, x) {
     const { model } = this;
+    const audible = new Audible(model);
     let painted = -Infinity;
     for (let i = firstBehind(lane, from); i < lane.clips.length; ++i) {
       const clip = lane.clips[i];
@@ -80,7 +81,7 @@ class PrintedTimeline {
         const isThere = ["embedded", "located"].includes(model.states[model.source[clip]]);
         addVector(svg, "rect", {
           x: left, y, width: Math.max(0.4, right - left), height: this.laneHeight - 4,
-          fill: model.silent.has(clip) ? "#eee" : "#dbe7f3", stroke: isThere ? "#567" : "#a00",
+          fill: audible.isHeard(clip) ? "#dbe7f3" : "#eee", stroke: isThere ? "#567" : "#a00",
           "stroke-width": 0.6, "stroke-dasharray": isThere ? "none" : "2 1.5",
         });
         painted = right;

@@ -89,20 +89,21 @@ class Transport {
   /** @param {number} track @param {HTMLElement} head */
   addSwitches(track, head) {
     const box = document.createElement("div");
+    const { name } = this.walk.model.lanes[track];
     box.className = "switches";
     box.append(
-      this.switchOf("mute", this.audible.muted, track),
-      this.switchOf("soloShort", this.audible.solo, track),
+      this.switchOf(say("mute"), say("muteSaid", name), this.audible.muted, track),
+      this.switchOf(say("soloShort"), say("soloShortSaid", name), this.audible.solo, track),
     );
     head.append(box);
   }
 
-  /** @param {string} name @param {boolean[]} states @param {number} track */
-  switchOf(name, states, track) {
+  /** @param {string} letter @param {string} label @param {boolean[]} states @param {number} track */
+  switchOf(letter, label, states, track) {
     const button = document.createElement("button");
     button.type = "button";
-    button.textContent = say(name);
-    button.setAttribute("aria-label", say(name + "Said", this.walk.model.lanes[track].name));
+    button.textContent = letter;
+    button.setAttribute("aria-label", label);
     button.setAttribute("aria-pressed", String(states[track]));
     button.addEventListener("click", () => {
       states[track] = !states[track];

@@ -19,7 +19,8 @@
  * @property {number} length  of the timeline, above 0
  * @property {TrackData[]} tracks
  * @property {Lane[]} lanes
- * @property {string[]} states
+ * @property {string[]} states  of the sources
+ * @property {number[]} rates  of the sources, samples in a second
  * @property {string[]} searched
  * @property {Envelope[]} envelopes
  * @property {number} count  of clips
@@ -31,7 +32,9 @@
  * @property {Map<number, number>} automation
  * @property {Map<number, Fade>} fadeIn
  * @property {Map<number, Fade>} fadeOut
- * @property {Set<number>} silent
+ * @property {Set<number>} muted  clips that are muted themselves
+ * @property {Float64Array} offset  first frame of its source that a clip plays
+ * @property {Map<number, number>} channels  of the sources, that clips play, from 0
  * @property {{track: number[], start: number[], length: number[], dropped: number[]}} losses
  *   start -1: place not known
  */

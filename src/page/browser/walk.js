@@ -81,7 +81,7 @@ class Walk {
     if (cells[8]) {
       parts.push(say("fadeOutSaid", cells[8]));
     }
-    if (model.silent.has(clip)) {
+    if (!this.stage.painter.audible.isHeard(clip)) {
       parts.push(say("mutedSaid"));
     }
     return parts.join(", ") + this.aboutMissing(clip) + this.aboutLosses(clip);

@@ -5,6 +5,7 @@
 
 #include <trellant/handoff/hand_off.h>
 #include <trellant/json/json_writer.h>
+#include <trellant/page/page_sound.h>
 
 #include <cstddef>
 #include <string>
@@ -22,6 +23,11 @@ struct PageRequest {
     std::string sha256{};
     /// The folders that missing audio was looked for in, as a person named them.
     std::vector<std::string> searchedFolders{};
+    /// Of the same hand-off; null: nothing was listened to. Must outlive the call.
+    const PageSound* sound = nullptr;
+    /// For each essence how the page's links name its whole audio file, a relative reference as a
+    /// URL has it; empty where there is none. All are absent when the list is empty.
+    std::vector<std::string> fullFiles{};
 };
 
 /// Writes the document, in UTF-8 and in the language of the process (localization.h). The same
