@@ -41,7 +41,8 @@ _trellant() {
         [[ $word == = ]] && continue
         case $previous in
             --media | --fail-on | --to | --output | -o | --object | --path | --format | --media-mode | \
-                --rate | --name | --language | --samples-per-pair | --bits)
+                --rate | --name | --language | --samples-per-pair | --bits | \
+                --preview-size | --media-folder)
                 previous=""
                 continue
                 ;;
@@ -60,7 +61,7 @@ _trellant() {
     done
 
     case $previous in
-        --media | --to)
+        --media | --to | --media-folder)
             _trellant_paths '' "$current"
             return
             ;;
@@ -88,7 +89,7 @@ _trellant() {
             _trellant_words "8 16" "$current"
             return
             ;;
-        --object | --path | --rate | --name | --samples-per-pair)
+        --object | --path | --rate | --name | --samples-per-pair | --preview-size)
             return
             ;;
     esac
@@ -107,7 +108,7 @@ _trellant() {
             list) _trellant_words "$anywhere --csv --json $lossy $output" "$current" ;;
             extract) _trellant_words "$anywhere --to $lossy --wav --force --absolute --json" "$current" ;;
             export) _trellant_words "$anywhere --to --format $lossy --media-mode --rate --name --no-markers --force --json" "$current" ;;
-            page) _trellant_words "$anywhere --language $lossy $output" "$current" ;;
+            page) _trellant_words "$anywhere --language --preview-size --media-folder --no-audio $lossy $output" "$current" ;;
             peaks) _trellant_words "$anywhere --samples-per-pair --bits --json $output" "$current" ;;
             dump) _trellant_words "$anywhere --toc --object --path --all --json" "$current" ;;
             validate) _trellant_words "$anywhere --json" "$current" ;;

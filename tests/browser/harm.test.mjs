@@ -17,7 +17,7 @@ for (const name of ["hostile", "endless"]) {
     await settled(page);
     assert.equal(await page.evaluate(() => window.harm), undefined);
     assert.equal(await page.locator("img").count(), 0);
-    assert.equal(await page.locator("script").count(), 3);
+    assert.equal(await page.locator("script").count(), 5);
   }));
 }
 
