@@ -23,6 +23,10 @@ void writeRow(Markup& markup, Table& table, const IndexEntry& entry) {
         table.row()
             .nameCell(entry.file)
             .cell(std::string(say("failure")) + ": " + shownText(entry.failure));
+        constexpr int otherCells = 6;
+        for (int i = 0; i < otherCells; ++i) {
+            table.cell();
+        }
         return;
     }
     table.row().cell();
@@ -39,7 +43,7 @@ void writeRow(Markup& markup, Table& table, const IndexEntry& entry) {
 
 void writeEntries(Markup& markup, const std::vector<IndexEntry>& entries) {
     Table table(markup, {.id = "files",
-                         .title = "indexTitle",
+                         .title = "files",
                          .columns = {"file", "composition", "startsAt", "length", "tracks", "clips",
                                      "audioFiles", "lost"},
                          .rows = entries.size()});

@@ -5,7 +5,7 @@ namespace trellant::page {
 
 namespace {
 
-constexpr std::array<PageText, 139> texts{{
+constexpr std::array<PageText, 140> texts{{
     {"page.allMuted", "none: every clip is muted"},
     {"page.assumed", "assumed: the file has no timecode"},
     {"page.audioFile", "Audio file"},
@@ -42,6 +42,7 @@ constexpr std::array<PageText, 139> texts{{
     {"page.fadeOutSaid", "fade out {0}"},
     {"page.failure", "Could not be read"},
     {"page.file", "File"},
+    {"page.files", "Files"},
     {"page.filter", "Filter"},
     {"page.filterCount", "{0} of {1}"},
     {"page.firstSound", "First sound"},

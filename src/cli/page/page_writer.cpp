@@ -66,7 +66,8 @@ void sayWritten(const std::string& file, const std::string& path, std::uint64_t 
 
 PageOutcome failedOutcome(const std::string& file, std::string failure) {
     return {.status = ExitStatus::fileFailed,
-            .entry = {.file = file, .failure = std::move(failure)}};
+            .entry = {.file = std::filesystem::path(file).filename().native(),
+                      .failure = std::move(failure)}};
 }
 
 /// The folder of the page, absolute and without links; for standard output the current one.

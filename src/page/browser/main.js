@@ -23,7 +23,10 @@ for (const section of document.querySelectorAll("main > section")) {
 
 const model = readModel((track) => tables.tracks?.rows.cells(track)[1] || "");
 /** @param {number} clip */
-const nameOfClip = (clip) => tables.clips?.rows.cells(clip)[3] || "";
+const nameOfClip = (clip) => {
+  const cells = tables.clips?.rows.cells(clip) || [];
+  return cells[3] || cells[4] || "";
+};
 
 element("stage").hidden = false;
 const stage = new Stage(model, nameOfClip);
