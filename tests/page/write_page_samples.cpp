@@ -2,6 +2,8 @@
 // Writes pages into a folder, for the tests in a browser.
 #include "hand_offs.h"
 
+#include <trellant/audio/waveform_data.h>
+
 #include <array>
 #include <cstdio>
 #include <cstring>
@@ -58,6 +60,26 @@ void writePlayback(const std::string& folder) {
     }
 }
 
+/// Outlines as fine as they get, of pairs that rise and fall.
+PageSound outlinesOf(const HandOff& handOff) {
+    constexpr std::uint32_t pairs = 8'192;
+    constexpr std::uint32_t framesPerPair = 256;
+    PageSound sound;
+    Bytes outline;
+    const auto header = audio::waveformHeader({.bits = audio::PeakBits::eight,
+                                               .sampleRate = 48'000,
+                                               .framesPerPair = framesPerPair,
+                                               .pairs = pairs});
+    outline.assign(header.begin(), header.end());
+    for (std::uint32_t i = 0; i < pairs; ++i) {
+        const std::uint32_t height = i * 37U % 120U;
+        outline.push_back(static_cast<std::byte>(256U - height));
+        outline.push_back(static_cast<std::byte>(height));
+    }
+    sound.waveforms.assign(handOff.timeline.essences.size(), outline);
+    return sound;
+}
+
 }  // namespace
 
 }  // namespace trellant::page
@@ -77,6 +99,9 @@ int main(int argc, char** argv) {
         write(argv[1], "hostile", handOffNamed(hostileName()));
         write(argv[1], "endless", handOffNamed(std::string(10'000, 'W')));
         write(argv[1], "reel", reelOf(usualReel));
+        const trellant::HandOff reel = reelOf(usualReel);
+        const PageSound outlines = outlinesOf(reel);
+        write(argv[1], "outlined", reel, &outlines);
         write(argv[1], "long", reelOf(longReel));
         return 0;
     } catch (const std::exception& error) {
