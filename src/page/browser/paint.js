@@ -190,7 +190,8 @@ class LanePainter {
     context.font = "12px system-ui, sans-serif";
     context.textBaseline = "top";
     const name = this.nameOf(clip);
-    context.globalAlpha = 0.8;
+    // The gain line stays to be seen through it.
+    context.globalAlpha = 0.62;
     context.fillStyle = this.isMissing(clip) ? colours["bad-ground"] : this.colours.surface;
     if (name === "") {
       context.globalAlpha = 1;

@@ -118,6 +118,8 @@ class Stage {
     for (const { time } of this.ruler.marks(view.start, view.end, view.scale)) {
       context.fillRect(view.xOf(time), 0, 1, this.height);
     }
+    // Many lanes of fine columns would take longer than a picture may.
+    painter.waves.step = (behind - first) * view.width > 5000 ? 2 : 1;
     for (let track = first; track < behind; ++track) {
       painter.paint(this.model.lanes[track], this.topOf(track));
     }

@@ -22,6 +22,8 @@ class Waves {
     this.texts = embedded("waves");
     /** @type {Map<number, Wave | null>} */
     this.read = new Map();
+    /** Pixels that a column is wide. */
+    this.step = 1;
   }
 
   /** @param {number} source @returns {Wave | null} */
@@ -69,9 +71,10 @@ class Waves {
     const half = (height / 2 - 2) / 128;
     // Whole pixels, one by one: a path of so many edges takes ten times as long to fill.
     context.fillStyle = colour;
-    for (let x = Math.max(0, Math.floor(from)); x < to; ++x) {
+    const { step } = this;
+    for (let x = Math.floor(Math.max(0, from) / step) * step; x < to; x += step) {
       const first = Math.max(0, Math.floor(pairAt(x)));
-      const last = Math.min(wave.length - 1, Math.max(first, Math.ceil(pairAt(x + 1)) - 1));
+      const last = Math.min(wave.length - 1, Math.max(first, Math.ceil(pairAt(x + step)) - 1));
       let lowest = 127;
       let highest = -128;
       for (let pair = first; pair <= last; ++pair) {
@@ -81,7 +84,8 @@ class Waves {
       }
       if (highest >= lowest) {
         const top = middle - Math.round((highest + 1) * half);
-        context.fillRect(x, top, 1, Math.max(1, middle - Math.round(lowest * half) - top));
+        const left = Math.max(x, Math.floor(from));
+        context.fillRect(left, top, Math.min(x + step, Math.ceil(to)) - left, Math.max(1, middle - Math.round(lowest * half) - top));
       }
     }
   }
