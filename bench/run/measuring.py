@@ -39,6 +39,7 @@ class Bench:
         self.command = build / "src/cli/trellant"
         self.floor = build / "bench/processes/bench_floor_static"
         self.dynamic_floor = build / "bench/processes/bench_floor_dynamic"
+        self.converter = build / "src/wav/trellant-wav"
         self.sessions = build / "bench/processes/bench_sessions"
 
     def size(self, full):

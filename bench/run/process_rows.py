@@ -1,6 +1,8 @@
 # SPDX-License-Identifier: Apache-2.0
 """Rows about whole processes: reading, memory, start, extraction, external media."""
+import random
 import shutil
+import wave
 
 from measuring import Command
 from table import Row, seconds, size
@@ -167,4 +169,33 @@ def sessions(bench):
             seconds(small.cpu), large.cpu / small.cpu, 220, details=details),
         Row(f"memory: peak for each of {many:,} clips", size(large.peak), "a clip",
             large.peak / many / 1e3, 4, figure=" KB", details=details),
+    ]
+
+
+def audio(bench):
+    """Ten minutes of one channel of 24 bits, measured and made small: what an hour would take."""
+    minutes = bench.size(10)
+    source = bench.folder / "noise.wav"
+    second = random.Random(1).randbytes(48_000 * 3)
+    with wave.open(str(source), "wb") as file:
+        file.setnchannels(1)
+        file.setsampwidth(3)
+        file.setframerate(48_000)
+        for _ in range(60 * minutes):
+            file.writeframes(second)
+    bench.warm(source)
+    out = bench.folder / "sound"
+    measured, small = bench.processes(
+        bench.runs(9), Command(bench.converter, "--measure", source, out / "m", 8192, fresh=out),
+        Command(bench.converter, "--preview", source, out / "p", 64_000, 0, 0, fresh=out))
+    details = {"measures": measured.record(), "preview": small.record()}
+    hours = minutes / 60
+    return [
+        Row("audio measured: CPU of an hour of a channel", seconds(measured.cpu / hours), "",
+            measured.cpu / hours, 3, figure=" s", details=details),
+        Row("preview in Opus: CPU of an hour of a channel", seconds(small.cpu / hours), "",
+            small.cpu / hours, 40, figure=" s", details=details),
+        Row("audio measured, and a preview: the larger peak of memory",
+            size(max(measured.peak, small.peak)), "", max(measured.peak, small.peak) / 1e6, 16,
+            figure=" MB", details=details),
     ]

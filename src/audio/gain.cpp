@@ -64,7 +64,7 @@ struct ValueWithin {
     }
 };
 
-double valueAmong(const Points& points, const Curve& curve, double place) noexcept {
+double valueAmong(const Points& points, const Curve& curve, double place) {
     const auto next = std::upper_bound(points.begin(), points.end(), place,
                                        [](double wanted, const AAFAutomationPoint& point) {
                                            return wanted < point.timelineOffset.doubleValue();
@@ -81,14 +81,14 @@ double valueAmong(const Points& points, const Curve& curve, double place) noexce
     return valueBetween(curve, before.value, next->value, (place - start) / length);
 }
 
-double shapeAt(const AAFFade& fade, double place) noexcept {
+double shapeAt(const AAFFade& fade, double place) {
     return valueAmong(fade.points, fade.curve,
                       fade.reversesPointTime.value_or(false) ? 1 - place : place);
 }
 
 }  // namespace
 
-double valueBetween(const Curve& curve, double from, double to, double place) noexcept {
+double valueBetween(const Curve& curve, double from, double to, double place) {
     if (!(place > 0)) {
         return from;
     }
@@ -98,28 +98,28 @@ double valueBetween(const Curve& curve, double from, double to, double place) no
     return std::visit(ValueWithin{from, to, place}, curve.curve);
 }
 
-double fadeInGain(const Curve& curve, double place) noexcept {
+double fadeInGain(const Curve& curve, double place) {
     return valueBetween(curve, 0, 1, place);
 }
 
-double fadeOutGain(const Curve& curve, double place) noexcept {
+double fadeOutGain(const Curve& curve, double place) {
     return valueBetween(curve, 1, 0, place);
 }
 
-double fadeInGain(const AAFFade& fade, double place) noexcept {
+double fadeInGain(const AAFFade& fade, double place) {
     return fade.points.empty() ? fadeInGain(fade.curve, place) : shapeAt(fade, place);
 }
 
-double fadeOutGain(const AAFFade& fade, double place) noexcept {
+double fadeOutGain(const AAFFade& fade, double place) {
     return fade.points.empty() ? fadeOutGain(fade.curve, place) : shapeAt(fade, place);
 }
 
-double valueAt(const AAFAutomationEnvelope& envelope, double place, double absent) noexcept {
+double valueAt(const AAFAutomationEnvelope& envelope, double place, double absent) {
     return envelope.points.empty() ? absent
                                    : valueAmong(envelope.points, envelope.interpolation, place);
 }
 
-double clipGain(const AAFClipEvent& clip, double place) noexcept {
+double clipGain(const AAFClipEvent& clip, double place) {
     if (clip.clipMuted) {
         return 0;
     }

@@ -36,7 +36,7 @@ class Packer {
     template <class Unsigned>
     void number(Unsigned value) {
         for (std::size_t i = 0; i < sizeof value; ++i) {
-            bytes_.push_back(static_cast<std::byte>((value >> (8 * i)) & 0xFFU));
+            bytes_.push_back(static_cast<std::byte>((std::uint64_t{value} >> (8 * i)) & 0xFFU));
         }
     }
     void text(std::string_view text) {
@@ -169,7 +169,7 @@ Bytes packedMeasures(const SoundMeasures& sound) {
     packer.number(sound.frames);
     packer.number(sound.sampleRate);
     packer.number(sound.bitDepth);
-    packer.number(std::uint32_t{sound.isFloatingPoint});
+    packer.number(std::uint32_t{sound.isFloatingPoint ? 1U : 0U});
     packer.number(static_cast<std::uint32_t>(sound.channels.size()));
     packer.number(sound.peaks.framesPerPair);
     packer.number(std::uint64_t{sound.peaks.length()});

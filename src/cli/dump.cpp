@@ -44,7 +44,8 @@ ExitStatus failed(const DumpOptions& options, const std::string& line, const std
 
 ExitStatus runDump(const DumpOptions& options, Console& console) {
     if (const auto failure = streamFailure(options.file)) {
-        return failed(options, printableText(options.file, longestShownPath) + ": " + *failure, *failure, console);
+        return failed(options, printableText(options.file, longestShownPath) + ": " + *failure,
+                      *failure, console);
     }
     const ForkedAnswer answer = inConfinedChild([&] { return dumpInChild(options, console); },
                                                 std::nullopt, std::vector{options.file});

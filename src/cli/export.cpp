@@ -7,8 +7,10 @@
 #include <trellant/base/numbered_name.h>
 #include <trellant/base/printable_text.h>
 #include <trellant/base/text.h>
+#include <trellant/base/utf8.h>
 #include <trellant/extraction/extraction.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <set>
 #include <system_error>
@@ -55,6 +57,29 @@ std::string modesOf(exchange::ExportFormat format) {
     return text;
 }
 
+/// The name with "_" for what some session cannot say of it: its media's folder bears it too.
+std::string tame(const std::string& name) {
+    std::string text;
+    for (std::size_t at = 0; at < name.size();) {
+        const UTF8Step step = utf8Step(name, at);
+        const bool isControl = step.scalar < 0x20 || (step.scalar >= 0x7F && step.scalar < 0xA0);
+        if (!step.valid || isControl || step.scalar == 0xFFFE || step.scalar == 0xFFFF) {
+            text += '_';
+        } else {
+            text.append(name, at, step.length);
+        }
+        at += step.length;
+    }
+    constexpr std::string_view quotes = "\"'`";
+    const bool hasAllQuotes = std::all_of(quotes.begin(), quotes.end(), [&text](char quote) {
+        return text.find(quote) != std::string::npos;
+    });
+    if (hasAllQuotes) {
+        std::replace(text.begin(), text.end(), '`', '_');
+    }
+    return text;
+}
+
 /// Why the command line cannot be meant; absent when it can.
 std::optional<std::string> wrongUse(const ExportCall& call) {
     std::error_code ignored;
@@ -77,7 +102,14 @@ std::optional<std::string> wrongUse(const ExportCall& call) {
     if (call.name && !isFileName(*call.name)) {
         return "--name needs a file name without an extension, of at most 240 bytes";
     }
+    if (call.name && tame(*call.name) != *call.name) {
+        return "--name needs a name that every session can say: text in UTF-8, without control "
+               "characters, and not with all of \", ' and `";
+    }
     if (call.mediaMode && !hasMediaMode(call.format, *call.mediaMode)) {
+        if (call.format == exchange::ExportFormat::markers) {
+            return "markers come without audio, so that --media-mode says nothing there";
+        }
         return "a session of the format " + std::string(exchange::formatWord(call.format)) +
                " cannot have its audio that way: --media-mode is " + modesOf(call.format) +
                ", not " + std::string(modeWord(*call.mediaMode));
@@ -91,7 +123,7 @@ std::vector<ExportJob> jobsOf(const ExportCall& call) {
     std::set<std::string> taken;
     for (const std::string& file : call.files) {
         const std::string stem = fs::path(file).stem().native().substr(0, longestName);
-        const std::string wanted = call.name.value_or(isFileName(stem) ? stem : "session");
+        const std::string wanted = call.name.value_or(isFileName(stem) ? tame(stem) : "session");
         std::string name = wanted;
         // Names that differ in case only are one on some file systems.
         for (int number = 2; !taken.insert(lowerCased(name)).second; ++number) {

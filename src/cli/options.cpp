@@ -7,9 +7,12 @@
 #include <trellant/version.h>
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 #include <initializer_list>
 #include <map>
 #include <memory>
+#include <string>
+#include <system_error>
 #include <utility>
 
 namespace trellant::cli {
@@ -61,6 +64,22 @@ CLI::Option* addChoice(CLI::App& command, const std::string& name, Choice& chose
             },
             description)
         ->type_name(list);
+}
+
+/// A number without a point or a unit, both ends included.
+CLI::Validator wholeNumber(std::int64_t least, std::int64_t most) {
+    return CLI::Validator(
+        [least, most](const std::string& text) {
+            std::int64_t number = 0;
+            const auto [end, failure] =
+                std::from_chars(text.data(), text.data() + text.size(), number);
+            const bool isWhole = failure == std::errc() && end == text.data() + text.size();
+            return isWhole && number >= least && number <= most
+                       ? std::string()
+                       : "is a whole number from " + std::to_string(least) + " to " +
+                             std::to_string(most) + ", not \"" + printableText(text) + "\"";
+        },
+        "");
 }
 
 void addFailOn(CLI::App& command, FailOn& failOn) {
@@ -237,14 +256,15 @@ class Parser {
         addMedia(*export_, exportCall_.mediaFolders);
         addChoice<std::optional<MediaMode>>(
             *export_, "--media-mode", exportCall_.mediaMode,
-            "Audio in a folder beside the session (the usual way), where it lies, or inside",
+            "Audio in a folder beside the session (the usual way), where it lies, or inside "
+            "(aaf, otioz, dawproject)",
             {{"copy", MediaMode::copy}, {"link", MediaMode::link}, {"embed", MediaMode::embed}});
         constexpr std::int64_t highestRate = 384'000;
         export_
             ->add_option("--rate", exportCall_.rate,
                          "Samples in a second of the session; else the commonest of its audio")
             ->type_name("HZ")
-            ->check(CLI::Range(std::int64_t{1}, highestRate).description(""));
+            ->check(wholeNumber(1, highestRate));
         export_->add_option("--name", exportCall_.name, "Name of the session; else the file's")
             ->type_name("NAME");
         export_->add_flag_callback(

@@ -87,7 +87,7 @@ class PeakWriter {
           converter_(std::move(converter)),
           console_(console),
           stop_(stop),
-          staging_(std::filesystem::temp_directory_path().native()),
+          staging_(std::filesystem::absolute(std::filesystem::temp_directory_path()).native()),
           delivery_(options.destination, console) {}
 
     /// False for a file that could not be read, of which has been told why.

@@ -40,9 +40,11 @@ class Reduction {
     enum class Kind { leftOut, changed };
     void record(Feature feature, const Place& place, Severity severity, Kind kind,
                 std::string sentence, std::string technical);
-    [[nodiscard]] bool keeps(Feature feature, const Place& place, const std::string& value);
+    /// `fade`: the one of a clip that it is about, "fade-in" or "fade-out".
+    [[nodiscard]] bool keeps(Feature feature, const Place& place, const std::string& value,
+                             std::string_view fade = "fade");
     void recordChange(Feature feature, const Place& place, const std::string& from,
-                      const std::string& to);
+                      const std::string& to, std::string_view fade = "fade");
 
     void ofPlan(const std::vector<PlanLoss>& losses);
     void ofSession(ExportPlan& plan);
@@ -51,6 +53,8 @@ class Reduction {
     void ofFades(Lane& lane, const Place& track, const ExportPlan& plan);
     void ofFade(std::optional<PlannedFade>& fade, const Place& place, bool isCrossfade,
                 std::string_view which);
+    /// `isNoted`: the fade as a whole is on record already.
+    void ofCurve(PlannedFade& fade, const Place& place, bool isNoted, std::string_view which);
     void ofName(Feature feature, std::string& name, const Place& place);
     void ofGain(Feature feature, double& gain, const Place& place);
     void ofEnvelope(Feature feature, std::optional<AAFAutomationEnvelope>& envelope,
@@ -70,19 +74,20 @@ void Reduction::record(Feature feature, const Place& place, Severity severity, K
 }
 
 /// Whether a value that is there stays in the plan; what other tools do not get of it is on record.
-bool Reduction::keeps(Feature feature, const Place& place, const std::string& value) {
+bool Reduction::keeps(Feature feature, const Place& place, const std::string& value,
+                      std::string_view fade) {
     const Carriage how = carriage(feature);
     if (how == Carriage::lost || how == Carriage::metadata) {
-        record(feature, place, severityOf(feature), Kind::leftOut, sentenceOf(feature, how),
-               technicalText(feature, value, format_));
+        record(feature, place, severityOf(feature), Kind::leftOut,
+               ofOneFade(sentenceOf(feature, how), fade), technicalText(feature, value, format_));
     }
     return how != Carriage::lost;
 }
 
 void Reduction::recordChange(Feature feature, const Place& place, const std::string& from,
-                             const std::string& to) {
-    record(feature, place, severityOf(feature), Kind::changed, changeSentence(feature),
-           technicalChange(feature, from, to, format_));
+                             const std::string& to, std::string_view fade) {
+    record(feature, place, severityOf(feature), Kind::changed,
+           ofOneFade(changeSentence(feature), fade), technicalChange(feature, from, to, format_));
 }
 
 Place Reduction::placeOf(std::size_t track, const PlannedClip& clip) const {
@@ -272,22 +277,29 @@ void Reduction::ofFade(std::optional<PlannedFade>& fade, const Place& place, boo
     if (!fade) {
         return;
     }
-    if (!isCrossfade && !keeps(Feature::fadeLengths, place, std::string(which))) {
+    if (!isCrossfade && !keeps(Feature::fadeLengths, place, std::string(which), which)) {
         fade.reset();
         return;
     }
     const bool isNoted = !isCrossfade && carriage(Feature::fadeLengths) == Carriage::metadata;
     if (!fade->shape.empty() && !isNoted &&
-        !keeps(Feature::fadeShapes, place, pointsText(fade->shape.size()))) {
+        !keeps(Feature::fadeShapes, place, pointsText(fade->shape.size()), which)) {
         fade->shape.clear();
     }
-    const Interpolation curve = fadeCurveWithin(format_, fade->curve);
-    if (curve != fade->curve) {
-        recordChange(Feature::fadeCurves, place, curveName(fade->curve), curveName(curve));
-        fade->curve = curve;
-    } else if (!isNoted && curve != Interpolation::linear() &&
-               carriage(Feature::fadeCurves) == Carriage::metadata) {
-        static_cast<void>(keeps(Feature::fadeCurves, place, curveName(curve)));
+    ofCurve(*fade, place, isNoted, which);
+}
+
+void Reduction::ofCurve(PlannedFade& fade, const Place& place, bool isNoted,
+                        std::string_view which) {
+    const Interpolation curve = fadeCurveWithin(format_, fade.curve);
+    const Carriage how = carriage(Feature::fadeCurves);
+    if (how == Carriage::lost || (how == Carriage::metadata && curve != Interpolation::linear())) {
+        if (!isNoted && !keeps(Feature::fadeCurves, place, curveName(fade.curve), which)) {
+            fade.curve = curve;
+        }
+    } else if (curve != fade.curve) {
+        recordChange(Feature::fadeCurves, place, curveName(fade.curve), curveName(curve), which);
+        fade.curve = curve;
     }
 }
 

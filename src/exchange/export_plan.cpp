@@ -145,7 +145,7 @@ void Planner::planTracks(ExportPlan& plan) {
         const AAFTrackState& state = timeline_.tracks[i];
         PlannedTrack track;
         track.track = i;
-        track.name = state.name.value_or("Track " + std::to_string(i + 1));
+        track.name = state.name.value_or("Track " + std::to_string(state.index + 1));
         track.gain = state.fixedGain;
         track.gainAutomation = state.gainAutomation;
         track.pan = state.fixedPan;
@@ -207,6 +207,8 @@ bool Planner::setTimes(PlannedClip& clip, const AAFClipEvent& event) {
     sourceStarts_ = together(sourceStarts_, ofSource);
     clip.start = *start;
     clip.length = *end - *start;
+    clip.exactStart = event.timelineStart;
+    clip.exactLength = event.duration;
     clip.sourceStart = event.sourceStartSample;
     clip.sourceStartAtSessionRate = *sourceStart;
     end_ = std::max(end_, *end);
@@ -235,14 +237,18 @@ void Planner::setFades(PlannedClip& clip, const AAFClipEvent& event) {
 
 std::optional<PlannedFade> Planner::fade(const PlannedClip& clip, const AAFFade& fade,
                                          Samples length) {
-    if (length > clip.length) {
+    const bool isTooLong = length > clip.length;
+    if (isTooLong) {
         lose(PlanLoss::Kind::fadeLongerThanClip, clip.event);
         length = clip.length;
     }
     if (length <= 0) {
         return std::nullopt;
     }
-    return PlannedFade{length, fade.curve, fade.points};
+    return PlannedFade{.length = length,
+                       .curve = fade.curve,
+                       .shape = fade.points,
+                       .exactLength = isTooLong ? std::nullopt : std::optional(fade.duration)};
 }
 
 }  // namespace

@@ -37,8 +37,8 @@ constexpr std::array<Words, featureCount> wordsByFeature{{
     {Feature::fadeLengths, heard, "The clip's fade is", "it begins or ends at once"},
     {Feature::overlappingFades, heard, "The part of the fade-out that lies in the fade-in is",
      "the fade-out begins where the fade-in ends"},
-    {Feature::fadeCurves, heard, "The fade's curve is", "the tool takes its own"},
-    {Feature::fadeShapes, heard, "The fade's drawn shape is", "its curve remains"},
+    {Feature::fadeCurves, heard, "The curve of the clip's fade is", "the tool takes its own"},
+    {Feature::fadeShapes, heard, "The drawn shape of the clip's fade is", "its curve remains"},
     {Feature::clipGain, heard, "The clip's gain is", "it plays at the level of its source"},
     {Feature::clipGainAutomation, heard, "The clip's gain automation is",
      "its level does not change"},
@@ -140,6 +140,15 @@ std::string sentenceOf(Feature feature, Carriage carriage) {
         return together({words.subject, " left out."});
     }
     return together({words.subject, " left out: ", words.consequence, "."});
+}
+
+std::string ofOneFade(std::string sentence, std::string_view which) {
+    constexpr std::string_view any = "clip's fade";
+    if (const auto place = sentence.find(any); place != std::string::npos) {
+        const std::size_t wordStart = place + any.size() - std::string_view("fade").size();
+        sentence.replace(wordStart, std::string_view("fade").size(), which);
+    }
+    return sentence;
 }
 
 std::string sentenceOf(PlanLoss::Kind kind) {

@@ -6,6 +6,7 @@
 #include <trellant/exchange/carried_part.h>
 
 #include <string>
+#include <string_view>
 
 namespace trellant::exchange {
 
@@ -18,6 +19,8 @@ namespace trellant::exchange {
 
 /// `carriage` is `lost` or `metadata`.
 [[nodiscard]] std::string sentenceOf(Feature feature, Carriage carriage);
+/// A sentence about a clip's fade as one about its `which`: "fade-in" or "fade-out".
+[[nodiscard]] std::string ofOneFade(std::string sentence, std::string_view which);
 [[nodiscard]] std::string sentenceOf(PlanLoss::Kind kind);
 /// Of a value that is written as the nearest one that the format can hold.
 [[nodiscard]] std::string changeSentence(Feature feature);

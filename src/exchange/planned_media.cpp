@@ -17,9 +17,10 @@ constexpr std::size_t mostStemCharacters = 100;
 /// Leaves room in 255 bytes for a channel, a number and the extension.
 constexpr std::size_t mostStemBytes = 200;
 
-/// The last name in a path as any system writes it.
-std::string_view lastName(std::string_view path) {
-    const auto separator = path.find_last_of("/\\:");
+/// The last name in a path as any system writes it. Colons part the folders of one system and are
+/// common in what people call a source, so they count in recorded paths only.
+std::string_view lastName(std::string_view path, std::string_view separators) {
+    const auto separator = path.find_last_of(separators);
     return separator == std::string_view::npos || separator + 1 == path.size()
                ? path
                : path.substr(separator + 1);
@@ -56,9 +57,9 @@ void trimEnds(std::string& text) {
 
 }  // namespace
 
-std::string fileStem(std::string_view name) {
-    std::string stem =
-        replacingNonAlphanumerics(withoutAudioExtension(lastName(name)), "-_. ", '_');
+std::string fileStem(std::string_view name, NameKind kind) {
+    const std::string_view last = lastName(name, kind == NameKind::path ? "/\\:" : "/\\");
+    std::string stem = replacingNonAlphanumerics(withoutAudioExtension(last), "-_. ", '_');
     stem = std::string(prefixOfClusters(stem, mostStemCharacters, mostStemBytes));
     trimEnds(stem);
     if (stem.empty()) {
@@ -94,6 +95,7 @@ PlannedMedia MediaList::made(std::size_t essence, std::optional<std::int64_t> ch
     const AAFSourceEssence& record = timeline_.essences[essence];
     PlannedMedia media;
     media.essence = essence;
+    media.essenceID = record.id;
     media.channel = channel;
     media.name = sourceName(record);
     media.sampleRate = record.sampleRate;
@@ -112,7 +114,7 @@ PlannedMedia MediaList::made(std::size_t essence, std::optional<std::int64_t> ch
         media.isFloatingPoint = facts.isFloatingPoint;
         media.frames = facts.frames.value_or(0);
     }
-    std::string stem = fileStem(media.name);
+    std::string stem = fileStem(media.name, record.sourceName ? NameKind::name : NameKind::path);
     if (channel) {
         media.channelCount = 1;
         stem += ".ch" + std::to_string(*channel + 1);

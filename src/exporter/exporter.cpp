@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "final_places.h"
+#include "media_losses.h"
 #include "session_markers.h"
 #include "session_media.h"
 
@@ -9,6 +10,7 @@
 #include <trellant/base/url.h>
 #include <trellant/base/write_all.h>
 #include <trellant/client/errors.h>
+#include <trellant/exchange/format_limits.h>
 #include <trellant/exporter/exporter.h>
 #include <trellant/extraction/staging.h>
 #include <trellant/extraction/taken_out.h>
@@ -19,6 +21,8 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
+#include <functional>
+#include <iterator>
 #include <sys/stat.h>
 #include <utility>
 #include <variant>
@@ -57,7 +61,7 @@ std::vector<SessionFile> sessionFiles(ExportFormat format) {
         case ExportFormat::markers:
             return {{".labels.txt", sessions::writeAudacityLabels},
                     {".markers.csv", sessions::writeReaperMarkers},
-                    {".cues.wav", sessions::writeCuePoints}};
+                    {".cues.wav", PlacedWriter(sessions::writeCuePoints)}};
     }
     return {};
 }
@@ -83,6 +87,14 @@ exchange::PlannedReel plannedReel(const AAFWorkerExtensions::Reel& reel) {
     return planned;
 }
 
+/// Some formats write paths as they write names, and lose what no name may have.
+std::function<bool(const std::string&)> namesOf(ExportFormat format) {
+    if (format != ExportFormat::reaper && format != ExportFormat::dawproject) {
+        return {};
+    }
+    return [format](const std::string& path) { return exchange::nameWithin(format, path) == path; };
+}
+
 FileDescriptor newFile(const std::string& path) {
     FileDescriptor file(
         ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
@@ -103,8 +115,9 @@ bool hasMediaMode(ExportFormat format, MediaMode mode) noexcept {
             return mode != MediaMode::embed;
         case ExportFormat::aaf:
         case ExportFormat::dawproject:
-        case ExportFormat::markers:
             return true;
+        case ExportFormat::markers:
+            return false;
     }
     return true;
 }
@@ -149,7 +162,10 @@ class SessionExport::Run {
     void read();
     [[nodiscard]] std::int64_t date() const;
     [[nodiscard]] exchange::CarriedPart planned() const;
-    [[nodiscard]] std::vector<sessions::SessionMedia> media(exchange::ExportPlan& plan);
+    [[nodiscard]] std::vector<sessions::SessionMedia> media(exchange::CarriedPart& carried);
+    [[nodiscard]] std::vector<exchange::ExportLoss> markedLosses(
+        const std::vector<exchange::ExportLoss>& losses) const;
+    void recordUnmarked(const sessions::Session& session);
     void writeFiles(const sessions::Session& session);
     void writeFile(const std::string& name, const SessionFile& file,
                    const sessions::Session& session);
@@ -174,12 +190,13 @@ ExportReport SessionExport::Run::all() {
     // A file's name is bytes; a session's is text.
     session.name = madeValidUTF8(request_.name);
     session.date = date();
-    session.media = media(carried.plan);
+    session.media = media(carried);
     if (request_.markers) {
-        session.markers = lossMarkers(report_.handOff, carried.losses, carried.plan);
+        session.markers = lossMarkers(report_.handOff, markedLosses(carried.losses), carried.plan);
     }
     report_.losses = std::move(carried.losses);
     session.plan = std::move(carried.plan);
+    recordUnmarked(session);
     progress_.begin("Writing the session", 0);
     progress_.check();
     writeFiles(session);
@@ -227,7 +244,40 @@ exchange::CarriedPart SessionExport::Run::planned() const {
                                  request_.format);
 }
 
-std::vector<sessions::SessionMedia> SessionExport::Run::media(exchange::ExportPlan& plan) {
+/// Marks alone play nothing, so that they lose nothing of how a clip is played: what is not in the
+/// hand-off is worth a mark there, and a clip that has none.
+std::vector<exchange::ExportLoss> SessionExport::Run::markedLosses(
+    const std::vector<exchange::ExportLoss>& losses) const {
+    if (request_.format != ExportFormat::markers) {
+        return losses;
+    }
+    std::vector<exchange::ExportLoss> marked;
+    std::copy_if(
+        losses.begin(), losses.end(), std::back_inserter(marked),
+        [](const exchange::ExportLoss& loss) { return loss.feature == Feature::clipPlaces; });
+    return marked;
+}
+
+/// Marks that the WAVE file of cue points has no room for.
+void SessionExport::Run::recordUnmarked(const sessions::Session& session) {
+    if (request_.format != ExportFormat::markers) {
+        return;
+    }
+    const sessions::CueFileShare share = sessions::cueFileShare(session);
+    if (share.leftOut != 0) {
+        exchange::ExportLoss loss{.feature = Feature::lossMarkers};
+        loss.sentence = "The WAVE file of cue points has no room for " +
+                        std::to_string(share.leftOut) +
+                        (share.leftOut == 1 ? " mark, which is" : " marks, which are") +
+                        " in the other files only.";
+        loss.technical = "cue points: " + std::to_string(share.held) + " held, " +
+                         std::to_string(share.leftOut) + " left out";
+        report_.losses.insert(report_.losses.begin(), std::move(loss));
+    }
+}
+
+std::vector<sessions::SessionMedia> SessionExport::Run::media(exchange::CarriedPart& carried) {
+    exchange::ExportPlan& plan = carried.plan;
     if (!hasMedia()) {
         return std::vector<sessions::SessionMedia>(plan.media.size());
     }
@@ -238,6 +288,7 @@ std::vector<sessions::SessionMedia> SessionExport::Run::media(exchange::ExportPl
     SessionMediaMaker maker(report_.handOff.timeline, plan,
                             {.mode = mediaMode(),
                              .needsWave = request_.format == ExportFormat::aaf,
+                             .canName = namesOf(request_.format),
                              .audioPath = audio_->path(),
                              .newPath = made,
                              .finalPath = request_.directoryPath + "/" + mediaFolder_,
@@ -246,8 +297,12 @@ std::vector<sessions::SessionMedia> SessionExport::Run::media(exchange::ExportPl
                              .waveConverter = request_.waveConverter},
                             progress_);
     std::vector<sessions::SessionMedia> media = maker.all();
-    for (const std::string& path : maker.linked()) {
+    for (const std::string& path : maker.sources()) {
         places_.protect(path);
+    }
+    for (exchange::ExportLoss& loss :
+         mediaLosses(report_.handOff.timeline, plan, maker.differences())) {
+        carried.losses.push_back(std::move(loss));
     }
     report_.mediaFiles = maker.newFiles();
     report_.linkedMedia = maker.linked().size();

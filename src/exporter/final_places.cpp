@@ -80,7 +80,7 @@ void FinalPlaces::check(const std::vector<std::string>& files, const std::string
     }
     if (!force_ && !namesIn(pathOf(folder)).empty()) {
         isTaken(folder,
-                " is there already; --force replaces what is in it, --name chooses "
+                " is there already; --force replaces files of the same names in it, --name chooses "
                 "another name");
     }
 }

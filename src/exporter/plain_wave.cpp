@@ -42,10 +42,14 @@ bool isPlainFormat(ByteView format) {
 std::optional<sessions::WaveFile> waveIn(const RandomAccessFile& file) {
     const Bytes head = file.read(0, headSize);
     const std::string form = asciiCString(ByteView(head).first(4));
-    if ((form != "RIFF" && form != "RF64") || asciiCString(ByteView(head).subspan(8)) != "WAVE") {
+    // A large form that nothing asks for: tools that know the old one only would be left out.
+    const bool isNeedlesslyLarge = form == "RF64" && file.size() <= sizeElsewhere;
+    if ((form != "RIFF" && form != "RF64") || isNeedlesslyLarge ||
+        asciiCString(ByteView(head).subspan(8)) != "WAVE") {
         return std::nullopt;
     }
     bool isPlain = false;
+    std::uint16_t bits = 0;
     std::uint64_t largeSize = sizeElsewhere;
     std::uint64_t offset = headSize;
     for (int count = 0;
@@ -60,7 +64,9 @@ std::optional<sessions::WaveFile> waveIn(const RandomAccessFile& file) {
             if (size < neededBytes) {
                 return std::nullopt;
             }
-            isPlain = isPlainFormat(file.read(offset, neededBytes));
+            const Bytes format = file.read(offset, neededBytes);
+            isPlain = isPlainFormat(format);
+            bits = u16(format, 14, order);
         } else if (id == "ds64" && size >= 16) {
             largeSize = u64(file.read(offset + 8, 8), 0, order);
         } else if (id == "data") {
@@ -69,7 +75,7 @@ std::optional<sessions::WaveFile> waveIn(const RandomAccessFile& file) {
             }
             const std::uint64_t said = size == sizeElsewhere ? largeSize : size;
             return sessions::WaveFile{file.path(), file.size(), offset,
-                                      std::min(said, file.size() - offset)};
+                                      std::min(said, file.size() - offset), bits};
         }
         offset += std::uint64_t{size} + size % 2;
     }

@@ -15,8 +15,21 @@ namespace {
 using exchange::ExportLoss;
 using exchange::ExportPlan;
 using exchange::Samples;
+using sessions::MarkerKind;
 using sessions::SessionMarker;
 using Severity = AAFUnsupportedFeature::Severity;
+
+MarkerKind kindOf(exchange::LossEffect effect) noexcept {
+    switch (effect) {
+        case exchange::LossEffect::dropped:
+            return MarkerKind::dropped;
+        case exchange::LossEffect::soundsDifferent:
+            return MarkerKind::soundsDifferent;
+        case exchange::LossEffect::changed:
+            return MarkerKind::changed;
+    }
+    return MarkerKind::soundsDifferent;
+}
 
 class Markers {
   public:
@@ -28,25 +41,23 @@ class Markers {
     }
 
     void add(const PlacedLoss& loss, Severity severity) {
-        if (!loss.start) {
-            return;
-        }
-        SessionMarker marker = placed(*loss.start, loss.duration);
+        SessionMarker marker = placed(loss.start, loss.duration);
         if (const auto track = loss.trackID ? tracks_.find(*loss.trackID) : tracks_.end();
             track != tracks_.end()) {
             marker.track = track->second;
         }
-        say(marker, severity, loss.clipName, loss.plain.empty() ? loss.description : loss.plain);
+        marker.kind =
+            severity == Severity::informational ? MarkerKind::dropped : MarkerKind::soundsDifferent;
+        say(marker, loss.clipName, loss.plain.empty() ? loss.description : loss.plain);
     }
 
     void add(const ExportLoss& loss) {
-        if (!loss.start) {
-            return;
-        }
-        SessionMarker marker = placed(*loss.start, loss.duration);
+        SessionMarker marker = placed(loss.start, loss.duration);
         marker.track = loss.track;
-        say(marker, loss.severity,
-            loss.event ? timeline_.events[*loss.event].clipName : std::nullopt, loss.sentence);
+        marker.event = loss.event;
+        marker.kind = kindOf(exchange::effectOf(loss));
+        say(marker, loss.event ? timeline_.events[*loss.event].clipName : std::nullopt,
+            loss.sentence);
     }
 
     [[nodiscard]] std::vector<SessionMarker> all() && {
@@ -65,19 +76,21 @@ class Markers {
             std::clamp(place + 0.5, 0.0, static_cast<double>(exchange::mostSamples)));
     }
 
-    [[nodiscard]] SessionMarker placed(const AAFRational& start,
+    /// What has no place is about a track or the whole, and stands at the start.
+    [[nodiscard]] SessionMarker placed(const std::optional<AAFRational>& start,
                                        const std::optional<AAFRational>& duration) const {
         SessionMarker marker;
-        marker.position = sample(start);
-        if (duration) {
-            marker.length = std::max<Samples>(0, sample(start + *duration) - marker.position);
+        if (start) {
+            marker.position = sample(*start);
+        }
+        if (start && duration) {
+            marker.length = std::max<Samples>(0, sample(*start + *duration) - marker.position);
         }
         return marker;
     }
 
-    void say(SessionMarker& marker, Severity severity, const std::optional<std::string>& clip,
+    void say(SessionMarker& marker, const std::optional<std::string>& clip,
              std::string_view sentence) {
-        marker.isDropped = severity == Severity::informational;
         marker.text = clip ? printableText(*clip) + ": " : std::string();
         marker.text += sentence;
         markers_.push_back(std::move(marker));

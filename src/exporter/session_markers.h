@@ -10,7 +10,8 @@
 
 namespace trellant {
 
-/// One for each loss that has a place, of reading and of the export, by ascending place. `plan` was
+/// One for each loss, of reading and of the export, by ascending place; at the start for a loss
+/// without one. `plan` was
 /// made of the hand-off's timeline.
 [[nodiscard]] std::vector<sessions::SessionMarker> lossMarkers(
     const HandOff& handOff, const std::vector<exchange::ExportLoss>& losses,

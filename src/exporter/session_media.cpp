@@ -89,7 +89,9 @@ std::vector<sessions::SessionMedia> SessionMediaMaker::all() {
     for (const PlannedMedia& media : plan_.media) {
         sources.push_back(pathOf(timeline_.essences[media.essence]).value_or(""));
         if (!media.isOffline) {
-            ++remainingUses_[sources.back()];
+            if (++remainingUses_[sources.back()] == 1 && !isOurs(sources.back())) {
+                sources_.push_back(sources.back());
+            }
             bytes += bytesOfFile(sources.back());
         }
     }
@@ -156,6 +158,9 @@ std::optional<sessions::SessionMedia> SessionMediaMaker::linkedMedia(const Plann
     result.path = source;
     const std::string folder = wishes_.directoryPath + "/";
     result.reference = source.starts_with(folder) ? source.substr(folder.size()) : source;
+    if (wishes_.canName && !wishes_.canName(result.reference)) {
+        return std::nullopt;
+    }
     linked_.push_back(source);
     return result;
 }
@@ -197,6 +202,7 @@ void SessionMediaMaker::keepAsItIs(PlannedMedia& media, const std::string& sourc
     const NumberedName name = NumberedName::whole(media.fileName);
     media.fileName = NumberedName{name.stem, extension}.text();
     static_cast<void>(bring(media, source, wishes_.newPath + "/" + media.fileName));
+    differences_.push_back({positionOf(media), false, reason});
     progress_.say(
         WorkProgress::Remark::problem,
         printableText(media.name) + " stays as it is, and not every tool reads it: " + reason);
@@ -204,6 +210,7 @@ void SessionMediaMaker::keepAsItIs(PlannedMedia& media, const std::string& sourc
 
 void SessionMediaMaker::goOffline(PlannedMedia& media, const std::string& reason) {
     media.isOffline = true;
+    differences_.push_back({positionOf(media), true, reason});
     progress_.say(WorkProgress::Remark::problem, printableText(media.name) +
                                                      " could not be made into a WAVE file, its "
                                                      "clips are offline: " +

@@ -12,6 +12,7 @@
 #include <trellant/sessions/session.h>
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -27,6 +28,8 @@ struct MediaWishes {
     MediaMode mode = MediaMode::copy;
     /// The tool reads nothing but WAVE files.
     bool needsWave = false;
+    /// Whether the session can name a file by this path; absent: any.
+    std::function<bool(const std::string& path)> canName{};
     /// Where the worker's files lie: they are ours to move.
     std::string audioPath{};
     /// Where new files come into being: an existing folder.
@@ -48,6 +51,18 @@ class SessionMediaMaker {
     /// By position in the plan's media. Call once. Throws FileSystemError, AAFCancellationError.
     [[nodiscard]] std::vector<sessions::SessionMedia> all();
 
+    /// Files of others that the session is made of.
+    [[nodiscard]] const std::vector<std::string>& sources() const noexcept { return sources_; }
+    /// Media that are not what the plan says: offline, or in a form that not every tool reads.
+    struct Difference {
+        std::size_t media = 0;
+        bool isOffline = false;
+        /// For people.
+        std::string reason{};
+    };
+    [[nodiscard]] const std::vector<Difference>& differences() const noexcept {
+        return differences_;
+    }
     /// Files of others that the session plays where they lie.
     [[nodiscard]] const std::vector<std::string>& linked() const noexcept { return linked_; }
     /// New files that are to lie beside the session.
@@ -55,6 +70,9 @@ class SessionMediaMaker {
 
   private:
     [[nodiscard]] bool isOurs(const std::string& path) const;
+    [[nodiscard]] std::size_t positionOf(const exchange::PlannedMedia& media) const {
+        return static_cast<std::size_t>(&media - plan_.media.data());
+    }
     [[nodiscard]] sessions::SessionMedia made(exchange::PlannedMedia& media,
                                               const std::string& source);
     [[nodiscard]] std::optional<sessions::SessionMedia> linkedMedia(
@@ -73,6 +91,8 @@ class SessionMediaMaker {
     WorkProgress& progress_;
     /// Media that are still to be made of a file.
     KeyedMap<std::string, std::size_t> remainingUses_;
+    std::vector<std::string> sources_;
+    std::vector<Difference> differences_;
     std::vector<std::string> linked_;
     std::size_t newFiles_ = 0;
 };

@@ -45,17 +45,16 @@ TakenOut takeOut(const std::string& file, const Staging& staging,
                  const AAFWorkerClient::HelperURLProvider& helperURLProvider,
                  WorkProgress& progress) {
     progress.begin("Taking the audio out", bytesOfFile(std::filesystem::absolute(file).native()));
-    AAFWorkerProtocol::Result answer =
-        askWorker({.file = file,
-                   .operation = AAFWorkerProtocol::Request::Operation::extractAndInspect,
-                   .workDirectory = staging.path(),
-                   .extensions = {std::string(Extensions::lossPlacesName),
-                                  std::string(Extensions::compositionsName),
-                                  std::string(Extensions::embeddedMediaName),
-                                  std::string(Extensions::datesName),
-                                  std::string(Extensions::reelsName)},
-                   .helperURLProvider = helperURLProvider},
-                  progress.stop(), {}, [&] { progress.at(staging.bytes()); });
+    AAFWorkerProtocol::Result answer = askWorker(
+        {.file = file,
+         .operation = AAFWorkerProtocol::Request::Operation::extractAndInspect,
+         .workDirectory = staging.path(),
+         .extensions = {std::string(Extensions::lossPlacesName),
+                        std::string(Extensions::compositionsName),
+                        std::string(Extensions::embeddedMediaName),
+                        std::string(Extensions::datesName), std::string(Extensions::reelsName)},
+         .helperURLProvider = helperURLProvider},
+        progress.stop(), {}, [&] { progress.at(staging.bytes()); });
     progress.check();
     TakenOut taken;
     if (const Boxed<Extensions>& extensions = answer.extensions) {

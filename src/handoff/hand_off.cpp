@@ -237,15 +237,15 @@ void makeUsable(HandOff& handOff) {
 }
 
 HandOff readHandOff(const HandOffRequest& request, WorkProgress& progress) {
-    HandOff handOff = handOffOf(
-        askWorker({.file = request.file,
-                   .extensions = {std::string(Extensions::lossPlacesName),
-                                  std::string(Extensions::compositionsName),
-                                  std::string(Extensions::datesName)},
-                   .helperURLProvider = request.helperURLProvider},
-                  progress.stop(), [&progress](const AAFWorkerProtocol::Progress& report) {
-                      progress.show(report.fraction, report.phase);
-                  }));
+    HandOff handOff = handOffOf(askWorker({.file = request.file,
+                                           .extensions = {std::string(Extensions::lossPlacesName),
+                                                          std::string(Extensions::compositionsName),
+                                                          std::string(Extensions::datesName)},
+                                           .helperURLProvider = request.helperURLProvider},
+                                          progress.stop(),
+                                          [&progress](const AAFWorkerProtocol::Progress& report) {
+                                              progress.show(report.fraction, report.phase);
+                                          }));
     progress.check();
     findMedia(handOff, request.file, request.mediaFolders, {}, progress);
     makeUsable(handOff);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "dissolves.h"
 
-
 #include <trellant/base/text.h>
 
 namespace trellant {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Which program wrote the file, and the identifiers of what is in it. They come from names, so that
-// the same session gives the same file, and another session other identifiers.
+// Which program wrote the file, and the identifiers of what is in it. They come from names: the
+// same source has the same identifier in every session, so that a new cut finds the media of the
+// one before, and a session with another cut has another one.
 #pragma once
 
 #include <trellant/aaf/aaf_file.h>
@@ -34,7 +35,7 @@ class AafIdentity {
 
     const Session& session_;
     std::string compositionName_;
-    /// Of the session as a whole; all other names begin with it.
+    /// Of all that the session plays, and where.
     std::string sessionID_;
 };
 

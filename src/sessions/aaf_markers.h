@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Markers as one slot of events, in samples: no place is lost to frames.
+// Markers as one slot of events, in frames of the session's timecode: other programs write and
+// expect no other unit.
 #pragma once
 
 #include <trellant/aaf/mobs.h>
@@ -12,7 +13,7 @@ namespace trellant::sessions {
 
 /// `firstSlots`: of each track of the plan the slot of its first lane, which its markers describe.
 [[nodiscard]] aaf::EventMobSlot markerSlot(const Session& session, std::uint32_t slotID,
-                                           const aaf::Rational& rate,
+                                           const aaf::Rational& frameRate,
                                            std::span<const std::uint32_t> firstSlots);
 
 }  // namespace trellant::sessions

@@ -81,8 +81,11 @@ void addReels(const Session& session, const AafIdentity& identity, aaf::AafFile&
     }
 }
 
-WaveForm waveForm(const PlannedMedia& media, const aaf::Rational& rate) {
-    const std::int64_t bits = media.bitDepth.value_or(media.isFloatingPoint ? 32 : 16);
+/// As the file says it where there is one: a source of 20 bits lies in one of 24.
+WaveForm waveForm(const PlannedMedia& media, const SessionMedia& place, const aaf::Rational& rate) {
+    const std::int64_t bitsOfFile = place.wave ? place.wave->bitsOfSample : 0;
+    const std::int64_t bits =
+        bitsOfFile != 0 ? bitsOfFile : media.bitDepth.value_or(media.isFloatingPoint ? 32 : 16);
     const double samplesPerSecond =
         static_cast<double>(rate.numerator) / static_cast<double>(rate.denominator);
     return {.isFloatingPoint = media.isFloatingPoint,
@@ -102,7 +105,7 @@ class MediaWriter {
           media_(session.plan.media.at(index)),
           place_(session.media.at(index)),
           rate_(storedRate(media_.sampleRate, session.plan.rate)),
-          form_(waveForm(media_, rate_)) {}
+          form_(waveForm(media_, place_, rate_)) {}
 
     [[nodiscard]] aaf::SourceMob mob(const std::set<std::uint32_t>& channels) const {
         aaf::Mob mob{.mobID = identity_.sourceMob(index_),

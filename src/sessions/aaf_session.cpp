@@ -62,7 +62,8 @@ class SessionWriter {
         composition.slots.emplace_back(timecodeSlot());
         addTracks(composition);
         if (!session_.markers.empty()) {
-            composition.slots.emplace_back(markerSlot(session_, nextSlotID_, rate_, firstSlots_));
+            composition.slots.emplace_back(
+                markerSlot(session_, nextSlotID_, frameRate(), firstSlots_));
         }
         file_.compositionMobs.push_back(std::move(composition));
         addMedia(session_, identity_, channels_, file_);
@@ -71,15 +72,17 @@ class SessionWriter {
 
   private:
     [[nodiscard]] aaf::TimelineMobSlot timecodeSlot() const {
-        const AAFTimecodeRate& timecode = plan_.start.rate;
-        const aaf::Rational frameRate =
-            storedRate(timecode.exactRate, timecode.nominalFramesPerSecond);
         return {.slotID = timecodeSlotID,
                 .slotName = "Timecode",
                 .physicalTrackNumber = 1,
-                .editRate = frameRate,
+                .editRate = frameRate(),
                 .dataKind = aaf::DataKind::timecode,
-                .segment = timecodeOf(plan_, frameRate)};
+                .segment = timecodeOf(plan_, frameRate())};
+    }
+
+    [[nodiscard]] aaf::Rational frameRate() const {
+        const AAFTimecodeRate& timecode = plan_.start.rate;
+        return storedRate(timecode.exactRate, timecode.nominalFramesPerSecond);
     }
 
     void addTracks(aaf::Mob& composition) {

@@ -33,6 +33,18 @@ struct LanePlace {
     std::string number{};
 };
 
+const char* colourOf(MarkerKind kind) noexcept {
+    switch (kind) {
+        case MarkerKind::soundsDifferent:
+            return "#ffff00";
+        case MarkerKind::dropped:
+            return "#ff0000";
+        case MarkerKind::changed:
+            return "#00ff00";
+    }
+    return "";
+}
+
 bool moves(const std::optional<AAFAutomationEnvelope>& envelope) noexcept {
     return envelope && !envelope->points.empty();
 }
@@ -234,7 +246,7 @@ void ProjectDocument::markers(const XmlElement& arrangement) const {
     for (const SessionMarker& marker : session_.markers) {
         markers.add("Marker")
             .with("name", dawProjectName(remarkText(session_, marker)))
-            .with("color", marker.isDropped ? "#ff0000" : "#ffff00")
+            .with("color", colourOf(marker.kind))
             .with("time", seconds(marker.position));
     }
 }

@@ -80,7 +80,7 @@ Cues cuesOf(const Session& session, std::uint64_t mostMarkBytes) {
 
 class CueFile {
   public:
-    CueFile(const Cues& cues, std::int64_t rate, const compound::ByteSink& sink)
+    CueFile(const Cues& cues, std::int64_t rate, const PlacedSink& sink)
         : cues_(cues), rate_(rate), sink_(sink) {}
 
     void write() {
@@ -121,13 +121,7 @@ class CueFile {
     }
     void silence(std::uint64_t size) {
         flush();
-        const Bytes zeros(pieceSize);
-        for (std::uint64_t left = size; left > 0;) {
-            const auto count =
-                static_cast<std::size_t>(std::min<std::uint64_t>(left, zeros.size()));
-            sink_(ByteView(zeros).first(count));
-            left -= count;
-        }
+        place_ += size;
     }
     void cue(std::uint64_t identifier, std::uint64_t sample) {
         number(identifier, 4);
@@ -174,14 +168,17 @@ class CueFile {
     }
     void flush() {
         if (!bytes_.empty()) {
-            sink_(bytes_);
+            sink_(place_, bytes_);
+            place_ += bytes_.size();
             bytes_.clear();
         }
     }
 
     const Cues& cues_;
     std::int64_t rate_;
-    const compound::ByteSink& sink_;
+    const PlacedSink& sink_;
+    /// Where `bytes_` go.
+    std::uint64_t place_ = 0;
     Bytes bytes_;
 };
 
@@ -194,7 +191,7 @@ CueFileShare cueFileShare(const Session& session, std::uint64_t mostMarkBytes) {
             .leftOut = marksOf(session).size() - cues.marks.size()};
 }
 
-void writeCuePoints(const Session& session, const compound::ByteSink& sink) {
+void writeCuePoints(const Session& session, const PlacedSink& sink) {
     const Cues cues = cuesOf(session, mostCueBytes);
     CueFile(cues, session.plan.rate, sink).write();
 }

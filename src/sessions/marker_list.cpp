@@ -22,8 +22,7 @@ std::vector<Mark> marksOf(const Session& session) {
         marks.push_back({.start = marker.position,
                          .length = marker.length,
                          .text = markerName(remarkText(session, marker)),
-                         .isRemark = true,
-                         .isDropped = marker.isDropped});
+                         .kind = marker.kind});
     }
     for (const exchange::PlannedTrack& track : plan.tracks) {
         const std::string prefix = markerName(track.name) + ": ";

@@ -5,6 +5,7 @@
 #include <trellant/exchange/export_plan.h>
 #include <trellant/sessions/session.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,9 +17,8 @@ struct Mark {
     exchange::Samples length = 0;
     /// Of one line, after markerName: "Dialog: Anna take 1".
     std::string text{};
-    /// A remark, and one about something that was dropped.
-    bool isRemark = false;
-    bool isDropped = false;
+    /// Of a remark.
+    std::optional<MarkerKind> kind{};
 };
 
 /// By ascending start: the label of the start first, then of those at one place remarks first.

@@ -44,10 +44,18 @@ std::string listField(std::string_view text) {
 }
 
 std::string_view colourOf(const Mark& mark) noexcept {
-    if (!mark.isRemark) {
+    if (!mark.kind) {
         return "";
     }
-    return mark.isDropped ? "FF0000" : "FFFF00";
+    switch (*mark.kind) {
+        case MarkerKind::soundsDifferent:
+            return "FFFF00";
+        case MarkerKind::dropped:
+            return "FF0000";
+        case MarkerKind::changed:
+            return "00FF00";
+    }
+    return "";
 }
 
 }  // namespace

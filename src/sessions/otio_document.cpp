@@ -14,6 +14,7 @@
 #include <trellant/json/json_encode.h>
 #include <trellant/json/json_writer.h>
 
+#include <map>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -24,6 +25,7 @@ namespace {
 
 using exchange::PlannedClip;
 using exchange::PlannedMedia;
+using exchange::PlannedTrack;
 using exchange::Samples;
 
 class SinkOfBytes final : public JsonSink {
@@ -40,6 +42,18 @@ struct Units {
     double value = 0;
     double rate = 1;
 };
+
+std::string_view colourOf(MarkerKind kind) noexcept {
+    switch (kind) {
+        case MarkerKind::soundsDifferent:
+            return "YELLOW";
+        case MarkerKind::dropped:
+            return "RED";
+        case MarkerKind::changed:
+            return "GREEN";
+    }
+    return "";
+}
 
 /// How much of a clip its crossfades take for the transitions on either side.
 struct Cuts {
@@ -65,8 +79,15 @@ class Document {
                                 : urlOf(plan_.media[i], session.media.at(i), mediaNames));
         }
         markers_.resize(plan_.tracks.size());
+        for (const PlannedTrack& track : plan_.tracks) {
+            for (const exchange::Lane& lane : track.lanes) {
+                for (const PlannedClip& clip : lane.clips) {
+                    clipMarkers_.try_emplace(clip.event);
+                }
+            }
+        }
         for (const SessionMarker& marker : session.markers) {
-            (marker.track ? markers_.at(*marker.track) : sessionMarkers_).push_back(&marker);
+            markersBeside(marker).push_back(&marker);
         }
     }
 
@@ -75,6 +96,14 @@ class Document {
   private:
     using Markers = std::vector<const SessionMarker*>;
 
+    /// A remark stands on its clip, else on its track, else on the whole.
+    [[nodiscard]] Markers& markersBeside(const SessionMarker& marker) {
+        if (const auto clip = marker.event ? clipMarkers_.find(*marker.event) : clipMarkers_.end();
+            clip != clipMarkers_.end()) {
+            return clip->second;
+        }
+        return marker.track ? markers_.at(*marker.track) : sessionMarkers_;
+    }
     void begin(std::string_view schema) {
         json_.beginObject();
         json_.plainKey("OTIO_SCHEMA");
@@ -109,6 +138,9 @@ class Document {
     void clip(const PlannedClip& clip, const Cuts& cuts);
     void reference(std::size_t media);
     void markers(const Markers& markers);
+    /// Those of a clip mark all that it plays of its source.
+    void clipMarkers(const PlannedClip& clip, const Units& start, const Units& duration);
+    void marker(const SessionMarker& marker, const Units& start, const Units& duration);
 
     const Session& session_;
     const exchange::ExportPlan& plan_;
@@ -116,6 +148,8 @@ class Document {
     std::vector<std::string> urls_;
     /// By position in the plan's tracks.
     std::vector<Markers> markers_;
+    /// By position in the timeline's events.
+    std::map<std::size_t, Markers> clipMarkers_;
     Markers sessionMarkers_;
 };
 
@@ -222,8 +256,10 @@ void Document::clip(const PlannedClip& clip, const Cuts& cuts) {
     begin("Clip.2");
     metadata(otioMetadata(clip, plan_.rate));
     text("name", clip.name);
-    range("source_range", {static_cast<double>(clip.sourceStart) + skipped, rate.doubleValue()},
-          inSession(clip.length - cuts.head - cuts.tail));
+    const Units start{static_cast<double>(clip.sourceStart) + skipped, rate.doubleValue()};
+    const Units duration = inSession(clip.length - cuts.head - cuts.tail);
+    range("source_range", start, duration);
+    clipMarkers(clip, start, duration);
     json_.plainKey("enabled");
     json_.boolean(!clip.muted);
     text("active_media_reference_key", "DEFAULT_MEDIA");
@@ -251,17 +287,34 @@ void Document::reference(std::size_t media) {
 void Document::markers(const Markers& markers) {
     json_.plainKey("markers");
     json_.beginArray();
-    for (const SessionMarker* const marker : markers) {
-        begin("Marker.2");
-        text("name", marker->text);
-        text("color", marker->isDropped ? "RED" : "YELLOW");
-        range("marked_range", inSession(marker->position), inSession(marker->length));
-        // Some readers take a marker of this version for one of the version before, which had its
-        // range under this key.
-        range("range", inSession(marker->position), inSession(marker->length));
-        json_.endObject();
+    for (const SessionMarker* const placed : markers) {
+        marker(*placed, inSession(placed->position), inSession(placed->length));
     }
     json_.endArray();
+}
+
+void Document::clipMarkers(const PlannedClip& clip, const Units& start, const Units& duration) {
+    const Markers& markers = clipMarkers_.at(clip.event);
+    if (markers.empty()) {
+        return;
+    }
+    json_.plainKey("markers");
+    json_.beginArray();
+    for (const SessionMarker* const placed : markers) {
+        marker(*placed, start, duration);
+    }
+    json_.endArray();
+}
+
+void Document::marker(const SessionMarker& marker, const Units& start, const Units& duration) {
+    begin("Marker.2");
+    text("name", marker.text);
+    text("color", colourOf(marker.kind));
+    range("marked_range", start, duration);
+    // Some readers take a marker of this version for one of the version before, which had its range
+    // under this key.
+    range("range", start, duration);
+    json_.endObject();
 }
 
 }  // namespace

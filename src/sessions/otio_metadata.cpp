@@ -13,7 +13,7 @@ std::optional<AAFFade> fadeOf(const std::optional<exchange::PlannedFade>& fade,
         return std::nullopt;
     }
     return AAFFade{.direction = direction,
-                   .duration = AAFRational(fade->length, rate),
+                   .duration = fade->exactLength.value_or(AAFRational(fade->length, rate)),
                    .curve = fade->curve,
                    .points = fade->shape};
 }
@@ -38,8 +38,8 @@ OtioTrackMetadata otioMetadata(const exchange::PlannedTrack& track, std::size_t 
 }
 
 OtioClipMetadata otioMetadata(const exchange::PlannedClip& clip, std::int64_t rate) {
-    return {.timelineStart = AAFRational(clip.start, rate),
-            .duration = AAFRational(clip.length, rate),
+    return {.timelineStart = clip.exactStart.value_or(AAFRational(clip.start, rate)),
+            .duration = clip.exactLength.value_or(AAFRational(clip.length, rate)),
             .sourceStartSample = clip.sourceStart,
             .sourceChannel = clip.channel,
             .fixedClipGain = clip.gain,

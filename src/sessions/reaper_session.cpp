@@ -25,6 +25,19 @@ using exchange::PlannedFade;
 using exchange::PlannedTrack;
 using exchange::Samples;
 
+/// Numbers count from the bit that says that there is a colour; red has the lowest byte.
+std::string_view colourOf(MarkerKind kind) noexcept {
+    switch (kind) {
+        case MarkerKind::soundsDifferent:
+            return "16842751";
+        case MarkerKind::dropped:
+            return "16777471";
+        case MarkerKind::changed:
+            return "16842496";
+    }
+    return "0";
+}
+
 /// What becomes of the values of an automation on their way into an envelope.
 enum class EnvelopeValues { asTheyAre, pan };
 
@@ -110,14 +123,11 @@ void Project::markers() {
 }
 
 void Project::marker(std::size_t number, const SessionMarker& marker) {
-    // The colours count from the bit that says that there is one: red, and yellow.
-    constexpr std::string_view red = "16777471";
-    constexpr std::string_view yellow = "16842751";
     const std::string index = std::to_string(number);
     const bool isRegion = marker.length > 0;
     out_.add("  MARKER ", index, " ", seconds(marker.position), " ",
              reaperField(remarkText(session_, marker)), " ", flag(isRegion), " ",
-             marker.isDropped ? red : yellow, " 1 B ", guid("marker " + index), " 0\n");
+             colourOf(marker.kind), " 1 B ", guid("marker " + index), " 0\n");
     if (isRegion) {
         out_.add("  MARKER ", index, " ", seconds(marker.position + marker.length), " \"\" 1\n");
     }

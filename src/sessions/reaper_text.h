@@ -11,7 +11,8 @@
 
 namespace trellant::sessions {
 
-/// `text` as one field, between the first of ", ' and ` that it does not hold, with what a project holds of it.
+/// `text` as one field, between the first of ", ' and ` that it does not hold, with what a project
+/// holds of it.
 [[nodiscard]] std::string reaperField(std::string_view text);
 
 /// The shape of a fade that comes nearest.

@@ -144,16 +144,18 @@ std::optional<Work> previewing(Words words) {
 }
 
 std::optional<Work> workOf(Words words) {
-    if (!words.empty() && words.front() == "--measure" && words.size() > 3) {
-        return measuring(words.subspan(1));
+    if (words.empty() || !words.front().starts_with("--")) {
+        return copying(words);
     }
-    if (!words.empty() && words.front() == "--waveform" && words.size() > 3) {
-        return drawing(words.subspan(1));
+    const std::string_view mode = words.front();
+    const Words more = words.subspan(1);
+    if (mode == "--measure") {
+        return measuring(more);
     }
-    if (!words.empty() && words.front() == "--preview" && words.size() > 3) {
-        return previewing(words.subspan(1));
+    if (mode == "--waveform") {
+        return drawing(more);
     }
-    return copying(words);
+    return mode == "--preview" ? previewing(more) : std::nullopt;
 }
 
 int done(const Work& work) {

@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace trellant::wav {
 
@@ -20,7 +21,7 @@ std::string systemText(int errorNumber) {
 
 }  // namespace
 
-NewFile::NewFile(const std::string& path, const std::string& kind) : path_(path), kind_(kind) {
+NewFile::NewFile(const std::string& path, std::string kind) : path_(path), kind_(std::move(kind)) {
     const EndPutOff untilItIsKnown;
     descriptor_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
     if (descriptor_ < 0) {

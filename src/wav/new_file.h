@@ -15,7 +15,7 @@ class NewFile {
   public:
     /// `kind` is what a person calls it ("WAVE file"); `path` outlives this. Throws
     /// ConversionError, also when there is a file of that name.
-    NewFile(const std::string& path, const std::string& kind);
+    NewFile(const std::string& path, std::string kind);
     ~NewFile();
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;

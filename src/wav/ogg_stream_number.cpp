@@ -93,7 +93,7 @@ void setNumber(Bytes& page, std::size_t at, std::uint32_t value) {
 
 /// What is left of a page whose head has been read.
 void readRest(int descriptor, Bytes& page) {
-    const std::size_t segments = std::to_integer<std::size_t>(page[segmentsAt]);
+    const auto segments = std::to_integer<std::size_t>(page[segmentsAt]);
     page.resize(headBytes + segments);
     if (segments != 0 && !readAll(descriptor, std::span(page).subspan(headBytes))) {
         fail("a page ends early");

@@ -3,7 +3,11 @@
 
 #include "conversion_error.h"
 
+#include <trellant/base/system_error_text.h>
+
 #include <array>
+#include <cerrno>
+#include <fcntl.h>
 #include <fstream>
 #include <string_view>
 
@@ -59,8 +63,13 @@ Source openSource(const std::string& path) {
     if (!beginsAsKnown(path)) {
         throw ConversionError("it is no AIFF, AIFC or WAVE file");
     }
+    // By its descriptor: the library takes no path of more than 1,000 bytes.
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0) {
+        throw because("it cannot be read as audio", systemErrorText(errno));
+    }
     Source source;
-    source.sound.reset(::sf_open(path.c_str(), SFM_READ, &source.info));
+    source.sound.reset(::sf_open_fd(descriptor, SFM_READ, &source.info, SF_TRUE));
     if (source.sound == nullptr) {
         throw because("it cannot be read as audio", ::sf_strerror(nullptr));
     }

@@ -70,6 +70,9 @@ TEST(PackedMeasures, AreRefusedWithRangesThatMakeNoSense) {
     sound.channels[0].fullScale.total = 1;
     EXPECT_FALSE(unpackedMeasures(packedMeasures(sound)));
     sound = sample();
+    sound.channels[1].shortestSilence = 0;
+    EXPECT_FALSE(unpackedMeasures(packedMeasures(sound)));
+    sound = sample();
     sound.peaks.framesPerPair = 300;
     EXPECT_FALSE(unpackedMeasures(packedMeasures(sound)));
 }

@@ -98,6 +98,18 @@ TEST(Resampler, KeepsASine) {
     }
 }
 
+TEST(Resampler, KeepsASineWhoseMomentsAreRounded) {
+    // 44,101 Hz has no larger divisor with 48,000 Hz: moments lie anywhere between two samples,
+    // within 1/4,096 of one that has weights. A sine of 5 kHz moves by 0.5 * 2 pi * 5,000/44,101 at
+    // most from sample to sample: 9e-5 in so much time.
+    const auto made = resampled(44'101, sine(44'101, 5'000, 44'101));
+    const auto expected = sine(target, 5'000, target);
+    ASSERT_EQ(made.size(), expected.size());
+    for (std::size_t i = 200; i + 200 < made.size(); ++i) {
+        ASSERT_NEAR(made[i], expected[i], 3e-4) << i;
+    }
+}
+
 TEST(Resampler, LeavesOutWhatTheNewRateCannotHold) {
     // 30 kHz at 96 kHz would be heard as 18 kHz. -70 dB of 0.5 is 1.6e-4.
     const auto made = resampled(96'000, sine(96'000, 30'000, 9'600));
@@ -121,6 +133,16 @@ TEST(Resampler, KeepsChannelsApart) {
         ASSERT_EQ(made[2 * i], madeLeft[i]) << i;
         ASSERT_EQ(made[2 * i + 1], madeRight[i]) << i;
     }
+}
+
+TEST(Resampler, HandsOnWhatIsReady) {
+    // All but the 32 frames that the last moments wait for, and the one before them.
+    std::size_t made = 0;
+    Resampler resampler(44'100, target, 1,
+                        [&made](std::span<const float> some) { made += some.size(); });
+    resampler.add(std::vector<float>(44'100));
+    EXPECT_GE(made, (44'100U - 33) * 48 / 44.1 - 1);
+    EXPECT_LT(made, 48'000U);
 }
 
 TEST(Resampler, DoesNotDependOnHowTheSoundComes) {

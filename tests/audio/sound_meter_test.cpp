@@ -69,6 +69,14 @@ TEST(Peaks, KeepChannelsApart) {
     EXPECT_EQ(sound.peaks.at(1, 1), (PeakPair{-4, -3}));
 }
 
+TEST(Peaks, OfHalfAFrameAreAnError) {
+    PeakMeter meter(2, 4, [](std::span<const PeakPair>) {});
+    const std::vector<std::int32_t> samples(3);
+    EXPECT_DEATH(meter.add(samples), "precondition failed: frames are whole");
+    EXPECT_DEATH(PeakMeter(0, 4, [](std::span<const PeakPair>) {}),
+                 "precondition failed: an outline needs channels and frames");
+}
+
 TEST(Peaks, RoundDownAtEachDepth) {
     // 8 bits: times 256. 24 bits: by 256, so -1 is -1 and 255 is 0. 32 bits: by 65,536.
     EXPECT_THAT(measured({.bitDepth = 8}, 4, ofBits(8, {-128, 127})).peaks.pairs,

@@ -147,6 +147,14 @@ TEST(ToneMeter, DoesNotDependOnHowTheSoundComes) {
     }
 }
 
+TEST(ToneMeter, LooksForItAtTheLowestAndTheHighestRate) {
+    for (const std::uint32_t rate : {lowestToneRate, highestToneRate}) {
+        std::vector<double> samples(rate / 10);
+        addSine(samples, 0, samples.size(), lineUpTone, 0.5, rate);
+        EXPECT_THAT(tonesOf(samples, rate).ranges, SizeIs(1)) << rate;
+    }
+}
+
 TEST(ToneMeter, LooksForNothingAtRatesThatHaveNoSuchTone) {
     for (const std::uint32_t rate : {1U, 3'999U, 768'001U, 4'000'000'000U}) {
         EXPECT_THAT(tonesOf(std::vector<double>(10'000, 0.5), rate).ranges, IsEmpty());

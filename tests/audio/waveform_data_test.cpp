@@ -38,6 +38,11 @@ TEST(WaveformData, OfEightBitsRoundsDown) {
                        0, 0, 1, 0, 0, 0, 2, 0, 0,    0,    0xFF, 0x00, 0x80, 0x7F}));
 }
 
+TEST(WaveformData, BitsAreNumbersOnACommandLine) {
+    EXPECT_EQ(static_cast<int>(PeakBits::eight), 8);
+    EXPECT_EQ(static_cast<int>(PeakBits::sixteen), 16);
+}
+
 TEST(WaveformData, OfNoSoundIsAHeader) {
     SoundMeasures sound;
     sound.sampleRate = 1;

@@ -334,7 +334,8 @@ TEST(Command, NothingThatIsReadIsReplaced) {
 
 TEST(Command, AStreamIsToldToNameAFile) {
     const std::string why =
-        "an OMF file is read back and forth, which a pipe cannot do: save it, and name the file\n";
+        "an OMF file is read back and forth, which a pipe or a device cannot do: save it, and "
+        "name the file\n";
     EXPECT_EQ(run({"info", "-"}).errors, "trellant: -: " + why);
     EXPECT_EQ(run({"list", "clips", "/dev/null"}).errors, "trellant: /dev/null: " + why);
     EXPECT_EQ(run({"dump", "-"}).errors, "trellant: -: " + why);

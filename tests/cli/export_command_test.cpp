@@ -179,6 +179,18 @@ TEST_F(ExportCommand, WhatMakesNoSenseIsRefused) {
                 HasSubstr("--name needs a file name without an extension"));
     EXPECT_THAT(refusal([](cli::ExportCall& call) { call.name = ".."; }),
                 HasSubstr("--name needs"));
+    for (const std::string name : {"a\nb", "x\xFFy",
+                                   "a\xC2\x9B"
+                                   "b",
+                                   "\"'`"}) {
+        EXPECT_THAT(refusal([&](cli::ExportCall& call) { call.name = name; }),
+                    HasSubstr("--name needs a name that every session can say"));
+    }
+    EXPECT_THAT(refusal([](cli::ExportCall& call) {
+                    call.format = ExportFormat::markers;
+                    call.mediaMode = MediaMode::copy;
+                }),
+                HasSubstr("markers come without audio, so that --media-mode says nothing there"));
     EXPECT_THAT(refusal([&](cli::ExportCall& call) {
                     call.files.push_back(file);
                     call.name = "x";

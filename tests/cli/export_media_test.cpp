@@ -166,8 +166,8 @@ TEST_F(ExportMedia, SeveralFilesThatFitAreToldApartFromAMissingOne) {
 }
 
 TEST_F(ExportMedia, AFileThatDoesNotFitIsToldApartFromAMissingOne) {
-    // The clip needs 100 samples.
-    auto options = exporting(writeExternal(waveOf(std::vector<std::int16_t>(99, 7))));
+    // A single sample is too short.
+    auto options = exporting(writeExternal(waveOf({7})));
     options.call.mediaFolders = {folder_.file("media")};
     const Said said = exported(options);
     EXPECT_EQ(said.status, 0);
@@ -190,6 +190,60 @@ TEST_F(ExportMedia, AudioEmbeddedInAnAafLiesInItOnce) {
     const auto first = session.find(samples);
     ASSERT_NE(first, std::string::npos);
     EXPECT_EQ(session.find(samples, first + 1), std::string::npos);
+}
+
+TEST_F(ExportMedia, ForceReplacesNoAudioThatTheSessionIsMadeOf) {
+    // The only copy lies where the session's own would come to lie, and is not what that would be.
+    const Bytes original = waveImage(
+        {.formatTag = 0xFFFE, .samples = samples16(std::vector<std::int16_t>(48'000, 7))});
+    auto options = exporting(writeExternal(original, "out/mix.media/Kick.wav"));
+    options.call.mediaFolders = {folder_.file("out/mix.media")};
+    options.call.force = true;
+    const Said said = exported(options);
+    EXPECT_EQ(said.status, 1);
+    EXPECT_THAT(said.errors, HasSubstr("mix.media/Kick.wav is read by this export and is not "
+                                       "replaced; choose another --name"));
+    EXPECT_EQ(readFile(out("mix.media/Kick.wav")), original);
+}
+
+TEST_F(ExportMedia, ClipsOfAudioThatCannotBeConvertedAreOnRecord) {
+    add({.name = "Kick.aif",
+         .media = aiffImage(
+             {.formType = "AIFC", .compressionType = "ulaw", .samples = hex("00 01 02 03")}),
+         .kind = MediaKind::aifc,
+         .clipLength = 1});
+    auto options = exporting(writeDocument(), ExportFormat::aaf);
+    options.call.failOn = cli::FailOn::render;
+    const Said said = exported(options);
+    EXPECT_EQ(said.status, 3);
+    EXPECT_THAT(said.out, HasSubstr("  Differences  1 of the format; listed in mix.losses.json\n"));
+    EXPECT_THAT(textOf(readFile(out("mix.losses.json"))),
+                HasSubstr("The clip's audio could not be made into a WAVE file: it is offline."));
+}
+
+TEST_F(ExportMedia, LinkedAudioThatTheFormatCannotNameIsCopied) {
+    auto options = exporting(writeExternal(second(), "line\nend/Kick.wav"));
+    options.call.mediaFolders = {folder_.file("line\nend")};
+    options.call.mediaMode = MediaMode::link;
+    const std::string said = exportWell(options);
+    EXPECT_THAT(said, HasSubstr("  Audio        1 file in mix.media\n"));
+    EXPECT_THAT(session(), HasSubstr("FILE \"mix.media/Kick.wav\""));
+}
+
+TEST_F(ExportMedia, AudioBelowALongPathIsConverted) {
+    add({.name = "Kick.aif",
+         .media = aiffImage({.formType = "AIFF", .bitsPerSample = 16, .samples = hex("0001 7FFF")}),
+         .kind = MediaKind::aifc,
+         .clipLength = 1});
+    auto options = exporting(writeDocument());
+    std::string deep = folder_.file("out");
+    for (int level = 0; level < 6; ++level) {
+        deep += "/" + std::string(200, 'x');
+    }
+    fs::create_directories(deep);
+    options.call.directory = deep;
+    exportWell(options);
+    EXPECT_EQ(sampleBytesOf(deep + "/mix.media/Kick.wav"), hex("0100 FF7F"));
 }
 
 TEST_F(ExportMedia, CompressedAudioIsKeptAsItIsAndTold) {

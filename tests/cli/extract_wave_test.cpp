@@ -2,10 +2,10 @@
 // AIFC made into WAVE: sample for sample in every form, by the program of its own and by --wav.
 #include "extract_fixture.h"
 #include "spawned_program.h"
-#include <trellant/extraction/wave_conversion.h>
 #include "wave_copy.h"
 
 #include <trellant/client/errors.h>
+#include <trellant/extraction/wave_conversion.h>
 #include <trellant/io/errors.h>
 
 #include <gmock/gmock.h>

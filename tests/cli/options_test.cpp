@@ -107,6 +107,8 @@ TEST(Options, AnExportNeedsAFolderAndAFormatThatExists) {
                   ExitStatus::wrongUse)
             << rate;
     }
+    EXPECT_THAT(lineOf({"export", "a.omf", "--to", "out", "--format=aaf", "--rate", "48k"}).text,
+                HasSubstr("--rate: is a whole number from 1 to 384000, not \"48k\""));
 }
 
 TEST(Options, VerbosityMayStandBehindTheCommand) {

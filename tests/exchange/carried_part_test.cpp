@@ -134,12 +134,18 @@ TEST(CarriedPart, CurvesThatAFormatDoesNotKnowBecomeLinear) {
     EXPECT_THAT(featuresOf(reaper), ElementsAre(Feature::automationCurves, Feature::fadeCurves));
 }
 
-TEST(CarriedPart, AFadeCurveIsOnRecordInDawProjectUnlessItIsLinear) {
+TEST(CarriedPart, TheCurveOfEveryFadeIsOnRecordInDawProjectWhichHasNone) {
     AAFTimeline timeline = plainTimeline();
     timeline.events[0].fadeIn = fadeOf(fadeIn, seconds(1, 2), Curve::logarithmic());
     timeline.events[0].fadeOut = fadeOf(fadeOut, seconds(1, 2));
     const CarriedPart part = carried(timeline, ExportFormat::dawproject);
-    EXPECT_THAT(featuresOf(part), ElementsAre(Feature::fadeCurves));
+    ASSERT_THAT(featuresOf(part), ElementsAre(Feature::fadeCurves, Feature::fadeCurves));
+    EXPECT_EQ(part.losses[0].sentence,
+              "The curve of the clip's fade-in is left out: the tool takes its own.");
+    EXPECT_EQ(part.losses[0].technical, "curves of fades (logarithmic): not in dawproject");
+    EXPECT_EQ(part.losses[1].sentence,
+              "The curve of the clip's fade-out is left out: the tool takes its own.");
+    EXPECT_EQ(part.losses[1].technical, "curves of fades (linear): not in dawproject");
     EXPECT_EQ(onlyClip(part).fadeIn->length, 24'000);
     EXPECT_EQ(onlyClip(part).fadeIn->curve, Curve::linear());
 }
@@ -178,6 +184,22 @@ TEST(CarriedPart, ACrossfadeIsCarriedWhereItsFadesAloneAreNot) {
     ASSERT_THAT(featuresOf(part), ElementsAre(Feature::fadeLengths));
     EXPECT_EQ(part.losses[0].event, 1U);
     EXPECT_EQ(part.losses[0].technical, "lengths of fades (fade-out): only metadata in otio");
+}
+
+TEST(CarriedPart, AFadeIntoAClipThatCrossfadesLaterIsNoCrossfade) {
+    AAFTimeline timeline = plainTimeline();
+    // Behind one another, then overlapping by a tenth of a second.
+    timeline.events[0].fadeOut = fadeOf(fadeOut, seconds(1, 10));
+    addClip(timeline, "A1", "Anna", seconds(3), seconds(2)).fadeOut =
+        fadeOf(fadeOut, seconds(1, 10));
+    addClip(timeline, "A1", "Anna", seconds(49, 10), seconds(2)).fadeIn =
+        fadeOf(fadeIn, seconds(1, 10));
+    const CarriedPart part = carried(timeline, ExportFormat::otio);
+    ASSERT_THAT(part.plan.tracks[0].lanes, SizeIs(1));
+    ASSERT_THAT(featuresOf(part), ElementsAre(Feature::fadeLengths));
+    EXPECT_EQ(part.losses[0].event, 0U);
+    EXPECT_EQ(part.losses[0].sentence,
+              "The clip's fade-out is kept as a note only: other tools do not act on it.");
 }
 
 TEST(CarriedPart, ADrawnFadeKeepsItsCurve) {

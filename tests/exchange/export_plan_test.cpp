@@ -216,10 +216,24 @@ TEST(ExportPlan, GainPanAndMuteAreTakenOver) {
 TEST(ExportPlan, TracksAndClipsWithoutANameGetOne) {
     AAFTimeline timeline = oneClip(seconds(0), seconds(1));
     timeline.tracks[0].name.reset();
+    // Slots without sound stand before it, and lists count them.
+    timeline.tracks[0].index = 3;
     timeline.events[0].clipName.reset();
     const PlannedSession session = planSession(timeline, withFiles(timeline));
-    EXPECT_EQ(session.plan.tracks[0].name, "Track 1");
+    EXPECT_EQ(session.plan.tracks[0].name, "Track 4");
     EXPECT_EQ(onlyClip(session).name, "Anna");
+}
+
+TEST(ExportPlan, ExactTimesStandBesideTheRoundedOnes) {
+    AAFTimeline timeline = oneClip(seconds(1, 7), seconds(2));
+    timeline.events[0].fadeIn = fadeOf(AAFFade::Direction::fadeIn, seconds(1, 9));
+    timeline.events[0].fadeOut = fadeOf(AAFFade::Direction::fadeOut, seconds(3));
+    const PlannedSession session = planSession(timeline, withFiles(timeline));
+    const PlannedClip& clip = onlyClip(session);
+    EXPECT_EQ(clip.exactStart, seconds(1, 7));
+    EXPECT_EQ(clip.exactLength, seconds(2));
+    EXPECT_EQ(clip.fadeIn->exactLength, seconds(1, 9));
+    EXPECT_EQ(clip.fadeOut->exactLength, std::nullopt) << "it is cut to its clip";
 }
 
 }  // namespace

@@ -16,42 +16,49 @@ AAFRational seconds(std::int64_t value) {
 }
 
 TEST(FileStem, KeepsLettersNumbersAndALittleMore) {
-    EXPECT_EQ(fileStem("Anna take 1.wav"), "Anna take 1");
-    EXPECT_EQ(fileStem("M\xC3\xBCller-2_b.AIFF"), "M\xC3\xBCller-2_b");
-    EXPECT_EQ(fileStem("a?b*c\"d"), "a_b_c_d");
+    EXPECT_EQ(fileStem("Anna take 1.wav", NameKind::path), "Anna take 1");
+    EXPECT_EQ(fileStem("M\xC3\xBCller-2_b.AIFF", NameKind::path), "M\xC3\xBCller-2_b");
+    EXPECT_EQ(fileStem("a?b*c\"d", NameKind::path), "a_b_c_d");
 }
 
 TEST(FileStem, IsTheLastNameOfAPathOfAnySystem) {
-    EXPECT_EQ(fileStem("/Volumes/Audio/Kick.wav"), "Kick");
-    EXPECT_EQ(fileStem("C:\\Audio\\Kick.wav"), "Kick");
-    EXPECT_EQ(fileStem("Disk:Audio:Kick"), "Kick");
-    EXPECT_EQ(fileStem("../../etc/passwd"), "passwd");
+    EXPECT_EQ(fileStem("/Volumes/Audio/Kick.wav", NameKind::path), "Kick");
+    EXPECT_EQ(fileStem("C:\\Audio\\Kick.wav", NameKind::path), "Kick");
+    EXPECT_EQ(fileStem("Disk:Audio:Kick", NameKind::path), "Kick");
+    EXPECT_EQ(fileStem("../../etc/passwd", NameKind::path), "passwd");
+}
+
+TEST(FileStem, OfANameKeepsWhatStandsBeforeAColon) {
+    EXPECT_EQ(fileStem("Rain: garden.wav", NameKind::name), "Rain_ garden");
+    EXPECT_EQ(fileStem("12:30:00 take", NameKind::name), "12_30_00 take");
+    EXPECT_EQ(fileStem("Disk:Audio:Kick", NameKind::name), "Disk_Audio_Kick");
 }
 
 TEST(FileStem, IsNoNameThatASystemKeepsForItself) {
-    EXPECT_EQ(fileStem("CON"), "_CON");
-    EXPECT_EQ(fileStem("nul.old.wav"), "_nul.old");
-    EXPECT_EQ(fileStem("Com1.wav"), "_Com1");
-    EXPECT_EQ(fileStem("Console"), "Console");
-    EXPECT_EQ(fileStem("com"), "com");
+    EXPECT_EQ(fileStem("CON", NameKind::path), "_CON");
+    EXPECT_EQ(fileStem("nul.old.wav", NameKind::path), "_nul.old");
+    EXPECT_EQ(fileStem("Com1.wav", NameKind::path), "_Com1");
+    EXPECT_EQ(fileStem("Console", NameKind::path), "Console");
+    EXPECT_EQ(fileStem("com", NameKind::path), "com");
 }
 
 TEST(FileStem, HasNoDotOrBlankAtAnEnd) {
-    EXPECT_EQ(fileStem("..hidden. "), "hidden");
-    EXPECT_EQ(fileStem(""), "audio");
-    EXPECT_EQ(fileStem(" . "), "audio");
-    EXPECT_EQ(fileStem(".wav"), "audio");
+    EXPECT_EQ(fileStem("..hidden. ", NameKind::path), "hidden");
+    EXPECT_EQ(fileStem("", NameKind::path), "audio");
+    EXPECT_EQ(fileStem(" . ", NameKind::path), "audio");
+    EXPECT_EQ(fileStem(".wav", NameKind::path), "audio");
 }
 
 TEST(FileStem, HasAtMostAHundredCharacters) {
-    EXPECT_THAT(fileStem(std::string(10'000, 'x')), SizeIs(100));
+    EXPECT_THAT(fileStem(std::string(10'000, 'x'), NameKind::name), SizeIs(100));
 }
 
 TEST(FileStem, HasNoCharactersThatTurnTextAround) {
     EXPECT_EQ(fileStem("a\xE2\x80\xAE"
-                       "b"),
+                       "b",
+                       NameKind::name),
               "a_b");
-    EXPECT_EQ(fileStem(std::string("a\0b\nc", 5)), "a_b_c");
+    EXPECT_EQ(fileStem(std::string("a\0b\nc", 5), NameKind::name), "a_b_c");
 }
 
 TEST(PlannedMedia, OnlyWhatClipsPlayIsMedia) {

@@ -61,6 +61,22 @@ TEST_F(PlainWave, WhatToolsReadOtherwiseIsNotPlain) {
     EXPECT_FALSE(waveIn(aiffImage({.samples = hex("0001")})));
 }
 
+TEST_F(PlainWave, SaysTheBitsOfASample) {
+    const auto wave = waveIn(waveImage({.bitsPerSample = 24, .samples = hex("010000")}));
+    ASSERT_TRUE(wave.has_value());
+    EXPECT_EQ(wave->bitsOfSample, 24U);
+}
+
+TEST_F(PlainWave, TheLargeFormIsNotPlainWhereTheUsualOneWouldDo) {
+    Bytes file = waveImage({.samples = hex("0100 0200")});
+    ASSERT_TRUE(waveIn(file).has_value());
+    // "RIFF" becomes "RF64".
+    file[1] = std::byte{'F'};
+    file[2] = std::byte{'6'};
+    file[3] = std::byte{'4'};
+    EXPECT_FALSE(waveIn(file).has_value());
+}
+
 TEST_F(PlainWave, DamagedFilesAreNoWave) {
     const Bytes file = waveImage({.samples = hex("0100")});
     for (std::size_t size = 0; size < 44; ++size) {

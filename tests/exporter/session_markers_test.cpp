@@ -47,7 +47,7 @@ TEST(LossMarkers, StandWhereTheLossIsAndSayIt) {
     EXPECT_EQ(markers[0].length, 12'000);
     EXPECT_EQ(markers[0].text, "Anna: This stretch is silent.");
     EXPECT_EQ(markers[0].track, 1U);
-    EXPECT_FALSE(markers[0].isDropped);
+    EXPECT_EQ(markers[0].kind, sessions::MarkerKind::soundsDifferent);
 }
 
 TEST(LossMarkers, AreInOrderOfTheirPlaces) {
@@ -65,14 +65,41 @@ TEST(LossMarkers, AreInOrderOfTheirPlaces) {
     EXPECT_EQ(markers[0].text, "early");
     EXPECT_EQ(markers[0].track, 0U);
     EXPECT_EQ(markers[1].text, "late");
-    EXPECT_TRUE(markers[1].isDropped);
+    EXPECT_EQ(markers[1].kind, sessions::MarkerKind::dropped);
     EXPECT_EQ(markers[1].length, 0);
 }
 
-TEST(LossMarkers, LossesWithoutAPlaceHaveNone) {
+TEST(LossMarkers, WhatHasNoPlaceStandsAtTheStart) {
     HandOff handOff = handOffWithTracks();
-    addLoss(handOff, Severity::informational, PlacedLoss());
-    EXPECT_THAT(lossMarkers(handOff, {exchange::ExportLoss()}, planAt48000()), IsEmpty());
+    PlacedLoss whole;
+    whole.plain = "whole";
+    addLoss(handOff, Severity::informational, whole);
+    exchange::ExportLoss pan;
+    pan.track = 1;
+    pan.sentence = "pan";
+    const auto markers = lossMarkers(handOff, {pan}, planAt48000());
+    ASSERT_THAT(markers, SizeIs(2));
+    EXPECT_EQ(markers[0].text, "whole");
+    EXPECT_FALSE(markers[0].track.has_value());
+    EXPECT_EQ(markers[1].text, "pan");
+    EXPECT_EQ(markers[1].track, 1U);
+    EXPECT_EQ(markers[1].position, 0);
+    EXPECT_EQ(markers[1].length, 0);
+}
+
+TEST(LossMarkers, OfAClipNameItAndWhatIsUnheardIsAChange) {
+    HandOff handOff = handOffWithTracks();
+    handOff.timeline.events.emplace_back();
+    handOff.timeline.events.back().clipName = "Anna";
+    exchange::ExportLoss loss;
+    loss.event = 0;
+    loss.isLeftOut = false;
+    loss.sentence = "It is shorter.";
+    const auto markers = lossMarkers(handOff, {loss}, planAt48000());
+    ASSERT_THAT(markers, SizeIs(1));
+    EXPECT_EQ(markers[0].event, 0U);
+    EXPECT_EQ(markers[0].text, "Anna: It is shorter.");
+    EXPECT_EQ(markers[0].kind, sessions::MarkerKind::changed);
 }
 
 TEST(LossMarkers, StayWithinTheSession) {

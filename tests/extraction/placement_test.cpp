@@ -2,10 +2,9 @@
 // Final names: what is kept, what gives way, and that nothing is replaced unasked.
 #include "placement.h"
 
-#include <trellant/extraction/staging.h>
-
 #include <trellant/base/numbered_name.h>
 #include <trellant/client/errors.h>
+#include <trellant/extraction/staging.h>
 #include <trellant/io/errors.h>
 
 #include <gmock/gmock.h>

@@ -6,8 +6,8 @@
 
 #include <gmock/gmock.h>
 
-#include <cmath>
 #include <cstdint>
+#include <limits>
 
 namespace trellant::testing {
 namespace {
@@ -16,6 +16,8 @@ using listening::Preview;
 using listening::PreviewRequest;
 using listening::PreviewState;
 using listening::PreviewWish;
+
+constexpr std::int64_t mostFrames = std::numeric_limits<std::int64_t>::max();
 
 class PreviewSources : public SourcesTest {
   protected:
@@ -71,8 +73,8 @@ TEST_F(PreviewSources, WhatCannotBeMadeTellsWhy) {
                                 {.essence = 2, .channel = 1},
                                 {.essence = 2, .firstFrame = -1},
                                 {.essence = 2, .frames = 0},
-                                {.essence = 2, .channel = INT64_MAX},
-                                {.essence = 2, .firstFrame = INT64_MAX, .frames = INT64_MAX},
+                                {.essence = 2, .channel = mostFrames},
+                                {.essence = 2, .firstFrame = mostFrames, .frames = mostFrames},
                                 {.essence = 2}});
     EXPECT_EQ(made[0].reason, "it is no AIFF, AIFC or WAVE file");
     EXPECT_EQ(made[1].reason, "its audio file is missing");
@@ -126,7 +128,8 @@ TEST_F(PreviewSources, AreAsLargeAsIsEstimatedAtMost) {
     EXPECT_LE(made[0].ogg.size(), estimated);
     // No more than a twentieth and the heads above what the rate says.
     EXPECT_EQ(estimated, 1'500U + 84'000U);
-    EXPECT_EQ(listening::estimatedPreviewBytes(INFINITY, 2, 64'000), UINT64_MAX);
+    EXPECT_EQ(listening::estimatedPreviewBytes(std::numeric_limits<double>::infinity(), 2, 64'000),
+              std::numeric_limits<std::uint64_t>::max());
 }
 
 TEST_F(PreviewSources, AStopEndsThem) {

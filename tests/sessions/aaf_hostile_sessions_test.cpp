@@ -75,9 +75,10 @@ TEST(AafHostileSessions, MarkersOutsideTheSessionAreHeldToIt) {
     constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
     session.markers = {{.position = -5, .length = -1, .text = "one", .track = 7},
                        {.position = most, .length = most, .text = "two"}};
+    // 2^53 samples are 4,691,249,611,844.27 frames of 1,920.
     EXPECT_EQ(readBack(session).markers,
               (std::vector<ReadMarker>{{.position = 0, .text = "one"},
-                                       {mostSamples, mostSamples, "two", {}}}));
+                                       {4'691'249'611'844, 1, "two", {}}}));
 }
 
 TEST(AafHostileSessions, MediaOfImpossibleForms) {

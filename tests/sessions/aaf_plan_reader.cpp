@@ -161,7 +161,7 @@ class PlanReader {
 
     void readMarkers(const StoredObject& slot, const StoredObject& sequence) {
         const AAFRational rate = rational(property(slot, pid::eventRate).value);
-        check(rate == AAFRational(result_.plan.rate), "markers at another rate than tracks");
+        check(rate == result_.plan.start.rate.exactRate, "markers in other units than frames");
         for (const auto& event : property(sequence, pid::components).objects) {
             ReadMarker marker{.position = number(*event, pid::position),
                               .length = number(*event, pid::length),

@@ -142,18 +142,35 @@ TEST(AafSession, SameSessionGivesTheSameBytes) {
     EXPECT_EQ(first.bytes(), second.bytes());
 }
 
-TEST(AafSession, AnotherSessionHasOtherIdentifiers) {
-    const WrittenObjects written(shortSession());
-    Session later = shortSession();
-    later.date += 1;
-    const WrittenObjects writtenLater(later);
-    for (const auto& [objectClass, name] :
-         {std::pair{"CompositionMob", "Scene 12"}, {"MasterMob", "Clip"}, {"SourceMob", "Anna"}}) {
-        EXPECT_NE(written.reader().valueOf(written.pathOf(objectClass, name), "MobID"),
-                  writtenLater.reader().valueOf(writtenLater.pathOf(objectClass, name), "MobID"));
-    }
+std::string mobIDOf(const WrittenObjects& written, std::string_view objectClass,
+                    std::string_view name) {
+    return written.reader().valueOf(written.pathOf(objectClass, name), "MobID");
+}
+
+TEST(AafSession, AnotherCutIsAnotherCompositionOfTheSameSources) {
+    Session session = shortSession();
+    session.plan.media.at(0).essenceID = "source 1";
+    const WrittenObjects written(session);
+    session.plan.tracks.at(0).lanes.at(0).clips.back().length -= 1;
+    const WrittenObjects recut(session);
+    EXPECT_NE(mobIDOf(written, "CompositionMob", "Scene 12"),
+              mobIDOf(recut, "CompositionMob", "Scene 12"));
     EXPECT_NE(written.reader().valueOf("Header/IdentificationList/0", "GenerationAUID"),
-              writtenLater.reader().valueOf("Header/IdentificationList/0", "GenerationAUID"));
+              recut.reader().valueOf("Header/IdentificationList/0", "GenerationAUID"));
+    EXPECT_EQ(mobIDOf(written, "MasterMob", "Clip"), mobIDOf(recut, "MasterMob", "Clip"));
+    EXPECT_EQ(mobIDOf(written, "SourceMob", "Anna"), mobIDOf(recut, "SourceMob", "Anna"));
+}
+
+TEST(AafSession, AnotherSourceOfTheSameNameHasAnotherIdentifier) {
+    Session session = shortSession();
+    session.plan.media.at(0).essenceID = "source 1";
+    const WrittenObjects written(session);
+    session.plan.media.at(0).essenceID = "source 2";
+    const WrittenObjects other(session);
+    EXPECT_NE(mobIDOf(written, "MasterMob", "Clip"), mobIDOf(other, "MasterMob", "Clip"));
+    EXPECT_NE(mobIDOf(written, "SourceMob", "Anna"), mobIDOf(other, "SourceMob", "Anna"));
+    EXPECT_NE(mobIDOf(written, "CompositionMob", "Scene 12"),
+              mobIDOf(other, "CompositionMob", "Scene 12"));
 }
 
 TEST(AafSession, EveryLaneIsATrackNumberedFromOne) {
@@ -185,14 +202,17 @@ TEST(AafSession, SessionWithoutClipsIsASession) {
     EXPECT_EQ(read.plan.length, 0);
 }
 
-TEST(AafSession, MarkersLieAtTheirSamples) {
+TEST(AafSession, MarkersLieInTheirFrames) {
     Session session = sessionOf(planOf({track("A", {clip(0, 100)}), track("B", {clip(0, 100)})}));
-    session.markers = {{.position = 7, .text = "The clip is left out.", .isDropped = true},
-                       {.position = 11, .length = 48'001, .text = "Other.", .track = 1}};
+    // 1,920 samples are a frame. The second one lasts up to sample 71,040, where frame 37 begins.
+    session.markers = {
+        {.position = 7 * 1'920 + 100, .text = "The clip is left out.", .kind = MarkerKind::dropped},
+        {.position = 11 * 1'920 + 1'919, .length = 48'001, .text = "Other.", .track = 1},
+        {.position = 40 * 1'920, .length = 1, .text = "Same.", .kind = MarkerKind::changed}};
     const WrittenObjects written(session);
     EXPECT_EQ(written.reader().textOf(written.pathOf("CompositionMob", "Scene 12") + "/Slots/3"),
               "EventMobSlot\n"
-              "  EditRate 48000/1\n"
+              "  EditRate 25/1\n"
               "  PhysicalTrackNumber 1\n"
               "  Segment -> Sequence\n"
               "    Components\n"
@@ -208,15 +228,23 @@ TEST(AafSession, MarkersLieAtTheirSamples) {
               "        CommentMarkerUser \"Trellant\"\n"
               "        DataDefinition DataDef_DescriptiveMetadata\n"
               "        DescribedSlots [3]\n"
-              "        Length 48001\n"
+              "        Length 26\n"
               "        Position 11\n"
+              "      2 DescriptiveMarker\n"
+              "        Comment \"Same.\"\n"
+              "        CommentMarkerColor {0, 65535, 0}\n"
+              "        CommentMarkerUser \"Trellant\"\n"
+              "        DataDefinition DataDef_DescriptiveMetadata\n"
+              "        Length 1\n"
+              "        Position 40\n"
               "    DataDefinition DataDef_DescriptiveMetadata\n"
-              "    Length 48005\n"
+              "    Length 34\n"
               "  SlotID 4\n"
               "  SlotName \"Markers\"\n");
     EXPECT_EQ(readBack(session).markers,
               (std::vector<ReadMarker>{{.position = 7, .text = "The clip is left out."},
-                                       {11, 48'001, "Other.", {"B"}}}));
+                                       {11, 26, "Other.", {"B"}},
+                                       {40, 1, "Same.", {}}}));
 }
 
 TEST(AafSession, MarkersOfATrackDescribeItsFirstLane) {

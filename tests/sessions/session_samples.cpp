@@ -137,7 +137,8 @@ Session twoTracks() {
         AAFAutomationEnvelope{.points = {{AAFRational(0), 0.25}, {AAFRational(1, 2), 1.0}}};
     session.markers.push_back(
         {.position = 48'000, .length = 24'000, .text = "Silent.", .track = 1});
-    session.markers.push_back({.position = 96'000, .text = "Left out.", .isDropped = true});
+    session.markers.push_back(
+        {.position = 96'000, .text = "Left out.", .kind = sessions::MarkerKind::dropped});
     return session;
 }
 

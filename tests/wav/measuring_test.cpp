@@ -305,6 +305,8 @@ TEST_F(Measuring, ProgramRefusesWrongUse) {
                                                {"--preview", "in", "out", "64000", "-1", "0"},
                                                {"--preview", "in", "out", "64000", "0", "0", "0"},
                                                {"--preview", "in", "out", "64000"},
+                                               {"--measure", "in"},
+                                               {"--other", "in", "out"},
                                                {}}) {
         const ProgramEnd end = run(words);
         EXPECT_EQ(end.status, 1) << (words.empty() ? "" : words.back());

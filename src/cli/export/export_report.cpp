@@ -103,7 +103,7 @@ std::string differencesText(const ExportReport& report) {
     if (ofFormat != 0) {
         parts.push_back(std::to_string(ofFormat) + " of the format");
     }
-    return parts.empty() ? "none"
+    return parts.empty() ? std::string(report.offlineMedia == 0 ? "none" : "none but offline audio")
                          : joined(parts, ", ") + "; listed in " + shown(report.files.back());
 }
 

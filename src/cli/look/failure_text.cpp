@@ -125,7 +125,8 @@ std::optional<std::string> streamFailure(const std::string& file) {
     if (!isStream(file)) {
         return std::nullopt;
     }
-    return "an OMF file is read back and forth, which a pipe cannot do: save it, and name the file";
+    return "an OMF file is read back and forth, which a pipe or a device cannot do: save it, and "
+           "name the file";
 }
 
 }  // namespace trellant::cli

@@ -30,29 +30,29 @@ inline constexpr double logarithmicFloor = 0.001;
 /// The value at `place` (0 to 1, what lies beyond counts as the end) of the way from `from` to
 /// `to`.
 [[nodiscard]] double valueBetween(const AAFAutomationInterpolation& curve, double from, double to,
-                                  double place) noexcept;
+                                  double place);
 
 /// The factor at `place` of a fade-in (0 its start, 1 its end), from 0 to 1.
-[[nodiscard]] double fadeInGain(const AAFAutomationInterpolation& curve, double place) noexcept;
+[[nodiscard]] double fadeInGain(const AAFAutomationInterpolation& curve, double place);
 /// Of a fade-out: what the fade-in has as far from its end, but for `constant`, which holds 1 up to
 /// the end of the fade.
-[[nodiscard]] double fadeOutGain(const AAFAutomationInterpolation& curve, double place) noexcept;
+[[nodiscard]] double fadeOutGain(const AAFAutomationInterpolation& curve, double place);
 
 /// The same of a whole fade: its points, where it has any, are the factors along it, and between
 /// them its curve holds; `reversesPointTime` counts them from its end. Takes time in proportion to
 /// the logarithm of their number. Points must be in time order, as a valid timeline's are.
-[[nodiscard]] double fadeInGain(const AAFFade& fade, double place) noexcept;
-[[nodiscard]] double fadeOutGain(const AAFFade& fade, double place) noexcept;
+[[nodiscard]] double fadeInGain(const AAFFade& fade, double place);
+[[nodiscard]] double fadeOutGain(const AAFFade& fade, double place);
 
 /// The value of automation at `place` of its owner: before the first point that one's, behind the
 /// last one that one's, at a place with several points the last one's; `absent` without points.
 /// Points must be in time order.
 [[nodiscard]] double valueAt(const AAFAutomationEnvelope& envelope, double place,
-                             double absent = 1) noexcept;
+                             double absent = 1);
 
 /// The factor of a clip at `place` of it (0 to 1): its own gain times its automation, without its
 /// fades and its track; 0 for a muted one.
-[[nodiscard]] double clipGain(const AAFClipEvent& clip, double place) noexcept;
+[[nodiscard]] double clipGain(const AAFClipEvent& clip, double place);
 
 /// What a pan does to a mono signal.
 struct PanGains {

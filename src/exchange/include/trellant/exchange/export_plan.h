@@ -57,6 +57,8 @@ struct PlannedReel {
 struct PlannedMedia {
     /// Position in the timeline's essences.
     std::size_t essence = 0;
+    /// The source's id in the timeline, which tells it apart from those of other hand-offs too.
+    std::string essenceID{};
     /// The one channel (from 0) that the file holds of a source with several; absent where it holds
     /// the source as it is.
     std::optional<std::int64_t> channel{};
@@ -85,6 +87,9 @@ struct PlannedFade {
     AAFAutomationInterpolation curve{};
     /// The fade's own shape, where the curve does not say it all.
     std::vector<AAFAutomationPoint> shape{};
+    /// The length as the hand-off has it, in seconds; absent for a fade that is cut to its clip,
+    /// and in a plan that is made of samples.
+    std::optional<AAFRational> exactLength{};
     bool operator==(const PlannedFade&) const = default;
 };
 
@@ -115,6 +120,10 @@ struct PlannedClip {
     /// This clip's fade-in and the fade-out of the one before it in its lane are a crossfade: same
     /// place, length and curve, and the clips overlap by just that length.
     bool crossfadesIn = false;
+    /// Start and length as the hand-off has them, in seconds; absent in a plan that is made of
+    /// samples.
+    std::optional<AAFRational> exactStart{};
+    std::optional<AAFRational> exactLength{};
     bool operator==(const PlannedClip&) const = default;
 
     [[nodiscard]] Samples end() const noexcept { return start + length; }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <trellant/base/cancellation.h>
+
 #include <cstdint>
 #include <string>
 #include <utility>

@@ -22,6 +22,8 @@ struct WaveFile {
     /// Where its samples lie: little-endian, channels interleaved.
     std::uint64_t dataOffset = 0;
     std::uint64_t dataByteCount = 0;
+    /// As the file says them; 0 where nobody looked.
+    std::uint16_t bitsOfSample = 0;
 };
 
 struct SessionMedia {
@@ -36,6 +38,16 @@ struct SessionMedia {
     std::optional<WaveFile> wave{};
 };
 
+/// What a remark is about; each has a colour of its own.
+enum class MarkerKind {
+    /// Something does not sound as meant: yellow, or orange.
+    soundsDifferent,
+    /// Something was left out: red.
+    dropped,
+    /// Something is there as something else that sounds the same: green.
+    changed
+};
+
 /// A remark at a place, such as a loss.
 struct SessionMarker {
     exchange::Samples position = 0;
@@ -44,8 +56,9 @@ struct SessionMarker {
     std::string text{};
     /// Position in ExportPlan::tracks; absent for what is about the whole session.
     std::optional<std::size_t> track{};
-    /// Something was dropped; else it does not sound as meant.
-    bool isDropped = false;
+    /// Position in the timeline's events; absent for what is about no clip in particular.
+    std::optional<std::size_t> event{};
+    MarkerKind kind = MarkerKind::soundsDifferent;
 };
 
 /// Names and other texts are UTF-8, paths are bytes.
@@ -83,8 +96,27 @@ void writeDawProject(const Session& session, const PlacedSink& sink);
 /// Marks alone, without media: what lies where, and what was lost there.
 void writeAudacityLabels(const Session& session, const compound::ByteSink& sink);
 void writeReaperMarkers(const Session& session, const compound::ByteSink& sink);
-/// A silent WAVE file with a cue point for each mark.
-void writeCuePoints(const Session& session, const compound::ByteSink& sink);
+/// A silent WAVE file with a cue point for each mark. Its silence is not written: places that the
+/// sink gets nothing for are zeros.
+void writeCuePoints(const Session& session, const PlacedSink& sink);
+
+/// What a WAVE file, which counts its bytes in 32 bits, holds of a session's marks.
+struct CueFileShare {
+    /// How long the file is; of a session of more than twelve hours at 48,000 samples in a second
+    /// the beginning.
+    exchange::Samples length = 0;
+    /// Marks in it, and those that lie behind its end or whose texts have no room.
+    std::size_t held = 0;
+    std::size_t leftOut = 0;
+    bool operator==(const CueFileShare&) const = default;
+};
+
+/// Marks and their texts leave the sound what is above this.
+inline constexpr std::uint64_t mostCueBytes = 1U << 30U;
+
+/// `mostMarkBytes`: of marks and their texts there are no more than these in the file.
+[[nodiscard]] CueFileShare cueFileShare(const Session& session,
+                                        std::uint64_t mostMarkBytes = mostCueBytes);
 
 }  // namespace sessions
 }  // namespace trellant
