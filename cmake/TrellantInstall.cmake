@@ -108,7 +108,7 @@ install(FILES LICENSE packaging/debian/copyright DESTINATION ${CMAKE_INSTALL_DOC
 install(FILES README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR}
     COMPONENT documentation)
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT documentation
-    FILES_MATCHING PATTERN *.md)
+    FILES_MATCHING PATTERN *.md PATTERN *.png)
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT documentation
     FILES_MATCHING PATTERN *.md PATTERN *.omf PATTERN *.json PATTERN *.wav)
 # The pages of the headers, where the target `docs` has made them.

@@ -25,7 +25,7 @@ _trellant() {
     local anywhere="-h --help -q --quiet -v --verbose"
     local lossy="--media --fail-on"
     local output="-o --output --force"
-    local commands="info list extract export check peaks dump validate"
+    local commands="info list extract export check page peaks dump validate"
     local profiles="post film broadcast-25 music archive"
     local rules="media-missing media-ambiguous media-linked media-past-end media-unused loss-dropped loss-sound"
     rules+=" effects nesting omf-version file-size compositions rate-expected rate-mixed depth-expected"
@@ -46,7 +46,8 @@ _trellant() {
         [[ $word == = ]] && continue
         case $previous in
             --media | --fail-on | --to | --output | -o | --object | --path | --format | --media-mode | \
-                --rate | --name | --samples-per-pair | --bits | --profile | --explain)
+                --rate | --name | --language | --samples-per-pair | --bits | --profile | --explain | \
+                --preview-size | --media-folder)
                 previous=""
                 continue
                 ;;
@@ -65,7 +66,7 @@ _trellant() {
     done
 
     case $previous in
-        --media | --to)
+        --media | --to | --media-folder)
             _trellant_paths '' "$current"
             return
             ;;
@@ -98,11 +99,15 @@ _trellant() {
             _trellant_words "copy link embed" "$current"
             return
             ;;
+        --language)
+            _trellant_words "en de" "$current"
+            return
+            ;;
         --bits)
             _trellant_words "8 16" "$current"
             return
             ;;
-        --object | --path | --rate | --name | --samples-per-pair)
+        --object | --path | --rate | --name | --samples-per-pair | --preview-size)
             return
             ;;
     esac
@@ -122,6 +127,7 @@ _trellant() {
             extract) _trellant_words "$anywhere --to $lossy --wav --force --absolute --json" "$current" ;;
             export) _trellant_words "$anywhere --to --format $lossy --media-mode --rate --name --no-markers --force --json" "$current" ;;
             check) _trellant_words "$anywhere --profile --media --recursive --audio --fail-on --json --junit --sarif $output --list-rules --explain" "$current" ;;
+            page) _trellant_words "$anywhere --language --preview-size --media-folder --no-audio $lossy $output" "$current" ;;
             peaks) _trellant_words "$anywhere --samples-per-pair --bits --json $output" "$current" ;;
             dump) _trellant_words "$anywhere --toc --object --path --all --json" "$current" ;;
             validate) _trellant_words "$anywhere --json" "$current" ;;
@@ -136,7 +142,7 @@ _trellant() {
                 _trellant_paths "@($omf|$omfi)" "$current"
             fi
             ;;
-        info | extract | export | check) _trellant_paths "@($omf|$omfi)" "$current" ;;
+        info | extract | export | check | page) _trellant_paths "@($omf|$omfi)" "$current" ;;
         peaks) _trellant_paths "$audio" "$current" ;;
         dump) _trellant_paths '*' "$current" ;;
         help) ((places == 0)) && _trellant_words "$commands" "$current" ;;

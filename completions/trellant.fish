@@ -18,7 +18,7 @@ function __trellant_in
     test "$words[1]" = "$argv[1]"
 end
 
-set -l commands info list extract export check peaks dump validate
+set -l commands info list extract export check page peaks dump validate
 set -l contents tracks clips sources losses
 
 complete -c trellant -f
@@ -33,6 +33,7 @@ complete -c trellant -n __trellant_in -a list -d 'List the tracks, clips, audio 
 complete -c trellant -n __trellant_in -a extract -d 'Take the audio out of OMF files'
 complete -c trellant -n __trellant_in -a export -d 'Write sessions for the tools of today'
 complete -c trellant -n __trellant_in -a check -d 'Hold OMF files against published rules of delivery'
+complete -c trellant -n __trellant_in -a page -d 'Write the timeline as a page for any browser'
 complete -c trellant -n __trellant_in -a peaks -d 'Write waveforms of audio files, for tools that draw them'
 complete -c trellant -n __trellant_in -a dump -d 'Show the containers behind OMF files, for engineers'
 complete -c trellant -n __trellant_in -a validate -d 'Check timelines and results that were written as JSON'
@@ -88,6 +89,16 @@ complete -c trellant -n '__trellant_in check' -l force -d 'Replace an existing f
 complete -c trellant -n '__trellant_in check' -l list-rules -d 'Show the rules'
 complete -c trellant -n '__trellant_in check' -l explain -x -a 'media-missing media-ambiguous media-linked media-past-end media-unused loss-dropped loss-sound effects nesting omf-version file-size compositions rate-expected rate-mixed depth-expected depth-mixed channels-mono handles start-timecode frame-rate rate-label off-frame overlap tiny-clip duplicate pairs track-names muted gain-range names-odd pop-head silent clipped' -d 'Show what a rule is'
 complete -c trellant -n '__trellant_in check' -a '(__trellant_files "omfi?")'
+
+complete -c trellant -n '__trellant_in page' -s o -l output -r -F -d 'Write to this file, or of several files to this folder'
+complete -c trellant -n '__trellant_in page' -l media -x -a '(__fish_complete_directories)' -d 'Look for external audio files here and below'
+complete -c trellant -n '__trellant_in page' -l language -x -a 'en de' -d 'Write English or German'
+complete -c trellant -n '__trellant_in page' -l preview-size -x -d 'Hold so many megabytes of sound in a page'
+complete -c trellant -n '__trellant_in page' -l media-folder -x -a '(__fish_complete_directories)' -d 'Link to the audio files that extract wrote here'
+complete -c trellant -n '__trellant_in page' -l no-audio -d 'Do not listen to the audio'
+complete -c trellant -n '__trellant_in page' -l force -d 'Replace existing files'
+complete -c trellant -n '__trellant_in page' -l fail-on -x -a 'missing render any' -d 'End with status 3 when there is such a loss'
+complete -c trellant -n '__trellant_in page' -a '(__trellant_files "omfi?")'
 
 complete -c trellant -n '__trellant_in peaks' -l samples-per-pair -x -d 'Take a lowest and a highest value of so many samples'
 complete -c trellant -n '__trellant_in peaks' -l bits -x -a '8 16' -d 'Write values of this size'

@@ -41,6 +41,8 @@ ExitStatus perform(const Call& call, Console& console) {
                 const Cancellable heeded;
                 return runExport({.call = options, .helperURLProvider = installedWorker}, console,
                                  stop);
+            } else if constexpr (std::is_same_v<Options, PageCall>) {
+                return runPage(options, console, stop);
             } else {
                 static_assert(std::is_same_v<Options, ExtractCall>);
                 const Cancellable heeded;

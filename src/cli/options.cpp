@@ -130,6 +130,7 @@ class Parser {
         addExtract();
         addExport();
         addCheck();
+        addPage();
         addPeaks();
         addDump();
         addValidate();
@@ -321,6 +322,41 @@ class Parser {
             ->excludes(list);
     }
 
+    void addPage() {
+        page_ = &command("page", "Writes the timeline as a page for any browser",
+                         "  trellant page mix.omf -o mix.html\n"
+                         "  trellant page mix.omf -o mix.html --language de\n"
+                         "  trellant page reel1.omf reel2.omf -o pages");
+        page_
+            ->add_option("FILE", pageCall_.files,
+                         "OMF files; of several each gets a page, with an index")
+            ->required();
+        page_
+            ->add_option(
+                "-o,--output", pageCall_.output,
+                "Write to this file; of several files to this folder, created when missing")
+            ->required()
+            ->type_name("PATH");
+        addMedia(*page_, pageCall_.mediaFolders);
+        addChoice<PageLanguage>(*page_, "--language", pageCall_.language,
+                                "English or German; else as the system is set",
+                                {{"en", PageLanguage::english}, {"de", PageLanguage::german}});
+        constexpr std::uint64_t mostMegabytes = 2'000;
+        page_
+            ->add_option("--preview-size", pageCall_.previewMegabytes,
+                         "Megabytes of sound in a page at most, 0 for none; 30 otherwise")
+            ->type_name("MB")
+            ->check(CLI::Range(std::uint64_t{0}, mostMegabytes).description(""));
+        page_
+            ->add_option("--media-folder", pageCall_.extractedFolder,
+                         "Link to the whole audio files that extract wrote into this folder")
+            ->type_name("FOLDER");
+        page_->add_flag("--no-audio", pageCall_.noAudio,
+                        "Do not listen to the audio: neither waveforms nor playback");
+        page_->add_flag("--force", pageCall_.force, "Replace existing files");
+        addFailOn(*page_, pageCall_.failOn);
+    }
+
     void addPeaks() {
         using audio::PeakBits;
         peaks_ =
@@ -432,6 +468,9 @@ class Parser {
         if (check_->parsed()) {
             return checkCall_;
         }
+        if (page_->parsed()) {
+            return pageCall_;
+        }
         if (peaks_->parsed()) {
             return peaksOptions_;
         }
@@ -459,6 +498,7 @@ class Parser {
     CLI::App* extract_ = nullptr;
     CLI::App* export_ = nullptr;
     CLI::App* check_ = nullptr;
+    CLI::App* page_ = nullptr;
     CLI::App* peaks_ = nullptr;
     CLI::App* dump_ = nullptr;
     CLI::App* validate_ = nullptr;
@@ -467,6 +507,7 @@ class Parser {
     ExtractCall extractCall_;
     ExportCall exportCall_;
     CheckCall checkCall_;
+    PageCall pageCall_;
     DumpCall dumpCall_;
     PeaksOptions peaksOptions_;
     ValidateOptions validateOptions_;

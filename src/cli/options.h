@@ -7,6 +7,7 @@
 #include "export/export.h"
 #include "extract/extract.h"
 #include "look/fail_on.h"
+#include "page/page.h"
 #include "terminal/console.h"
 #include "terminal/destination.h"
 #include "terminal/exit_status.h"
@@ -57,7 +58,7 @@ struct ValidateOptions {
     bool json = false;
 };
 
-using Call = std::variant<InfoOptions, ListOptions, ExtractCall, ExportCall, CheckCall,
+using Call = std::variant<InfoOptions, ListOptions, ExtractCall, ExportCall, CheckCall, PageCall,
                           PeaksOptions, DumpCall, ValidateOptions>;
 
 struct CommandLine {

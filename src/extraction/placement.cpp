@@ -2,8 +2,7 @@
 
 #include "placement.h"
 
-#include "sha256.h"
-
+#include <trellant/extraction/sha256.h>
 #include <trellant/extraction/staging.h>
 #include <trellant/io/errors.h>
 

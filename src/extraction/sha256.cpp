@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "sha256.h"
-
+#include <trellant/extraction/sha256.h>
 #include <trellant/io/errors.h>
 
 #include <array>

@@ -127,7 +127,7 @@ class Bash(InFolder):
         self.assertEqual(self.replies("peaks", "--samples-per-pair", ""), [])
 
     def test_losses_are_offered_after_fail_on(self):
-        for command in ("info", "list", "extract", "export"):
+        for command in ("info", "list", "extract", "export", "page"):
             with self.subTest(command):
                 self.assertEqual(self.replies(command, "--fail-on", ""),
                                  ["any", "missing", "render"])
@@ -139,7 +139,7 @@ class Bash(InFolder):
             with self.subTest(command):
                 self.assertEqual(self.replies(command, "mix.omf", "--to", ""),
                                  ["audio", "bundle.omf"])
-        for command in ("info", "list", "extract", "export"):
+        for command in ("info", "list", "extract", "export", "page"):
             with self.subTest(command):
                 self.assertEqual(self.replies(command, "--media", "a"), ["audio"])
         self.assertEqual(self.replies("extract", "--to", "=", "a"), ["audio"])
@@ -208,7 +208,7 @@ class Zsh(unittest.TestCase):
 
     def test_values_are_all_there(self):
         text = ZSH.read_text()
-        self.assertEqual(text.count(":loss:(missing render any)"), 4)
+        self.assertEqual(text.count(":loss:(missing render any)"), 5)
         self.assertEqual(text.count(":what:(tracks clips sources losses)"), 1)
         for option, name in (("--format", "format"), ("--media-mode", "mode")):
             words = " ".join(choices("export", option))
@@ -254,7 +254,7 @@ class Fish(unittest.TestCase):
 
     def test_values_are_all_there(self):
         text = FISH.read_text()
-        self.assertEqual(text.count("-l fail-on -x -a 'missing render any'"), 4)
+        self.assertEqual(text.count("-l fail-on -x -a 'missing render any'"), 5)
         for option in ("format", "media-mode"):
             words = " ".join(choices("export", f"--{option}"))
             self.assertEqual(text.count(f"-l {option} -x -a '{words}'"), 1)

@@ -39,6 +39,7 @@ TESTS = {
     "sessions": of_room("sessions"),
     "extraction": (*of_room("extraction"), EXTRACT),
     "exporter": (*of_room("exporter"), EXPORT),
+    "page": of_room("page"),
     "cli": (*of_room("cli"), EXTRACT, EXPORT),
     "listening": of_room("listening"),
     "wav": (*of_room("wav"), EXTRACT, EXPORT),

@@ -6,7 +6,7 @@
 #include <functional>
 #include <string>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 /// Of a regular file, in lower-case hexadecimal; no link is followed. `advanced` takes the number
 /// of each further piece of bytes and may throw to end the reading. Throws FileSystemError.

@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: Apache-2.0
+import assert from "node:assert/strict";
+import { after, test } from "node:test";
+import { clipHeight, clipTop, close, colour, distance, firstLane, laneStep, opened, pageOfExample, pixel, pixels,
+  said, sample, settled, xOf } from "./support.mjs";
+
+after(close);
+
+/** Of the page "everything", as its builder has it. */
+const length = 20;
+
+/** The height, from the top of a clip, at which a line of that colour crosses the pixel column. */
+async function heightOfLine(page, track, seconds, wanted) {
+  const x = await xOf(page, seconds, length);
+  const top = firstLane + track * laneStep + clipTop;
+  let found = -1;
+  let nearest = Infinity;
+  const column = await pixels(page, x, top, clipHeight);
+  for (let y = 1; y < clipHeight - 1; ++y) {
+    const away = distance(column[y], wanted);
+    if (away < nearest) {
+      nearest = away;
+      found = y;
+    }
+  }
+  assert.ok(nearest < 90, "no line at " + seconds + " s: " + nearest);
+  return found;
+}
+
+/** Places of a fade of four seconds, and the gain that its curve has there by its formula. */
+const curves = [
+  { track: 0, name: "linear", gain: (place) => place },
+  { track: 2, name: "power", gain: (place) => Math.sin((place * Math.PI) / 2) },
+  { track: 3, name: "logarithmic", gain: (place) => 10 ** (-3 * (1 - place)) },
+];
+for (const { track, name, gain } of curves) {
+  test("a fade is drawn by its curve: " + name, () => opened(sample("everything"), async (page) => {
+    const ink = await colour(page, "fade");
+    for (const place of [0.5, 0.7, 0.8]) {
+      const expected = clipHeight * (1 - gain(place));
+      assert.ok(Math.abs(await heightOfLine(page, track, 4 * place, ink) - expected) <= 2, "in " + place);
+      assert.ok(Math.abs(await heightOfLine(page, track, 10 - 4 * place, ink) - expected) <= 2,
+        "out " + place);
+    }
+  }));
+}
+
+test("the gain line is drawn in decibels", () => opened(sample("everything"), async (page) => {
+  // Half of a quarter, in the middle of the clip of 2 to 10 s, is -18.06 dB; 12 dB are at its top
+  // and -48 dB at its foot, within a pixel at each end.
+  const level = 20 * Math.log10(0.5 * 0.25);
+  const expected = 1 + ((12 - level) / 60) * (clipHeight - 2);
+  assert.ok(Math.abs(await heightOfLine(page, 4, 6, await colour(page, "gain")) - expected) <= 2);
+}));
+
+test("a pin stands where the loss is", () => opened(sample("everything"), async (page) => {
+  // Loss 1 sounds different, at 5 s of the first track; loss 2 was dropped, at 15 s of the third.
+  const places = [[5, 0, "changed"], [15, 2, "bad"]];
+  for (const [seconds, track, name] of places) {
+    const x = await xOf(page, seconds, length);
+    const at = await pixel(page, x - 6, firstLane + track * laneStep + 8);
+    assert.ok(distance(at, await colour(page, name)) < 30, name);
+  }
+}));
+
+test("a pin says what was lost", () => opened(sample("everything"), async (page) => {
+  await page.locator("#lanes").click({ position: { x: await xOf(page, 5, length), y: firstLane + 6 } });
+  assert.equal(await said(page),
+    "Loss 1: This stretch is silent: the effect on it is not known. (Linear, 01:00:05:00)");
+}));
+
+test("missing media are hatched, and where they were looked for is said", () =>
+  opened(sample("everything"), async (page) => {
+    const colours = new Set();
+    for (let x = 0; x < 12; ++x) {
+      colours.add(String(await pixel(page, await xOf(page, 4, length) + x,
+        firstLane + 6 * laneStep + clipTop + 30)));
+    }
+    assert.ok(colours.size > 3, "one plain colour");
+    await page.locator("#scroller").evaluate((box) => box.scrollTo(0, 1000));
+    await page.locator("#next-clip").click();
+    for (let i = 0; i < 6; ++i) {
+      await page.locator("#lanes").press("ArrowDown");
+    }
+    assert.match(await said(page),
+      /Gone\.wav: missing\. Looked for in: D:\\Audio\\Gone\.wav; the folder of the OMF file; Audio disk/);
+  }));
+
+test("wheel and buttons zoom and move", () => opened(sample("everything"), async (page) => {
+  const canvas = page.locator("#lanes");
+  const picture = () => canvas.evaluate((it) => it.toDataURL());
+  const whole = await picture();
+  await canvas.hover({ position: { x: 200, y: 100 } });
+  await page.keyboard.down("Control");
+  await page.mouse.wheel(0, -300);
+  await page.keyboard.up("Control");
+  await settled(page);
+  const zoomed = await picture();
+  assert.notEqual(zoomed, whole);
+  await page.keyboard.down("Shift");
+  await page.mouse.wheel(0, 200);
+  await page.keyboard.up("Shift");
+  await settled(page);
+  assert.notEqual(await picture(), zoomed);
+  await page.locator("#zoom-fit").click();
+  await page.mouse.move(0, 0);
+  await settled(page);
+  assert.equal(await picture(), whole);
+}));
+
+test("the cursor follows a click on the ruler", () => opened(sample("everything"), async (page) => {
+  await page.locator("#ruler").click({ position: { x: await xOf(page, 12, length), y: 10 } });
+  // A pixel is about 0.02 s, half a frame.
+  assert.match(await page.locator("#timecode").textContent(), /^01:00:1(2:00|1:24|2:01)$/);
+}));
+
+test("a link opens the page at its place", () => opened(sample("everything"), async (page) => {
+  assert.equal(await page.locator("#timecode").textContent(), "01:00:07:13");
+}, { hash: "#at=01:00:07:13" }));
+
+test("timecodes of drop-frame counting are those of the table", () =>
+  opened(pageOfExample("session"), async (page) => {
+    for (let i = 0; i < 4; ++i) {
+      await page.locator("#lanes").press("ArrowRight");
+      const row = page.locator("#clips tr[aria-current] td");
+      assert.equal(await page.locator("#timecode").textContent(), await row.nth(1).textContent());
+    }
+  }));
+
+test("dark is dark", () => opened(sample("everything"), async (page) => {
+  const ground = await page.evaluate(() => getComputedStyle(document.body).backgroundColor);
+  assert.equal(ground, "rgb(20, 23, 27)");
+  await page.locator("#theme").click();
+  assert.equal(await page.evaluate(() => getComputedStyle(document.body).backgroundColor),
+    "rgb(246, 246, 243)");
+}, { colorScheme: "dark" }));
+
+test("paper shows the timeline in rows and every row of the tables", () =>
+  opened(sample("reel"), async (page) => {
+    await page.emulateMedia({ media: "print" });
+    await page.evaluate(() => dispatchEvent(new Event("beforeprint")));
+    assert.equal(await page.locator("#clips tbody tr").count(), 2000);
+    // 199.2 s in at most twelve rows are seven of 30 s.
+    assert.equal(await page.locator("#printed svg").count(), 7);
+    assert.equal(await page.locator("#stage").isVisible(), false);
+    await page.evaluate(() => dispatchEvent(new Event("afterprint")));
+    assert.equal(await page.locator("#printed svg").count(), 0);
+    assert.equal(await page.locator("#clips tbody tr").count(), 500);
+  }));
