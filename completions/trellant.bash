@@ -127,7 +127,7 @@ _trellant() {
             extract) _trellant_words "$anywhere --to $lossy --wav --force --absolute --json" "$current" ;;
             export) _trellant_words "$anywhere --to --format $lossy --media-mode --rate --name --no-markers --force --json" "$current" ;;
             check) _trellant_words "$anywhere --profile --media --recursive --audio --fail-on --json --junit --sarif $output --list-rules --explain" "$current" ;;
-            page) _trellant_words "$anywhere --language --preview-size --media-folder --no-audio $lossy $output" "$current" ;;
+            page) _trellant_words "$anywhere --language --profile --preview-size --media-folder --no-audio $lossy $output" "$current" ;;
             peaks) _trellant_words "$anywhere --samples-per-pair --bits --json $output" "$current" ;;
             dump) _trellant_words "$anywhere --toc --object --path --all --json" "$current" ;;
             validate) _trellant_words "$anywhere --json" "$current" ;;

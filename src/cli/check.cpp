@@ -3,6 +3,7 @@
 #include "check/check.h"
 
 #include "check/checked_files.h"
+#include "check/file_facts.h"
 #include "check/heard_audio.h"
 #include "check/named_profile.h"
 #include "check/rule_pages.h"
@@ -26,12 +27,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::size_t longestShownPath = 4'096;
-
-check::FileFacts factsOf(const std::string& file) {
-    std::error_code failure;
-    const std::uintmax_t bytes = fs::file_size(file, failure);
-    return {.name = fs::path(file).filename().native(), .bytes = failure ? 0 : bytes};
-}
 
 /// Why the command line cannot be meant; absent when it can.
 std::optional<std::string> wrongUse(const CheckCall& call) {

@@ -348,6 +348,10 @@ class Parser {
             ->type_name("MB")
             ->check(CLI::Range(std::uint64_t{0}, mostMegabytes).description(""));
         page_
+            ->add_option("--profile", pageCall_.profile,
+                         "The rules of trellant check that the page goes by; else post")
+            ->type_name("PROFILE");
+        page_
             ->add_option("--media-folder", pageCall_.extractedFolder,
                          "Link to the whole audio files that extract wrote into this folder")
             ->type_name("FOLDER");

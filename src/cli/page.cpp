@@ -2,6 +2,7 @@
 // `trellant page`: hand-offs as documents for a browser.
 #include "page/page.h"
 
+#include "check/named_profile.h"
 #include "extract/target_folder.h"
 #include "page/page_language.h"
 #include "page/page_writer.h"
@@ -61,12 +62,13 @@ std::optional<std::string> wrongFolder(const PageCall& call) {
     return std::nullopt;
 }
 
-ExitStatus writeOne(const PageCall& call, Console& console, const StopToken& stop) {
+ExitStatus writeOne(const PageCall& call, const check::Profile& profile, Console& console,
+                    const StopToken& stop) {
     const Destination destination{.path = call.output, .force = call.force};
     if (!mayDeliver(destination, call.files, console)) {
         return ExitStatus::wrongUse;
     }
-    return writePageOf(call.files.front(), call.output, call, console, stop).status;
+    return writePageOf(call.files.front(), call.output, call, profile, console, stop).status;
 }
 
 bool mayWriteAll(const PageCall& call, const std::string& folder,
@@ -80,7 +82,8 @@ bool mayWriteAll(const PageCall& call, const std::string& folder,
     return true;
 }
 
-ExitStatus writeSeveral(const PageCall& call, Console& console, const StopToken& stop) {
+ExitStatus writeSeveral(const PageCall& call, const check::Profile& profile, Console& console,
+                        const StopToken& stop) {
     std::error_code ignored;
     if (call.output == "-" ||
         (fs::exists(call.output, ignored) && !fs::is_directory(call.output, ignored))) {
@@ -97,7 +100,7 @@ ExitStatus writeSeveral(const PageCall& call, Console& console, const StopToken&
     std::vector<page::IndexEntry> entries;
     for (std::size_t i = 0; i < call.files.size(); ++i) {
         const std::string path = (fs::path(call.output) / names[i]).native();
-        PageOutcome outcome = writePageOf(call.files[i], path, call, console, stop);
+        PageOutcome outcome = writePageOf(call.files[i], path, call, profile, console, stop);
         status = worse(status, outcome.status);
         entries.push_back(std::move(outcome.entry));
         if (stop.stop_requested()) {
@@ -129,8 +132,12 @@ ExitStatus runPage(const PageCall& call, Console& console, const StopToken& stop
     }
     speak(call.language);
     try {
-        return call.files.size() == 1 ? writeOne(call, console, stop)
-                                      : writeSeveral(call, console, stop);
+        const check::Profile profile = namedProfile(call.profile);
+        return call.files.size() == 1 ? writeOne(call, profile, console, stop)
+                                      : writeSeveral(call, profile, console, stop);
+    } catch (const check::ProfileError& error) {
+        console.error(error.what());
+        return ExitStatus::wrongUse;
     } catch (const OutputClosed&) {
         throw;
     } catch (const std::exception& error) {

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace trellant {
 
@@ -43,22 +44,26 @@ void separate(TakenOut& taken, const Staging& staging) {
 /// wrote too. Our own search compares what is in the files.
 TakenOut takeOut(const std::string& file, const Staging& staging,
                  const AAFWorkerClient::HelperURLProvider& helperURLProvider,
-                 WorkProgress& progress) {
+                 WorkProgress& progress, bool contents) {
+    std::vector<std::string> extensions{
+        std::string(Extensions::lossPlacesName), std::string(Extensions::compositionsName),
+        std::string(Extensions::embeddedMediaName), std::string(Extensions::datesName),
+        std::string(Extensions::reelsName)};
+    if (contents) {
+        extensions.emplace_back(Extensions::contentsName);
+    }
     progress.begin("Taking the audio out", bytesOfFile(std::filesystem::absolute(file).native()));
-    AAFWorkerProtocol::Result answer = askWorker(
-        {.file = file,
-         .operation = AAFWorkerProtocol::Request::Operation::extractAndInspect,
-         .workDirectory = staging.path(),
-         .extensions = {std::string(Extensions::lossPlacesName),
-                        std::string(Extensions::compositionsName),
-                        std::string(Extensions::embeddedMediaName),
-                        std::string(Extensions::datesName), std::string(Extensions::reelsName)},
-         .helperURLProvider = helperURLProvider},
-        progress.stop(), {}, [&] { progress.at(staging.bytes()); });
+    AAFWorkerProtocol::Result answer =
+        askWorker({.file = file,
+                   .operation = AAFWorkerProtocol::Request::Operation::extractAndInspect,
+                   .workDirectory = staging.path(),
+                   .extensions = std::move(extensions),
+                   .helperURLProvider = helperURLProvider},
+                  progress.stop(), {}, [&] { progress.at(staging.bytes()); });
     progress.check();
     TakenOut taken;
-    if (const Boxed<Extensions>& extensions = answer.extensions) {
-        taken.embedded = extensions->embeddedMedia;
+    if (const Boxed<Extensions>& said = answer.extensions) {
+        taken.embedded = said->embeddedMedia;
     }
     taken.handOff = handOffOf(std::move(answer));
     // A file is moved from where the worker says it is: only what it was told to write is ours.

@@ -9,10 +9,14 @@ namespace trellant::listening {
 AudibleHandOff::AudibleHandOff(const AudibleHandOffRequest& request, WorkProgress& progress)
     : audio_(request.directory),
       made_(request.directory),
-      handOff_(
-          std::move(takeOut(request.file, audio_, request.helperURLProvider, progress).handOff)) {
+      handOff_(std::move(
+          takeOut(request.file, audio_, request.helperURLProvider, progress, request.contents)
+              .handOff)) {
     findMedia(handOff_, request.file, request.mediaFolders, {}, progress);
     makeUsable(handOff_);
+    if (request.contents) {
+        measureMedia(handOff_, progress);
+    }
 }
 
 bool AudibleHandOff::isStaged(std::string_view path) const {

@@ -80,6 +80,33 @@ class Facts {
     Markup& markup_;
 };
 
+/// "Failed by the profile post: 4 errors, 16 warnings".
+std::string checkText(const check::Verdict& verdict) {
+    const std::size_t errors = verdict.count(check::Severity::error);
+    std::string text = say(errors == 0 ? "checkPassed" : "checkFailed", verdict.profile);
+    std::string counts;
+    if (errors != 0) {
+        appendPart(counts, say("errorCount", std::to_string(errors)));
+    }
+    if (const std::size_t count = verdict.count(check::Severity::warning); count != 0) {
+        appendPart(counts, say("warningCount", std::to_string(count)));
+    }
+    if (const std::size_t count = verdict.count(check::Severity::info); count != 0) {
+        appendPart(counts, say("remarkCount", std::to_string(count)));
+    }
+    return text + (counts.empty() ? "" : ": " + counts);
+}
+
+/// A mark with a colour for what weighs most; the words say it too.
+const char* markOf(const check::Verdict& verdict) {
+    if (verdict.count(check::Severity::error) != 0) {
+        return "bad\"><span aria-hidden=\"true\">!</span> ";
+    }
+    return verdict.count(check::Severity::warning) != 0
+               ? "warning\"><span aria-hidden=\"true\">!</span> "
+               : "good\"><span aria-hidden=\"true\">&#10003;</span> ";
+}
+
 }  // namespace
 
 std::string compositionText(const HandOff& handOff) {
@@ -150,7 +177,7 @@ void writeFacts(Markup& markup, const PageRequest& request, const Summary& summa
     }
 }
 
-void writeVerdict(Markup& markup, const Summary& summary) {
+void writeVerdict(Markup& markup, const Summary& summary, const check::Verdict* verdict) {
     const bool isClean = summary.losses == 0;
     markup.raw("<ul class=\"verdict\">\n<li class=\"");
     markup.raw(isClean ? "good\"><span aria-hidden=\"true\">&#10003;</span> "
@@ -163,6 +190,10 @@ void writeVerdict(Markup& markup, const Summary& summary) {
         markup.raw("<li class=\"bad\"><span aria-hidden=\"true\">!</span> ");
         markup.text(say("audioFiles")).raw(": ").text(std::to_string(count) + " ");
         markup.text(stateName(SourceState::missing)).raw("</li>\n");
+    }
+    if (verdict != nullptr) {
+        markup.raw("<li class=\"").raw(markOf(*verdict));
+        markup.raw("<a href=\"#findings\">").text(checkText(*verdict)).raw("</a></li>\n");
     }
     markup.raw("</ul>\n");
 }

@@ -58,7 +58,7 @@ class Page {
             {"file", [this] { markup_.name(request_.file); }},
             {"style", [this] { markup_.raw(style_); }},
             {"facts", [this] { writeFacts(markup_, request_, summary_); }},
-            {"verdict", [this] { writeVerdict(markup_, summary_); }},
+            {"verdict", [this] { writeVerdict(markup_, summary_, request_.verdict); }},
             {"tables", [this] { writeTables(); }},
             {"texts", [this] { writeTexts(markup_); }},
             {"data",
@@ -82,6 +82,9 @@ class Page {
 
     void writeTables() {
         writeLosses(markup_, request_.handOff);
+        if (request_.verdict != nullptr) {
+            writeFindings(markup_, request_.handOff, *request_.verdict);
+        }
         writeClips(markup_, request_.handOff, sources_);
         writeTracks(markup_, request_.handOff);
         writeSources(markup_, sources_, request_.fullFiles);

@@ -4,6 +4,7 @@
 
 #include "markup.h"
 
+#include <trellant/check/verdict.h>
 #include <trellant/handoff/hand_off.h>
 #include <trellant/handoff/sources.h>
 
@@ -19,6 +20,8 @@ void writeClips(Markup& markup, const HandOff& handOff, const Sources& sources);
 void writeSources(Markup& markup, const Sources& sources,
                   const std::vector<std::string>& fullFiles);
 void writeLosses(Markup& markup, const HandOff& handOff);
+/// What the rules of delivery found, of each rule the first ones.
+void writeFindings(Markup& markup, const HandOff& handOff, const check::Verdict& verdict);
 void writeCompositions(Markup& markup, const HandOff& handOff);
 void writeChanges(Markup& markup, const HandOff& handOff);
 

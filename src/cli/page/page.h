@@ -29,6 +29,8 @@ struct PageCall {
     std::optional<std::string> extractedFolder;
     /// Megabytes of previews in a page; 0: none.
     std::uint64_t previewMegabytes = 30;
+    /// Whose rules of delivery the page holds the hand-off against; as `trellant check` takes it.
+    std::string profile = "post";
     /// Nothing is listened to: no waveforms, no previews.
     bool noAudio = false;
     bool force = false;

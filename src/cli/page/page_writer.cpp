@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "page_writer.h"
 
+#include "check/file_facts.h"
 #include "full_files.h"
 #include "look/console_progress.h"
 #include "look/failure_text.h"
@@ -98,7 +99,8 @@ std::string roomFor(const std::string& path) {
 Heard heard(const std::string& file, const std::string& path, const PageCall& call,
             Console& console, const StopToken& stop) {
     if (call.noAudio) {
-        Inspection found = inspect(file, call.mediaFolders, console, stop);
+        Inspection found = inspect(
+            {.file = file, .mediaFolders = call.mediaFolders, .contents = true}, console, stop);
         return {.silent = std::move(found.handOff), .failure = std::move(found.failure)};
     }
     Heard result;
@@ -110,8 +112,10 @@ Heard heard(const std::string& file, const std::string& path, const PageCall& ca
         const Cancellable heeded;
         ConsoleProgress progress(console, stop);
         result.audible = std::make_unique<listening::AudibleHandOff>(
-            listening::AudibleHandOffRequest{
-                .file = file, .directory = roomFor(path), .mediaFolders = call.mediaFolders},
+            listening::AudibleHandOffRequest{.file = file,
+                                             .directory = roomFor(path),
+                                             .mediaFolders = call.mediaFolders,
+                                             .contents = true},
             progress);
         console.endBar();
         reportChanges(file, result.audible->handOff(), console);
@@ -157,16 +161,19 @@ void addFiles(page::PageRequest& request, const std::string& file, const std::st
 }  // namespace
 
 PageOutcome writePageOf(const std::string& file, const std::string& path, const PageCall& call,
-                        Console& console, const StopToken& stop) {
+                        const check::Profile& profile, Console& console, const StopToken& stop) {
     const Heard found = heard(file, path, call, console, stop);
     const HandOff* const handOff = found.handOff();
     if (handOff == nullptr) {
         return failedOutcome(file, found.failure);
     }
+    const check::Verdict checked =
+        check::verdictOf(check::CheckedHandOff(*handOff, factsOf(file)), profile);
     page::PageRequest request{.handOff = *handOff,
                               .file = std::filesystem::path(file).filename().native(),
                               .searchedFolders = call.mediaFolders,
-                              .sound = found.sound ? &*found.sound : nullptr};
+                              .sound = found.sound ? &*found.sound : nullptr,
+                              .verdict = &checked};
     try {
         addFiles(request, file, path, call, console, stop);
     } catch (const std::exception& error) {

@@ -4,6 +4,7 @@
 
 #include "page.h"
 
+#include <trellant/check/profile.h>
 #include <trellant/page/page.h>
 
 #include <string>
@@ -19,7 +20,7 @@ struct PageOutcome {
 /// Reads `file` and writes its page to `path` ("-": standard output). What goes wrong is said on
 /// the console. Throws as runPage does.
 [[nodiscard]] PageOutcome writePageOf(const std::string& file, const std::string& path,
-                                      const PageCall& call, Console& console,
-                                      const StopToken& stop);
+                                      const PageCall& call, const check::Profile& profile,
+                                      Console& console, const StopToken& stop);
 
 }  // namespace trellant::cli

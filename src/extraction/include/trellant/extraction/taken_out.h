@@ -20,9 +20,10 @@ struct TakenOut {
     Boxed<AAFWorkerExtensions::EmbeddedMedia> embedded{};
 };
 
-/// Runs one worker. Throws as readHandOff does; after a stop what is whole stays in the folder.
+/// Runs one worker. `contents`: as a HandOffRequest has it. Throws as readHandOff does; after a stop
+/// what is whole stays in the folder.
 [[nodiscard]] TakenOut takeOut(const std::string& file, const Staging& staging,
                                const AAFWorkerClient::HelperURLProvider& helperURLProvider,
-                               WorkProgress& progress);
+                               WorkProgress& progress, bool contents = false);
 
 }  // namespace trellant

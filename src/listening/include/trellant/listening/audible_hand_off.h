@@ -21,6 +21,8 @@ struct AudibleHandOffRequest {
     std::string directory{};
     /// Searched for audio files that lie outside, beside the folder of `file` itself.
     std::vector<std::string> mediaFolders{};
+    /// As a HandOffRequest has it.
+    bool contents = false;
     AAFWorkerClient::HelperURLProvider helperURLProvider = installedWorker;
 };
 

@@ -3,6 +3,7 @@
 // document needs no network, no other file and no script to be read.
 #pragma once
 
+#include <trellant/check/verdict.h>
 #include <trellant/handoff/hand_off.h>
 #include <trellant/json/json_writer.h>
 #include <trellant/page/page_sound.h>
@@ -25,6 +26,8 @@ struct PageRequest {
     std::vector<std::string> searchedFolders{};
     /// Of the same hand-off; null: nothing was listened to. Must outlive the call.
     const PageSound* sound = nullptr;
+    /// By the rules of delivery; null: nobody checked. Must outlive the call.
+    const check::Verdict* verdict = nullptr;
     /// For each essence how the page's links name its whole audio file, a relative reference as a
     /// URL has it; empty where there is none. All are absent when the list is empty.
     std::vector<std::string> fullFiles{};
