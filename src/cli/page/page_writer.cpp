@@ -98,7 +98,8 @@ std::string roomFor(const std::string& path) {
 Heard heard(const std::string& file, const std::string& path, const PageCall& call,
             Console& console, const StopToken& stop) {
     if (call.noAudio) {
-        Inspection found = inspect(file, call.mediaFolders, console, stop);
+        Inspection found =
+            inspect({.file = file, .mediaFolders = call.mediaFolders}, console, stop);
         return {.silent = std::move(found.handOff), .failure = std::move(found.failure)};
     }
     Heard result;
