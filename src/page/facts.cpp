@@ -4,6 +4,7 @@
 #include "say.h"
 #include "value_text.h"
 
+#include <trellant/check/verdict.h>
 #include <trellant/handoff/timeline_text.h>
 #include <trellant/version.h>
 
@@ -80,6 +81,34 @@ class Facts {
     Markup& markup_;
 };
 
+/// What `trellant check` says by its usual profile, as far as nobody has to listen for that.
+void writeCheck(Markup& markup, const PageRequest& request) {
+    const check::BuiltInProfile& usual = check::builtInProfiles().front();
+    const auto profile = check::builtInProfile(usual.name);
+    if (!profile) {
+        return;
+    }
+    const check::Verdict verdict = check::verdictOf(
+        check::CheckedHandOff(request.handOff, {.name = request.file, .bytes = request.bytes}),
+        *profile);
+    const std::size_t errors = verdict.count(check::Severity::error);
+    const std::size_t warnings = verdict.count(check::Severity::warning);
+    const bool isGood = errors + warnings == 0;
+    markup.raw("<li class=\"");
+    markup.raw(errors != 0 ? "bad\"><span aria-hidden=\"true\">!</span> "
+               : isGood    ? "good\"><span aria-hidden=\"true\">&#10003;</span> "
+                           : "warning\"><span aria-hidden=\"true\">!</span> ");
+    markup.text(say("check", usual.name)).raw(": ");
+    std::string text;
+    if (errors != 0) {
+        appendPart(text, say("checkErrors", std::to_string(errors)));
+    }
+    if (warnings != 0) {
+        appendPart(text, say("checkWarnings", std::to_string(warnings)));
+    }
+    markup.text(isGood ? say("checkNothing") : std::string_view(text)).raw("</li>\n");
+}
+
 }  // namespace
 
 std::string compositionText(const HandOff& handOff) {
@@ -150,7 +179,7 @@ void writeFacts(Markup& markup, const PageRequest& request, const Summary& summa
     }
 }
 
-void writeVerdict(Markup& markup, const Summary& summary) {
+void writeVerdict(Markup& markup, const PageRequest& request, const Summary& summary) {
     const bool isClean = summary.losses == 0;
     markup.raw("<ul class=\"verdict\">\n<li class=\"");
     markup.raw(isClean ? "good\"><span aria-hidden=\"true\">&#10003;</span> "
@@ -164,6 +193,7 @@ void writeVerdict(Markup& markup, const Summary& summary) {
         markup.text(say("audioFiles")).raw(": ").text(std::to_string(count) + " ");
         markup.text(stateName(SourceState::missing)).raw("</li>\n");
     }
+    writeCheck(markup, request);
     markup.raw("</ul>\n");
 }
 

@@ -22,6 +22,6 @@ namespace trellant::page {
 
 void writeFacts(Markup& markup, const PageRequest& request, const Summary& summary);
 /// The verdicts, each a mark with a word: never by colour alone.
-void writeVerdict(Markup& markup, const Summary& summary);
+void writeVerdict(Markup& markup, const PageRequest& request, const Summary& summary);
 
 }  // namespace trellant::page

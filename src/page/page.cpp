@@ -58,7 +58,7 @@ class Page {
             {"file", [this] { markup_.name(request_.file); }},
             {"style", [this] { markup_.raw(style_); }},
             {"facts", [this] { writeFacts(markup_, request_, summary_); }},
-            {"verdict", [this] { writeVerdict(markup_, summary_); }},
+            {"verdict", [this] { writeVerdict(markup_, request_, summary_); }},
             {"tables", [this] { writeTables(); }},
             {"texts", [this] { writeTexts(markup_); }},
             {"data",

@@ -5,7 +5,7 @@ namespace trellant::page {
 
 namespace {
 
-constexpr std::array<PageText, 140> texts{{
+constexpr std::array<PageText, 144> texts{{
     {"page.allMuted", "none: every clip is muted"},
     {"page.assumed", "assumed: the file has no timecode"},
     {"page.audioFile", "Audio file"},
@@ -16,6 +16,10 @@ constexpr std::array<PageText, 140> texts{{
     {"page.changes", "Changes"},
     {"page.channel", "Ch."},
     {"page.channels", "Channels"},
+    {"page.check", "Check ({0})"},
+    {"page.checkErrors", "{0} errors"},
+    {"page.checkNothing", "nothing found"},
+    {"page.checkWarnings", "{0} warnings"},
     {"page.checksum", "SHA-256 of the file"},
     {"page.clip", "Clip"},
     {"page.clipPlace", "Clip {0} of {1} on this track"},

@@ -92,6 +92,13 @@ TEST(Page, TakesAtMostSoManyBytesForAClip) {
     EXPECT_LE(pageOf(reelOf(clips)).size() - frame, clips * mostBytes);
 }
 
+TEST(Page, SaysWhatACheckSays) {
+    // One file is missing, which is an error to every house.
+    const std::string page = pageOf(handOffOfEverything());
+    EXPECT_NE(page.find("</span> Check (post): "), std::string::npos);
+    EXPECT_EQ(page.find("Check (post): nothing found"), std::string::npos);
+}
+
 TEST(Page, WithoutClipsIsWholeToo) {
     const std::string page = pageOf(emptyHandOff());
     EXPECT_NE(page.find("<h1>(no name)</h1>"), std::string::npos);

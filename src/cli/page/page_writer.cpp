@@ -98,7 +98,8 @@ std::string roomFor(const std::string& path) {
 Heard heard(const std::string& file, const std::string& path, const PageCall& call,
             Console& console, const StopToken& stop) {
     if (call.noAudio) {
-        Inspection found = inspect(file, call.mediaFolders, console, stop);
+        Inspection found =
+            inspect({.file = file, .mediaFolders = call.mediaFolders}, console, stop);
         return {.silent = std::move(found.handOff), .failure = std::move(found.failure)};
     }
     Heard result;
@@ -148,6 +149,7 @@ void saySound(const std::string& file, const page::PageSound& sound, Console& co
 void addFiles(page::PageRequest& request, const std::string& file, const std::string& path,
               const PageCall& call, Console& console, const StopToken& stop) {
     request.sha256 = digestOf(file, console, stop);
+    request.bytes = std::filesystem::file_size(file);
     if (call.extractedFolder) {
         request.fullFiles =
             fullFiles(request.handOff.timeline, *call.extractedFolder, folderOf(path));

@@ -8,6 +8,7 @@
 #include <trellant/page/page_sound.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,8 @@ struct PageRequest {
     const HandOff& handOff;
     /// What a person calls the file; any bytes.
     std::string file{};
+    /// Of the file.
+    std::uint64_t bytes = 0;
     /// Of the file, in hexadecimal; empty where it is not known.
     std::string sha256{};
     /// The folders that missing audio was looked for in, as a person named them.
