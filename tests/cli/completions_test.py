@@ -217,7 +217,7 @@ class Zsh(unittest.TestCase):
     def test_what_may_be_given_several_times_is_marked_so(self):
         text = ZSH.read_text()
         self.assertEqual(text.count("'*--media=["), text.count("--media=["))
-        self.assertEqual(text.count('"*:OMF file:$omf"'), 5)
+        self.assertEqual(text.count('"*:OMF file:$omf"'), 6)
 
 
 class Fish(unittest.TestCase):
