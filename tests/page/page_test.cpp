@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "hand_offs.h"
 
+#include <trellant/check/rule.h>
+
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+
+#include <utility>
 
 namespace trellant::page {
 
@@ -90,6 +94,69 @@ TEST(Page, TakesAtMostSoManyBytesForAClip) {
     constexpr std::size_t mostBytes = 250;
     const std::size_t frame = pageOf(reelOf(0)).size();
     EXPECT_LE(pageOf(reelOf(clips)).size() - frame, clips * mostBytes);
+}
+
+std::string pageWith(const HandOff& handOff, const check::Verdict& verdict) {
+    StringSink sink;
+    writePage({.handOff = handOff, .file = "mix.omf", .verdict = &verdict}, sink);
+    return std::move(sink.text);
+}
+
+TEST(Page, WithoutACheckSaysNothingOfRules) {
+    const std::string page = pageOf(handOffOfEverything());
+    EXPECT_EQ(countOf(page, "id=\"findings\""), 0U);
+    EXPECT_EQ(countOf(page, "by the profile"), 0U);
+}
+
+TEST(Page, SaysTheVerdictAndTheFirstFindingsOfEachRule) {
+    check::RuleVerdict handles{.rule = check::ruleNamed("handles"),
+                               .severity = check::Severity::error,
+                               .count = 22,
+                               .acceptedCount = 1};
+    check::Finding finding{.sentence = "Too short <b>.", .start = AAFRational(1)};
+    finding.duration = AAFRational(2);
+    handles.findings.assign(21, finding);
+    finding.acceptedBecause = "agreed";
+    handles.accepted.assign(1, finding);
+    check::RuleVerdict muted{.rule = check::ruleNamed("muted"),
+                             .severity = check::Severity::info,
+                             .count = 1,
+                             .findings = {{.sentence = "Muted."}}};
+    const check::Verdict verdict{.profile = "house", .rules = {muted, handles}};
+    const std::string page = pageWith(handOffOfEverything(), verdict);
+    EXPECT_EQ(countOf(page, "Failed by the profile house: 22 errors, 1 info</a></li>"), 1U);
+    // 20 that count, the accepted one, what more there is, and the muted track.
+    EXPECT_EQ(countOf(page, "<span class=\"count\">23</span></h2>"), 1U);
+    EXPECT_EQ(countOf(page,
+                      "\n<tr><td>error<td>handles<td>01:00:01:00<td>01:00:03:00<td><td><td>"
+                      "Too short &lt;b&gt;."),
+              20U);
+    EXPECT_EQ(countOf(page,
+                      "<td>accepted<td>handles<td>01:00:01:00<td>01:00:03:00<td><td><td>"
+                      "Too short &lt;b&gt;. (agreed)"),
+              1U);
+    EXPECT_EQ(countOf(page,
+                      "<td>error<td>handles<td><td><td><td><td>and 2 more: trellant check "
+                      "shows them"),
+              1U);
+    EXPECT_LT(page.find("<td>error<td>handles"), page.find("<td>info<td>muted"))
+        << "the gravest first";
+}
+
+TEST(Page, WithNothingButWarningsPasses) {
+    check::RuleVerdict rule{.rule = check::ruleNamed("handles"),
+                            .severity = check::Severity::warning,
+                            .count = 1,
+                            .findings = {{.sentence = "Short."}}};
+    const std::string page =
+        pageWith(handOffOfEverything(), {.profile = "post", .rules = {std::move(rule)}});
+    EXPECT_EQ(countOf(page,
+                      "<li class=\"warning\"><span aria-hidden=\"true\">!</span> "
+                      "<a href=\"#findings\">Passed by the profile post: 1 warnings</a>"),
+              1U);
+    EXPECT_EQ(countOf(pageWith(handOffOfEverything(), {.profile = "post"}),
+                      "<a href=\"#findings\">Passed by the profile post</a>"),
+              1U);
 }
 
 TEST(Page, WithoutClipsIsWholeToo) {
