@@ -80,21 +80,27 @@ class Facts {
     Markup& markup_;
 };
 
+std::string countedText(std::size_t count, std::string_view one, std::string_view several) {
+    return count == 1 ? std::string(say(one)) : say(several, std::to_string(count));
+}
+
 /// "Failed by the profile post: 4 errors, 16 warnings".
 std::string checkText(const check::Verdict& verdict) {
     const std::size_t errors = verdict.count(check::Severity::error);
-    std::string text = say(errors == 0 ? "checkPassed" : "checkFailed", verdict.profile);
+    const std::size_t warnings = verdict.count(check::Severity::warning);
+    const std::size_t remarks = verdict.count(check::Severity::info);
     std::string counts;
     if (errors != 0) {
-        appendPart(counts, say("errorCount", std::to_string(errors)));
+        appendPart(counts, countedText(errors, "oneError", "errorCount"));
     }
-    if (const std::size_t count = verdict.count(check::Severity::warning); count != 0) {
-        appendPart(counts, say("warningCount", std::to_string(count)));
+    if (warnings != 0) {
+        appendPart(counts, countedText(warnings, "oneWarning", "warningCount"));
     }
-    if (const std::size_t count = verdict.count(check::Severity::info); count != 0) {
-        appendPart(counts, say("remarkCount", std::to_string(count)));
+    if (remarks != 0) {
+        appendPart(counts, countedText(remarks, "oneRemark", "remarkCount"));
     }
-    return text + (counts.empty() ? "" : ": " + counts);
+    return say(errors == 0 ? "checkPassed" : "checkFailed", shownText(verdict.profile)) +
+           (counts.empty() ? "" : ": " + counts);
 }
 
 /// A mark with a colour for what weighs most; the words say it too.

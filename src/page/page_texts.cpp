@@ -5,7 +5,7 @@ namespace trellant::page {
 
 namespace {
 
-constexpr std::array<PageText, 153> texts{{
+constexpr std::array<PageText, 156> texts{{
     {"page.accepted", "accepted"},
     {"page.allMuted", "none: every clip is muted"},
     {"page.assumed", "assumed: the file has no timecode"},
@@ -110,6 +110,9 @@ constexpr std::array<PageText, 153> texts{{
     {"page.number", "No."},
     {"page.object", "Object"},
     {"page.objectPath", "Place in the file"},
+    {"page.oneError", "1 error"},
+    {"page.oneRemark", "1 info"},
+    {"page.oneWarning", "1 warning"},
     {"page.out", "Out"},
     {"page.overview", "Overview of the whole timeline"},
     {"page.pan", "Pan"},

@@ -3,8 +3,6 @@
 #include "rule_words.h"
 #include "rules/rules.h"
 
-#include <trellant/base/printable_text.h>
-
 namespace trellant::check {
 
 namespace {
@@ -14,11 +12,10 @@ void reportUnrendered(const CheckedHandOff& checked, FindingList& findings) {
     for (const PlacedLoss& loss : losses) {
         if (isOfEffect(loss)) {
             findings.report({.loss = &loss}, [&] {
-                return FindingText{.sentence = loss.plain +
-                                               " Render the effect to a clip before the export (" +
-                                               printableText(loss.description) + ").",
-                                   .found = textValue("unrendered"),
-                                   .wanted = textValue("none")};
+                return FindingText{
+                    .sentence = loss.plain + " Render the effect to a clip before the export.",
+                    .found = textValue("unrendered"),
+                    .wanted = textValue("none")};
             });
         }
     }
