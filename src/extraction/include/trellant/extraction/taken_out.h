@@ -20,8 +20,8 @@ struct TakenOut {
     Boxed<AAFWorkerExtensions::EmbeddedMedia> embedded{};
 };
 
-/// Runs one worker. `contents`: as a HandOffRequest has it. Throws as readHandOff does; after a stop
-/// what is whole stays in the folder.
+/// Runs one worker. `contents`: as a HandOffRequest has it. Throws as readHandOff does; after a
+/// stop what is whole stays in the folder.
 [[nodiscard]] TakenOut takeOut(const std::string& file, const Staging& staging,
                                const AAFWorkerClient::HelperURLProvider& helperURLProvider,
                                WorkProgress& progress, bool contents = false);
