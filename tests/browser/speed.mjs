@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// How long a page takes. Each figure is the best of three: others may be at work on the machine.
+// How long a page takes, on a machine that does nothing else: no test of the suite, which no clock
+// decides, but what scripts/page-speed runs. Each opening is the best of three.
 import assert from "node:assert/strict";
 import { after, test } from "node:test";
 import { close, opened, sample, settled } from "./support.mjs";
