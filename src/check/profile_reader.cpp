@@ -322,7 +322,7 @@ Profile standardProfile() {
     for (const Rule* const rule : allRules()) {
         RuleSettings settings{.severity = rule->severity};
         for (const Parameter& parameter : rule->parameters) {
-            settings.values.emplace_back(parameter.key, ParameterValue{});
+            settings.values.emplace_back().first = parameter.key;
         }
         profile.settings.push_back(std::move(settings));
     }
