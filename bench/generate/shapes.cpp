@@ -3,6 +3,7 @@
 
 #include "shape_parts.h"
 
+#include <algorithm>
 #include <array>
 
 namespace trellant::bench {
@@ -64,14 +65,16 @@ void effects(CompositionWriter& writer, const ShapeRequest& request) {
     }
 }
 
-/// As a mixed session is: a gain line of ten points on every clip.
+/// As a mixed session is: a gain line of ten points on every clip, a hundred clips of each file.
 void automation(CompositionWriter& writer, const ShapeRequest& request) {
     constexpr std::uint32_t pointCount = 10;
-    files(writer, sourcesFor(request.count), request.media);
+    const std::uint32_t sources = std::max(request.count / 100, 1U);
+    files(writer, sources, request.media);
     writer.beginComposition("Automation");
     TrackFiller tracks(writer, request.count, clipsInTrack);
     for (std::uint32_t i = 0; i < request.count; ++i) {
-        const ClipSpec clip = clipOf(i, request.count);
+        ClipSpec clip = clipOf(i, request.count);
+        clip.source = fileID(i % sources);
         std::vector<PointSpec> points;
         for (std::uint32_t point = 0; point < pointCount; ++point) {
             points.push_back({100 * point / (pointCount - 1), 20 + (7 * i + 31 * point) % 80});
