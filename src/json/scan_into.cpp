@@ -78,7 +78,11 @@ class Scanner {
         if (cursor_.peekToken() == ',') {
             cursor_.skipPeeked();
             valueIsDue_ = true;
-            return inArray_ || key();
+            if (!inArray_) {
+                return key();
+            }
+            filler_.textLeft(cursor_.rest().size());
+            return true;
         }
         if (inArray_ ? !endsArray() : !endsObject()) {
             return false;
@@ -100,6 +104,7 @@ class Scanner {
 
     [[nodiscard]] bool beginArray() {
         cursor_.skipPeeked();
+        filler_.textLeft(cursor_.rest().size());
         filler_.beginArray();
         if (endsArray()) {
             return true;

@@ -4,6 +4,8 @@
 #include <trellant/base/precondition.h>
 #include <trellant/base/printable_text.h>
 
+#include <algorithm>
+
 namespace trellant::jsonDecoding {
 
 namespace {
@@ -13,7 +15,29 @@ namespace {
                      Misfit::wrongType};
 }
 
+// An array is guessed at when it holds so many elements, and again at each multiple of it by
+// `guessFactor`; no guess reaches beyond the next.
+constexpr std::size_t firstGuess = 256;
+constexpr std::size_t guessFactor = 1'024;
+
+/// Whether an array of `count` elements is to be guessed at.
+bool isGuessDue(std::size_t count) noexcept {
+    return count == firstGuess || count == firstGuess * guessFactor;
+}
+
 }  // namespace
+
+/// The elements to come are taken to be as long as those before, up to the end of the text.
+void ValueFiller::expectElements(const Frame& frame) const {
+    if (textLeft_ >= frame.textLeft) {
+        return;
+    }
+    const auto held = static_cast<double>(frame.index);
+    const auto bytesOfOne = static_cast<double>(frame.textLeft - textLeft_) / held;
+    const double most = static_cast<double>(guessFactor) * held;
+    const double guess = std::min(held + static_cast<double>(textLeft_) / bytesOfOne, most);
+    frame.ops->expectElements(frame.target, static_cast<std::size_t>(guess));
+}
 
 /// Where the next value belongs; for optional fields that is the field itself.
 ValueSlot ValueFiller::nextSlot() {
@@ -26,6 +50,9 @@ ValueSlot ValueFiller::nextSlot() {
     }
     frame.index += frame.inElement ? 1 : 0;
     frame.inElement = true;
+    if (isGuessDue(frame.index) && frame.ops->expectElements != nullptr) {
+        expectElements(frame);
+    }
     return frame.ops->element(frame.target);
 }
 
@@ -49,6 +76,7 @@ void ValueFiller::push(ValueSlot slot, bool isArray) {
     frame.target = slot.target;
     frame.isArray = isArray;
     frame.likelyField = slot.ops->firstField;
+    frame.textLeft = textLeft_;
 }
 
 void ValueFiller::null() {

@@ -29,6 +29,12 @@ class ValueFiller {
     void endObject();
     void endArray();
 
+    /// How many bytes of the text are to come, told before an array begins and before each of its
+    /// values: by that the filler guesses how long a long array becomes, since moving a hundred
+    /// thousand records to a larger place again and again costs more than a guess. Whoever does not
+    /// tell gets no guess.
+    void textLeft(std::size_t bytes) noexcept { textLeft_ = bytes; }
+
     /// Where the last event belongs: "events[3].id"; one printable line.
     [[nodiscard]] std::string keyPath() const;
 
@@ -37,6 +43,7 @@ class ValueFiller {
     // rational).
     static constexpr std::size_t maxDepth = 16;
 
+    void expectElements(const Frame& frame) const;
     [[nodiscard]] ValueSlot nextSlot();
     [[nodiscard]] ValueSlot nextValue();
     void push(ValueSlot slot, bool isArray);
@@ -49,6 +56,7 @@ class ValueFiller {
     ValueSlot member_;
     /// Open objects and arrays below an ignored key.
     std::size_t ignoredDepth_ = 0;
+    std::size_t textLeft_ = 0;
 };
 
 }  // namespace trellant::jsonDecoding

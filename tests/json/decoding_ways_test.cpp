@@ -316,6 +316,38 @@ TEST(DecodingWays, AgreeOnWhatACheckThrows) {
     EXPECT_TRUE(takenBothWays<Sample>(thirteen, RecordChecks::none));
 }
 
+/// `count` ones in brackets.
+std::string ones(std::size_t count) {
+    std::string text = "[";
+    for (std::size_t index = 0; index < count; ++index) {
+        text += "1,";
+    }
+    text.back() = ']';
+    return text;
+}
+
+TEST(DecodingWays, ALongArrayGetsItsRoomAtOnce) {
+    // The first 256 elements take two bytes each, as all do, so the guess is exact. Without one,
+    // the room doubles beyond the 100,000.
+    const auto values = test::scanned<std::vector<double>>(ones(100'000), RecordChecks::none);
+    ASSERT_TRUE(values.isTaken);
+    EXPECT_EQ(values.value.size(), 100'000U);
+    EXPECT_EQ(values.value.capacity(), 100'000U);
+}
+
+TEST(DecodingWays, TheRoomForAnArrayIsBoundedWhateverFollowsIt) {
+    // A megabyte of text behind the array counts as half a million elements more: no guess goes
+    // beyond 1,024 times what is there.
+    const std::string text = R"({"values":)" + ones(300) + R"(,"unknown":")" +
+                             std::string(1'000'000, 'x') +
+                             R"(","name":"","count":1,"level":1,"isOpen":true,"colour":"red",)"
+                             R"("entries":{},"parts":[]})";
+    const auto sample = test::scanned<Sample>(text, RecordChecks::none);
+    ASSERT_TRUE(sample.isTaken);
+    EXPECT_EQ(sample.value.values, std::vector<double>(300, 1.0));
+    EXPECT_EQ(sample.value.values.capacity(), 262'144U);
+}
+
 TEST(DecodingWays, TheExplainingWayBeginsWithAnEmptyValue) {
     // The quick way has filled the list when it meets the fault.
     EXPECT_EQ(test::decoded<std::vector<double>>("[1,2,\"\"]", RecordChecks::none).error,

@@ -11,6 +11,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <optional>
 #include <span>
 #include <string>
@@ -88,6 +89,9 @@ struct ValueOps {
     void (*setString)(void* target, std::string_view text) = nullptr;
     /// The next element of an array.
     ValueSlot (*element)(void* target) = nullptr;
+    /// Makes room for so many elements in all, which is a guess: where there is none, it does
+    /// nothing.
+    void (*expectElements)(void* target, std::size_t count) = nullptr;
     /// The value of a member of an object, and the object's end.
     ValueSlot (*member)(Frame& frame, std::string_view key) = nullptr;
     void (*endObject)(Frame& frame) = nullptr;
@@ -112,6 +116,8 @@ struct Frame {
     std::optional<std::string_view> key;
     std::size_t index = 0;
     bool inElement = false;
+    /// How much text was left when the array began.
+    std::size_t textLeft = 0;
     /// The parts of a pair, until both are known.
     std::array<std::int64_t, 2> parts{};
 };
@@ -229,8 +235,16 @@ struct OpsOf<P> {
 template <Vector V>
 struct OpsOf<V> {
     static constexpr ValueOps make() {
-        return {.expected = "an array", .element = [](void* target) {
-                    return slotOf(static_cast<V*>(target)->emplace_back());
+        return {
+            .expected = "an array",
+            .element = [](void* target) { return slotOf(static_cast<V*>(target)->emplace_back()); },
+            .expectElements =
+                [](void* target, std::size_t count) {
+                    try {
+                        static_cast<V*>(target)->reserve(count);
+                    } catch (const std::exception&) {
+                        return;
+                    }
                 }};
     }
 };
