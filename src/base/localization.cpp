@@ -23,7 +23,7 @@ Catalogues& catalogues() {
     return instance;
 }
 
-void bind(const std::string& directory) {
+void lookIn(const std::string& directory) {
     ::bindtextdomain(domain, directory.c_str());
     ::bind_textdomain_codeset(domain, "UTF-8");
 }
@@ -42,7 +42,7 @@ void placeOnce() {
     Catalogues& shared = catalogues();
     const std::lock_guard lock(shared.mutex);
     if (!shared.placed) {
-        bind(defaultDirectory());
+        lookIn(defaultDirectory());
         shared.placed = true;
     }
 }
@@ -52,7 +52,7 @@ void placeOnce() {
 void setCatalogueDirectory(const std::string& directory) {
     Catalogues& shared = catalogues();
     const std::lock_guard lock(shared.mutex);
-    bind(directory);
+    lookIn(directory);
     shared.placed = true;
 }
 

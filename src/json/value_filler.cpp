@@ -68,6 +68,14 @@ ValueSlot ValueFiller::nextValue() {
     return slot;
 }
 
+/// Whether there is one of what the frame of that index holds: members of records alone lead there.
+/// Of arrays within arrays each would claim the rest of the text as its own.
+bool ValueFiller::standsAlone(std::size_t index) const {
+    return std::all_of(
+        frames_.begin(), frames_.begin() + static_cast<std::ptrdiff_t>(index),
+        [](const Frame& outer) { return !outer.isArray && !outer.ops->fields.empty(); });
+}
+
 void ValueFiller::push(ValueSlot slot, bool isArray) {
     precondition(depth_ < maxDepth, "JSON types nest deeper than the decoder's stack");
     Frame& frame = frames_[depth_++];
@@ -76,7 +84,7 @@ void ValueFiller::push(ValueSlot slot, bool isArray) {
     frame.target = slot.target;
     frame.isArray = isArray;
     frame.likelyField = slot.ops->firstField;
-    frame.textLeft = textLeft_;
+    frame.textLeft = standsAlone(depth_ - 1) ? textLeft_ : 0;
 }
 
 void ValueFiller::null() {

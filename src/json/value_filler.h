@@ -44,6 +44,7 @@ class ValueFiller {
     static constexpr std::size_t maxDepth = 16;
 
     void expectElements(const Frame& frame) const;
+    [[nodiscard]] bool standsAlone(std::size_t index) const;
     [[nodiscard]] ValueSlot nextSlot();
     [[nodiscard]] ValueSlot nextValue();
     void push(ValueSlot slot, bool isArray);

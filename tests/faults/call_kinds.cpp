@@ -89,6 +89,7 @@ std::optional<CallKind> plainKind(std::uint64_t number) {
         case SYS_exit_group:
         case SYS_getpid:
         case SYS_getppid:
+        case SYS_gettid:
             return CallKind::infallible;
         default:
             return std::nullopt;

@@ -335,6 +335,21 @@ TEST(DecodingWays, ALongArrayGetsItsRoomAtOnce) {
     EXPECT_EQ(values.value.capacity(), 100'000U);
 }
 
+TEST(DecodingWays, ArraysWithinArraysAreNotGuessedAt) {
+    // The first has room for 512, to which 300 elements double it: not for the thousands that the
+    // text behind it could hold.
+    const std::string row = ones(300);
+    std::string text = "[" + row;
+    for (int index = 0; index < 10; ++index) {
+        text += "," + row;
+    }
+    using Rows = std::vector<std::vector<double>>;
+    const auto rows = test::scanned<Rows>(text + "]", RecordChecks::none);
+    ASSERT_TRUE(rows.isTaken);
+    ASSERT_EQ(rows.value.size(), 11U);
+    EXPECT_LE(rows.value.front().capacity(), 600U);
+}
+
 TEST(DecodingWays, TheRoomForAnArrayIsBoundedWhateverFollowsIt) {
     // A megabyte of text behind the array counts as half a million elements more: no guess goes
     // beyond 1,024 times what is there.

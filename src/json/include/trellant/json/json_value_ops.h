@@ -116,7 +116,7 @@ struct Frame {
     std::optional<std::string_view> key;
     std::size_t index = 0;
     bool inElement = false;
-    /// How much text was left when the array began.
+    /// How much text was left when the array began; 0 where its length is not to be guessed.
     std::size_t textLeft = 0;
     /// The parts of a pair, until both are known.
     std::array<std::int64_t, 2> parts{};
