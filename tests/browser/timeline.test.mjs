@@ -53,6 +53,25 @@ test("the gain line is drawn in decibels", () => opened(sample("everything"), as
   assert.ok(Math.abs(await heightOfLine(page, 4, 6, await colour(page, "gain")) - expected) <= 2);
 }));
 
+test("a track's own gain and pan run through its lane", () => opened(sample("everything"), async (page) => {
+  // The gain falls from 1 to a quarter over the 20 s: 0.55 at 12 s, where no clip is. The pan goes
+  // from the left, at the top, to the right, at the foot. Both lines have gaps: the nearest of
+  // twelve columns counts.
+  const places = { gain: (12 - 20 * Math.log10(0.55)) / 60, accent: 0.6 };
+  for (const [name, part] of Object.entries(places)) {
+    const wanted = await colour(page, name);
+    const x = await xOf(page, 12, length);
+    const top = firstLane + 6 * laneStep + clipTop;
+    const seen = [];
+    for (let column = 0; column < 12; ++column) {
+      (await pixels(page, x + column, top, clipHeight)).forEach((at, y) => seen.push([distance(at, wanted), y]));
+    }
+    const [nearest, y] = seen.reduce((best, one) => (one[0] < best[0] ? one : best));
+    assert.ok(nearest < 90, name + ": " + nearest);
+    assert.ok(Math.abs(y - (1 + part * (clipHeight - 2))) <= 2, name + " at " + y);
+  }
+}));
+
 test("a pin stands where the loss is", () => opened(sample("everything"), async (page) => {
   // Loss 1 sounds different, at 5 s of the first track; loss 2 was dropped, at 15 s of the third.
   const places = [[5, 0, "changed"], [15, 2, "bad"]];

@@ -117,7 +117,12 @@ HandOff handOffOfEverything() {
     ridden.clipGainAutomation = AAFAutomationEnvelope{
         Curve::linear(), {{AAFRational(0), 1}, {AAFRational(1, 2), 0.25}, {AAFRational(1), 1}}};
     addCrossing(handOff);
-    addTrack(handOff, "Missing").muted = true;
+    AAFTrackState& absent = addTrack(handOff, "Missing");
+    absent.muted = true;
+    absent.gainAutomation =
+        AAFAutomationEnvelope{Curve::linear(), {{AAFRational(0), 1}, {AAFRational(1), 0.25}}};
+    absent.panAutomation =
+        AAFAutomationEnvelope{Curve::linear(), {{AAFRational(0), 0}, {AAFRational(1), 1}}};
     addClip(handOff, "Lost take", "Missing", "Gone.wav", AAFRational(1), AAFRational(5));
     addLoss(handOff, Severity::renderAffecting,
             "This stretch is silent: the effect on it is not known.", "Linear", AAFRational(5),

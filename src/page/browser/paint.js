@@ -125,6 +125,7 @@ class LanePainter {
     wide.forEach(([clip, left, right]) => this.paintBody(lane, clip, left, right, y + clipTop));
     wide.forEach(([clip, left, right]) => this.paintLines(clip, left, right, y + clipTop));
     this.paintEdges(wide, y + clipTop);
+    this.paintTrack(lane, y + clipTop);
     this.paintPins(lane, y);
   }
 
@@ -274,6 +275,53 @@ class LanePainter {
     context.strokeStyle = colours.gain;
     context.lineWidth = 1.5;
     context.stroke();
+  }
+
+  /**
+   * What the track does to its clips: its gain in dashes, on the scale of the clips' own, and a pan
+   * that moves in dots, left at the top and right at the foot.
+   * @param {Lane} lane @param {number} y
+   */
+  paintTrack(lane, y) {
+    const { model, colours } = this;
+    const track = model.tracks[lane.track];
+    const { envelope, panEnvelope } = track;
+    if (envelope !== undefined || track.gain !== 1) {
+      this.paintAcross(y, colours.gain, [8, 4], envelope !== undefined, (place) => gainHeight(
+        track.gain * (envelope === undefined ? 1 : envelopeValue(model.envelopes[envelope], place)),
+      ));
+    }
+    if (panEnvelope !== undefined) {
+      this.paintAcross(y, colours.accent, [2, 4], true, (place) =>
+        Math.min(1, Math.max(0, envelopeValue(model.envelopes[panEnvelope], place))));
+    }
+  }
+
+  /**
+   * A line through what is in view of a lane.
+   * @param {number} y @param {string} colour @param {number[]} dashes @param {boolean} moves
+   * @param {(place: number) => number} heightAt  0 the top, at a place from 0 to 1 of the timeline
+   */
+  paintAcross(y, colour, dashes, moves, heightAt) {
+    const { context, view, model } = this;
+    const height = laneHeight - clipTop;
+    const end = Math.min(view.width, view.xOf(model.length));
+    const steps = moves ? Math.max(2, Math.min(Math.ceil(end / 2), 1000)) : 1;
+    context.beginPath();
+    for (let i = 0; i <= steps; ++i) {
+      const x = (end * i) / steps;
+      const at = y + 1 + heightAt((view.start + x / view.scale) / model.length) * (height - 2);
+      if (i === 0) {
+        context.moveTo(x, at);
+      } else {
+        context.lineTo(x, at);
+      }
+    }
+    context.setLineDash(dashes);
+    context.strokeStyle = colour;
+    context.lineWidth = 1.5;
+    context.stroke();
+    context.setLineDash([]);
   }
 
   /** What losses take of a lane, hatched on its upper edge. @param {Lane} lane @param {number} y */
