@@ -48,7 +48,8 @@ struct RateDrift {
     double secondsPerHour = 0;
 };
 
-/// Absent where the rates agree or frameClock makes them, and where the composition does not count frames but samples.
+/// Absent where the rates agree or frameClock makes them, and where the composition does not count
+/// frames but samples.
 [[nodiscard]] std::optional<RateDrift> rateDrift(const AAFProgramClock& clock);
 /// The drift in one sentence; absent where there is none.
 [[nodiscard]] std::optional<std::string> rateDisagreement(const AAFProgramClock& clock);
