@@ -12,6 +12,7 @@ import time
 from typing import Optional
 
 from .errors import LaunchCause, LaunchFailed
+from .parsing import printable
 
 #: Seconds that a worker may take to end by itself once asked; half of what a cancelled call has.
 GRACE = 0.4
@@ -51,30 +52,32 @@ class ChildProcess:
         self._is_reaped = False
         #: Somebody else has reaped it.
         self._is_lost = False
+        #: How it ended, where the system tells that only to whoever reaps it.
+        self._early_status: Optional[int] = None
         self.end_notice = _open_end_notice(self._process.pid)
 
     @property
     def has_ended(self) -> bool:
         """True from its end on; it stays to be reaped."""
-        if self._is_lost or self._is_reaped:
+        if self._is_lost or self._is_reaped or self._early_status is not None:
             return True
         try:
-            told = os.waitid(os.P_PID, self._process.pid, os.WEXITED | os.WNOHANG | os.WNOWAIT)
+            return self._look()
         except ChildProcessError:
             self._is_lost = True
             return True
-        return told is not None
 
     def reap(self) -> Optional[int]:
         """Waits for the end. The exit status, or the negative number of the signal that ended it; None when the host
         reaps all its children itself and so took the answer."""
         status: Optional[int] = None
-        if not self._is_lost:
-            try:
-                _, raw = os.waitpid(self._process.pid, 0)
-                status = -os.WTERMSIG(raw) if os.WIFSIGNALED(raw) else os.WEXITSTATUS(raw)
-            except ChildProcessError:
-                self._is_lost = True
+        try:
+            if self._early_status is not None:
+                status = _exit_status(self._early_status)
+            elif not self._is_lost:
+                status = _exit_status(os.waitpid(self._process.pid, 0)[1])
+        except ChildProcessError:
+            self._is_lost = True
         self._is_reaped = True
         # Else the standard library would go on looking for a process of this number.
         self._process.returncode = 0 if status is None else status
@@ -96,12 +99,21 @@ class ChildProcess:
         if self.has_ended:
             self.reap()
 
+    def _look(self) -> bool:
+        """Whether it has ended. Raises ChildProcessError when somebody else has reaped it."""
+        if hasattr(os, "waitid"):
+            return os.waitid(os.P_PID, self._process.pid, os.WEXITED | os.WNOHANG | os.WNOWAIT) is not None
+        process, status = os.waitpid(self._process.pid, os.WNOHANG)
+        if process != 0:
+            self._early_status = status
+        return process != 0
+
     def _signal(self, number: int) -> None:
         """To the group too, because a worker may be a script whose programs hold the pipes."""
         if not self.has_ended:
             os.kill(self._process.pid, number)
-        # Once somebody else has reaped the worker, its number may be anybody's.
-        if not self._is_lost:
+        # Once the worker is reaped, by whomever, its number may be anybody's.
+        if not self._is_lost and self._early_status is None:
             try:
                 os.killpg(self._process.pid, number)
             except (ProcessLookupError, PermissionError):
@@ -115,6 +127,11 @@ class ChildProcess:
         ends = time.monotonic() + GRACE
         while not self.has_ended and time.monotonic() < ends:
             time.sleep(LOOK)
+
+
+def _exit_status(status: int) -> int:
+    """As `reap` gives it."""
+    return -os.WTERMSIG(status) if os.WIFSIGNALED(status) else os.WEXITSTATUS(status)
 
 
 def _open_end_notice(process: int) -> Optional[int]:
@@ -131,4 +148,4 @@ def _launch_failure(executable: str, error: Exception) -> LaunchFailed:
         number = errno.EISDIR
     reason = str(error) if number is None else os.strerror(number)
     cause = LaunchCause.OTHER if number is None else _CAUSES.get(number, LaunchCause.OTHER)
-    return LaunchFailed(f'cannot start "{executable}": {reason}', cause)
+    return LaunchFailed(f'cannot start "{printable(executable)}": {reason}', cause)

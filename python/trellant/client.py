@@ -33,8 +33,8 @@ from .worker import find_worker
 
 Path = Union[str, "os.PathLike[str]"]
 
-#: Bytes of an answer: about a thousand times what a feature film needs.
-DEFAULT_RESULT_LIMIT = 2_147_483_648
+#: Bytes of an answer: about a hundred times what a feature film needs.
+DEFAULT_RESULT_LIMIT = 268_435_456
 #: Seconds that the end of the interpreter waits for a call that it cancels.
 PATIENCE_AT_EXIT = 1.0
 
@@ -114,7 +114,9 @@ class Client:
     #: Bytes of memory that a worker may take at most, on Linux; one that needs more ends with status 2 and "out of
     #: memory". None: as much as the machine has left. A request's own limit goes before it.
     memory_limit: Optional[int] = None
-    #: Bytes of an answer; a worker that writes more is ended, and the call fails with InvalidResponse.
+    #: Bytes of an answer; a worker that writes more is ended, and the call fails with InvalidResponse. While an answer is
+    #: decoded, memory of about fifteen times its size is in use; one that was made to take as much as it can takes 42
+    #: times its size. A host that trusts its worker less sets the limit by that.
     result_limit: int = DEFAULT_RESULT_LIMIT
 
     def inspect(self, file: Path, *, media_search_directory: Optional[Path] = None, extensions: Iterable[str] = (),
@@ -141,7 +143,9 @@ class Client:
                 media_search_directory: Optional[Path] = None, extensions: Iterable[str] = ()) -> Request:
         """The request that `inspect` and `extract` send. Raises LaunchFailed for a relative path where the current
         directory is gone."""
-        names = tuple(str.__str__(name) for name in extensions)
+        # A single name is an iterable of letters.
+        wished = (extensions,) if isinstance(extensions, str) else extensions
+        names = tuple(str.__str__(name) for name in wished)
         return Request(
             operation, _absolute(file), _absolute(work_directory),
             None if media_search_directory is None else _absolute(media_search_directory),

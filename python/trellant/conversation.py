@@ -93,7 +93,8 @@ class _Conversation:
         self._call = call
         self._progress = ProgressDelivery(call.progress, call.alarm.ring)
         self._lines = ErrorLines(self._progress.add)
-        self._selector = selectors.DefaultSelector()
+        # Asks for no descriptor of its own, so there is nothing that the system can refuse.
+        self._selector = selectors.PollSelector()
         self._selector.register(call.alarm.descriptor, selectors.EVENT_READ)
         self._input = self._output = self._errors = -1
         self._unwritten = memoryview(call.request)
@@ -130,16 +131,18 @@ class _Conversation:
     def _start(self) -> None:
         others: list[int] = []
         try:
-            for stream in ("_input", "_output", "_errors"):
-                reading, writing = _pipe()
-                own, other = (writing, reading) if stream == "_input" else (reading, writing)
-                others.append(other)
+            stdin, self._input = _pipe()
+            others.append(stdin)
+            self._output, stdout = _pipe()
+            others.append(stdout)
+            self._errors, stderr = _pipe()
+            others.append(stderr)
+            for own in (self._input, self._output, self._errors):
                 os.set_blocking(own, False)
-                setattr(self, stream, own)
             # A request that fits the pipe is in it before the worker starts, so one that ends at once is judged by its
             # status and its last words, not by whether it was still there to be written to.
             self._write_request()
-            self._worker = ChildProcess(self._call.executable, *others)
+            self._worker = ChildProcess(self._call.executable, stdin, stdout, stderr)
         finally:
             for other in others:
                 os.close(other)

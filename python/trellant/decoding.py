@@ -138,19 +138,21 @@ def _missing(key: str) -> NoReturn:
 
 
 def _boolean(value: Any, _: Check) -> bool:
-    if type(value) is not bool:
-        _mismatch("a boolean", value)
-    return bool(value)
+    if type(value) is bool:
+        return value
+    _mismatch("a boolean", value)
 
 
 def _integer(value: Any, _: Check) -> int:
+    if type(value) is int and SMALLEST <= value <= LARGEST:
+        return value
     if type(value) is NumberText:
         value = _whole(value)
     if type(value) is not int:
         _mismatch("an integer", value)
     if not SMALLEST <= value <= LARGEST:
         _corrupt("the number is out of range")
-    return int(value)
+    return value
 
 
 def _whole(text: NumberText) -> int:
@@ -187,9 +189,9 @@ def _number(value: Any, _: Check) -> float:
 
 
 def _text(value: Any, _: Check) -> str:
-    if type(value) is not str:
-        _mismatch("a string", value)
-    return str(value)
+    if type(value) is str:
+        return value
+    _mismatch("a string", value)
 
 
 def _url(value: Any, _: Check) -> Url:
@@ -217,15 +219,23 @@ def _member(members: dict[str, Any], key: str, decode: _Decode, check: Check) ->
         raise
 
 
+_PARTS = ("numerator", "denominator")
+#: Values that come again and again, rates and lengths of frames for two, are made once.
+_made_fraction = functools.lru_cache(maxsize=4_096)(Fraction)
+
+
 def _fraction(value: Any, check: Check) -> Fraction:
     members = _object(value)
-    numerator = _member(members, "numerator", _integer, check)
-    denominator = _member(members, "denominator", _integer, check)
-    if denominator == 0:
+    # In the order of the text, so that of two faults the first is named.
+    parts = {key: _member(members, key, _integer, check) for key in members if key in _PARTS}
+    for key in _PARTS:
+        if key not in parts:
+            _missing(key)
+    if parts["denominator"] == 0:
         misfit = _Misfit("the denominator is zero", ResponseFault.CORRUPT)
         misfit.steps.append("denominator")
         raise misfit
-    return Fraction(numerator, denominator)
+    return _made_fraction(parts["numerator"], parts["denominator"])
 
 
 def _empty_case(value: Any, _: Check) -> None:

@@ -109,11 +109,11 @@ class SourceEssence:
     """One piece of audio media that events play."""
 
     id: str
+    #: The media was carried inside the interchange file.
+    embedded: bool
     #: Samples per second.
     sample_rate: Fraction
     channel_count: int
-    #: The media was carried inside the interchange file.
-    embedded: bool
     #: The identifier of the source in the interchange file.
     mob_id: Optional[str] = None
     source_name: Optional[str] = None

@@ -94,7 +94,7 @@ def _check_envelope(envelope: Optional[AutomationEnvelope], place: str) -> None:
 
 def _check_fade(fade: Optional[Fade], place: str) -> None:
     if fade is not None:
-        _require(fade.duration >= 0, "negative-fade-duration", place)
+        _require(fade.duration.numerator >= 0, "negative-fade-duration", place)
         _check_points(fade.points, place)
 
 
@@ -118,7 +118,7 @@ def _check_event(event: ClipEvent, tracks: Mapping[str, TrackState], essences: M
     essence = essences.get(event.essence_id)
     if essence is None:
         raise TimelineError("missing-essence-reference", place)
-    _require(event.duration >= 0 and event.source_start_sample >= 0, "negative-source-range", place)
+    _require(event.duration.numerator >= 0 and event.source_start_sample >= 0, "negative-source-range", place)
     _require(
         event.source_channel is None or 0 <= event.source_channel < essence.channel_count,
         "invalid-source-channel", place)
@@ -126,8 +126,17 @@ def _check_event(event: ClipEvent, tracks: Mapping[str, TrackState], essences: M
     _check_envelope(event.clip_gain_automation, place)
     _check_fade(event.fade_in, place)
     _check_fade(event.fade_out, place)
-    samples = math.ceil(event.duration * essence.sample_rate)
+    _check_ends(event, essence.sample_rate, place)
+
+
+def _check_ends(event: ClipEvent, rate: Fraction, place: str) -> None:
+    """That 64 bits tell the last sample and, rounded outward to whole seconds, the end on the timeline. In integers, which
+    take a fifth of the time that fractions take."""
+    start, duration = event.timeline_start, event.duration
+    samples = -(-duration.numerator * rate.numerator // (duration.denominator * rate.denominator))
     _require(event.source_start_sample + samples <= LARGEST, "source-range-overflow", place)
-    end = event.timeline_end
-    # Rounded outward to whole seconds.
-    _require(math.floor(end) >= SMALLEST and math.ceil(end) <= LARGEST, "timeline-end-overflow", place)
+    numerator = start.numerator * duration.denominator + duration.numerator * start.denominator
+    denominator = start.denominator * duration.denominator
+    _require(
+        numerator // denominator >= SMALLEST and -(-numerator // denominator) <= LARGEST, "timeline-end-overflow",
+        place)

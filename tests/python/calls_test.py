@@ -85,6 +85,8 @@ class Answers(FolderTest):
         self.assertEqual(extensions.reels, trellant.Reels(()))
         some = trellant.Client().inspect(SESSION, extensions=["dates", "unheard of"]).result.extensions
         self.assertEqual(some, trellant.Extensions(dates=trellant.Dates()))
+        one = trellant.Client().inspect(SESSION, extensions="dates").result.extensions
+        self.assertEqual(one, some)
         self.assertIsNone(trellant.Client().inspect(SESSION).result.extensions)
 
     def test_a_tape_is_a_reel(self):

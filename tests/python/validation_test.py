@@ -17,7 +17,7 @@ FADE = trellant.Fade(FadeDirection.FADE_IN, Fraction(0), Interpolation(Curve.POW
 def timeline():
     """Two tracks, one source, two clips."""
     track = trellant.TrackState("t1", 0, 1.0, False, False, gain_automation=ENVELOPE, pan_automation=ENVELOPE)
-    essence = trellant.SourceEssence("s1", Fraction(48_000), 2, True, bit_depth=24)
+    essence = trellant.SourceEssence("s1", True, Fraction(48_000), 2, bit_depth=24)
     event = trellant.ClipEvent(
         "e1", "t1", "s1", Fraction(0), Fraction(1), 0, trellant.ChannelRole.MONO, 1.0, False, source_channel=1,
         clip_gain_automation=ENVELOPE, fade_in=FADE, fade_out=FADE)
