@@ -2,6 +2,7 @@
 #include "probe.h"
 
 #include <trellant/model/timeline_json.h>
+#include <trellant/model/validation.h>
 #include <trellant/protocol/messages.h>
 
 #include <istream>
@@ -80,6 +81,8 @@ void decode(std::string_view kind, std::string_view json) {
         static_cast<void>(decodeResult(json, TimelineChecks::none));
     } else if (kind == "timeline") {
         static_cast<void>(decodeJson<AAFTimeline>(json, TimelineChecks::none));
+    } else if (kind == "checkedTimeline") {
+        static_cast<void>(decodeJson<AAFTimeline>(json));
     } else {
         throw std::invalid_argument("no such kind of document: " + std::string(kind));
     }
@@ -112,6 +115,8 @@ void decodeLines(std::istream& in, std::ostream& out) {
             out << "decoded\n";
         } catch (const JsonDecodingError& error) {
             out << error.what() << '\n';
+        } catch (const AAFRawTimelineValidation::Failure& failure) {
+            out << failure.what() << '\n';
         }
     }
 }
