@@ -212,6 +212,7 @@ TEST_F(WaveCopyRefuses, WrongNumberOfArguments) {
     EXPECT_EQ(end.status, 1);
     EXPECT_EQ(end.errors,
               "usage: trellant-wav IN OUT [CHANNEL]\n"
+              "       trellant-wav --origin IN OUT KEY=VALUE...\n"
               "       trellant-wav --measure IN OUT PAIRS [BITS]\n"
               "       trellant-wav --waveform IN OUT FRAMES BITS\n"
               "       trellant-wav --preview IN OUT RATE FIRST FRAMES [CHANNEL]\n");

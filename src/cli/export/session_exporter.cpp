@@ -3,6 +3,7 @@
 
 #include "export_report.h"
 #include "extract/target_folder.h"
+#include "look/agreed_date.h"
 #include "look/console_progress.h"
 #include "look/failure_text.h"
 #include "look/inspect.h"
@@ -14,10 +15,7 @@
 #include <trellant/client/errors.h>
 
 #include <algorithm>
-#include <charconv>
-#include <cstdlib>
 #include <string_view>
-#include <system_error>
 
 namespace trellant::cli {
 
@@ -27,19 +25,6 @@ constexpr std::size_t longestShownPath = 4'096;
 
 std::string shown(const std::string& path) {
     return printableText(path, longestShownPath);
-}
-
-/// The date that builds which are to come out the same agree on, when it is set.
-std::optional<std::int64_t> agreedDate() {
-    const char* const text = std::getenv("SOURCE_DATE_EPOCH");
-    if (text == nullptr) {
-        return std::nullopt;
-    }
-    const std::string_view digits(text);
-    std::int64_t seconds = 0;
-    const auto end = std::from_chars(digits.data(), digits.data() + digits.size(), seconds);
-    const bool isNumber = end.ec == std::errc() && end.ptr == digits.data() + digits.size();
-    return isNumber ? std::optional(seconds) : std::nullopt;
 }
 
 /// What the format lost counts as what reading lost.

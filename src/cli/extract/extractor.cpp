@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "extractor.h"
 
+#include "look/agreed_date.h"
 #include "look/console_progress.h"
 #include "look/failure_text.h"
 #include "look/inspect.h"
@@ -132,7 +133,9 @@ Extractor::Outcome Extractor::extract(const ExtractJob& job) {
                                .force = options_.call.force,
                                .absolutePaths = options_.call.absolutePaths,
                                .waveConverter = options_.waveConverter,
-                               .helperURLProvider = options_.helperURLProvider},
+                               .helperURLProvider = options_.helperURLProvider,
+                               .naming = options_.call.naming,
+                               .date = agreedDate()},
                               progress);
         try {
             ExtractionReport made = extraction.run();
