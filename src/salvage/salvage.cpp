@@ -143,10 +143,10 @@ SalvageReport salvageSounds(const std::string& path, const std::string& director
     }
     const std::uint64_t mostSounds = soundsOfAnyFile + file.size() / bytesForOneMore;
     SoundSearch search(file, table ? &*table : nullptr, progress);
-    while (const auto sound = search.next()) {
-        if (report.sounds.size() >= mostSounds) {
-            ++report.notTaken;
-            continue;
+    while (report.sounds.size() < mostSounds) {
+        const auto sound = search.next();
+        if (!sound) {
+            return report;
         }
         std::string name = nameOf(report.sounds.size() + 1, *sound);
         const std::string copy = directory + "/" + name;
@@ -156,6 +156,7 @@ SalvageReport salvageSounds(const std::string& path, const std::string& director
             progress(search.position());
         }
     }
+    report.searchedBytes = number(search.position());
     return report;
 }
 

@@ -52,7 +52,7 @@ struct RecordFields<SalvageReport> {
     using R = SalvageReport;
     static constexpr auto fields =
         std::tuple{field("file", &R::file), field("bytes", &R::bytes), field("table", &R::table),
-                   field("sounds", &R::sounds), field("notTaken", &R::notTaken)};
+                   field("sounds", &R::sounds), field("searchedBytes", &R::searchedBytes)};
 };
 
 }  // namespace trellant

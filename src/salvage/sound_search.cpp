@@ -59,13 +59,14 @@ class SoundSearch::Pass {
     [[nodiscard]] std::optional<Begun> search();
     /// Goes to the next mark before byte `end`, or to that.
     [[nodiscard]] std::optional<Begun> searchMarks(std::uint64_t end);
+    /// What begins at the mark at position_, if that is told already.
+    [[nodiscard]] std::optional<Begun> beginAt(ByteView bytes);
     [[nodiscard]] std::optional<FoundSound> namedByTable(std::uint64_t mark, ByteView bytes);
     [[nodiscard]] std::optional<Begun> stepWalk();
     void addWalk(const SoundWalk& walk);
     void skipTaken();
     void takeHeaded(const SoundHead& head);
     void endCut(std::uint64_t end);
-    void keep(FoundSound sound);
 
     std::uint64_t size_;
     ForwardWindow window_;
@@ -74,6 +75,7 @@ class SoundSearch::Pass {
     std::uint64_t position_ = 0;
     /// Up to here nothing is taken.
     std::uint64_t freeUntil_;
+    /// Pieces that the table names, from a sound's mark on.
     TakenRanges taken_;
     /// By the chunk that comes next, the last one first.
     std::vector<SoundWalk> walks_;
@@ -89,7 +91,7 @@ std::optional<FoundSound> SoundSearch::Pass::next() {
             endCut(begun ? begun->mark : size_);
         }
         if (begun && begun->named) {
-            keep(std::move(*begun->named));
+            ready_.push_back(std::move(*begun->named));
         } else if (begun) {
             takeHeaded(*begun->head);
         } else {
@@ -107,6 +109,9 @@ std::optional<FoundSound> SoundSearch::Pass::next() {
 std::optional<SoundSearch::Pass::Begun> SoundSearch::Pass::search() {
     while (position_ < size_) {
         skipTaken();
+        if (position_ >= size_) {
+            break;
+        }
         const bool hasWalk = !walks_.empty() && walks_.back().next() < size_;
         const std::uint64_t chunk = hasWalk ? walks_.back().next() : size_;
         auto begun = chunk == position_ ? stepWalk() : searchMarks(std::min(chunk, freeUntil_));
@@ -136,32 +141,59 @@ std::optional<SoundSearch::Pass::Begun> SoundSearch::Pass::searchMarks(std::uint
         position_ = end;
         return std::nullopt;
     }
-    const auto places = static_cast<std::size_t>(
-        std::min<std::uint64_t>(view.size() - markBytes + 1, end - position_));
-    const std::size_t at = firstMark(view.first(places + markBytes - 1));
-    if (at >= places) {
-        position_ += places;
-        if (progress_) {
-            progress_(position_);
+    const std::uint64_t begin = position_;
+    const auto places =
+        static_cast<std::size_t>(std::min<std::uint64_t>(view.size() - markBytes + 1, end - begin));
+    for (std::size_t from = 0; from < places;) {
+        const ByteView left = view.first(places + markBytes - 1).subspan(from);
+        const std::size_t at = from + firstMark(left);
+        if (at >= places) {
+            break;
         }
-        return std::nullopt;
+        position_ = begin + at;
+        if (auto begun = beginAt(view.subspan(at))) {
+            return begun;
+        }
+        from = at + 1;
+        position_ = begin + from;
+        if (!walks_.empty() && walks_.back().next() < begin + places) {
+            return std::nullopt;
+        }
     }
-    const std::uint64_t mark = position_ + at;
-    const ByteView bytes = view.subspan(at);
-    position_ = mark + 1;
+    position_ = begin + places;
+    if (progress_) {
+        progress_(position_);
+    }
+    return std::nullopt;
+}
+
+std::optional<SoundSearch::Pass::Begun> SoundSearch::Pass::beginAt(ByteView bytes) {
+    const std::uint64_t mark = position_;
     if (auto named = namedByTable(mark, bytes)) {
         position_ = mark + named->ranges.front().length;
         return Begun{.mark = mark, .named = std::move(named)};
     }
-    if (bytes.size() < markBytes + 4 || isChunkName(bytes.data() + markBytes)) {
-        addWalk(SoundWalk(mark, bytes));
+    SoundWalk walk(mark, bytes);
+    // Nearly all that is no sound ends here.
+    if (bytes.size() >= markBytes + chunkLookBytes) {
+        const auto step = walk.take(bytes.subspan(markBytes));
+        if (step == SoundWalk::Step::sound) {
+            return Begun{.mark = mark, .head = walk.head()};
+        }
+        if (step != SoundWalk::Step::further) {
+            return std::nullopt;
+        }
     }
+    addWalk(walk);
     return std::nullopt;
 }
 
 std::optional<FoundSound> SoundSearch::Pass::namedByTable(std::uint64_t mark, ByteView bytes) {
     const auto pieces = table_ == nullptr ? std::span<const BentoRange>{} : table_->valueAt(mark);
-    if (pieces.empty() || isEmptySound(mark, bytes) || !taken_.take(pieces)) {
+    // Writers go forward; what lies behind may be part of another sound by now.
+    const bool isAhead = std::all_of(pieces.begin(), pieces.end(),
+                                     [&](const BentoRange& piece) { return piece.offset >= mark; });
+    if (pieces.empty() || !isAhead || isEmptySound(mark, bytes) || !taken_.take(pieces)) {
         return std::nullopt;
     }
     const SoundHead head = SoundWalk(mark, bytes).head();
@@ -223,7 +255,7 @@ void SoundSearch::Pass::takeHeaded(const SoundHead& head) {
     if (hasAllSamples(head, limit)) {
         FoundSound sound = soundWithTail(head, limit, window_);
         position_ = head.begin + sound.bytes();
-        keep(std::move(sound));
+        ready_.push_back(std::move(sound));
     } else {
         cut_ = head;
         position_ = head.soundChunk + chunkHeadBytes;
@@ -235,13 +267,7 @@ void SoundSearch::Pass::endCut(std::uint64_t end) {
     auto sound = cutSound(*cut_, limit, limit == size_ ? Doubt::cutByEnd : Doubt::cutByNext);
     cut_.reset();
     if (sound) {
-        keep(std::move(*sound));
-    }
-}
-
-void SoundSearch::Pass::keep(FoundSound sound) {
-    if (sound.origin == SoundOrigin::table || taken_.take(sound.ranges)) {
-        ready_.push_back(std::move(sound));
+        ready_.push_back(std::move(*sound));
     }
 }
 

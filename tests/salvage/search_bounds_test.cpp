@@ -106,8 +106,7 @@ TEST(SearchBounds, EveryCutAndEveryByteChangedGivesDisjointSounds) {
         judge(ByteView(whole).first(length));
     }
     for (std::size_t at = 0; at < whole.size(); ++at) {
-        for (const std::uint8_t flip :
-             {std::uint8_t{0x01}, std::uint8_t{0x80}, std::uint8_t{0xFF}}) {
+        for (const std::uint8_t flip : {std::uint8_t{0x80}, std::uint8_t{0xFF}}) {
             SCOPED_TRACE(std::to_string(at) + " " + std::to_string(flip));
             Bytes changed = whole;
             changed[at] ^= std::byte{flip};

@@ -18,9 +18,9 @@ inline constexpr std::string_view reportName = "salvage.json";
 /// Copies every sound inside the file at `path` into the folder `directory`, which exists, is
 /// absolute and holds no file of such a name: "Sound 001.aifc", "Sound 002 incomplete.wav". The
 /// file is read once from front to back, and what belongs to a sound once more for the copy; each
-/// of its bytes goes into one copy at most. No more sounds are taken than ten thousand and one for
-/// each 64 KiB of the file. `report.file` stays empty. Throws FileSystemError and OMFIOError (the
-/// file shrank meanwhile), and what `progress` throws.
+/// of its bytes goes into one copy at most. The search ends after ten thousand sounds and one more
+/// for each 64 KiB of the file. `report.file` stays empty. Throws FileSystemError and OMFIOError
+/// (the file shrank meanwhile), and what `progress` throws.
 [[nodiscard]] SalvageReport salvageSounds(const std::string& path, const std::string& directory,
                                           const SoundSearch::Progress& progress = {});
 

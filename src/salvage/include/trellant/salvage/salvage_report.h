@@ -57,8 +57,8 @@ struct SalvageReport {
     /// Absent when none was found.
     std::optional<Table> table{};
     std::vector<Sound> sounds{};
-    /// Sounds beyond the bound of a run, which were not taken.
-    std::int64_t notTaken = 0;
+    /// Where the search ended, when the bound on sounds was met before the end of the file.
+    std::optional<std::int64_t> searchedBytes{};
 
     [[nodiscard]] std::size_t incompleteCount() const noexcept;
 };
