@@ -51,7 +51,8 @@ template <>
 struct RecordFields<SalvageReport> {
     using R = SalvageReport;
     static constexpr auto fields =
-        std::tuple{field("file", &R::file), field("bytes", &R::bytes), field("table", &R::table),
+        std::tuple{field("file", &R::file),     field("record", &R::record),
+                   field("bytes", &R::bytes),   field("table", &R::table),
                    field("sounds", &R::sounds), field("searchedBytes", &R::searchedBytes)};
 };
 

@@ -53,6 +53,8 @@ struct SalvageReport {
     };
 
     std::string file{};
+    /// The name of the record beside the sounds; absent in itself.
+    std::optional<std::string> record{};
     std::int64_t bytes = 0;
     /// Absent when none was found.
     std::optional<Table> table{};
