@@ -146,6 +146,7 @@ SalvageReport salvageSounds(const std::string& path, const std::string& director
     while (report.sounds.size() < mostSounds) {
         const auto sound = search.next();
         if (!sound) {
+            report.searchedBytes = report.bytes;
             return report;
         }
         std::string name = nameOf(report.sounds.size() + 1, *sound);

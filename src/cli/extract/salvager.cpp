@@ -143,10 +143,10 @@ ExitStatus Salvager::conclude(const ExtractJob& job, const SalvageReport& report
             shownLines(salvageScreen(job, report, console_.outColumns(), console_.outHasColour())));
     }
     isFirst_ = false;
-    if (report.searchedBytes) {
+    if (report.searchedBytes < report.bytes) {
         console_.error(shown(job.file) +
                        ": so many sounds are in it that the search ended at byte " +
-                       std::to_string(*report.searchedBytes));
+                       std::to_string(report.searchedBytes));
         return ExitStatus::fileFailed;
     }
     if (const std::size_t incomplete = report.incompleteCount(); incomplete != 0) {

@@ -59,8 +59,8 @@ struct SalvageReport {
     /// Absent when none was found.
     std::optional<Table> table{};
     std::vector<Sound> sounds{};
-    /// Where the search ended, when the bound on sounds was met before the end of the file.
-    std::optional<std::int64_t> searchedBytes{};
+    /// Less than `bytes` where the bound on sounds ended the search.
+    std::int64_t searchedBytes = 0;
 
     [[nodiscard]] std::size_t incompleteCount() const noexcept;
 };
