@@ -43,12 +43,14 @@ AAFWorkerExtensions sampleExtensions() {
         .unusedNames = {"Kick"},
         .separateFiles = {{.essenceID = "omf-essence-1", .path = "/out/Kick_1000.wav"}}};
     extensions.dates = Extensions::Dates{.lastModified = 1'000'000'000};
-    extensions.reels =
-        Extensions::Reels{{{.essenceID = "omf-essence-1",
-                            .mobID = "0000002A-00000001-FFFFFFFE",
-                            .name = "TAPE 7",
-                            .start = AAFRational(7, 2),
-                            .timecode = Extensions::ReelTimecode{90'000, 25, false}}}};
+    extensions.reels = Extensions::Reels{
+        {{.essenceID = "omf-essence-1",
+          .mobID = "0000002A-00000001-FFFFFFFE",
+          .name = "TAPE 7",
+          .start = AAFRational(7, 2),
+          .timecode = Extensions::ReelTimecode{90'000, 25, false, AAFRational(25)}}}};
+    extensions.masterMobs = Extensions::MasterMobs{
+        {{.mobID = "0000002A-00000001-00000003", .name = "Take 1"}}, {0, -1}};
     extensions.contents =
         Extensions::Contents{.mediaLengths = {{.essenceID = "omf-essence-1", .frames = 48'000}},
                              .unusedMedia = 1,
