@@ -114,9 +114,9 @@ class Client:
     #: Bytes of memory that a worker may take at most, on Linux; one that needs more ends with status 2 and "out of
     #: memory". None: as much as the machine has left. A request's own limit goes before it.
     memory_limit: Optional[int] = None
-    #: Bytes of an answer; a worker that writes more is ended, and the call fails with InvalidResponse. While an answer is
-    #: decoded, memory of about fifteen times its size is in use; one that was made to take as much as it can takes 42
-    #: times its size. A host that trusts its worker less sets the limit by that.
+    #: Bytes of an answer; a worker that writes more is ended, and the call fails with InvalidResponse. While an answer
+    #: is decoded, memory of about fifteen times its size is in use; one that was made to take as much as it can takes
+    #: 42 times its size. A host that trusts its worker less sets the limit by that.
     result_limit: int = DEFAULT_RESULT_LIMIT
 
     def inspect(self, file: Path, *, media_search_directory: Optional[Path] = None, extensions: Iterable[str] = (),
@@ -132,8 +132,8 @@ class Client:
 
     def extract(self, file: Path, work_directory: Path, *, media_search_directory: Optional[Path] = None,
                 extensions: Iterable[str] = (), progress: Optional[ProgressCallback] = None) -> Answer:
-        """As `inspect`, and takes embedded audio out into `work_directory`, which is created when missing. Files already
-        taken out stay there when a call fails."""
+        """As `inspect`, and takes embedded audio out into `work_directory`, which is created when missing. Files
+        already taken out stay there when a call fails."""
         return self._answer(self.request(
             Operation.EXTRACT_AND_INSPECT, file, work_directory, media_search_directory=media_search_directory,
             extensions=extensions), progress)

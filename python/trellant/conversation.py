@@ -161,7 +161,12 @@ class _Conversation:
     def _wait_for_news(self) -> None:
         assert self._worker is not None
         is_told = self._worker_ended or self._worker.end_notice is not None
-        ready = {key.fd for key, _ in self._selector.select(self._patience(None if is_told else LOOK))}
+        try:
+            ready = {key.fd for key, _ in self._selector.select(self._patience(None if is_told else LOOK))}
+        except OSError as error:
+            raise LaunchFailed(
+                f"cannot wait for the helper: {os.strerror(error.errno or 0)}",
+                LaunchCause.SYSTEM_REFUSED) from None
         self._check_alarm()
         if self._call.ends is not None and time.monotonic() >= self._call.ends:
             raise TimeLimitError()
@@ -257,8 +262,10 @@ def _pipe() -> tuple[int, int]:
 
 
 def _read(descriptor: int) -> Optional[bytes]:
-    """One read; empty at the end of the stream, None when nothing is there now."""
+    """One read; empty at the end of the stream and of what can be read of it, None when nothing is there now."""
     try:
         return os.read(descriptor, PIPE_BYTES)
     except BlockingIOError:
         return None
+    except OSError:
+        return b""

@@ -9,6 +9,8 @@ from __future__ import annotations
 import enum
 from typing import Optional
 
+from .localization import localized_text
+
 
 class TrellantError(Exception):
     """Whatever this package raises of its own accord."""
@@ -22,8 +24,10 @@ class WorkerClientError(TrellantError):
 
     @property
     def description(self) -> str:
-        """A sentence for people, in English."""
-        return "The interchange file could not be read. The log has the details."
+        """A sentence for people, in the language of the environment where there is a catalogue for it, else in
+        English. Looked up each time."""
+        return localized_text(
+            "aaf.error.parserFailed", "The interchange file could not be read. The log has the details.")
 
 
 class LaunchCause(enum.Enum):
@@ -123,8 +127,10 @@ class HelperMissing(WorkerClientError):
 
     @property
     def description(self) -> str:
-        """A sentence for people, in English."""
-        return "The part that reads interchange files is missing. Please install the application again."
+        """A sentence for people, as of every WorkerClientError."""
+        return localized_text(
+            "aaf.error.parserMissing",
+            "The part that reads interchange files is missing. Please install the application again.")
 
 
 class CancellationError(TrellantError):

@@ -22,6 +22,7 @@ class ExtensionName(str, enum.Enum):
     DATES = "dates"
     REELS = "reels"
     CONTENTS = "contents"
+    MASTER_MOBS = "masterMobs"
 
 
 class LossKind(enum.Enum):
@@ -145,6 +146,9 @@ class ReelTimecode:
     #: Frames that labels count in a second.
     frames_per_second: int
     drop_frame: bool
+    #: Of the track that has the labels, in edit units per second: the true rate of the frames, the rounded one, or that
+    #: of something else.
+    edit_rate: Optional[Fraction] = None
 
 
 @dataclass(frozen=True)
@@ -192,6 +196,24 @@ class Contents:
 
 
 @dataclass(frozen=True)
+class MasterMob:
+    """What a file's audio is in the edit, under the name that editors know."""
+
+    mob_id: str
+    name: Optional[str] = None
+
+
+@dataclass(frozen=True)
+class MasterMobs:
+    """Those that clips play."""
+
+    master_mobs: tuple[MasterMob, ...]
+    #: For each of the timeline's events, in their order: the place in `master_mobs`, from 0, of the one that it plays;
+    #: -1 where it plays none.
+    of_events: tuple[int, ...]
+
+
+@dataclass(frozen=True)
 class Extensions:
     """Those that were asked for and that the worker could serve."""
 
@@ -203,3 +225,5 @@ class Extensions:
     #: None also where lists and names are beyond the bounds of a request.
     reels: Optional[Reels] = None
     contents: Optional[Contents] = None
+    #: None also where its names are beyond the bounds of a request.
+    master_mobs: Optional[MasterMobs] = None

@@ -130,8 +130,8 @@ def _check_event(event: ClipEvent, tracks: Mapping[str, TrackState], essences: M
 
 
 def _check_ends(event: ClipEvent, rate: Fraction, place: str) -> None:
-    """That 64 bits tell the last sample and, rounded outward to whole seconds, the end on the timeline. In integers, which
-    take a fifth of the time that fractions take."""
+    """That 64 bits tell the last sample and, rounded outward to whole seconds, the end on the timeline. In integers,
+    which take a fifth of the time that fractions take."""
     start, duration = event.timeline_start, event.duration
     samples = -(-duration.numerator * rate.numerator // (duration.denominator * rate.denominator))
     _require(event.source_start_sample + samples <= LARGEST, "source-range-overflow", place)

@@ -5,9 +5,9 @@ from __future__ import annotations
 
 import os
 import sys
-from typing import Optional
 
 from .errors import HelperMissing
+from .places import package_folder, prefix_of_package
 
 #: The worker that reads OMF 2.x files.
 WORKER_NAME = "trellant-omf"
@@ -22,8 +22,8 @@ def worker_places() -> tuple[str, ...]:
     """The places where a worker is looked for, in that order: in `AAFTools` within this package, beside this package
     as far as it is installed in `PREFIX/lib/...` (`PREFIX/libexec/trellant/AAFTools`, `PREFIX/bin`), seen from the
     interpreter's folder (`AAFTools`, `../libexec/trellant/AAFTools`, `../bin`), and in the absolute folders of PATH."""
-    folders = [os.path.join(_package_folder(), "AAFTools")]
-    prefix = _prefix()
+    folders = [os.path.join(package_folder(), "AAFTools")]
+    prefix = prefix_of_package()
     if prefix is not None:
         folders += [os.path.join(prefix, "libexec", "trellant", "AAFTools"), os.path.join(prefix, "bin")]
     if sys.executable:
@@ -49,17 +49,3 @@ def find_worker() -> str:
         if os.path.exists(place) and not os.path.isdir(place):
             return place
     raise HelperMissing(WORKER_NAME, places)
-
-
-def _package_folder() -> str:
-    return os.path.dirname(os.path.abspath(__file__))
-
-
-def _prefix() -> Optional[str]:
-    """The folder that holds the `lib` in which this package is installed."""
-    folder = _package_folder()
-    while os.path.dirname(folder) != folder:
-        folder, name = os.path.split(folder)
-        if name in ("lib", "lib64"):
-            return folder
-    return None

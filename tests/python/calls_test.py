@@ -83,6 +83,11 @@ class Answers(FolderTest):
         self.assertEqual(extensions.embedded_media, trellant.EmbeddedMedia(0, (), ()))
         self.assertEqual(extensions.dates, trellant.Dates())
         self.assertEqual(extensions.reels, trellant.Reels(()))
+        # One for each event, which has its own among the four that the session's sources belong to.
+        masters = extensions.master_mobs
+        self.assertEqual([masters.master_mobs[place].name for place in masters.of_events[:4]],
+                         ["Anna", "Ben", "Anna", "Ben"])
+        self.assertEqual(len(masters.of_events), 11)
         some = trellant.Client().inspect(SESSION, extensions=["dates", "unheard of"]).result.extensions
         self.assertEqual(some, trellant.Extensions(dates=trellant.Dates()))
         one = trellant.Client().inspect(SESSION, extensions="dates").result.extensions

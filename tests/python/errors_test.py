@@ -1,9 +1,15 @@
 # SPDX-License-Identifier: Apache-2.0
 """What errors say, and that they come whole out of another process."""
+import os
 import pickle
+import shutil
+import subprocess
+import sys
 import unittest
+import unittest.mock
 
 import trellant
+from support import PACKAGE, SOURCE, FolderTest
 from trellant import LaunchCause, ResponseFault
 
 ERRORS = [
@@ -44,12 +50,43 @@ class Errors(unittest.TestCase):
                 self.assertIs(type(copy), type(error))
                 self.assertEqual((str(copy), vars(copy)), (text, vars(error)))
 
+    @unittest.mock.patch.dict(os.environ, LANGUAGE="C")
     def test_faults_of_the_worker_have_a_sentence_for_people(self):
         for error, _ in ERRORS:
             if isinstance(error, trellant.HelperMissing):
                 self.assertIn("Please install", error.description)
             elif isinstance(error, trellant.WorkerClientError):
                 self.assertIn("could not be read", error.description)
+
+
+class Languages(FolderTest):
+    def said(self, **environment):
+        """What a host says that imports an installed copy of the package, beside which there is German."""
+        host = "import trellant\nprint(trellant.NonZeroExit(2, '').description)\n" \
+               "print(trellant.HelperMissing('x').description)"
+        run = subprocess.run([sys.executable, "-B", "-c", host], cwd=self.folder, check=True, encoding="utf-8", env={
+            "PYTHONPATH": str(self.folder / "prefix/lib/python3/dist-packages"), "PYTHONIOENCODING": "utf-8",
+            **environment}, stdout=subprocess.PIPE)
+        return run.stdout.splitlines()
+
+    def setUp(self):
+        super().setUp()
+        shutil.copytree(PACKAGE, self.folder / "prefix/lib/python3/dist-packages/trellant")
+        texts = self.folder / "prefix/share/locale/de/LC_MESSAGES"
+        texts.mkdir(parents=True)
+        subprocess.run(["msgfmt", SOURCE / "po/de.po", "-o", texts / "trellant.mo"], check=True)
+
+    def test_sentences_are_in_the_language_of_the_environment(self):
+        german = ["Die Austauschdatei konnte nicht gelesen werden. Einzelheiten stehen im Protokoll.",
+                  "Der Programmteil, der Austauschdateien liest, fehlt. Bitte installieren Sie die Anwendung neu."]
+        self.assertEqual(self.said(LANGUAGE="de"), german)
+        self.assertEqual(self.said(LANG="de_AT.UTF-8"), german)
+
+    def test_and_in_english_where_there_is_no_catalogue_for_it(self):
+        english = ["The interchange file could not be read. The log has the details.",
+                   "The part that reads interchange files is missing. Please install the application again."]
+        self.assertEqual(self.said(LANG="C"), english)
+        self.assertEqual(self.said(LANGUAGE="xx"), english)
 
 
 if __name__ == "__main__":

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-"""Hosts of all kinds: that end, are killed, handle signals, leave the reaping to the system, raise the recursion limit."""
+"""Hosts of all kinds: that end, are killed, handle signals, leave the reaping to the system, have nothing left."""
 import signal
 import subprocess
 import sys

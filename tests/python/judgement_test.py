@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-"""Documents of every kind, right and wrong, are judged as the client for C++ judges them: both read a text or both refuse
-it, for the same reason at the same place."""
+"""Documents of every kind, right and wrong, are judged as the client for C++ judges them: both read a text or both
+refuse it, for the same reason at the same place."""
 import copy
 import json
 import os
@@ -70,8 +70,8 @@ class Place:
 
 # Values at the edges of what fields take.
 EDGES = [
-    0, 1, -1, 2, 25, 30, 59, 60, 64, 384_000, 384_001, 2**32, 2**63 - 1, -2**63, 2**63, -2**63 - 1, 0.5, -0.5, 1.0, 1e300,
-    True, False, None, "", "t1", "linear", "fadeIn", "mono", [], {}, {"numerator": 1, "denominator": 0},
+    0, 1, -1, 2, 25, 30, 59, 60, 64, 384_000, 384_001, 2**32, 2**63 - 1, -2**63, 2**63, -2**63 - 1, 0.5, -0.5, 1.0,
+    1e300, True, False, None, "", "t1", "linear", "fadeIn", "mono", [], {}, {"numerator": 1, "denominator": 0},
     {"numerator": 2**63 - 1, "denominator": 1}, {"numerator": 1, "denominator": 2**63 - 1},
     {"numerator": -1, "denominator": 3}, {"numerator": 0, "denominator": 7}, {"linear": {}}, {"unsupported": {}},
 ]

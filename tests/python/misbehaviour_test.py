@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 """Workers that do not do what they should, and what the host sees of it."""
+import asyncio
 import json
 import os
 import threading
@@ -117,11 +118,14 @@ class Floods(Misbehaviour):
 
         call = self.start(
             "read_request()\nfor number in range(3_000):\n"
-            f"    sys.stderr.write('{line}'.format(number))\n" + "sys.stderr.flush()\n" +
+            f"    sys.stderr.write('{line}'.format(number))\n"
+            # Until the host has read all that the pipe holds.
+            "import fcntl, termios\n"
+            "while fcntl.ioctl(2, termios.FIONREAD, bytes(4)) != bytes(4): time.sleep(0.01)\n" +
             self.speak("1") + "while not os.path.exists(" + repr(str(self.folder / "go")) + "): time.sleep(0.01)\n"
             "answer()", progress=take)
         self.said()
-        # Until the host has read what the pipe holds.
+        # What was read last may still be on its way from one thread to the other.
         time.sleep(0.5)
         go.set()
         (self.folder / "go").touch()
@@ -290,13 +294,27 @@ class Cancellations(Misbehaviour):
         self.assertFalse(is_running(int(self.said())))
 
     def test_an_answer_that_is_being_decoded(self):
-        # Some hundred thousand remarks take a while to decode, and a look is taken at each.
-        call = self.start("read_request()\n" + self.speak("1") +
-                          "sys.stdout.write(RESULT.replace('[]', '[' + '\"x\",' * 400_000 + '\"x\"]', 1))")
-        self.said()
-        call.cancel()
+        # A million remarks take a second to decode, and a look is taken at each.
+        call = self.start("read_request()\n" + self.speak("os.getpid()") +
+                          "sys.stdout.write(RESULT.replace('[]', '[' + '\"x\",' * 1_000_000 + '\"x\"]', 1))")
+        process = int(self.said())
+        while is_running(process):
+            time.sleep(0.01)
+        self.assertTrue(call.cancel())
         with self.assertRaises(trellant.CancellationError):
             call.result(60)
+
+    def test_by_the_task_that_waits(self):
+        async def wait(call):
+            await asyncio.wait_for(asyncio.wrap_future(call), 0.2)
+
+        call = self.start(self.speak("os.getpid()") + "time.sleep(60)")
+        process = int(self.said())
+        with self.assertRaises(asyncio.TimeoutError):
+            asyncio.run(wait(call))
+        with self.assertRaises(trellant.CancellationError):
+            call.result(60)
+        self.assertFalse(is_running(process))
 
     def test_a_failing_callback_ends_the_worker(self):
         line = 'TRELLANT-AAF-PROGRESS {"phase":"x","fraction":0}\\n'

@@ -25,7 +25,8 @@ RECORDS = {
     trellant.LossPlaces: "lossPlaces", trellant.Composition: "composition", trellant.Compositions: "compositions",
     trellant.SeparateFile: "separateFile", trellant.EmbeddedMedia: "embeddedMedia", trellant.Dates: "dates",
     trellant.ReelTimecode: "reelTimecode", trellant.Reel: "reel", trellant.Reels: "reels",
-    trellant.MediaLength: "mediaLength", trellant.Contents: "contents", trellant.Extensions: "extensions",
+    trellant.MediaLength: "mediaLength", trellant.Contents: "contents",
+    trellant.MasterMob: "masterMob", trellant.MasterMobs: "masterMobs", trellant.Extensions: "extensions",
 }
 ENUMS = {
     trellant.Operation: "operation", trellant.StemRole: "stemRole", trellant.ChannelRole: "channelRole",

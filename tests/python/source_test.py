@@ -106,7 +106,8 @@ class Source(unittest.TestCase):
                         self.assertTrue(function.__doc__, f"{name}.{key}.{member}")
 
     def test_all_that_is_exported_is_there_and_nothing_else_is_public(self):
-        public = {key for key, value in vars(trellant).items() if not key.startswith("_") and not inspect.ismodule(value)}
+        public = {key for key, value in vars(trellant).items()
+                  if not key.startswith("_") and not inspect.ismodule(value)}
         self.assertEqual(set(trellant.__all__), public)
         self.assertEqual(len(trellant.__all__), len(public))
 

@@ -25,6 +25,8 @@ struct ExtractCall {
     bool wav = false;
     FileNaming naming = FileNaming::masterMob;
     bool force = false;
+    /// The sounds of damaged files, whatever became of their table and their object model.
+    bool salvage = false;
     bool json = false;
     /// The written timelines name files by their whole paths.
     bool absolutePaths = false;
