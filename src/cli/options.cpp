@@ -242,7 +242,7 @@ class Parser {
         auto* const salvage =
             extract_->add_flag("--salvage", extractCall_.salvage,
                                "Take out what audio there is of files that cannot be read");
-        for (const char* const other : {"--media", "--wav", "--absolute", "--fail-on"}) {
+        for (const char* const other : {"--media", "--wav", "--names", "--absolute", "--fail-on"}) {
             salvage->excludes(extract_->get_option(other));
         }
     }
