@@ -70,7 +70,7 @@ void FinalPlaces::check(const std::vector<std::string>& files, const std::string
     for (const std::string& name : files) {
         checkFile(name);
     }
-    const auto mode = modeOf(pathOf(folder));
+    const auto mode = folder.empty() ? std::nullopt : modeOf(pathOf(folder));
     if (!mode) {
         return;
     }

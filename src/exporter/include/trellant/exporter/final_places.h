@@ -29,8 +29,8 @@ class FinalPlaces {
     /// A file that the run reads: it is never replaced.
     void protect(const std::string& path) { read_.add(path); }
 
-    /// Throws ExportTargetError when one of these names (files, or the folder of media) is taken
-    /// and may not be replaced.
+    /// Throws ExportTargetError when one of these names (files, or the folder of media, empty for
+    /// none) is taken and may not be replaced.
     void check(const std::vector<std::string>& files, const std::string& folder) const;
 
     /// Moves a file to that name. Throws ExportTargetError, FileSystemError.
