@@ -17,7 +17,9 @@ namespace {
 constexpr std::uint64_t mostOfRiff = 0xFFFFFFFF;
 constexpr std::uint64_t chunkHead = 8;
 constexpr std::uint64_t largeSizes = 28;
-constexpr std::uint64_t formatBytes = 16;
+constexpr std::uint64_t wholeFormat = 16;
+/// With the length of an extension, which is none.
+constexpr std::uint64_t floatFormat = 18;
 
 class Head {
   public:
@@ -45,6 +47,7 @@ class Head {
 
 Bytes waveHead(const WaveForm& form, ByteView chunks) {
     const std::uint64_t data = form.dataBytes();
+    const std::uint64_t formatBytes = form.format.isFloatingPoint ? floatFormat : wholeFormat;
     const std::uint64_t fact = form.format.isFloatingPoint ? chunkHead + 4 : 0;
     std::uint64_t size =
         4 + chunkHead + formatBytes + fact + chunks.size() + chunkHead + data + data % 2;
@@ -68,6 +71,7 @@ Bytes waveHead(const WaveForm& form, ByteView chunks) {
     head.number(form.rate * frameBytes, 4);
     head.number(frameBytes, 2);
     head.number(form.format.bits, 2);
+    head.number(0, formatBytes - wholeFormat);
     if (fact != 0) {
         head.chunk("fact", 4);
         head.number(std::min(form.frames, mostOfRiff), 4);

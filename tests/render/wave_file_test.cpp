@@ -30,11 +30,11 @@ TEST(WaveFileWriter, WritesHeadChunksAndSamples) {
 }
 
 TEST(WaveHead, FloatingPointSaysHowManyFrames) {
-    // RIFF: 4 + 24 + 12 + 8 + 16 = 64; 384,000 = 0x5DC00.
-    EXPECT_EQ(
-        waveHead({.format = {32, true}, .channels = 2, .frames = 2}, {}),
-        hex("52494646 40000000 57415645 666D7420 10000000 0300 0200 80BB0000 00DC0500 0800 2000"
-            "66616374 04000000 02000000 64617461 10000000"));
+    // RIFF: 4 + 26 + 12 + 8 + 16 = 66; 384,000 = 0x5DC00.
+    EXPECT_EQ(waveHead({.format = {32, true}, .channels = 2, .frames = 2}, {}),
+              hex("52494646 42000000 57415645 666D7420 12000000 0300 0200 80BB0000 00DC0500 0800 "
+                  "2000 0000"
+                  "66616374 04000000 02000000 64617461 10000000"));
 }
 
 TEST(WaveHead, IsOfTheLargeFormBeyondFourGibibytes) {
