@@ -4,6 +4,7 @@
 
 #include "extract/extractor.h"
 #include "extract/folder_names.h"
+#include "extract/salvager.h"
 
 #include <trellant/base/printable_text.h>
 #include <trellant/extraction/extraction.h>
@@ -62,8 +63,15 @@ ExitStatus runExtract(const ExtractOptions& given, Console& console, const StopT
         }
     }
     ExitStatus status = ExitStatus::done;
-    Extractor extractor(options, console, stop);
     const std::vector<std::string> folders = foldersFor(options.call.files, options.call.directory);
+    if (options.call.salvage) {
+        Salvager salvager(options.call, console);
+        for (std::size_t i = 0; i < folders.size(); ++i) {
+            status = worse(status, salvager.run({options.call.files[i], folders[i]}));
+        }
+        return status;
+    }
+    Extractor extractor(options, console, stop);
     for (std::size_t i = 0; i < folders.size(); ++i) {
         status = worse(status, extractor.run({options.call.files[i], folders[i]}));
         if (stop.stop_requested()) {
