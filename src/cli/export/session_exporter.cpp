@@ -2,11 +2,12 @@
 #include "session_exporter.h"
 
 #include "export_report.h"
+#include "extract/staged_failure.h"
 #include "extract/target_folder.h"
-#include "look/agreed_date.h"
 #include "look/console_progress.h"
 #include "look/failure_text.h"
 #include "look/inspect.h"
+#include "terminal/agreed_date.h"
 #include "terminal/failure_line.h"
 #include "terminal/interrupts.h"
 #include "terminal/shown_text.h"
@@ -38,20 +39,6 @@ ExitStatus verdictOf(const ExportReport& report, FailOn failOn) {
                                loss.severity == AAFUnsupportedFeature::Severity::renderAffecting;
                     });
     return found ? ExitStatus::lossesFound : verdict(report.handOff, failOn);
-}
-
-/// The system's reason where a file is the object that no person knows: cannot write
-/// "/home/.trellant-Ab12Cd/mix.aaf": No space left on device.
-std::optional<std::string> reasonNotWritten(std::string_view failure,
-                                            const SessionExport& session) {
-    constexpr std::string_view behindPath = "\": ";
-    const auto quote = failure.find('"');
-    const auto end = failure.rfind(behindPath);
-    if (quote == std::string_view::npos || end == std::string_view::npos || end < quote ||
-        !session.isStaged(failure.substr(quote + 1, end - quote - 1))) {
-        return std::nullopt;
-    }
-    return std::string(failure.substr(end + behindPath.size()));
 }
 
 }  // namespace
@@ -117,7 +104,10 @@ SessionExporter::Outcome SessionExporter::failed(const ExportJob& job, const std
         return {.failure = error.what(), .status = ExitStatus::wrongUse};
     }
     const auto reason =
-        session != nullptr ? reasonNotWritten(error.what(), *session) : std::nullopt;
+        session != nullptr
+            ? reasonNotWritten(error.what(),
+                               [session](std::string_view path) { return session->isStaged(path); })
+            : std::nullopt;
     if (reason) {
         const std::string failure =
             "cannot write to " + shown(options_.call.directory) + ": " + *reason;

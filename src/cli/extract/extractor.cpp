@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "extractor.h"
 
-#include "look/agreed_date.h"
 #include "look/console_progress.h"
 #include "look/failure_text.h"
 #include "look/inspect.h"
 #include "report.h"
 #include "target_folder.h"
+#include "terminal/agreed_date.h"
 #include "terminal/interrupts.h"
 #include "terminal/pasted_word.h"
 #include "terminal/shown_text.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// The date of what is written, where somebody has named one.
 #pragma once
 
 #include <cstdint>
@@ -6,8 +7,8 @@
 
 namespace trellant::cli {
 
-/// The date that builds which are to come out the same agree on, when SOURCE_DATE_EPOCH has it:
-/// seconds since 1970-01-01 00:00:00 UTC.
+/// The date that builds which are to come out the same agree on (SOURCE_DATE_EPOCH, seconds since
+/// 1970), when it is set and a number.
 [[nodiscard]] std::optional<std::int64_t> agreedDate();
 
 }  // namespace trellant::cli
