@@ -235,6 +235,9 @@ HandOff handOffOf(AAFWorkerProtocol::Result answer) {
             handOff.masterMobs = mobs->masterMobs;
             handOff.masterMobOfEvents = mobs->ofEvents;
         }
+        if (const Boxed<Extensions::OlderModel>& older = extensions->omf1) {
+            handOff.olderVersion = older->version;
+        }
         handOff.contents = extensions->contents;
     }
     handOff.losses = lossesOf(handOff.timeline, places);
@@ -298,8 +301,8 @@ void measureMedia(HandOff& handOff, const WorkProgress& progress) {
 HandOff readHandOff(const HandOffRequest& request, WorkProgress& progress) {
     std::vector<std::string> extensions{
         std::string(Extensions::lossPlacesName), std::string(Extensions::compositionsName),
-        std::string(Extensions::datesName), std::string(Extensions::reelsName),
-        std::string(Extensions::masterMobsName)};
+        std::string(Extensions::datesName),      std::string(Extensions::reelsName),
+        std::string(Extensions::masterMobsName), std::string(Extensions::omf1Name)};
     if (request.contents) {
         extensions.emplace_back(Extensions::contentsName);
     }
