@@ -215,7 +215,8 @@ TEST_F(WaveCopyRefuses, WrongNumberOfArguments) {
               "       trellant-wav --origin IN OUT KEY=VALUE...\n"
               "       trellant-wav --measure IN OUT PAIRS [BITS]\n"
               "       trellant-wav --waveform IN OUT FRAMES BITS\n"
-              "       trellant-wav --preview IN OUT RATE FIRST FRAMES [CHANNEL]\n");
+              "       trellant-wav --preview IN OUT RATE FIRST FRAMES [CHANNEL]\n"
+              "       trellant-wav --resample IN OUT NUMERATOR DENOMINATOR RATE\n");
     for (const char* channel : {"0", "-1", "1x", "", "99999999999"}) {
         EXPECT_EQ(runProgram({TRELLANT_WAV, "in", "out", channel}, [] {}).status, 1) << channel;
     }

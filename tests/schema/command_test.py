@@ -49,7 +49,7 @@ OPTIONAL = {
     ("salvage", "sound"): {"claimedBytes", "sampleRate", "channels", "bitDepth", "codec", "frames"},
     ("export", ""): {"mediaFolder"},
     ("export-losses", "loss"): OF_A_LOSS,
-    ("render", "file"): {"track", "trackName", "clip"},
+    ("render", "renderedFile"): {"track", "trackName", "clip"},
     ("check", "finding"): {"track", "trackNumber", "clip", "audioFile", "in", "out", "startSeconds",
                            "startSecondsExact", "durationSeconds", "durationSecondsExact",
                            "objectPath", "foundNumber", "wantedNumber", "unit",
