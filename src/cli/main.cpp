@@ -5,6 +5,7 @@
 #include "dump/dump.h"
 #include "export/export.h"
 #include "extract/extract.h"
+#include "render/render.h"
 #include "terminal/interrupts.h"
 
 #include <trellant/handoff/hand_off.h>
@@ -41,6 +42,10 @@ ExitStatus perform(const Call& call, Console& console) {
                 const Cancellable heeded;
                 return runExport({.call = options, .helperURLProvider = installedWorker}, console,
                                  stop);
+            } else if constexpr (std::is_same_v<Options, RenderCall>) {
+                const Cancellable heeded;
+                return runRender({.call = options, .helperURLProvider = installedWorker}, console,
+                                 stop);
             } else if constexpr (std::is_same_v<Options, PageCall>) {
                 return runPage(options, console, stop);
             } else {
@@ -53,14 +58,21 @@ ExitStatus perform(const Call& call, Console& console) {
         call);
 }
 
+/// Whether the call forks before all else: no thread may be about then, and an interrupt ends it
+/// anyhow.
+bool forksAtOnce(const Call& call) {
+    const auto* const extract = std::get_if<ExtractCall>(&call);
+    return std::holds_alternative<DumpCall>(call) ||
+           std::holds_alternative<ValidateOptions>(call) ||
+           (extract != nullptr && extract->salvage);
+}
+
 ExitStatus run(int argc, const char* const* argv) {
     const CommandLine line = readCommandLine(argc, argv);
     Console console(line.verbosity);
     try {
         if (line.call) {
-            // These fork at once, and no thread may be about then; an interrupt ends them anyhow.
-            if (!std::holds_alternative<DumpCall>(*line.call) &&
-                !std::holds_alternative<ValidateOptions>(*line.call)) {
+            if (!forksAtOnce(*line.call)) {
                 watchInterrupts();
             }
             return perform(*line.call, console);

@@ -6,6 +6,7 @@
 
 #include <trellant/base/keyed_hash.h>
 #include <trellant/exchange/export_plan.h>
+#include <trellant/handoff/frame_clock.h>
 #include <trellant/model/validation.h>
 
 #include <algorithm>
@@ -56,7 +57,7 @@ class Planner {
         ExportPlan& plan = session.plan;
         plan.name = timeline_.compositionName;
         plan.rate = rate_;
-        plan.start = timeline_.clock.timelineZero;
+        plan.start = frameClock(timeline_.clock).timelineZero;
         planClips();
         planTracks(plan);
         plan.length = std::max(end_, compositionLength());
@@ -235,6 +236,18 @@ void Planner::setFades(PlannedClip& clip, const AAFClipEvent& event) {
     }
 }
 
+/// A fade's own shape from its start on: points may be counted from its end.
+std::vector<AAFAutomationPoint> shapeOf(const AAFFade& fade) {
+    std::vector<AAFAutomationPoint> shape = fade.points;
+    if (fade.reversesPointTime.value_or(false)) {
+        std::reverse(shape.begin(), shape.end());
+        for (AAFAutomationPoint& point : shape) {
+            point.timelineOffset = AAFRational::one() - point.timelineOffset;
+        }
+    }
+    return shape;
+}
+
 std::optional<PlannedFade> Planner::fade(const PlannedClip& clip, const AAFFade& fade,
                                          Samples length) {
     const bool isTooLong = length > clip.length;
@@ -247,7 +260,7 @@ std::optional<PlannedFade> Planner::fade(const PlannedClip& clip, const AAFFade&
     }
     return PlannedFade{.length = length,
                        .curve = fade.curve,
-                       .shape = fade.points,
+                       .shape = shapeOf(fade),
                        .exactLength = isTooLong ? std::nullopt : std::optional(fade.duration)};
 }
 

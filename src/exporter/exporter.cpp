@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "final_places.h"
 #include "media_losses.h"
-#include "session_markers.h"
-#include "session_media.h"
 
 #include <trellant/base/file_descriptor.h>
 #include <trellant/base/system_call_error.h>
@@ -12,8 +9,12 @@
 #include <trellant/client/errors.h>
 #include <trellant/exchange/format_limits.h>
 #include <trellant/exporter/exporter.h>
+#include <trellant/exporter/final_places.h>
+#include <trellant/exporter/session_markers.h>
+#include <trellant/exporter/session_media.h>
 #include <trellant/extraction/staging.h>
 #include <trellant/extraction/taken_out.h>
+#include <trellant/handoff/source_timecode.h>
 #include <trellant/io/errors.h>
 #include <trellant/sessions/session.h>
 
@@ -83,6 +84,9 @@ exchange::PlannedReel plannedReel(const AAFWorkerExtensions::Reel& reel) {
         planned.timecode =
             exchange::ReelTimecode{std::max<std::int64_t>(reel.timecode->start, 0),
                                    reel.timecode->framesPerSecond, reel.timecode->dropFrame};
+        if (const auto counted = sourceTimecode(reel)) {
+            planned.timecode->rate = counted->rate.exactRate;
+        }
     }
     return planned;
 }

@@ -70,7 +70,7 @@ struct RecordFields<AAFWorkerExtensions::ReelTimecode> {
     using R = AAFWorkerExtensions::ReelTimecode;
     static constexpr auto fields =
         std::tuple{field("start", &R::start), field("framesPerSecond", &R::framesPerSecond),
-                   field("dropFrame", &R::dropFrame)};
+                   field("dropFrame", &R::dropFrame), field("editRate", &R::editRate)};
 };
 
 template <>
@@ -85,6 +85,19 @@ template <>
 struct RecordFields<AAFWorkerExtensions::Reels> {
     using R = AAFWorkerExtensions::Reels;
     static constexpr auto fields = std::tuple{field("reels", &R::reels)};
+};
+
+template <>
+struct RecordFields<AAFWorkerExtensions::MasterMob> {
+    using R = AAFWorkerExtensions::MasterMob;
+    static constexpr auto fields = std::tuple{field("mobID", &R::mobID), field("name", &R::name)};
+};
+
+template <>
+struct RecordFields<AAFWorkerExtensions::MasterMobs> {
+    using R = AAFWorkerExtensions::MasterMobs;
+    static constexpr auto fields =
+        std::tuple{field("masterMobs", &R::masterMobs), field("ofEvents", &R::ofEvents)};
 };
 
 template <>
@@ -104,6 +117,12 @@ struct RecordFields<AAFWorkerExtensions::Contents> {
 };
 
 template <>
+struct RecordFields<AAFWorkerExtensions::OlderModel> {
+    using R = AAFWorkerExtensions::OlderModel;
+    static constexpr auto fields = std::tuple{field("version", &R::version)};
+};
+
+template <>
 struct RecordFields<AAFWorkerExtensions> {
     using R = AAFWorkerExtensions;
     static constexpr auto fields = std::tuple{field("lossPlaces", &R::lossPlaces),
@@ -111,7 +130,9 @@ struct RecordFields<AAFWorkerExtensions> {
                                               field("embeddedMedia", &R::embeddedMedia),
                                               field("dates", &R::dates),
                                               field("reels", &R::reels),
-                                              field("contents", &R::contents)};
+                                              field("contents", &R::contents),
+                                              field("masterMobs", &R::masterMobs),
+                                              field("omf1", &R::omf1)};
 };
 
 template <>

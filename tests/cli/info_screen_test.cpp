@@ -56,6 +56,14 @@ class InfoOfASession : public ::testing::Test {
     HandOff handOff_;
 };
 
+TEST_F(InfoOfASession, OfOMF1IsSaidToBeReadAsFarAsItIsKnown) {
+    EXPECT_FALSE(line().contains("omfVersion"));
+    handOff_.olderVersion = "1.0";
+    EXPECT_THAT(screen(), HasSubstr("  Lost          nothing\n"
+                                    "  Note: OMF 1.x: read as far as its structure is known\n"));
+    EXPECT_EQ(line().at("omfVersion"), "1.0");
+}
+
 TEST_F(InfoOfASession, ScreenHasALineForEachFactAndThenWhatToDo) {
     EXPECT_EQ(screen(),
               "mix.omf\n"
@@ -138,6 +146,20 @@ TEST_F(InfoOfASession, RatesThatDisagreeAreANote) {
                                     "per hour.\n"));
     EXPECT_NEAR(line().at("driftSecondsPerHour").get<double>(), 144, 1e-9);
     EXPECT_TRUE(line().contains("rateDisagreement"));
+}
+
+TEST_F(InfoOfASession, LabelsThatRoundTheRateOfTheFramesAreNoNote) {
+    const AAFTimecodeRate rate(AAFRational(30), 30, false);
+    timeline().clock = {AAFRational(30'000, 1001), rate, AAFTimecodeAddress(1, 0, 0, 0, rate)};
+    // 108,000 frames are an hour of labels, and 3603.6 s.
+    timeline().compositionLength = AAFRational(36'036, 10);
+    EXPECT_THAT(screen(), AllOf(HasSubstr("  Starts at     01:00:00:00  29.97 fps\n"),
+                                HasSubstr("  Length        01:00:00:00  (3603.600000 s)\n"),
+                                Not(HasSubstr("Note"))));
+    EXPECT_EQ(line().at("rate"), "29.97 fps");
+    EXPECT_EQ(line().at("timecodeRate"), "30000/1001");
+    EXPECT_EQ(line().at("length"), "01:00:00:00");
+    EXPECT_FALSE(line().contains("driftSecondsPerHour"));
 }
 
 TEST_F(InfoOfASession, SeveralRatesAndDepthsAreCounted) {

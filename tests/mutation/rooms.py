@@ -18,16 +18,20 @@ def of_room(*names):
 
 EXPORT = Test("export_test", "tests/cli/export_test")
 EXTRACT = Test("extract_test", "tests/cli/extract_test")
+RENDER = Test("render_command_test", "tests/cli/render_command_test")
 
 TESTS = {
     "base": of_room("base", "json", "io", "model"),
     "json": of_room("json", "model", "protocol"),
     "model": of_room("model", "protocol"),
+    "xml": of_room("xml", "audio", "sessions"),
     "audio": of_room("audio"),
     "io": of_room("io", "omf"),
     "compound": of_room("compound", "aaf"),
     "aaf": of_room("aaf"),
-    "omf": of_room("omf", "mapper"),
+    "omf": of_room("omf", "omf1", "mapper"),
+    "omf1": of_room("omf1"),
+    "salvage": of_room("salvage"),
     "mapper": of_room("mapper", "examples"),
     "protocol": of_room("protocol", "helper", "client"),
     "confine": of_room("confine", "helper"),
@@ -39,6 +43,7 @@ TESTS = {
     "sessions": of_room("sessions"),
     "extraction": (*of_room("extraction"), EXTRACT),
     "exporter": (*of_room("exporter"), EXPORT),
+    "render": (*of_room("render"), RENDER),
     "page": of_room("page"),
     "cli": (*of_room("cli"), EXTRACT, EXPORT),
     "listening": of_room("listening"),

@@ -333,9 +333,13 @@ TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
           .mobID = "m",
           .name = "TAPE 7",
           .start = AAFRational(7, 2),
-          .timecode = AAFWorkerExtensions::ReelTimecode{90'000, 30, true}},
+          .timecode =
+              AAFWorkerExtensions::ReelTimecode{90'000, 30, true, AAFRational(30'000, 1001)}},
          {.essenceID = "f", .mobID = "n"}}};
     extensions.contents = sampleContents();
+    extensions.masterMobs = AAFWorkerExtensions::MasterMobs{
+        {{.mobID = "a", .name = "Take 1"}, {.mobID = "b"}}, {1, -1}};
+    extensions.omf1 = AAFWorkerExtensions::OlderModel{.version = "1.0"};
     Result result;
     result.extensions = extensions;
     result.timeline.clock = {AAFRational(25), AAFTimecodeRate::fps25(),
@@ -355,9 +359,12 @@ TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
             R"("clipObject":7,"cut":{"denominator":1,"numerator":2},)"
             R"("duration":{"denominator":1,"numerator":3},"kind":"transitionAsCut",)"
             R"("start":{"denominator":2,"numerator":1},"trackID":"omf-track-1","trackIndex":2,)"
-            R"("trackName":"Atmo"},{"kind":"other"}]},"reels":{"reels":[{"essenceID":"e",)"
+            R"("trackName":"Atmo"},{"kind":"other"}]},)"
+            R"("masterMobs":{"masterMobs":[{"mobID":"a","name":"Take 1"},{"mobID":"b"}],)"
+            R"("ofEvents":[1,-1]},"omf1":{"version":"1.0"},"reels":{"reels":[{"essenceID":"e",)"
             R"("mobID":"m","name":"TAPE 7","start":{"denominator":2,"numerator":7},)"
-            R"("timecode":{"dropFrame":true,"framesPerSecond":30,"start":90000}},)"
+            R"("timecode":{"dropFrame":true,"editRate":{"denominator":1001,"numerator":30000},)"
+            R"("framesPerSecond":30,"start":90000}},)"
             R"({"essenceID":"f","mobID":"n","start":{"denominator":1,"numerator":0}}]}},)"
             R"("protocolVersion":1)"),
         std::string::npos)

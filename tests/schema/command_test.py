@@ -34,16 +34,22 @@ OPTIONAL = {
     ("info", "change"): {"track", "clip", "audioFile", "timecode", "startSeconds",
                          "startSecondsExact"},
     ("list-tracks", ""): {"name", "gainDb"} | PAN,
-    ("list-clips", ""): {"track", "clip", "sourceChannel", "gainDb", "automationPoints",
+    ("list-clips", ""): {"track", "clip", "clipNameFrom", "sourceInTimecode",
+                         "sourceOutTimecode", "reel", "sourceChannel", "gainDb", "automationPoints",
                          "gainPoints", "lossNumbers"} | PAN | FADES,
-    ("list-sources", ""): {"bitDepth", "codec", "path", "recordedPath"},
+    ("list-sources", ""): {"bitDepth", "codec", "timecode", "timecodeRate", "reel", "path",
+                           "recordedPath"},
     ("list-losses", ""): OF_A_LOSS,
     ("extract", ""): {"notPlayed"},
-    ("extract", "audio"): {"name", "path", "fileURL", "frames", "bitDepth", "channels", "codec",
+    ("extract", "audio"): {"name", "nameFrom", "path", "fileURL", "frames", "bitDepth", "channels", "codec",
                            "recordedPath", "sha256", "notConverted"} | LENGTH,
     ("extract", "candidate"): {"frames", "channels", "bitDepth", "misfit"} | LENGTH | RATE,
+    ("salvage", ""): {"record", "table"},
+    ("salvage", "table"): {"claimedBytes"},
+    ("salvage", "sound"): {"claimedBytes", "sampleRate", "channels", "bitDepth", "codec", "frames"},
     ("export", ""): {"mediaFolder"},
     ("export-losses", "loss"): OF_A_LOSS,
+    ("render", "renderedFile"): {"track", "trackName", "clip"},
     ("check", "finding"): {"track", "trackNumber", "clip", "audioFile", "in", "out", "startSeconds",
                            "startSecondsExact", "durationSeconds", "durationSecondsExact",
                            "objectPath", "foundNumber", "wantedNumber", "unit",
@@ -195,7 +201,7 @@ class CommandLines(unittest.TestCase):
 
     def test_files_have_a_line_each_where_a_line_is_a_file(self):
         for call in CALLS:
-            if call.schema in ("info", "extract", "export", "check", "peaks", "validate", "dump-overview",
+            if call.schema in ("info", "extract", "export", "render", "check", "peaks", "validate", "dump-overview",
                                "dump-object"):
                 self.assertEqual(len(call.lines), len(call.files), call.arguments)
 

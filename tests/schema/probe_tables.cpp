@@ -111,9 +111,15 @@ constexpr const char* nameOf<AAFWorkerExtensions::Reel> = "reel";
 template <>
 constexpr const char* nameOf<AAFWorkerExtensions::Reels> = "reels";
 template <>
+constexpr const char* nameOf<AAFWorkerExtensions::MasterMob> = "masterMob";
+template <>
+constexpr const char* nameOf<AAFWorkerExtensions::MasterMobs> = "masterMobs";
+template <>
 constexpr const char* nameOf<AAFWorkerExtensions::MediaLength> = "mediaLength";
 template <>
 constexpr const char* nameOf<AAFWorkerExtensions::Contents> = "contents";
+template <>
+constexpr const char* nameOf<AAFWorkerExtensions::OlderModel> = "olderModel";
 template <>
 constexpr const char* nameOf<Protocol::Request> = "request";
 template <>

@@ -24,6 +24,9 @@ struct AAFWorkerExtensions {
     static constexpr std::string_view datesName = "dates";
     static constexpr std::string_view reelsName = "reels";
     static constexpr std::string_view contentsName = "contents";
+    static constexpr std::string_view masterMobsName = "masterMobs";
+    /// Without this one a file of OMF 1.x is refused.
+    static constexpr std::string_view omf1Name = "omf1";
 
     /// Where on the timeline a loss lies.
     struct LossPlace {
@@ -104,6 +107,9 @@ struct AAFWorkerExtensions {
         /// Frames that labels count in a second.
         std::int64_t framesPerSecond = 25;
         bool dropFrame = false;
+        /// Of the track that has the labels, in edit units per second: the true rate of the frames,
+        /// the rounded one, or that of something else.
+        std::optional<AAFRational> editRate{};
         bool operator==(const ReelTimecode&) const = default;
     };
 
@@ -123,6 +129,23 @@ struct AAFWorkerExtensions {
     struct Reels {
         std::vector<Reel> reels{};
         bool operator==(const Reels&) const = default;
+    };
+
+    /// The mob that a file's audio has in the edit, under the name that editors know.
+    struct MasterMob {
+        std::string mobID{};
+        std::optional<std::string> name{};
+        bool operator==(const MasterMob&) const = default;
+    };
+
+    /// Absent where its names are beyond the bounds of a request.
+    struct MasterMobs {
+        /// Those that clips play.
+        std::vector<MasterMob> masterMobs{};
+        /// For each of the timeline's events, in their order: the place in `masterMobs` of the one
+        /// that it plays, -1 where it plays none.
+        std::vector<std::int64_t> ofEvents{};
+        bool operator==(const MasterMobs&) const = default;
     };
 
     /// How much audio an embedded essence holds.
@@ -149,12 +172,21 @@ struct AAFWorkerExtensions {
         bool operator==(const Contents&) const = default;
     };
 
+    /// The file is OMF 1.x and was read as far as its structure is known; absent for OMF 2.
+    struct OlderModel {
+        /// "1.0", or "1.x" where the file does not say.
+        std::string version{};
+        bool operator==(const OlderModel&) const = default;
+    };
+
     Boxed<LossPlaces> lossPlaces{};
     Boxed<Compositions> compositions{};
     Boxed<EmbeddedMedia> embeddedMedia{};
     Boxed<Dates> dates{};
     Boxed<Reels> reels{};
     Boxed<Contents> contents{};
+    Boxed<MasterMobs> masterMobs{};
+    Boxed<OlderModel> omf1{};
     bool operator==(const AAFWorkerExtensions&) const = default;
 };
 
