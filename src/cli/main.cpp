@@ -5,6 +5,7 @@
 #include "dump/dump.h"
 #include "export/export.h"
 #include "extract/extract.h"
+#include "render/render.h"
 #include "terminal/interrupts.h"
 
 #include <trellant/handoff/hand_off.h>
@@ -40,6 +41,10 @@ ExitStatus perform(const Call& call, Console& console) {
             } else if constexpr (std::is_same_v<Options, ExportCall>) {
                 const Cancellable heeded;
                 return runExport({.call = options, .helperURLProvider = installedWorker}, console,
+                                 stop);
+            } else if constexpr (std::is_same_v<Options, RenderCall>) {
+                const Cancellable heeded;
+                return runRender({.call = options, .helperURLProvider = installedWorker}, console,
                                  stop);
             } else if constexpr (std::is_same_v<Options, PageCall>) {
                 return runPage(options, console, stop);

@@ -8,6 +8,7 @@
 #include "extract/extract.h"
 #include "look/fail_on.h"
 #include "page/page.h"
+#include "render/render.h"
 #include "terminal/console.h"
 #include "terminal/destination.h"
 #include "terminal/exit_status.h"
@@ -58,8 +59,8 @@ struct ValidateOptions {
     bool json = false;
 };
 
-using Call = std::variant<InfoOptions, ListOptions, ExtractCall, ExportCall, CheckCall, PageCall,
-                          PeaksOptions, DumpCall, ValidateOptions>;
+using Call = std::variant<InfoOptions, ListOptions, ExtractCall, ExportCall, RenderCall, CheckCall,
+                          PageCall, PeaksOptions, DumpCall, ValidateOptions>;
 
 struct CommandLine {
     Verbosity verbosity = Verbosity::normal;
