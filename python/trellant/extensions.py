@@ -23,6 +23,8 @@ class ExtensionName(str, enum.Enum):
     REELS = "reels"
     CONTENTS = "contents"
     MASTER_MOBS = "masterMobs"
+    #: Without this one a file of OMF 1.x is refused.
+    OMF1 = "omf1"
 
 
 class LossKind(enum.Enum):
@@ -57,6 +59,8 @@ class LossKind(enum.Enum):
     PAN_DIFFERS = "panDiffers"
     NESTED_GAIN_AUTOMATION = "nestedGainAutomation"
     UNKNOWN_AUTOMATION_CURVE = "unknownAutomationCurve"
+    EFFECT_NOT_APPLIED = "effectNotApplied"
+    OLDER_MODEL_UNKNOWN = "olderModelUnknown"
     OTHER = "other"
 
 
@@ -214,6 +218,14 @@ class MasterMobs:
 
 
 @dataclass(frozen=True)
+class OlderModel:
+    """The file is OMF 1.x, read as far as its structure is known."""
+
+    #: "1.0", or "1.x" where the file does not say.
+    version: str
+
+
+@dataclass(frozen=True)
 class Extensions:
     """Those that were asked for and that the worker could serve."""
 
@@ -227,3 +239,5 @@ class Extensions:
     contents: Optional[Contents] = None
     #: None also where its names are beyond the bounds of a request.
     master_mobs: Optional[MasterMobs] = None
+    #: None for OMF 2.
+    omf1: Optional[OlderModel] = None

@@ -117,6 +117,12 @@ struct RecordFields<AAFWorkerExtensions::Contents> {
 };
 
 template <>
+struct RecordFields<AAFWorkerExtensions::OlderModel> {
+    using R = AAFWorkerExtensions::OlderModel;
+    static constexpr auto fields = std::tuple{field("version", &R::version)};
+};
+
+template <>
 struct RecordFields<AAFWorkerExtensions> {
     using R = AAFWorkerExtensions;
     static constexpr auto fields = std::tuple{field("lossPlaces", &R::lossPlaces),
@@ -125,7 +131,8 @@ struct RecordFields<AAFWorkerExtensions> {
                                               field("dates", &R::dates),
                                               field("reels", &R::reels),
                                               field("contents", &R::contents),
-                                              field("masterMobs", &R::masterMobs)};
+                                              field("masterMobs", &R::masterMobs),
+                                              field("omf1", &R::omf1)};
 };
 
 template <>

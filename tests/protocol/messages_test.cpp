@@ -339,6 +339,7 @@ TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
     extensions.contents = sampleContents();
     extensions.masterMobs = AAFWorkerExtensions::MasterMobs{
         {{.mobID = "a", .name = "Take 1"}, {.mobID = "b"}}, {1, -1}};
+    extensions.omf1 = AAFWorkerExtensions::OlderModel{.version = "1.0"};
     Result result;
     result.extensions = extensions;
     result.timeline.clock = {AAFRational(25), AAFTimecodeRate::fps25(),
@@ -360,7 +361,7 @@ TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
             R"("start":{"denominator":2,"numerator":1},"trackID":"omf-track-1","trackIndex":2,)"
             R"("trackName":"Atmo"},{"kind":"other"}]},)"
             R"("masterMobs":{"masterMobs":[{"mobID":"a","name":"Take 1"},{"mobID":"b"}],)"
-            R"("ofEvents":[1,-1]},"reels":{"reels":[{"essenceID":"e",)"
+            R"("ofEvents":[1,-1]},"omf1":{"version":"1.0"},"reels":{"reels":[{"essenceID":"e",)"
             R"("mobID":"m","name":"TAPE 7","start":{"denominator":2,"numerator":7},)"
             R"("timecode":{"dropFrame":true,"editRate":{"denominator":1001,"numerator":30000},)"
             R"("framesPerSecond":30,"start":90000}},)"

@@ -26,7 +26,8 @@ RECORDS = {
     trellant.SeparateFile: "separateFile", trellant.EmbeddedMedia: "embeddedMedia", trellant.Dates: "dates",
     trellant.ReelTimecode: "reelTimecode", trellant.Reel: "reel", trellant.Reels: "reels",
     trellant.MediaLength: "mediaLength", trellant.Contents: "contents",
-    trellant.MasterMob: "masterMob", trellant.MasterMobs: "masterMobs", trellant.Extensions: "extensions",
+    trellant.MasterMob: "masterMob", trellant.MasterMobs: "masterMobs", trellant.OlderModel: "olderModel",
+    trellant.Extensions: "extensions",
 }
 ENUMS = {
     trellant.Operation: "operation", trellant.StemRole: "stemRole", trellant.ChannelRole: "channelRole",

@@ -58,6 +58,7 @@ AAFWorkerExtensions sampleExtensions() {
                              .unusedBytes = 1'000,
                              .renderedEffects = 2,
                              .nestedGroups = 3};
+    extensions.omf1 = Extensions::OlderModel{.version = "1.0"};
     return extensions;
 }
 

@@ -119,6 +119,8 @@ constexpr const char* nameOf<AAFWorkerExtensions::MediaLength> = "mediaLength";
 template <>
 constexpr const char* nameOf<AAFWorkerExtensions::Contents> = "contents";
 template <>
+constexpr const char* nameOf<AAFWorkerExtensions::OlderModel> = "olderModel";
+template <>
 constexpr const char* nameOf<Protocol::Request> = "request";
 template <>
 constexpr const char* nameOf<Protocol::Progress> = "progress";

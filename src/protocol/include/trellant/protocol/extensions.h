@@ -25,6 +25,8 @@ struct AAFWorkerExtensions {
     static constexpr std::string_view reelsName = "reels";
     static constexpr std::string_view contentsName = "contents";
     static constexpr std::string_view masterMobsName = "masterMobs";
+    /// Without this one a file of OMF 1.x is refused.
+    static constexpr std::string_view omf1Name = "omf1";
 
     /// Where on the timeline a loss lies.
     struct LossPlace {
@@ -170,6 +172,13 @@ struct AAFWorkerExtensions {
         bool operator==(const Contents&) const = default;
     };
 
+    /// The file is OMF 1.x and was read as far as its structure is known; absent for OMF 2.
+    struct OlderModel {
+        /// "1.0", or "1.x" where the file does not say.
+        std::string version{};
+        bool operator==(const OlderModel&) const = default;
+    };
+
     Boxed<LossPlaces> lossPlaces{};
     Boxed<Compositions> compositions{};
     Boxed<EmbeddedMedia> embeddedMedia{};
@@ -177,6 +186,7 @@ struct AAFWorkerExtensions {
     Boxed<Reels> reels{};
     Boxed<Contents> contents{};
     Boxed<MasterMobs> masterMobs{};
+    Boxed<OlderModel> omf1{};
     bool operator==(const AAFWorkerExtensions&) const = default;
 };
 
