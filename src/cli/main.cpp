@@ -5,6 +5,7 @@
 #include "dump/dump.h"
 #include "export/export.h"
 #include "extract/extract.h"
+#include "scan/scan.h"
 #include "terminal/interrupts.h"
 
 #include <trellant/handoff/hand_off.h>
@@ -41,6 +42,8 @@ ExitStatus perform(const Call& call, Console& console) {
                 const Cancellable heeded;
                 return runExport({.call = options, .helperURLProvider = installedWorker}, console,
                                  stop);
+            } else if constexpr (std::is_same_v<Options, ScanCall>) {
+                return runScanCall(options, console, stop);
             } else if constexpr (std::is_same_v<Options, PageCall>) {
                 return runPage(options, console, stop);
             } else {

@@ -65,6 +65,11 @@ CLI::Option* addChoice(CLI::App& command, const std::string& name, Choice& chose
         ->type_name(list);
 }
 
+/// Of --jobs, --time-limit and --memory-limit.
+constexpr std::int64_t mostJobs = 1'024;
+constexpr std::int64_t aDay = 86'400;
+constexpr std::int64_t mostMebibytes = 1'048'576;
+
 /// A number without a point or a unit, both ends included.
 CLI::Validator wholeNumber(std::int64_t least, std::int64_t most) {
     return CLI::Validator(
@@ -132,6 +137,7 @@ class Parser {
         addCheck();
         addPage();
         addPeaks();
+        addScan();
         addDump();
         addValidate();
     }
@@ -380,6 +386,50 @@ class Parser {
         addDestination(*peaks_, peaksOptions_.destination);
     }
 
+    void addScan() {
+        scan_ = &command("scan", "Looks into every OMF file of an archive, a row of JSON for each",
+                         "  trellant scan /archive -o archive.ndjson\n"
+                         "  trellant scan --list files.txt --shard 3/8 -o part3.ndjson\n"
+                         "  trellant scan /archive -o archive.ndjson --retry failed");
+        scan_->add_option("PATH", scanCall_.paths, "Files, and folders that hold some somewhere");
+        scan_->add_option("-o,--output", scanCall_.output, "Add the rows to this file")
+            ->type_name("SHARD")
+            ->required();
+        scan_
+            ->add_option("--list", scanCall_.lists,
+                         "A file with a path on each line; - is standard input")
+            ->type_name("FILE")
+            ->expected(1)
+            ->take_all();
+        scan_->add_option("--shard", scanCall_.shard, "Only part I of N parts")->type_name("I/N");
+        scan_->add_option("--jobs", scanCall_.jobs, "Files read at once; else one for each core")
+            ->type_name("N")
+            ->check(wholeNumber(1, mostJobs));
+        scan_->add_flag_callback(
+            "--no-hash", [this] { scanCall_.hashes = false; },
+            "No checksums: not of the files, not of their audio");
+        addChoice<scan::Again>(*scan_, "--retry", scanCall_.again,
+                               "Read files again that could not be read",
+                               {{"failed", scan::Again::failed}});
+        scan_->add_flag("--refresh", scanCall_.refresh, "Read all files again");
+        scan_
+            ->add_option("--time-limit", scanCall_.timeLimitSeconds,
+                         "Seconds that reading one file may take; 300 otherwise")
+            ->type_name("SECONDS")
+            ->check(wholeNumber(1, aDay));
+        scan_
+            ->add_option("--memory-limit", scanCall_.memoryLimitMebibytes,
+                         "MiB that reading one file may take; else by its size")
+            ->type_name("MIB")
+            ->check(wholeNumber(1, mostMebibytes));
+        scan_
+            ->add_option("--profile", scanCall_.profile,
+                         "Check each file by these rules too, as trellant check does")
+            ->type_name("PROFILE");
+        scan_->add_flag("--strict", scanCall_.strict,
+                        "End with status 2 when a file could not be read");
+    }
+
     void addDump() {
         dump_ = &command("dump", "Shows the container behind an OMF file, for engineers",
                          "  trellant dump mix.omf\n"
@@ -478,6 +528,9 @@ class Parser {
         if (peaks_->parsed()) {
             return peaksOptions_;
         }
+        if (scan_->parsed()) {
+            return scanCall_;
+        }
         if (dump_->parsed()) {
             return dumpCall_;
         }
@@ -504,6 +557,7 @@ class Parser {
     CLI::App* check_ = nullptr;
     CLI::App* page_ = nullptr;
     CLI::App* peaks_ = nullptr;
+    CLI::App* scan_ = nullptr;
     CLI::App* dump_ = nullptr;
     CLI::App* validate_ = nullptr;
     InfoOptions infoOptions_;
@@ -514,6 +568,7 @@ class Parser {
     PageCall pageCall_;
     DumpCall dumpCall_;
     PeaksOptions peaksOptions_;
+    ScanCall scanCall_;
     ValidateOptions validateOptions_;
     bool quiet_ = false;
     bool verbose_ = false;

@@ -8,6 +8,7 @@
 #include "extract/extract.h"
 #include "look/fail_on.h"
 #include "page/page.h"
+#include "scan/scan.h"
 #include "terminal/console.h"
 #include "terminal/destination.h"
 #include "terminal/exit_status.h"
@@ -59,7 +60,7 @@ struct ValidateOptions {
 };
 
 using Call = std::variant<InfoOptions, ListOptions, ExtractCall, ExportCall, CheckCall, PageCall,
-                          PeaksOptions, DumpCall, ValidateOptions>;
+                          PeaksOptions, ScanCall, DumpCall, ValidateOptions>;
 
 struct CommandLine {
     Verbosity verbosity = Verbosity::normal;
