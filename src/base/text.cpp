@@ -139,4 +139,23 @@ std::string_view prefixOfClusters(std::string_view text, std::size_t maxClusters
     return maxClusters > 0 ? text : text.substr(0, 0);
 }
 
+std::string plainLine(std::string_view text) {
+    constexpr unsigned char firstPrintable = 0x20;
+    constexpr unsigned char deletion = 0x7F;
+    std::string line;
+    line.reserve(text.size());
+    bool inRun = false;
+    for (const char byte : text) {
+        const auto value = static_cast<unsigned char>(byte);
+        const bool isControl = value < firstPrintable || value == deletion;
+        if (!isControl) {
+            line += byte;
+        } else if (!inRun) {
+            line += ' ';
+        }
+        inRun = isControl;
+    }
+    return line;
+}
+
 }  // namespace trellant

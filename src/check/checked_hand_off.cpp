@@ -3,6 +3,7 @@
 
 #include <trellant/base/keyed_hash.h>
 #include <trellant/check/checked_hand_off.h>
+#include <trellant/handoff/frame_clock.h>
 #include <trellant/handoff/timeline_text.h>
 #include <trellant/model/validation.h>
 
@@ -26,7 +27,7 @@ std::optional<std::string_view> objectIn(std::string_view id, std::string_view p
 
 AAFRational frameRateOf(const AAFProgramClock& clock) {
     const auto drift = rateDrift(clock);
-    return drift ? drift->editRate : clock.timecodeRate.exactRate;
+    return drift ? drift->editRate : frameClock(clock).timecodeRate.exactRate;
 }
 
 }  // namespace
@@ -103,7 +104,7 @@ void CheckedHandOff::addClips(const Sources& sources) {
 }
 
 std::optional<AAFRational> CheckedHandOff::secondsOf(const std::string& timecode) const {
-    const AAFProgramClock& clock = timeline().clock;
+    const AAFProgramClock clock = frameClock(timeline().clock);
     const auto frame = frameOfLabel(timecode, clock.timecodeRate);
     if (!frame) {
         return std::nullopt;

@@ -6,6 +6,7 @@
 
 #include <trellant/base/keyed_hash.h>
 #include <trellant/exchange/export_plan.h>
+#include <trellant/handoff/frame_clock.h>
 #include <trellant/model/validation.h>
 
 #include <algorithm>
@@ -56,7 +57,7 @@ class Planner {
         ExportPlan& plan = session.plan;
         plan.name = timeline_.compositionName;
         plan.rate = rate_;
-        plan.start = timeline_.clock.timelineZero;
+        plan.start = frameClock(timeline_.clock).timelineZero;
         planClips();
         planTracks(plan);
         plan.length = std::max(end_, compositionLength());

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <trellant/base/text.h>
 #include <trellant/base/utf8.h>
 #include <trellant/exchange/format_limits.h>
+#include <trellant/xml/xml_text.h>
 
 #include <algorithm>
 #include <array>
@@ -67,22 +69,6 @@ std::string reaperName(std::string_view name) {
     return line;
 }
 
-/// Two characters are all that XML has no form for, beside the controls.
-std::string xmlName(std::string_view name) {
-    constexpr char32_t replacement = 0xFFFD;
-    const std::string line = plainLine(name);
-    std::string text;
-    text.reserve(line.size());
-    for (std::size_t at = 0; at < line.size();) {
-        const UTF8Step step = utf8Step(line, at);
-        // A broken sequence gives the replacement already.
-        const bool isForbidden = step.scalar == 0xFFFE || step.scalar == 0xFFFF;
-        appendUTF8(text, isForbidden ? replacement : step.scalar);
-        at += step.length;
-    }
-    return text;
-}
-
 }  // namespace
 
 double gainWithin(ExportFormat format, double gain) noexcept {
@@ -120,7 +106,7 @@ std::string nameWithin(ExportFormat format, std::string_view name) {
         case ExportFormat::reaper:
             return reaperName(name);
         case ExportFormat::dawproject:
-            return xmlName(name);
+            return xml::xmlText(name);
         case ExportFormat::markers:
             return plainLine(name);
         case ExportFormat::otio:
@@ -128,25 +114,6 @@ std::string nameWithin(ExportFormat format, std::string_view name) {
             return std::string(name);
     }
     return std::string(name);
-}
-
-std::string plainLine(std::string_view text) {
-    constexpr unsigned char firstPrintable = 0x20;
-    constexpr unsigned char deletion = 0x7F;
-    std::string line;
-    line.reserve(text.size());
-    bool inRun = false;
-    for (const char byte : text) {
-        const auto value = static_cast<unsigned char>(byte);
-        const bool isControl = value < firstPrintable || value == deletion;
-        if (!isControl) {
-            line += byte;
-        } else if (!inRun) {
-            line += ' ';
-        }
-        inRun = isControl;
-    }
-    return line;
 }
 
 std::int64_t mostChannels(ExportFormat format) noexcept {

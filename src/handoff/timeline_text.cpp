@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
+#include <trellant/handoff/frame_clock.h>
 #include <trellant/handoff/timeline_text.h>
 #include <trellant/model/enum_names.h>
 
@@ -50,11 +51,11 @@ std::string withoutTrailingZeros(std::string text) {
 }  // namespace
 
 std::string timecodeText(const AAFTimeline& timeline, const AAFRational& time) {
-    return timeline.clock.address(time).description();
+    return frameClock(timeline.clock).address(time).description();
 }
 
 std::string lengthText(const AAFTimeline& timeline, const AAFRational& length) {
-    const AAFTimecodeRate& rate = timeline.clock.timecodeRate;
+    const AAFTimecodeRate rate = frameClock(timeline.clock).timecodeRate;
     const std::int64_t frames = (length * rate.exactRate).roundedInt64();
     return AAFTimecodeAddress::fromAbsoluteFrameNumber(frames < 0 ? 0 : frames, rate).description();
 }
@@ -148,7 +149,8 @@ std::string formatText(const std::string& codec) {
     return codec;
 }
 
-std::optional<RateDrift> rateDrift(const AAFProgramClock& clock) {
+std::optional<RateDrift> rateDrift(const AAFProgramClock& given) {
+    const AAFProgramClock clock = frameClock(given);
     const AAFRational& labelled = clock.timecodeRate.exactRate;
     if (clock.editRate == labelled || labelled.numerator() <= 0 ||
         clock.editRate.numerator() <= 0) {

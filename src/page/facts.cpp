@@ -4,6 +4,7 @@
 #include "say.h"
 #include "value_text.h"
 
+#include <trellant/handoff/frame_clock.h>
 #include <trellant/handoff/timeline_text.h>
 #include <trellant/version.h>
 
@@ -157,7 +158,7 @@ void writeFacts(Markup& markup, const PageRequest& request, const Summary& summa
     const bool isAssumed = !timeline.hasNativeTimecode.value_or(false);
     Facts facts(markup);
     facts.add("startsAt", timeline.clock.timelineZero.description());
-    facts.add("frameRate", frameRateText(timeline.clock.timecodeRate) +
+    facts.add("frameRate", frameRateText(frameClock(timeline.clock).timecodeRate) +
                                (isAssumed ? " (" + std::string(say("assumed")) + ")" : ""));
     facts.add("length", lengthOf(timeline));
     facts.add("firstSound", summary.firstAudible ? timecodeText(timeline, *summary.firstAudible)

@@ -2,6 +2,7 @@
 #include "timeline_data.h"
 
 #include <trellant/base/keyed_hash.h>
+#include <trellant/handoff/frame_clock.h>
 #include <trellant/handoff/timeline_text.h>
 
 #include <cmath>
@@ -103,7 +104,7 @@ class TimelineData {
     void number(double value) { writer_.number(std::isfinite(value) ? value : 0); }
 
     void addClock() {
-        const AAFProgramClock& clock = timeline_.clock;
+        const AAFProgramClock clock = frameClock(timeline_.clock);
         writer_.plainKey("clock");
         writer_.beginObject();
         pair("rate", clock.timecodeRate.exactRate.numerator(),

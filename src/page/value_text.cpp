@@ -4,6 +4,7 @@
 #include "say.h"
 
 #include <trellant/base/precondition.h>
+#include <trellant/handoff/frame_clock.h>
 #include <trellant/handoff/timeline_text.h>
 
 #include <cstdint>
@@ -49,7 +50,7 @@ std::string curveName(const AAFAutomationInterpolation& curve) {
 
 std::string fadeText(const AAFTimeline& timeline, const AAFFade& fade) {
     const std::int64_t frames =
-        (fade.duration * timeline.clock.timecodeRate.exactRate).roundedInt64();
+        (fade.duration * frameClock(timeline.clock).timecodeRate.exactRate).roundedInt64();
     return (frames == 0 ? "<1" : std::to_string(frames)) + "f " + curveName(fade.curve);
 }
 

@@ -4,10 +4,10 @@
 #include "dawproject_document.h"
 
 #include "session_text.h"
-#include "xml_tree.h"
 
 #include <trellant/exchange/format_limits.h>
 #include <trellant/version.h>
+#include <trellant/xml/xml_tree.h>
 
 #include <algorithm>
 #include <string>
@@ -17,6 +17,9 @@
 namespace trellant::sessions {
 
 namespace {
+
+using xml::XmlElement;
+using xml::XmlTree;
 
 std::string dawProjectName(std::string_view text) {
     return exchange::nameWithin(exchange::ExportFormat::dawproject, text);
@@ -71,8 +74,8 @@ class ProjectDocument {
                      const std::string& parameter, const char* unit) const;
     void markers(const XmlElement& arrangement) const;
     [[nodiscard]] std::int64_t channelsOf(const exchange::Lane& lane) const;
-    [[nodiscard]] double seconds(exchange::Samples samples) const {
-        return secondsOf(samples, plan_.rate);
+    [[nodiscard]] std::string seconds(exchange::Samples samples) const {
+        return numberText(secondsOf(samples, plan_.rate));
     }
 
     const Session& session_;
@@ -101,8 +104,8 @@ void points(const XmlElement& parent, const AAFAutomationEnvelope& envelope, dou
         std::holds_alternative<AAFAutomationInterpolation::Constant>(envelope.interpolation.curve);
     for (const AAFAutomationPoint& point : envelope.points) {
         parent.add("RealPoint")
-            .with("time", start + secondsAt(point.timelineOffset, length, rate))
-            .with("value", factor * point.value)
+            .with("time", numberText(start + secondsAt(point.timelineOffset, length, rate)))
+            .with("value", numberText(factor * point.value))
             .with("interpolation", holds ? "hold" : "linear");
     }
 }
@@ -155,12 +158,12 @@ void ProjectDocument::track(const XmlElement& structure, const LanePlace& place)
         .with("max", "1")
         .with("min", "0")
         .with("unit", "normalized")
-        .with("value", place.track->pan.value_or(0.5));
+        .with("value", numberText(place.track->pan.value_or(0.5)));
     channel.add("Volume")
         .with("id", "volume" + place.number)
         .with("min", "0")
         .with("unit", "linear")
-        .with("value", place.track->gain);
+        .with("value", numberText(place.track->gain));
 }
 
 void ProjectDocument::laneClips(const XmlElement& arrangement, const LanePlace& place) const {
@@ -194,7 +197,7 @@ void ProjectDocument::clip(const XmlElement& clips, const PlannedClip& clip) con
         .with("time", seconds(clip.start))
         .with("duration", seconds(clip.length))
         .with("contentTimeUnit", "seconds")
-        .with("playStart", playStart)
+        .with("playStart", numberText(playStart))
         .with("fadeTimeUnit", "seconds")
         .with("fadeInTime", seconds(clip.fadeIn ? clip.fadeIn->length : 0))
         .with("fadeOutTime", seconds(clip.fadeOut ? clip.fadeOut->length : 0));
@@ -215,7 +218,7 @@ void ProjectDocument::audio(const XmlElement& parent, std::size_t media) const {
     const XmlElement audio = parent.add("Audio");
     audio.with("name", dawProjectName(planned.name))
         .with("channels", planned.channelCount)
-        .with("duration", mediaSeconds(planned.frames, planned.sampleRate))
+        .with("duration", numberText(mediaSeconds(planned.frames, planned.sampleRate)))
         .with("sampleRate", planned.sampleRate.roundedInt64());
     const XmlElement file = audio.add("File");
     if (planned.isOffline) {

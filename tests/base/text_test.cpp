@@ -193,6 +193,13 @@ TEST(PrefixOfClusters, AFamilyAndAFlagAreOneClusterEach) {
     EXPECT_EQ(prefixOfClusters(family + flag + flag, 2, 100), family + flag);
 }
 
+TEST(PlainLine, ARunOfControlsBecomesABlank) {
+    EXPECT_EQ(plainLine("B\u00E9n"), "B\u00E9n");
+    EXPECT_EQ(plainLine("\n\na\x1F\x7F"
+                        "b\t"),
+              " a b ");
+}
+
 TEST(PrefixOfClusters, BytesCutAtAClusterBoundary) {
     const std::string cluster = "e\xCC\x81";
     EXPECT_EQ(prefixOfClusters(cluster + cluster, 100, 5), cluster);

@@ -68,18 +68,43 @@ TEST(FrameRate, IsNoneWhereTheFileHasNoTimecode) {
 
 TEST(RateLabel, IsAClockThatCountsOtherFramesThanItsLabels) {
     SoundHandOff made;
-    clockOf(made).editRate = AAFRational(24'000, 1'001);
+    clockOf(made).editRate = AAFRational(30'000, 1'001);
     clockOf(made).timecodeRate = AAFTimecodeRate::fps24();
     clockOf(made).timelineZero = AAFTimecodeAddress(1, 0, 0, 0, AAFTimecodeRate::fps24());
     const Profile off = postWith("off-frame", R"({"severity":"off"})");
     EXPECT_THAT(made.broken(off), ElementsAre("rate-label 1"));
     const Finding finding = made.findings("rate-label").at(0);
     EXPECT_EQ(finding.found.number, AAFRational(24));
-    EXPECT_EQ(finding.wanted.number, AAFRational(24'000, 1'001));
+    EXPECT_EQ(finding.wanted.number, AAFRational(30'000, 1'001));
     EXPECT_TRUE(finding.sentence.ends_with(" seconds per hour. Ask which of both the picture has."))
         << finding.sentence;
     clockOf(made).editRate = AAFRational(24);
     EXPECT_THAT(made.broken(off), IsEmpty());
+}
+
+TEST(RateLabel, IsSilentWhereLabelsRoundTheRateOfTheFrames) {
+    SoundHandOff made;
+    clockOf(made).editRate = AAFRational(24'000, 1'001);
+    clockOf(made).timecodeRate = AAFTimecodeRate::fps24();
+    clockOf(made).timelineZero = AAFTimecodeAddress(1, 0, 0, 0, AAFTimecodeRate::fps24());
+    const Profile off = postWith("off-frame", R"({"severity":"off"})");
+    EXPECT_THAT(made.broken(off), IsEmpty());
+    EXPECT_THAT(made.broken(postWith("frame-rate", R"({"rates":[24]})")),
+                ElementsAre("frame-rate 1", "off-frame 1"));
+    EXPECT_THAT(made.broken(postWith("frame-rate", R"({"rates":[23.976]})")),
+                ElementsAre("off-frame 1"));
+}
+
+TEST(CheckedHandOff, IsSecondsOfFramesWhereLabelsRoundTheirRate) {
+    SoundHandOff made;
+    clockOf(made).editRate = AAFRational(30'000, 1'001);
+    clockOf(made).timecodeRate = AAFTimecodeRate(AAFRational(30), 30, false);
+    clockOf(made).timelineZero =
+        AAFTimecodeAddress(1, 0, 0, 0, AAFTimecodeRate(AAFRational(30), 30, false));
+    // A minute of labels is 1800 frames, and 1800 * 1001 / 30000 = 60.06 s.
+    const CheckedHandOff checked(made.handOff, made.file, nullptr);
+    EXPECT_EQ(checked.secondsOf("01:01:00:00"), AAFRational(6'006, 100));
+    EXPECT_EQ(checked.frameRate(), AAFRational(30'000, 1'001));
 }
 
 TEST(OffFrame, CountsBothEdgesOfEachClip) {

@@ -140,6 +140,20 @@ TEST_F(InfoOfASession, RatesThatDisagreeAreANote) {
     EXPECT_TRUE(line().contains("rateDisagreement"));
 }
 
+TEST_F(InfoOfASession, LabelsThatRoundTheRateOfTheFramesAreNoNote) {
+    const AAFTimecodeRate rate(AAFRational(30), 30, false);
+    timeline().clock = {AAFRational(30'000, 1001), rate, AAFTimecodeAddress(1, 0, 0, 0, rate)};
+    // 108,000 frames are an hour of labels, and 3603.6 s.
+    timeline().compositionLength = AAFRational(36'036, 10);
+    EXPECT_THAT(screen(), AllOf(HasSubstr("  Starts at     01:00:00:00  29.97 fps\n"),
+                                HasSubstr("  Length        01:00:00:00  (3603.600000 s)\n"),
+                                Not(HasSubstr("Note"))));
+    EXPECT_EQ(line().at("rate"), "29.97 fps");
+    EXPECT_EQ(line().at("timecodeRate"), "30000/1001");
+    EXPECT_EQ(line().at("length"), "01:00:00:00");
+    EXPECT_FALSE(line().contains("driftSecondsPerHour"));
+}
+
 TEST_F(InfoOfASession, SeveralRatesAndDepthsAreCounted) {
     timeline().essences[1].sampleRate = AAFRational(48'000'000, 1001);
     timeline().essences[1].bitDepth = 16;

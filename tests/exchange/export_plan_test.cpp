@@ -53,6 +53,14 @@ TEST(ExportPlan, ATimelineWithoutClipsIsASessionOfEmptyTracks) {
     EXPECT_THAT(session.losses, IsEmpty());
 }
 
+TEST(ExportPlan, StartsAtALabelThatCountsFrames) {
+    AAFTimeline timeline = emptyTimeline();
+    const AAFTimecodeRate rounded(AAFRational(24), 24, false);
+    timeline.clock = {AAFRational(24'000, 1001), rounded, AAFTimecodeAddress(1, 0, 0, 0, rounded)};
+    EXPECT_EQ(planSession(timeline, {}).plan.start,
+              AAFTimecodeAddress(1, 0, 0, 0, AAFTimecodeRate::fps23976()));
+}
+
 TEST(ExportPlan, TheRateIsTheCommonestOfTheSourcesThatClipsPlay) {
     AAFTimeline timeline = emptyTimeline();
     addTrack(timeline, "A1");

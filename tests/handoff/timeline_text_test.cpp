@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <trellant/handoff/frame_clock.h>
 #include <trellant/handoff/timeline_text.h>
 
 #include <gmock/gmock.h>
@@ -23,6 +24,50 @@ TEST(TimelineText, TimecodesRunFromTheClocksZero) {
     // 2.5 seconds at 25 frames: two seconds and 12.5 frames, rounded away from zero.
     EXPECT_EQ(timecodeText(timelineAt(AAFTimecodeRate::fps25()), AAFRational(5, 2)), "01:00:02:13");
     EXPECT_EQ(timecodeText(timelineAt(AAFTimecodeRate::fps2997DF()), AAFRational()), "01:00:00;00");
+}
+
+/// A clock as the worker makes it of labels that count so many frames in a second, of a composition
+/// that counts a thousandth fewer.
+AAFTimeline timelineOfRoundedLabels(std::int64_t frames) {
+    AAFTimeline timeline = timelineAt(AAFTimecodeRate(AAFRational(frames), frames, false));
+    timeline.clock.editRate = AAFRational(frames * 1000, 1001);
+    return timeline;
+}
+
+TEST(TimelineText, AnHourOfFramesEndsAtTheFullHourOfLabels) {
+    for (const std::int64_t frames : {24, 30, 60}) {
+        const AAFTimeline timeline = timelineOfRoundedLabels(frames);
+        // 3600 * frames edit units of 1001 / (1000 * frames) s.
+        const AAFRational hour(3'603'600, 1'000);
+        EXPECT_EQ(timecodeText(timeline, hour), "02:00:00:00");
+        EXPECT_EQ(lengthText(timeline, hour), "01:00:00:00");
+        EXPECT_FALSE(rateDrift(timeline.clock).has_value());
+    }
+}
+
+TEST(FrameClock, NamesTheRateOfTheFrames) {
+    const AAFTimeline timeline = timelineOfRoundedLabels(30);
+    const AAFProgramClock clock = frameClock(timeline.clock);
+    EXPECT_EQ(rateText(clock.timecodeRate), "29.97 fps");
+    EXPECT_EQ(clock.editRate, AAFRational(30000, 1001));
+    EXPECT_EQ(clock.timelineZero,
+              AAFTimecodeAddress(1, 0, 0, 0, AAFTimecodeRate(AAFRational(30000, 1001), 30, false)));
+    EXPECT_EQ(rateText(frameClock(timelineOfRoundedLabels(24).clock).timecodeRate), "23.976 fps");
+}
+
+TEST(FrameClock, LeavesOtherClocksAsTheyAre) {
+    AAFProgramClock drop = timelineAt(AAFTimecodeRate::fps2997DF()).clock;
+    EXPECT_EQ(frameClock(drop), drop);
+    drop.timecodeRate.exactRate = AAFRational(30);
+    EXPECT_EQ(frameClock(drop), drop);
+    AAFProgramClock other = timelineAt(AAFTimecodeRate::fps25()).clock;
+    other.editRate = AAFRational(30000, 1001);
+    EXPECT_EQ(frameClock(other), other);
+    // What no validation has seen.
+    other.timecodeRate.nominalFramesPerSecond = std::numeric_limits<std::int64_t>::max();
+    EXPECT_EQ(frameClock(other), other);
+    other.timecodeRate.nominalFramesPerSecond = 0;
+    EXPECT_EQ(frameClock(other), other);
 }
 
 TEST(TimelineText, LengthsCountFromNothing) {
@@ -94,13 +139,13 @@ TEST(TimelineText, FewChannelsHaveNames) {
 }
 
 TEST(RateDisagreement, IsToldWithItsDriftPerHour) {
-    AAFProgramClock clock = timelineAt(AAFTimecodeRate::fps24()).clock;
+    AAFProgramClock clock = timelineAt(AAFTimecodeRate::fps25()).clock;
     clock.editRate = AAFRational(24000, 1001);
-    // 3600 s * (1 - 1000/1001) = 3.596 s
+    // 3600 s * (1 - 24000/25025) = 147.45 s
     EXPECT_THAT(rateDisagreement(clock),
                 Optional(Eq("The composition counts 23.976 frames per second, but its timecode is "
-                            "labelled with 24: timecodes shown here run ahead of those of a "
-                            "workstation that counts frames by 3.6 seconds per hour.")));
+                            "labelled with 25: timecodes shown here run ahead of those of a "
+                            "workstation that counts frames by 147.45 seconds per hour.")));
 }
 
 TEST(RateDisagreement, TellsWhichClockIsAhead) {

@@ -23,6 +23,7 @@ TESTS = {
     "base": of_room("base", "json", "io", "model"),
     "json": of_room("json", "model", "protocol"),
     "model": of_room("model", "protocol"),
+    "xml": of_room("xml", "audio", "sessions"),
     "audio": of_room("audio"),
     "io": of_room("io", "omf"),
     "compound": of_room("compound", "aaf"),

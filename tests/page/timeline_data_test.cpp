@@ -33,6 +33,16 @@ TEST(TimelineData, ClockCountsFramesToTheTimelinesZero) {
               Json::parse(R"({"rate":[25,1],"nominal":25,"drop":false,"zero":90000})"));
 }
 
+TEST(TimelineData, ClockCountsFramesWhereLabelsRoundTheirRate) {
+    HandOff handOff = emptyHandOff();
+    const AAFTimecodeRate rate(AAFRational(30), 30, false);
+    handOff.timeline.clock = {AAFRational(30'000, 1001), rate,
+                              AAFTimecodeAddress(1, 0, 0, 0, rate)};
+    // 01:00:00:00 is frame 108,000.
+    EXPECT_EQ(dataOf(handOff)["clock"],
+              Json::parse(R"({"rate":[30000,1001],"nominal":30,"drop":false,"zero":108000})"));
+}
+
 TEST(TimelineData, WholeUnitsAreNumbers) {
     const Json data = dataOf(oneClip(AAFRational(2), AAFRational(7, 25)));
     EXPECT_EQ(data["unit"], Json::parse("[1,25]"));

@@ -18,7 +18,6 @@ namespace trellant {
 
 namespace {
 
-using exchange::plainLine;
 using sessions::mediaSeconds;
 using sessions::mostTextBytes;
 using sessions::numberText;
@@ -60,13 +59,6 @@ TEST(SessionText, CountsSecondsWithoutOverflow) {
     EXPECT_EQ(mediaSeconds(most, AAFRational(1, most)),
               static_cast<double>(most) * static_cast<double>(most));
     EXPECT_EQ(mediaSeconds(5, AAFRational()), 0);
-}
-
-TEST(SessionText, KeepsLinesPlain) {
-    EXPECT_EQ(plainLine("B\u00E9n"), "B\u00E9n");
-    EXPECT_EQ(plainLine("\n\na\x1F\x7F"
-                        "b\t"),
-              " a b ");
 }
 
 TEST(SessionText, SaysTheStart) {

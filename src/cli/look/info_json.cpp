@@ -4,6 +4,7 @@
 #include "terminal/failure_line.h"
 #include "terminal/json_line.h"
 
+#include <trellant/handoff/frame_clock.h>
 #include <trellant/handoff/summary.h>
 #include <trellant/handoff/timeline_text.h>
 
@@ -34,7 +35,7 @@ void addSeconds(JsonLine& line, const AAFTimeline& timeline, const Summary& summ
 }
 
 void addClock(JsonLine& line, const AAFTimeline& timeline, const Summary& summary) {
-    const AAFProgramClock& clock = timeline.clock;
+    const AAFProgramClock clock = frameClock(timeline.clock);
     line.text("start", clock.timelineZero.description())
         .text("rate", rateText(clock.timecodeRate))
         .boolean("timecodeInFile", timeline.hasNativeTimecode.value_or(false));

@@ -4,6 +4,7 @@
 #include "terminal/pasted_word.h"
 #include "terminal/shown_text.h"
 
+#include <trellant/handoff/frame_clock.h>
 #include <trellant/handoff/summary.h>
 #include <trellant/handoff/timeline_text.h>
 
@@ -116,7 +117,7 @@ class Screen {
 
     void addClock() {
         line("Starts at", timeline_.clock.timelineZero.description() + "  " +
-                              rateText(timeline_.clock.timecodeRate) +
+                              rateText(frameClock(timeline_.clock).timecodeRate) +
                               (timeline_.hasNativeTimecode.value_or(false)
                                    ? ""
                                    : "  (assumed: the file has no timecode)"));

@@ -3,6 +3,7 @@
 
 #include "terminal/shown_text.h"
 
+#include <trellant/handoff/frame_clock.h>
 #include <trellant/handoff/timeline_text.h>
 
 #include <cstdint>
@@ -22,7 +23,7 @@ std::string shortCurveText(const AAFAutomationInterpolation& curve) {
 
 std::string shortFadeText(const AAFTimeline& timeline, const AAFFade& fade) {
     const std::int64_t frames =
-        (fade.duration * timeline.clock.timecodeRate.exactRate).roundedInt64();
+        (fade.duration * frameClock(timeline.clock).timecodeRate.exactRate).roundedInt64();
     return (frames == 0 ? "<1" : std::to_string(frames)) + "f " + shortCurveText(fade.curve);
 }
 

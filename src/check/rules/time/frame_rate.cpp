@@ -2,6 +2,7 @@
 #include "rule_words.h"
 #include "rules/rules.h"
 
+#include <trellant/handoff/frame_clock.h>
 #include <trellant/handoff/timeline_text.h>
 
 #include <algorithm>
@@ -32,7 +33,7 @@ bool isNearly(const AAFRational& rate, const AAFRational& wanted) {
 void look(const CheckedHandOff& checked, const RuleSettings& settings, FindingList& findings) {
     const auto& rates = settings.numbers("rates");
     const std::string& counting = settings.text("counting");
-    const AAFTimecodeRate& rate = checked.timeline().clock.timecodeRate;
+    const AAFTimecodeRate rate = frameClock(checked.timeline().clock).timecodeRate;
     const bool hasTimecode = checked.timeline().hasNativeTimecode.value_or(false);
     const bool isRate = std::any_of(rates.begin(), rates.end(), [&rate](const AAFRational& one) {
         return isNearly(rate.exactRate, one);

@@ -29,7 +29,7 @@ constinit const Rule rateLabel{
     .severity = Severity::warning,
     .title = "frames and their labels run at different rates",
     .what = "The composition counts frames at the rate of its timecode.",
-    .why = "23.976 labelled as 24 drifts by 3.6 seconds in an hour.",
+    .why = "29.97 labelled as 25 is 12 minutes off after an hour: no note fits the picture.",
     .source = "One of fifteen published delivery pages and guides describes it.",
     .repair = "Set the timecode of the session to the rate that it plays at.",
     .look = look};

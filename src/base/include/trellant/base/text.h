@@ -29,6 +29,9 @@ namespace [[gnu::visibility("default")]] trellant {
 /// `text` without the control characters (categories Cc and Cf) at both ends.
 [[nodiscard]] std::string trimmedOfControls(std::string_view text);
 
+/// `text` with a blank for each run of control characters (below 0x20, and 0x7F).
+[[nodiscard]] std::string plainLine(std::string_view text);
+
 /// Lower-cased scalar by scalar, without locale. Bytes that are not UTF-8 stay as they are.
 [[nodiscard]] std::string lowerCased(std::string_view text);
 

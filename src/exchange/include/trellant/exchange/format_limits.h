@@ -25,8 +25,5 @@ namespace exchange {
 /// Channels, from the first on, that a clip may choose one of in this format.
 [[nodiscard]] std::int64_t mostChannels(ExportFormat format) noexcept;
 
-/// `text` with a blank for each run of control characters (below 0x20, and 0x7F).
-[[nodiscard]] std::string plainLine(std::string_view text);
-
 }  // namespace exchange
 }  // namespace trellant

@@ -10,9 +10,9 @@
 
 namespace [[gnu::visibility("default")]] trellant {
 
-/// "01:00:10:12", by the timeline's clock; `time` in timeline seconds.
+/// "01:00:10:12", by the timeline's clock as frameClock has it; `time` in timeline seconds.
 [[nodiscard]] std::string timecodeText(const AAFTimeline& timeline, const AAFRational& time);
-/// A length (seconds) as hours, minutes, seconds and frames of the clock's rate.
+/// A length (seconds) as hours, minutes, seconds and frames of that clock's rate.
 [[nodiscard]] std::string lengthText(const AAFTimeline& timeline, const AAFRational& length);
 /// "25 fps", "29.97 fps drop-frame", "23.976 fps".
 [[nodiscard]] std::string rateText(const AAFTimecodeRate& rate);
@@ -48,7 +48,8 @@ struct RateDrift {
     double secondsPerHour = 0;
 };
 
-/// Absent where the rates agree, and where the composition does not count frames but samples.
+/// Absent where the rates agree or frameClock makes them, and where the composition does not count
+/// frames but samples.
 [[nodiscard]] std::optional<RateDrift> rateDrift(const AAFProgramClock& clock);
 /// The drift in one sentence; absent where there is none.
 [[nodiscard]] std::optional<std::string> rateDisagreement(const AAFProgramClock& clock);
