@@ -41,6 +41,7 @@ TESTS = {
     "extraction": (*of_room("extraction"), EXTRACT),
     "exporter": (*of_room("exporter"), EXPORT),
     "page": of_room("page"),
+    "scan": of_room("scan"),
     "cli": (*of_room("cli"), EXTRACT, EXPORT),
     "listening": of_room("listening"),
     "wav": (*of_room("wav"), EXTRACT, EXPORT),

@@ -309,6 +309,14 @@ AAFWorkerExtensions::Contents sampleContents() {
             .nestedGroups = 3};
 }
 
+AAFWorkerExtensions::Provenance sampleProvenance() {
+    return {.containerVersion = "1.0",
+            .modelVersion = "2.0",
+            .bigEndian = true,
+            .applications = {{.company = "A House", .product = "Desk", .version = "8"}, {}},
+            .peakMemory = 4'096};
+}
+
 TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
     AAFWorkerExtensions extensions;
     extensions.lossPlaces = AAFWorkerExtensions::LossPlaces{{{.kind = LossKind::transitionAsCut,
@@ -336,6 +344,9 @@ TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
           .timecode = AAFWorkerExtensions::ReelTimecode{90'000, 30, true}},
          {.essenceID = "f", .mobID = "n"}}};
     extensions.contents = sampleContents();
+    extensions.provenance = sampleProvenance();
+    extensions.sampleData = AAFWorkerExtensions::SampleData{
+        {{.essenceID = "e", .sampleBytes = 3, .bigEndian = true, .pieces = {{7, 9}, {20, 30}}}}};
     Result result;
     result.extensions = extensions;
     result.timeline.clock = {AAFRational(25), AAFTimecodeRate::fps25(),
@@ -355,10 +366,16 @@ TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
             R"("clipObject":7,"cut":{"denominator":1,"numerator":2},)"
             R"("duration":{"denominator":1,"numerator":3},"kind":"transitionAsCut",)"
             R"("start":{"denominator":2,"numerator":1},"trackID":"omf-track-1","trackIndex":2,)"
-            R"("trackName":"Atmo"},{"kind":"other"}]},"reels":{"reels":[{"essenceID":"e",)"
+            R"("trackName":"Atmo"},{"kind":"other"}]},)"
+            R"("provenance":{"applications":[{"company":"A House","product":"Desk",)"
+            R"("version":"8"},{}],"bigEndian":true,"containerVersion":"1.0",)"
+            R"("modelVersion":"2.0","peakMemory":4096},"reels":{"reels":[{"essenceID":"e",)"
             R"("mobID":"m","name":"TAPE 7","start":{"denominator":2,"numerator":7},)"
             R"("timecode":{"dropFrame":true,"framesPerSecond":30,"start":90000}},)"
-            R"({"essenceID":"f","mobID":"n","start":{"denominator":1,"numerator":0}}]}},)"
+            R"({"essenceID":"f","mobID":"n","start":{"denominator":1,"numerator":0}}]},)"
+            R"("sampleData":{"samples":[{"bigEndian":true,"essenceID":"e",)"
+            R"("pieces":[{"length":9,"offset":7},{"length":30,"offset":20}],)"
+            R"("sampleBytes":3}]}},)"
             R"("protocolVersion":1)"),
         std::string::npos)
         << sink.text;
