@@ -4,7 +4,7 @@
 # it was installed to, so the whole tree may be moved.
 #
 # Components, each a package (TrellantPackage.cmake): command, libraries (shared ones only),
-# development, documentation.
+# development, documentation, python.
 include(CMakePackageConfigHelpers)
 
 set(trellant_data_dir ${CMAKE_INSTALL_DATADIR}/trellant)
@@ -101,6 +101,18 @@ if(TRELLANT_COMMAND)
 endif()
 install(DIRECTORY ${TRELLANT_CATALOGUES}/ DESTINATION ${CMAKE_INSTALL_LOCALEDIR} COMPONENT command
     FILES_MATCHING PATTERN trellant.mo)
+# Where Debian's interpreters look. The package finds its worker from there, so it may be moved with the rest.
+set(TRELLANT_PYTHON_DIR lib/python3/dist-packages CACHE STRING
+    "Where the Python package is installed, below the prefix")
+install(DIRECTORY python/trellant DESTINATION ${TRELLANT_PYTHON_DIR} COMPONENT python
+    FILES_MATCHING PATTERN *.py PATTERN py.typed PATTERN __pycache__ EXCLUDE)
+set(trellant_python_metadata trellant-${PROJECT_VERSION}.dist-info)
+# What pip and importlib.metadata know an installed package by; scripts/wheel makes it from python/pyproject.toml.
+file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/package/${trellant_python_metadata}/METADATA
+    CONTENT "Metadata-Version: 2.1\nName: trellant\nVersion: @PROJECT_VERSION@\nSummary: @PROJECT_DESCRIPTION@\nLicense: Apache-2.0\nRequires-Python: >=3.9\n"
+    @ONLY)
+install(DIRECTORY ${PROJECT_BINARY_DIR}/package/${trellant_python_metadata}
+    DESTINATION ${TRELLANT_PYTHON_DIR} COMPONENT python)
 include(${CMAKE_CURRENT_LIST_DIR}/TrellantSbom.cmake)
 # What the programs hold of others asks for notices, wherever they go.
 install(FILES LICENSE packaging/debian/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT command)

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # The packages: `cpack` in the build folder, or the preset `package`. One archive with everything
-# (.tar.gz), and Debian packages by component: the command, what hosts are built with, documents, and
-# the shared libraries where there are some. Programs in them are stripped; their debug symbols make a
+# (.tar.gz), and Debian packages by component: the command, what hosts are built with, documents, the
+# Python package, and the shared libraries where there are some. Programs in them are stripped; their debug symbols make a
 # package of their own (.ddeb), found by build-id.
 set(TRELLANT_PACKAGE_MAINTAINER "Trellant <maintainers@trellant.invalid>" CACHE STRING
     "Whom packages name as their maintainer, with an address")
@@ -20,7 +20,7 @@ set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/debian_files.cmake
 set(CPACK_THREADS 0)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
-set(CPACK_COMPONENTS_ALL command development documentation)
+set(CPACK_COMPONENTS_ALL command development documentation python)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "${TRELLANT_PACKAGE_MAINTAINER}")
@@ -56,6 +56,21 @@ set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_ARCHITECTURE all)
 set(CPACK_COMPONENT_DOCUMENTATION_DESCRIPTION "documents and examples of Trellant
 How a host embeds the reader of OMF files, its messages field by field, how
 it is built and what it costs, and three small compositions to try it on.")
+
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-trellant)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
+# Every machine's worker of this version on serves it, whatever was built anew for that machine.
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+    "python3 (>= 3.9), trellant (>= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS libtrellant-doc)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+    ${PROJECT_SOURCE_DIR}/packaging/debian/python3-trellant/postinst
+    ${PROJECT_SOURCE_DIR}/packaging/debian/python3-trellant/prerm)
+set(CPACK_COMPONENT_PYTHON_DESCRIPTION "reads OMF files from Python
+The package trellant starts the worker trellant-omf and gives what is in OMF
+2.x files as typed dataclasses whose times are exact fractions.
+With progress, cancellation, limits and typed errors.")
 
 # All of it was one package before.
 foreach(component DEVELOPMENT DOCUMENTATION)

@@ -4,6 +4,7 @@
 #include <trellant/io/errors.h>
 #include <trellant/mapper/compositions.h>
 #include <trellant/mapper/embedded_media.h>
+#include <trellant/mapper/master_mobs.h>
 #include <trellant/mapper/reels.h>
 #include <trellant/omf/provenance.h>
 #include <trellant/omf/sample_data.h>
@@ -89,10 +90,30 @@ Boxed<Extensions::Reels> reelsOf(const OMFDocument& document, const AAFTimeline&
                                        .name = std::move(reel.name),
                                        .start = reel.start};
             if (reel.timecode) {
-                described.timecode = Extensions::ReelTimecode{
-                    reel.timecode->start, reel.timecode->framesPerSecond, reel.timecode->drop};
+                described.timecode =
+                    Extensions::ReelTimecode{reel.timecode->start, reel.timecode->framesPerSecond,
+                                             reel.timecode->drop, reel.timecode->editRate};
             }
             result.reels.push_back(std::move(described));
+        }
+    } catch (const OMFIOError&) {
+        return {};
+    }
+    return result;
+}
+
+/// Names beyond all bounds cost the names, not the answer.
+Boxed<Extensions::MasterMobs> masterMobsOf(const OMFDocument& document,
+                                           const AAFTimeline& timeline) {
+    Extensions::MasterMobs result;
+    try {
+        MasterMobs played = masterMobs(document, timeline);
+        for (MasterMob& mob : played.mobs) {
+            result.masterMobs.push_back({std::move(mob.mobID), std::move(mob.name)});
+        }
+        result.ofEvents.reserve(played.ofEvents.size());
+        for (const std::optional<std::size_t>& mob : played.ofEvents) {
+            result.ofEvents.push_back(mob ? static_cast<std::int64_t>(*mob) : -1);
         }
     } catch (const OMFIOError&) {
         return {};
@@ -196,6 +217,9 @@ Boxed<AAFWorkerExtensions> extensionsFor(const AAFWorkerProtocol::Request& reque
     }
     if (asksFor(request, Extensions::contentsName)) {
         extensions.contents = contentsOf(document, timeline);
+    }
+    if (asksFor(request, Extensions::masterMobsName)) {
+        extensions.masterMobs = masterMobsOf(document, timeline);
     }
     if (asksFor(request, Extensions::sampleDataName)) {
         extensions.sampleData = sampleDataOf(document, timeline);

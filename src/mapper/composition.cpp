@@ -2,6 +2,7 @@
 #include "composition.h"
 
 #include <trellant/io/errors.h>
+#include <trellant/mapper/compositions.h>
 
 #include <algorithm>
 
@@ -46,6 +47,16 @@ std::optional<CompositionClock> clockOfTimecode(const BoundedReads& reads, OMFOb
         .explicitProgramStart = address};
 }
 
+AAFComposition describe(BoundedReads& reads, OMFObject object) {
+    AAFComposition result{.object = object,
+                          .name = reads.string(object, {OMFProperty::mobName}),
+                          .slotCount = reads.objectRefs(object, {OMFProperty::mobSlots}).size()};
+    if (const auto id = reads.uid(object, {OMFProperty::mobID})) {
+        result.mobID = id->description();
+    }
+    return result;
+}
+
 }  // namespace
 
 OMFObject chooseComposition(const OMFDocument& document) {
@@ -62,6 +73,24 @@ OMFObject chooseComposition(const OMFDocument& document) {
         throw OMFIOError::malformed("no Composition Mob (CMOB) found");
     }
     return compositions.front();
+}
+
+std::vector<AAFComposition> compositions(const OMFDocument& document) {
+    auto objects = document.objects("CMOB");
+    if (objects.empty()) {
+        return {};
+    }
+    const auto chosen = std::find(objects.begin(), objects.end(), chooseComposition(document));
+    std::rotate(objects.begin(), chosen, chosen + 1);
+
+    BoundedReads reads(document);
+    std::vector<AAFComposition> result;
+    result.reserve(objects.size());
+    for (const auto object : objects) {
+        result.push_back(describe(reads, object));
+    }
+    result.front().isRead = true;
+    return result;
 }
 
 CompositionClock clockOf(const BoundedReads& reads, const std::vector<OMFObject>& slots,

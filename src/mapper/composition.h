@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Which composition is read, its slots, and what clock it runs by.
+// The compositions of a file, which of them is read, its slots, and what clock it runs by.
 #pragma once
 
 #include "bounded_reads.h"

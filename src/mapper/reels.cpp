@@ -58,7 +58,43 @@ class ReelSearch {
         std::optional<ReelTimecode> timecode{};
     };
 
+    /// Where a track of a mob was recorded from.
+    struct Link {
+        OMFUID mobID;
+        OMFObject mob = OMFObject::none;
+        std::uint32_t trackID = 0;
+        /// Where that mob's track stands when this one begins, and what this one begins with, in
+        /// seconds.
+        AAFRational start{};
+        AAFRational origin{};
+    };
+
+    /// Mobs behind a file: a reel, what it was copied from, and so on.
+    static constexpr int mostLinks = 16;
+
     [[nodiscard]] std::optional<Reel> reelOf(OMFObject slot, OMFObject clip) {
+        std::optional<Link> link = linkOf(slot, clip);
+        if (!link) {
+            return std::nullopt;
+        }
+        // The clip begins at the slot's own start, the file's first sample at its origin.
+        AAFRational start = link->start - link->origin;
+        for (int links = 1; links < mostLinks && !factsOf(link->mob).timecode; ++links) {
+            const std::optional<Link>& next = behindTrack(link->mob, link->trackID);
+            if (!next) {
+                break;
+            }
+            start = start + next->origin + next->start;
+            link = next;
+        }
+        const Facts& facts = factsOf(link->mob);
+        return Reel{.mobID = link->mobID.description(),
+                    .name = facts.name,
+                    .start = start,
+                    .timecode = facts.timecode};
+    }
+
+    [[nodiscard]] std::optional<Link> linkOf(OMFObject slot, OMFObject clip) const {
         const auto mobID = reads_.uid(clip, {OMFProperty::clipSourceID});
         const auto mob = mobID ? mobs_.find(*mobID) : mobs_.end();
         if (mob == mobs_.end() || reads_.classOf(mob->second) != OMFClass::sourceMob) {
@@ -72,12 +108,34 @@ class ReelSearch {
         const auto description = reads_.objectRef(slot, {OMFProperty::slotTrackDesc});
         const auto origin =
             description ? reads_.int64(*description, {OMFProperty::trackOrigin}).value_or(0) : 0;
-        const Facts& facts = factsOf(mob->second);
-        // The clip begins at the slot's own start, the file's first sample at its origin.
-        return Reel{.mobID = mobID->description(),
-                    .name = facts.name,
-                    .start = (AAFRational(start) - AAFRational(origin)) / rate->aaf(),
-                    .timecode = facts.timecode};
+        return Link{.mobID = *mobID,
+                    .mob = mob->second,
+                    .trackID = reads_.uint32(clip, {OMFProperty::clipSourceTrackID}).value_or(0),
+                    .start = AAFRational(start) / rate->aaf(),
+                    .origin = AAFRational(origin) / rate->aaf()};
+    }
+
+    /// Behind the mob's track of that number.
+    [[nodiscard]] const std::optional<Link>& behindTrack(OMFObject mob, std::uint32_t trackID) {
+        const auto [known, isNew] = links_.try_emplace(std::uint64_t{number(mob)} << 32U | trackID);
+        if (isNew) {
+            known->second = readBehindTrack(mob, trackID);
+        }
+        return known->second;
+    }
+
+    [[nodiscard]] std::optional<Link> readBehindTrack(OMFObject mob, std::uint32_t trackID) {
+        for (const OMFObject slot : reads_.objectRefs(mob, {OMFProperty::mobSlots})) {
+            const auto description = reads_.objectRef(slot, {OMFProperty::slotTrackDesc});
+            if (!description || reads_.uint32(*description, {OMFProperty::trackID}) != trackID) {
+                continue;
+            }
+            const auto segment = reads_.objectRef(slot, {OMFProperty::slotSegment});
+            return segment && reads_.classOf(*segment) == OMFClass::sourceClip
+                       ? linkOf(slot, *segment)
+                       : std::nullopt;
+        }
+        return std::nullopt;
     }
 
     [[nodiscard]] const Facts& factsOf(OMFObject mob) {
@@ -101,7 +159,10 @@ class ReelSearch {
             }
             const auto start = reads_.int64(*segment, {OMFProperty::timecodeStart}).value_or(0);
             const bool drop = reads_.int16(*segment, {OMFProperty::timecodeDrop}).value_or(0) != 0;
-            return ReelTimecode{std::max<std::int64_t>(start, 0), *frames, drop};
+            const auto rate = reads_.rational(slot, {OMFProperty::slotEditRate});
+            const bool isRate = rate && rate->numerator > 0 && rate->denominator > 0;
+            return ReelTimecode{std::max<std::int64_t>(start, 0), *frames, drop,
+                                isRate ? std::optional(rate->aaf()) : std::nullopt};
         }
         return std::nullopt;
     }
@@ -109,6 +170,8 @@ class ReelSearch {
     BoundedReads reads_;
     OMFDocument::MobMap mobs_;
     KeyedMap<OMFObject, Facts> facts_;
+    /// Keys: mob in the high, track number in the low half.
+    KeyedMap<std::uint64_t, std::optional<Link>> links_;
 };
 
 }  // namespace

@@ -70,7 +70,7 @@ struct RecordFields<AAFWorkerExtensions::ReelTimecode> {
     using R = AAFWorkerExtensions::ReelTimecode;
     static constexpr auto fields =
         std::tuple{field("start", &R::start), field("framesPerSecond", &R::framesPerSecond),
-                   field("dropFrame", &R::dropFrame)};
+                   field("dropFrame", &R::dropFrame), field("editRate", &R::editRate)};
 };
 
 template <>
@@ -85,6 +85,19 @@ template <>
 struct RecordFields<AAFWorkerExtensions::Reels> {
     using R = AAFWorkerExtensions::Reels;
     static constexpr auto fields = std::tuple{field("reels", &R::reels)};
+};
+
+template <>
+struct RecordFields<AAFWorkerExtensions::MasterMob> {
+    using R = AAFWorkerExtensions::MasterMob;
+    static constexpr auto fields = std::tuple{field("mobID", &R::mobID), field("name", &R::name)};
+};
+
+template <>
+struct RecordFields<AAFWorkerExtensions::MasterMobs> {
+    using R = AAFWorkerExtensions::MasterMobs;
+    static constexpr auto fields =
+        std::tuple{field("masterMobs", &R::masterMobs), field("ofEvents", &R::ofEvents)};
 };
 
 template <>
@@ -150,6 +163,7 @@ struct RecordFields<AAFWorkerExtensions> {
                                               field("dates", &R::dates),
                                               field("reels", &R::reels),
                                               field("contents", &R::contents),
+                                              field("masterMobs", &R::masterMobs),
                                               field("provenance", &R::provenance),
                                               field("sampleData", &R::sampleData)};
 };

@@ -78,6 +78,11 @@ TEST_F(HelperExtensions, AFileWithoutTapesNamesNoReel) {
     EXPECT_EQ(runAsking("[\"reels\"]").output, resultWith("{\"reels\":{\"reels\":[]}}"));
 }
 
+TEST_F(HelperExtensions, AClipThatNamesItsFilePlaysNoMasterMob) {
+    EXPECT_EQ(runAsking("[\"masterMobs\"]").output,
+              resultWith("{\"masterMobs\":{\"masterMobs\":[],\"ofEvents\":[-1]}}"));
+}
+
 // The one source is a WAVE of 480 samples; a second one that nothing plays is as long in bytes as
 // its text, an effect has its result beside it, and a group stands apart.
 TEST_F(HelperExtensions, ContentsAreWhatTheTimelineDoesNotSay) {

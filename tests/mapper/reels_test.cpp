@@ -65,7 +65,7 @@ TEST_F(Reels, AFileKnowsItsTapeItsPlaceThereAndTheLabels) {
     EXPECT_EQ(reels[0].mobID, "00000002-00000000-00000007");
     EXPECT_EQ(reels[0].name, "TAPE 7");
     EXPECT_EQ(reels[0].start, AAFRational(3, 2));
-    EXPECT_EQ(reels[0].timecode, (ReelTimecode{90'000, 25, false}));
+    EXPECT_EQ(reels[0].timecode, (ReelTimecode{90'000, 25, false, AAFRational(25)}));
 }
 
 TEST_F(Reels, AnOriginMovesTheFirstSample) {
@@ -86,8 +86,9 @@ TEST_F(Reels, AnOriginMovesTheFirstSample) {
 TEST_F(Reels, DropFrameLabelsAreTold) {
     addFile(fileID, 0);
     addTape({omf_.slot({.segment = omf_.filler(10)}),
-             omf_.slot({.segment = omf_.timecode(30, true, 107'892)})});
-    EXPECT_EQ(found().at(0).timecode, (ReelTimecode{107'892, 30, true}));
+             omf_.slot(
+                 {.editRate = Ratio{30'000, 1001}, .segment = omf_.timecode(30, true, 107'892)})});
+    EXPECT_EQ(found().at(0).timecode, (ReelTimecode{107'892, 30, true, AAFRational(30'000, 1001)}));
 }
 
 TEST_F(Reels, LabelsWithoutARateAreNone) {
@@ -102,6 +103,51 @@ TEST_F(Reels, AFileThatNamesNoneOrOneThatIsNotThereHasNone) {
     EXPECT_THAT(found({"00000001-00000000-00000001", "00000001-00000000-00000002",
                        "00000001-00000000-00000003"}),
                 IsEmpty());
+}
+
+// The file begins at 72,000 samples (1.5 s) of a transfer, whose track begins 50 frames of 25 (2 s)
+// into the tape; the transfer's own origin of 24,000 samples is half a second.
+TEST_F(Reels, AChainLeadsToTheFirstLabels) {
+    const MobID transferID{3, 0, 3};
+    addFile(fileID, 72'000, transferID);
+    ObjectBuilder track = omf_.track({.id = 1});
+    track.int64("OMFI:TRKD:Origin", 24'000);
+    const ObjectID behind =
+        omf_.slot({.editRate = Ratio{48'000},
+                   .segment = omf_.clip({.length = 10, .source = tapeID, .start = 96'000}),
+                   .track = ObjectID(track)});
+    const ObjectID other =
+        omf_.slot({.segment = omf_.clip({.length = 10, .source = MobID{8, 8, 8}}),
+                   .track = omf_.track({.id = 2})});
+    omf_.sourceMob({.id = transferID, .name = "Transfer", .slots = {other, behind}});
+    addTape({omf_.slot({.segment = omf_.timecode(25, false, 90'000)})});
+    const auto reels = found();
+    ASSERT_THAT(reels, SizeIs(1));
+    EXPECT_EQ(reels[0].name, "TAPE 7");
+    EXPECT_EQ(reels[0].start, AAFRational(4));
+}
+
+TEST_F(Reels, AChainWithoutLabelsEndsAtItsLastMob) {
+    const MobID transferID{3, 0, 3};
+    addFile(fileID, 48'000, transferID);
+    omf_.sourceMob({.id = transferID, .name = "Transfer"});
+    EXPECT_EQ(found().at(0).name, "Transfer");
+    EXPECT_EQ(found().at(0).start, AAFRational(1));
+}
+
+TEST_F(Reels, AChainThatRunsInACircleEnds) {
+    const MobID transferID{3, 0, 3};
+    addFile(fileID, 0, transferID);
+    omf_.sourceMob({.id = transferID,
+                    .name = "Transfer",
+                    .slots = {omf_.slot({.editRate = Ratio{48'000},
+                                         .segment = omf_.clip(
+                                             {.length = 10, .source = transferID, .start = 48'000}),
+                                         .track = omf_.track({.id = 1})})}});
+    const auto reels = found();
+    ASSERT_THAT(reels, SizeIs(1));
+    // Sixteen mobs, each a second further but the first.
+    EXPECT_EQ(reels[0].start, AAFRational(15));
 }
 
 TEST_F(Reels, FilesOfOneTapeEachHaveTheirPlace) {

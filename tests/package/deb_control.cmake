@@ -41,13 +41,23 @@ Breaks: trellant (<< 0.2.0)
 Replaces: trellant (<< 0.2.0)
 Maintainer: Trellant <maintainers@trellant.invalid>
 ")
+expect_control(python3-trellant "Package: python3-trellant
+Version: ${VERSION}-1
+Section: python
+Priority: optional
+Depends: python3 (>= 3.9), trellant (>= ${VERSION}-1)
+Suggests: libtrellant-doc
+Maintainer: Trellant <maintainers@trellant.invalid>
+")
 
-# Documents serve every machine, and each package has a description of its own.
-file(GLOB documents ${PACKAGES}/libtrellant-doc_*.deb)
-run(${DPKG_DEB} -f ${documents} Architecture)
-expect_equal("architecture of the documents" "${run_output}" "all\n")
+# Documents and what an interpreter reads serve every machine, and each package has a description of its own.
+foreach(package libtrellant-doc python3-trellant)
+    file(GLOB file ${PACKAGES}/${package}_*.deb)
+    run(${DPKG_DEB} -f ${file} Architecture)
+    expect_equal("architecture of ${package}" "${run_output}" "all\n")
+endforeach()
 set(descriptions "")
-foreach(package trellant libtrellant-dev libtrellant-doc)
+foreach(package trellant libtrellant-dev libtrellant-doc python3-trellant)
     file(GLOB file ${PACKAGES}/${package}_*.deb)
     run(${DPKG_DEB} -f ${file} Description)
     string(REGEX REPLACE "\n.*" "\n" first "${run_output}")
@@ -57,4 +67,5 @@ expect_equal("first lines of the descriptions" "${descriptions}"
 "looks into OMF files and writes sessions for today's tools
 libraries that read OMF files, for C++ hosts
 documents and examples of Trellant
+reads OMF files from Python
 ")

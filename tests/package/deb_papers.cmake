@@ -13,7 +13,7 @@ function(expect_packed file source)
 endfunction()
 
 set(papers ${SOURCE}/packaging/debian)
-foreach(package trellant libtrellant-dev libtrellant-doc)
+foreach(package trellant libtrellant-dev libtrellant-doc python3-trellant)
     file(GLOB file ${PACKAGES}/${package}_*.deb)
     run(${DPKG_DEB} -x ${file} ${FOLDER}/${package})
     set(documents ${FOLDER}/${package}/usr/share/doc/${package})

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # Unpacks all packages of one kind into an empty folder, asks the worker, builds a host against the
-# libraries and puts it beside the worker. Variables: PACKAGES, KIND (deb or tar.gz), FOLDER, EXAMPLES.
+# libraries and puts it beside the worker. Variables: PACKAGES, KIND (deb or tar.gz), FOLDER, EXAMPLES,
+# PYTHON, VERSION.
 include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)
 file(REMOVE_RECURSE ${FOLDER})
 file(MAKE_DIRECTORY ${FOLDER}/unpacked)
@@ -33,6 +34,7 @@ foreach(file IN LISTS pages ITEMS
         share/locale/de/LC_MESSAGES/trellant.mo share/locale/en/LC_MESSAGES/trellant.mo
         share/bash-completion/completions/trellant share/zsh/vendor-completions/_trellant
         share/fish/vendor_completions.d/trellant.fish libexec/trellant/trellant-wav
+        lib/python3/dist-packages/trellant/py.typed share/doc/trellant/docs/python.md
         share/doc/trellant/docs/embedding.md share/doc/trellant/docs/exports.md share/doc/trellant/SECURITY.md
         share/doc/trellant/CHANGELOG.md share/doc/trellant/CONTRIBUTING.md share/doc/trellant/copyright
         share/doc/trellant/sbom.spdx.json
@@ -59,6 +61,15 @@ run(${prefix}/bin/trellant export ${EXAMPLES}/archive.omf --to ${FOLDER}/session
 if(NOT EXISTS ${FOLDER}/session/archive.aaf)
     message(FATAL_ERROR "the unpacked command wrote no session")
 endif()
+
+# And so does the Python package, with nothing in the environment but its own place.
+run(${CMAKE_COMMAND} -E env --unset=TRELLANT_WORKER PATH=/nowhere
+    PYTHONPATH=${prefix}/lib/python3/dist-packages ${PYTHON} -B -c
+    "import sys, trellant, importlib.metadata as installed
+print(trellant.find_worker(), installed.version('trellant'))
+print(trellant.Client().inspect(sys.argv[1]).timeline.composition_name)" ${EXAMPLES}/archive.omf)
+expect_equal("what the unpacked Python package read" "${run_output}"
+    "${prefix}/bin/trellant-omf ${VERSION}\nCafé\n")
 
 set(project ${CMAKE_CURRENT_LIST_DIR}/host)
 build_outside(${project} ${FOLDER}/host ${prefix})

@@ -341,9 +341,12 @@ TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
           .mobID = "m",
           .name = "TAPE 7",
           .start = AAFRational(7, 2),
-          .timecode = AAFWorkerExtensions::ReelTimecode{90'000, 30, true}},
+          .timecode =
+              AAFWorkerExtensions::ReelTimecode{90'000, 30, true, AAFRational(30'000, 1001)}},
          {.essenceID = "f", .mobID = "n"}}};
     extensions.contents = sampleContents();
+    extensions.masterMobs = AAFWorkerExtensions::MasterMobs{
+        {{.mobID = "a", .name = "Take 1"}, {.mobID = "b"}}, {1, -1}};
     extensions.provenance = sampleProvenance();
     extensions.sampleData = AAFWorkerExtensions::SampleData{
         {{.essenceID = "e", .sampleBytes = 3, .bigEndian = true, .pieces = {{7, 9}, {20, 30}}}}};
@@ -367,11 +370,15 @@ TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
             R"("duration":{"denominator":1,"numerator":3},"kind":"transitionAsCut",)"
             R"("start":{"denominator":2,"numerator":1},"trackID":"omf-track-1","trackIndex":2,)"
             R"("trackName":"Atmo"},{"kind":"other"}]},)"
+            R"("masterMobs":{"masterMobs":[{"mobID":"a","name":"Take 1"},{"mobID":"b"}],)"
+            R"("ofEvents":[1,-1]},)"
             R"("provenance":{"applications":[{"company":"A House","product":"Desk",)"
             R"("version":"8"},{}],"bigEndian":true,"containerVersion":"1.0",)"
-            R"("modelVersion":"2.0","peakMemory":4096},"reels":{"reels":[{"essenceID":"e",)"
+            R"("modelVersion":"2.0","peakMemory":4096},)"
+            R"("reels":{"reels":[{"essenceID":"e",)"
             R"("mobID":"m","name":"TAPE 7","start":{"denominator":2,"numerator":7},)"
-            R"("timecode":{"dropFrame":true,"framesPerSecond":30,"start":90000}},)"
+            R"("timecode":{"dropFrame":true,"editRate":{"denominator":1001,"numerator":30000},)"
+            R"("framesPerSecond":30,"start":90000}},)"
             R"({"essenceID":"f","mobID":"n","start":{"denominator":1,"numerator":0}}]},)"
             R"("sampleData":{"samples":[{"bigEndian":true,"essenceID":"e",)"
             R"("pieces":[{"length":9,"offset":7},{"length":30,"offset":20}],)"

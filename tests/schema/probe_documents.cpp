@@ -2,6 +2,7 @@
 #include "probe.h"
 
 #include <trellant/model/timeline_json.h>
+#include <trellant/model/validation.h>
 #include <trellant/protocol/messages.h>
 
 #include <istream>
@@ -42,12 +43,14 @@ AAFWorkerExtensions sampleExtensions() {
         .unusedNames = {"Kick"},
         .separateFiles = {{.essenceID = "omf-essence-1", .path = "/out/Kick_1000.wav"}}};
     extensions.dates = Extensions::Dates{.lastModified = 1'000'000'000};
-    extensions.reels =
-        Extensions::Reels{{{.essenceID = "omf-essence-1",
-                            .mobID = "0000002A-00000001-FFFFFFFE",
-                            .name = "TAPE 7",
-                            .start = AAFRational(7, 2),
-                            .timecode = Extensions::ReelTimecode{90'000, 25, false}}}};
+    extensions.reels = Extensions::Reels{
+        {{.essenceID = "omf-essence-1",
+          .mobID = "0000002A-00000001-FFFFFFFE",
+          .name = "TAPE 7",
+          .start = AAFRational(7, 2),
+          .timecode = Extensions::ReelTimecode{90'000, 25, false, AAFRational(25)}}}};
+    extensions.masterMobs = Extensions::MasterMobs{
+        {{.mobID = "0000002A-00000001-00000003", .name = "Take 1"}}, {0, -1}};
     extensions.contents =
         Extensions::Contents{.mediaLengths = {{.essenceID = "omf-essence-1", .frames = 48'000}},
                              .unusedMedia = 1,
@@ -89,6 +92,8 @@ void decode(std::string_view kind, std::string_view json) {
         static_cast<void>(decodeResult(json, TimelineChecks::none));
     } else if (kind == "timeline") {
         static_cast<void>(decodeJson<AAFTimeline>(json, TimelineChecks::none));
+    } else if (kind == "checkedTimeline") {
+        static_cast<void>(decodeJson<AAFTimeline>(json));
     } else {
         throw std::invalid_argument("no such kind of document: " + std::string(kind));
     }
@@ -121,6 +126,8 @@ void decodeLines(std::istream& in, std::ostream& out) {
             out << "decoded\n";
         } catch (const JsonDecodingError& error) {
             out << error.what() << '\n';
+        } catch (const AAFRawTimelineValidation::Failure& failure) {
+            out << failure.what() << '\n';
         }
     }
 }

@@ -111,6 +111,10 @@ constexpr const char* nameOf<AAFWorkerExtensions::Reel> = "reel";
 template <>
 constexpr const char* nameOf<AAFWorkerExtensions::Reels> = "reels";
 template <>
+constexpr const char* nameOf<AAFWorkerExtensions::MasterMob> = "masterMob";
+template <>
+constexpr const char* nameOf<AAFWorkerExtensions::MasterMobs> = "masterMobs";
+template <>
 constexpr const char* nameOf<AAFWorkerExtensions::MediaLength> = "mediaLength";
 template <>
 constexpr const char* nameOf<AAFWorkerExtensions::Contents> = "contents";

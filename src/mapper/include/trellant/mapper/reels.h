@@ -21,10 +21,15 @@ struct ReelTimecode {
     /// Frames that labels count in a second, 1 or more.
     std::int64_t framesPerSecond = 25;
     bool drop = false;
+    /// Of the track that has the labels, in edit units per second, where it is above 0. Writers
+    /// have it as the true rate of the frames (30000/1001), as the rounded one, or as the rate of
+    /// something else.
+    std::optional<AAFRational> editRate{};
     bool operator==(const ReelTimecode&) const = default;
 };
 
-/// Where an essence was recorded from.
+/// Where an essence was recorded from: the first mob with labels in the chain behind its file, else
+/// the mob that the chain ends at.
 struct Reel {
     /// The `id` of an AAFSourceEssence.
     std::string essenceID{};

@@ -24,6 +24,7 @@ struct AAFWorkerExtensions {
     static constexpr std::string_view datesName = "dates";
     static constexpr std::string_view reelsName = "reels";
     static constexpr std::string_view contentsName = "contents";
+    static constexpr std::string_view masterMobsName = "masterMobs";
     static constexpr std::string_view provenanceName = "provenance";
     static constexpr std::string_view sampleDataName = "sampleData";
 
@@ -106,6 +107,9 @@ struct AAFWorkerExtensions {
         /// Frames that labels count in a second.
         std::int64_t framesPerSecond = 25;
         bool dropFrame = false;
+        /// Of the track that has the labels, in edit units per second: the true rate of the frames,
+        /// the rounded one, or that of something else.
+        std::optional<AAFRational> editRate{};
         bool operator==(const ReelTimecode&) const = default;
     };
 
@@ -125,6 +129,23 @@ struct AAFWorkerExtensions {
     struct Reels {
         std::vector<Reel> reels{};
         bool operator==(const Reels&) const = default;
+    };
+
+    /// The mob that a file's audio has in the edit, under the name that editors know.
+    struct MasterMob {
+        std::string mobID{};
+        std::optional<std::string> name{};
+        bool operator==(const MasterMob&) const = default;
+    };
+
+    /// Absent where its names are beyond the bounds of a request.
+    struct MasterMobs {
+        /// Those that clips play.
+        std::vector<MasterMob> masterMobs{};
+        /// For each of the timeline's events, in their order: the place in `masterMobs` of the one
+        /// that it plays, -1 where it plays none.
+        std::vector<std::int64_t> ofEvents{};
+        bool operator==(const MasterMobs&) const = default;
     };
 
     /// How much audio an embedded essence holds.
@@ -205,6 +226,7 @@ struct AAFWorkerExtensions {
     Boxed<Dates> dates{};
     Boxed<Reels> reels{};
     Boxed<Contents> contents{};
+    Boxed<MasterMobs> masterMobs{};
     Boxed<Provenance> provenance{};
     Boxed<SampleData> sampleData{};
     bool operator==(const AAFWorkerExtensions&) const = default;
