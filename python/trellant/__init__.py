@@ -28,6 +28,7 @@ from .errors import (
     WorkerClientError,
 )
 from .extensions import (
+    Application,
     Composition,
     Compositions,
     Contents,
@@ -41,9 +42,13 @@ from .extensions import (
     MasterMob,
     MasterMobs,
     MediaLength,
+    Provenance,
     Reel,
-    Reels,
     ReelTimecode,
+    Reels,
+    SampleData,
+    SamplePiece,
+    Samples,
     SeparateFile,
 )
 from .file_urls import Url, path_of_file_url
@@ -82,5 +87,6 @@ __all__ = [
     "ResponseFault", "Result", "SemanticDecision", "SeparateFile", "Severity", "SourceEssence", "StemRole",
     "TimeLimitError", "TimecodeAddress", "TimecodeRate", "Timeline", "TimelineError", "TrackState", "TrellantError",
     "UnsupportedFeature", "Url", "WorkerClientError", "decode_progress", "decode_result", "decode_timeline",
-    "find_worker", "path_of_file_url", "validate", "worker_places",
+    "find_worker", "path_of_file_url", "validate", "worker_places", "Application", "Provenance", "SampleData",
+    "SamplePiece", "Samples",
 ]
