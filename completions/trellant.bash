@@ -25,7 +25,7 @@ _trellant() {
     local anywhere="-h --help -q --quiet -v --verbose"
     local lossy="--media --fail-on"
     local output="-o --output --force"
-    local commands="info list extract export check page peaks scan dump validate"
+    local commands="info list extract export check page peaks scan catalogue dump validate"
     local profiles="post film broadcast-25 music archive"
     local rules="media-missing media-ambiguous media-linked media-past-end media-unused loss-dropped loss-sound"
     rules+=" effects nesting omf-version file-size compositions rate-expected rate-mixed depth-expected"
@@ -48,7 +48,7 @@ _trellant() {
             --media | --fail-on | --to | --output | -o | --object | --path | --format | --media-mode | \
                 --rate | --name | --language | --samples-per-pair | --bits | --profile | --explain | \
                 --preview-size | --media-folder | --list | --shard | --jobs | --retry | --time-limit | \
-                --memory-limit)
+                --memory-limit | --sql | --limit)
                 previous=""
                 continue
                 ;;
@@ -112,7 +112,7 @@ _trellant() {
             _trellant_words "8 16" "$current"
             return
             ;;
-        --object | --path | --rate | --name | --samples-per-pair | --preview-size | --shard | --jobs | --time-limit | --memory-limit)
+        --object | --path | --rate | --name | --samples-per-pair | --preview-size | --shard | --jobs | --time-limit | --memory-limit | --sql | --limit)
             return
             ;;
     esac
@@ -135,12 +135,20 @@ _trellant() {
             page) _trellant_words "$anywhere --language --profile --preview-size --media-folder --no-audio $lossy $output" "$current" ;;
             peaks) _trellant_words "$anywhere --samples-per-pair --bits --json $output" "$current" ;;
             scan) _trellant_words "$anywhere -o --output --list --shard --jobs --no-hash --retry --refresh --time-limit --memory-limit --profile --strict" "$current" ;;
+            catalogue) _trellant_words "$anywhere --sql --limit --csv --json $output" "$current" ;;
             dump) _trellant_words "$anywhere --toc --object --path --all --json" "$current" ;;
             validate) _trellant_words "$anywhere --json" "$current" ;;
         esac
         return
     fi
     case $command in
+        catalogue)
+            if ((places == 0)); then
+                _trellant_words "build query stats" "$current"
+            else
+                _trellant_paths '*' "$current"
+            fi
+            ;;
         list)
             if ((places == 0)); then
                 _trellant_words "tracks clips sources losses" "$current"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // trellant: the command for people.
+#include "catalogue/catalogue.h"
 #include "check/check.h"
 #include "commands.h"
 #include "dump/dump.h"
@@ -44,6 +45,8 @@ ExitStatus perform(const Call& call, Console& console) {
                                  stop);
             } else if constexpr (std::is_same_v<Options, ScanCall>) {
                 return runScanCall(options, console, stop);
+            } else if constexpr (std::is_same_v<Options, CatalogueCall>) {
+                return runCatalogue(options, console, stop);
             } else if constexpr (std::is_same_v<Options, PageCall>) {
                 return runPage(options, console, stop);
             } else {

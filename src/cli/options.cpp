@@ -138,6 +138,7 @@ class Parser {
         addPage();
         addPeaks();
         addScan();
+        addCatalogue();
         addDump();
         addValidate();
     }
@@ -430,6 +431,42 @@ class Parser {
                         "End with status 2 when a file could not be read");
     }
 
+    void addCatalogue() {
+        catalogue_ = &command(
+            "catalogue", "Keeps the rows of scans in one SQLite file and asks it",
+            "  trellant catalogue build archive.sqlite part*.ndjson\n"
+            "  trellant catalogue stats archive.sqlite\n"
+            "  trellant catalogue query archive.sqlite missing-media --csv -o missing.csv\n"
+            "  trellant catalogue query archive.sqlite plays 'Kick 1'\n"
+            "  trellant catalogue query archive.sqlite --sql 'SELECT count(*) FROM files'");
+        addChoice<CatalogueCall::What>(*catalogue_, "WHAT", catalogueCall_.what, "What to do",
+                                       {{"build", CatalogueCall::What::build},
+                                        {"query", CatalogueCall::What::query},
+                                        {"stats", CatalogueCall::What::stats}})
+            ->required();
+        catalogue_->add_option("CATALOGUE", catalogueCall_.catalogue, "The SQLite file")
+            ->required();
+        catalogue_->add_option("REST", catalogueCall_.rest,
+                               "Shards of scans, or a question; query alone lists these");
+        catalogue_->add_option("--sql", catalogueCall_.sql, "Ask this, which may only read")
+            ->type_name("SQL");
+        constexpr std::int64_t mostRows = 1'000'000'000'000;
+        catalogue_
+            ->add_option("--limit", catalogueCall_.limit,
+                         "Rows of an answer; 1000 otherwise, 0 for all")
+            ->type_name("N")
+            ->check(wholeNumber(0, mostRows));
+        auto* const csvFlag = catalogue_->add_flag_callback(
+            "--csv", [this] { catalogueCall_.form = CatalogueCall::Form::csv; },
+            "Comma-separated, for sheets");
+        catalogue_
+            ->add_flag_callback(
+                "--json", [this] { catalogueCall_.form = CatalogueCall::Form::json; },
+                "One JSON object a line")
+            ->excludes(csvFlag);
+        addDestination(*catalogue_, catalogueCall_.destination);
+    }
+
     void addDump() {
         dump_ = &command("dump", "Shows the container behind an OMF file, for engineers",
                          "  trellant dump mix.omf\n"
@@ -531,6 +568,9 @@ class Parser {
         if (scan_->parsed()) {
             return scanCall_;
         }
+        if (catalogue_->parsed()) {
+            return catalogueCall_;
+        }
         if (dump_->parsed()) {
             return dumpCall_;
         }
@@ -558,6 +598,7 @@ class Parser {
     CLI::App* page_ = nullptr;
     CLI::App* peaks_ = nullptr;
     CLI::App* scan_ = nullptr;
+    CLI::App* catalogue_ = nullptr;
     CLI::App* dump_ = nullptr;
     CLI::App* validate_ = nullptr;
     InfoOptions infoOptions_;
@@ -569,6 +610,7 @@ class Parser {
     DumpCall dumpCall_;
     PeaksOptions peaksOptions_;
     ScanCall scanCall_;
+    CatalogueCall catalogueCall_;
     ValidateOptions validateOptions_;
     bool quiet_ = false;
     bool verbose_ = false;

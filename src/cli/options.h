@@ -2,6 +2,7 @@
 // The command line, read.
 #pragma once
 
+#include "catalogue/catalogue.h"
 #include "check/check.h"
 #include "dump/dump.h"
 #include "export/export.h"
@@ -60,7 +61,7 @@ struct ValidateOptions {
 };
 
 using Call = std::variant<InfoOptions, ListOptions, ExtractCall, ExportCall, CheckCall, PageCall,
-                          PeaksOptions, ScanCall, DumpCall, ValidateOptions>;
+                          PeaksOptions, ScanCall, CatalogueCall, DumpCall, ValidateOptions>;
 
 struct CommandLine {
     Verbosity verbosity = Verbosity::normal;
