@@ -129,7 +129,7 @@ _trellant() {
         case $command in
             info) _trellant_words "$anywhere --json $lossy $output" "$current" ;;
             list) _trellant_words "$anywhere --csv --json $lossy $output" "$current" ;;
-            extract) _trellant_words "$anywhere --to $lossy --wav --force --absolute --json" "$current" ;;
+            extract) _trellant_words "$anywhere --to $lossy --wav --force --absolute --json --salvage" "$current" ;;
             export) _trellant_words "$anywhere --to --format $lossy --media-mode --rate --name --no-markers --force --json" "$current" ;;
             check) _trellant_words "$anywhere --profile --media --recursive --audio --fail-on --json --junit --sarif $output --list-rules --explain" "$current" ;;
             page) _trellant_words "$anywhere --language --profile --preview-size --media-folder --no-audio $lossy $output" "$current" ;;

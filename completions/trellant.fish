@@ -62,6 +62,7 @@ complete -c trellant -n '__trellant_in extract' -l media -x -a '(__fish_complete
 complete -c trellant -n '__trellant_in extract' -l wav -d 'Write AIFF audio as WAVE'
 complete -c trellant -n '__trellant_in extract' -l force -d 'Replace existing files'
 complete -c trellant -n '__trellant_in extract' -l absolute -d 'Name files in timeline.json by their whole paths'
+complete -c trellant -n '__trellant_in extract' -l salvage -d 'Take out what audio there is of files that cannot be read'
 complete -c trellant -n '__trellant_in extract' -l json -d 'Write one JSON object a line for each file'
 complete -c trellant -n '__trellant_in extract' -l fail-on -x -a 'missing render any' -d 'End with status 3 when there is such a loss'
 complete -c trellant -n '__trellant_in extract' -a '(__trellant_files "omfi?")'

@@ -105,7 +105,7 @@ std::string dictionaryOf(std::string_view target) {
     Words words;
     if (target == "container" || target == "document" || target == "mapping") {
         words = omfWords();
-    } else if (target == "audio_probe") {
+    } else if (target == "audio_probe" || target == "salvage") {
         add(words, chunks);
     } else if (target == "request") {
         words = requestWords();

@@ -95,6 +95,18 @@ std::vector<Seed> timelineSeeds() {
     return seeds;
 }
 
+/// Audio files one after the other, and containers that hold some.
+std::vector<Seed> salvageSeeds() {
+    std::vector<Seed> seeds = compositionSeeds();
+    Bytes all;
+    for (Seed& seed : audioSeeds()) {
+        all.insert(all.end(), seed.bytes.begin(), seed.bytes.end());
+        seeds.push_back(std::move(seed));
+    }
+    seeds.push_back({"all", std::move(all)});
+    return seeds;
+}
+
 std::vector<Seed> fileNameSeeds() {
     return {{"plain", bytesOf("0Kick-1_a.b c.wav")},
             {"path", bytesOf("1/Volumes/Disk/../Kick.aif/")},
@@ -118,6 +130,9 @@ std::vector<Seed> seedsOf(std::string_view target) {
     }
     if (target == "audio_probe") {
         return audioSeeds();
+    }
+    if (target == "salvage") {
+        return salvageSeeds();
     }
     if (target == "request") {
         return requestSeeds();

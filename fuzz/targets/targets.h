@@ -22,6 +22,8 @@ void runDocument(ByteView input);
 void runMapping(ByteView input);
 /// The bytes are an audio file, or the head of one.
 void runAudioProbe(ByteView input);
+/// The bytes are a damaged file with audio in it.
+void runSalvage(ByteView input);
 /// The bytes are the text of a request.
 void runRequest(ByteView input);
 /// The bytes are the text of a timeline.
@@ -36,10 +38,11 @@ struct Target {
     std::optional<std::size_t> containerOffset{};
 };
 
-inline constexpr std::array<Target, 7> targets{{{"container", runContainer, 0},
+inline constexpr std::array<Target, 8> targets{{{"container", runContainer, 0},
                                                 {"document", runDocument, 0},
                                                 {"mapping", runMapping, 1},
                                                 {"audio_probe", runAudioProbe},
+                                                {"salvage", runSalvage},
                                                 {"request", runRequest},
                                                 {"timeline", runTimeline},
                                                 {"file_names", runFileNames}}};

@@ -3,6 +3,7 @@
 #include "extract/extract.h"
 
 #include "extract/extractor.h"
+#include "extract/salvager.h"
 
 #include <trellant/base/numbered_name.h>
 #include <trellant/base/printable_text.h>
@@ -85,6 +86,13 @@ ExitStatus runExtract(const ExtractOptions& given, Console& console, const StopT
         }
     }
     ExitStatus status = ExitStatus::done;
+    if (options.call.salvage) {
+        Salvager salvager(options.call, console);
+        for (const ExtractJob& job : jobsOf(options.call)) {
+            status = worse(status, salvager.run(job));
+        }
+        return status;
+    }
     Extractor extractor(options, console, stop);
     for (const ExtractJob& job : jobsOf(options.call)) {
         status = worse(status, extractor.run(job));

@@ -59,14 +59,21 @@ ExitStatus perform(const Call& call, Console& console) {
         call);
 }
 
+/// Whether the call forks before all else: no thread may be about then, and an interrupt ends it
+/// anyhow.
+bool forksAtOnce(const Call& call) {
+    const auto* const extract = std::get_if<ExtractCall>(&call);
+    return std::holds_alternative<DumpCall>(call) ||
+           std::holds_alternative<ValidateOptions>(call) ||
+           (extract != nullptr && extract->salvage);
+}
+
 ExitStatus run(int argc, const char* const* argv) {
     const CommandLine line = readCommandLine(argc, argv);
     Console console(line.verbosity);
     try {
         if (line.call) {
-            // These fork at once, and no thread may be about then; an interrupt ends them anyhow.
-            if (!std::holds_alternative<DumpCall>(*line.call) &&
-                !std::holds_alternative<ValidateOptions>(*line.call)) {
+            if (!forksAtOnce(*line.call)) {
                 watchInterrupts();
             }
             return perform(*line.call, console);

@@ -223,7 +223,8 @@ class Parser {
             "extract", "Takes the audio out of OMF files and finds what lies beside them",
             "  trellant extract mix.omf --to mix-audio\n"
             "  trellant extract mix.omf --to mix-audio --wav\n"
-            "  trellant extract mix.omf --to mix-audio --media /Volumes/A --media /Volumes/B");
+            "  trellant extract mix.omf --to mix-audio --media /Volumes/A --media /Volumes/B\n"
+            "  trellant extract broken.omf --to rescued --salvage");
         extract_
             ->add_option("FILE", extractCall_.files,
                          "OMF files; of several each gets a folder of its own")
@@ -239,6 +240,12 @@ class Parser {
         extract_->add_flag("--json", extractCall_.json,
                            "Summary as one JSON object a line for each file");
         addFailOn(*extract_, extractCall_.failOn);
+        auto* const salvage =
+            extract_->add_flag("--salvage", extractCall_.salvage,
+                               "Take out what audio there is of files that cannot be read");
+        for (const char* const other : {"--media", "--wav", "--absolute", "--fail-on"}) {
+            salvage->excludes(extract_->get_option(other));
+        }
     }
 
     void addExport() {

@@ -74,6 +74,8 @@ class SmallFiles(unittest.TestCase):
             if self.status_within_bounds(omf, "info", ["info", str(omf)]) != REFUSED:
                 for name, arguments in [*looks(str(omf)), *extractions(str(omf), work)]:
                     self.status_within_bounds(omf, name, arguments)
+            self.status_within_bounds(omf, "extract --salvage",
+                                      ["extract", str(omf), "--salvage", "--to", str(work / "rescued")])
             shard = str(work / "shard.ndjson")
             self.status_within_bounds(omf, "scan", ["scan", str(omf), "--profile", "post", "-o", shard])
             for name, arguments in dumps(str(omf)):

@@ -203,18 +203,22 @@ class ManPageExamples(InFolder):
                                      env={**os.environ, "PATH": path})
                 self.assertEqual((run.returncode, run.stderr), (0, b""))
                 said.append(run.stdout.decode())
-        self.assertEqual(len(said), 8)
+        self.assertEqual(len(said), 9)
         self.assertEqual(said[1], "complete\n")
-        self.assertEqual(sorted(said[4].splitlines()),
+        self.assertEqual(sorted(said[5].splitlines()),
                          ["Rain_ garden.wav: OK", "Theme.wav: OK", "Voice_Anna.wav: OK",
                           "Voice_Ben.wav: OK", "timeline.json: OK"])
-        self.assertEqual(said[7], "mix-wav/timeline.json: valid, 5 tracks, 11 clips, 4 audio files\n")
+        self.assertEqual(said[8], "mix-wav/timeline.json: valid, 5 tracks, 11 clips, 4 audio files\n")
         sheet = (self.folder / "mix.csv").read_bytes()
         self.assertEqual(sheet.count(b"\r\n"), 12)
         self.assertEqual((self.folder / "mix-clips.csv").read_bytes(), sheet)
         self.assertEqual(sorted(path.name for path in (self.folder / "mix-audio").iterdir()),
                          ["MANIFEST.sha256", "Rain_ garden.wav", "Theme.aifc", "Voice_Anna.wav",
                           "Voice_Ben.wav", "timeline.json"])
+        # As they lie in the file, one behind the other.
+        self.assertEqual(sorted(path.name for path in (self.folder / "rescued").iterdir()),
+                         ["Sound 001.wav", "Sound 002.wav", "Sound 003.aifc", "Sound 004.wav",
+                          "salvage.json"])
         self.assertEqual(sorted(path.name for path in (self.folder / "mix").iterdir()),
                          ["mix.aaf", "mix.losses.json", "mix.media"])
         self.assertEqual(sorted(path.name for path in (self.folder / "archive").iterdir()),

@@ -29,6 +29,7 @@ TESTS = {
     "compound": of_room("compound", "aaf"),
     "aaf": of_room("aaf"),
     "omf": of_room("omf", "mapper"),
+    "salvage": of_room("salvage"),
     "mapper": of_room("mapper", "examples"),
     "protocol": of_room("protocol", "helper", "client"),
     "confine": of_room("confine", "helper"),

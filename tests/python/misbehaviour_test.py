@@ -46,9 +46,10 @@ class Misbehaviour(FolderTest):
         raise AssertionError(f"no worker wrote {name}")
 
     def speak(self, expression, name="said"):
-        """A line that leaves a value for `said`, whole or not at all."""
+        """Lines that leave a value for `said`, whole or not at all."""
         path = str(self.folder / name)
-        return f"open({path!r} + '~', 'w').write(str({expression})); os.rename({path!r} + '~', {path!r})\n"
+        return (f"with open({path!r} + '~', 'w') as file: file.write(str({expression}))\n"
+                f"os.rename({path!r} + '~', {path!r})\n")
 
 
 class Requests(Misbehaviour):

@@ -3,6 +3,7 @@
 that nobody can read."""
 import os
 import shutil
+import struct
 import subprocess
 import wave
 from dataclasses import dataclass
@@ -13,6 +14,13 @@ from schemas import FOLDER, parse
 TREE = FOLDER.parent
 LISTS = ("tracks", "clips", "sources", "losses")
 FORMATS = ("aaf", "otio", "otioz", "reaper", "dawproject", "markers")
+
+
+def wave_of(frames):
+    """A WAVE file of 16-bit mono audio."""
+    return (b"RIFF" + struct.pack("<I", 36 + 2 * frames) + b"WAVEfmt "
+            + struct.pack("<IHHIIHH", 16, 1, 1, 48_000, 96_000, 2, 16)
+            + b"data" + struct.pack("<I", 2 * frames) + bytes(range(1, 2 * frames + 1)))
 
 
 @dataclass(frozen=True)
@@ -103,6 +111,39 @@ class Folder:
             self.call("extract", "extract", "--to", "out", *extra, files=self.readable)
         self.call("extract", "extract", "--to", "none", files=self.unreadable)
 
+    def make_damaged(self):
+        """Files that only a salvage reads: cut ones, and sounds that lie in pieces or do not say how
+        long they are."""
+        session = (self.path / "session.omf").read_bytes()
+        (self.path / "short.omf").write_bytes(session[:200_000])
+        (self.path / "labelless.omf").write_bytes((self.path / "archive.omf").read_bytes()[:-24])
+        sound = wave_of(20)
+        begin, end = 7, 7 + 60
+        holder = bytes(begin) + sound[:60] + b"between" + sound[60:]
+        # Entries of the older form: object, property, type, offset, length, generation, flags.
+        table = struct.pack("<5I2H", 9, 9, 9, begin, 60, 0, 2)
+        table += struct.pack("<5I2H", 9, 9, 9, end + 7, len(sound) - 60, 0, 0)
+        # A value that is audio by its first twelve bytes only.
+        mark = b"FORM" + struct.pack(">I", 80) + b"AIFF" + bytes(70)
+        table += struct.pack("<5I2H", 8, 9, 9, len(holder), len(mark), 0, 0)
+        holder += mark
+        label = bytes.fromhex("a4434da5486472d7") + struct.pack("<4H2I", 0, 0, 1, 0, len(holder),
+                                                                len(table))
+        (self.path / "pieces.omf").write_bytes(holder + table + label)
+        (self.path / "endless.omf").write_bytes(b"x" + sound[:4] + bytes(4) + sound[8:40] + bytes(4)
+                                                + sound[44:])
+
+    def salvage(self):
+        self.make_damaged()
+        files = ["session.omf", "short.omf", "labelless.omf", "pieces.omf", "endless.omf",
+                 "external.omf", "text.omf", "nothing.omf"]
+        call = self.call("salvage", "extract", "--salvage", "--to", "rescued", files=files)
+        for line in call.lines:
+            if "record" in line:
+                record = self.path / "rescued" / Path(line["file"]).stem / line["record"]
+                self.calls.append(Call("salvage", ("salvage.json",), (line["file"],), 0,
+                                       [parse(record.read_bytes())], ""))
+
     def export(self):
         for format in FORMATS:
             call = self.call("export", "export", "--to", f"../{format}", "--format", format,
@@ -167,6 +208,7 @@ def all_calls(path):
     folder = Folder(path)
     folder.look()
     folder.extract()
+    folder.salvage()
     folder.export()
     folder.check()
     folder.peaks()

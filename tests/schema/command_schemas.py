@@ -4,7 +4,7 @@ need is in each of them, word for word."""
 from schemas import FOLDER, parse
 
 COMMAND_FOLDER = FOLDER / "command"
-NAMES = ("info", "list-tracks", "list-clips", "list-sources", "list-losses", "extract", "export",
+NAMES = ("info", "list-tracks", "list-clips", "list-sources", "list-losses", "extract", "salvage", "export",
          "export-losses", "check", "check-rules", "peaks", "validate", "dump-overview", "dump-object", "dump-table", "failure")
 SCHEMAS = {name: parse((COMMAND_FOLDER / f"{name}.schema.json").read_bytes()) for name in NAMES}
 

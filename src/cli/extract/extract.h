@@ -23,6 +23,8 @@ struct ExtractCall {
     std::vector<std::string> mediaFolders;
     bool wav = false;
     bool force = false;
+    /// The sounds of damaged files, whatever became of their table and their object model.
+    bool salvage = false;
     bool json = false;
     /// The written timelines name files by their whole paths.
     bool absolutePaths = false;

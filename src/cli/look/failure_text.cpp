@@ -2,11 +2,13 @@
 #include "failure_text.h"
 
 #include "dump/dump_file_kind.h"
+#include "terminal/pasted_word.h"
 
 #include <trellant/base/printable_text.h>
 #include <trellant/base/text.h>
 #include <trellant/client/errors.h>
 #include <trellant/io/random_access_file.h>
+#include <trellant/salvage/sound_search.h>
 
 #include <cstddef>
 #include <filesystem>
@@ -49,6 +51,23 @@ std::string noContainerText(const std::string& path) {
            (kind ? ", it looks like " + *kind : std::string());
 }
 
+/// What to do where sounds lie inside a file that cannot be read; empty where none does.
+std::string salvageAdvice(const std::string& path) {
+    // The first sound lies near the front; a whole search would cost as much as a copy.
+    constexpr std::uint64_t searchedBytes = 67'108'864;
+    try {
+        const RandomAccessFile file(path);
+        salvage::SoundSearch search(file, nullptr, {}, searchedBytes);
+        const auto sound = search.next();
+        return sound && sound->ranges.front().offset != 0
+                   ? ". There is audio in it: trellant extract " + pastedFileName(path) +
+                         " --to FOLDER --salvage takes it out"
+                   : std::string();
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
 /// The worker's own last line, without its name.
 std::string lastWords(const std::string& logLines) {
     const std::size_t at = logLines.rfind(workerPrefix);
@@ -61,13 +80,13 @@ std::string ofWorker(const std::string& path, const std::string& logLines) {
         return words.substr(systemPrefix.size());
     }
     if (words.starts_with(noContainer) || words.starts_with(tooSmall)) {
-        return noContainerText(path) + " (" + words + ")";
+        return noContainerText(path) + " (" + words + ")" + salvageAdvice(path);
     }
     if (words.find(olderModel) != std::string::npos) {
         return "this is an OMF 1.x file: export the session as OMF 2 to read it (" + words + ")";
     }
     if (words.starts_with(malformed)) {
-        return "the file is damaged: copy or export it again (" + words + ")";
+        return "the file is damaged: copy or export it again (" + words + ")" + salvageAdvice(path);
     }
     return words;
 }
