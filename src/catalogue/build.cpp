@@ -202,7 +202,9 @@ BuildTotals addShard(const std::string& catalogue, const std::string& shard,
                     throw AAFCancellationError();
                 }
                 ++totals.rows;
-                totals.changed += taker.take(rowOf(line, totals.rows)) ? 1 : 0;
+                if (taker.take(rowOf(line, totals.rows))) {
+                    ++totals.changed;
+                }
             });
         } catch (const scan::ShardError& error) {
             throw CatalogueError(std::string("the shard ") + error.what());
