@@ -25,7 +25,7 @@ _trellant() {
     local anywhere="-h --help -q --quiet -v --verbose"
     local lossy="--media --fail-on"
     local output="-o --output --force"
-    local commands="info list extract export check page peaks scan catalogue dump validate"
+    local commands="info list extract export render check page peaks scan catalogue dump validate"
     local profiles="post film broadcast-25 music archive"
     local rules="media-missing media-ambiguous media-linked media-past-end media-unused loss-dropped loss-sound"
     rules+=" effects nesting omf-version file-size compositions rate-expected rate-mixed depth-expected"
@@ -97,7 +97,11 @@ _trellant() {
             return
             ;;
         --format)
-            _trellant_words "$formats" "$current"
+            if [[ $command == render ]]; then
+                _trellant_words "wav24 wav32f" "$current"
+            else
+                _trellant_words "$formats" "$current"
+            fi
             return
             ;;
         --media-mode)
@@ -112,7 +116,7 @@ _trellant() {
             _trellant_words "8 16" "$current"
             return
             ;;
-        --object | --path | --rate | --name | --samples-per-pair | --preview-size | --shard | --jobs | --time-limit | --memory-limit | --sql | --limit)
+        --object | --path | --rate | --name | --samples-per-pair | --preview-size | --handles | --from | --until | --shard | --jobs | --time-limit | --memory-limit | --sql | --limit)
             return
             ;;
     esac
@@ -131,6 +135,7 @@ _trellant() {
             list) _trellant_words "$anywhere --csv --json $lossy $output" "$current" ;;
             extract) _trellant_words "$anywhere --to $lossy --wav --force --absolute --json --salvage" "$current" ;;
             export) _trellant_words "$anywhere --to --format $lossy --media-mode --rate --name --no-markers --force --json" "$current" ;;
+            render) _trellant_words "$anywhere --to --tracks --mix --clips --raw --handles $lossy --from --until --format --resample --force --json" "$current" ;;
             check) _trellant_words "$anywhere --profile --media --recursive --audio --fail-on --json --junit --sarif $output --list-rules --explain" "$current" ;;
             page) _trellant_words "$anywhere --language --profile --preview-size --media-folder --no-audio $lossy $output" "$current" ;;
             peaks) _trellant_words "$anywhere --samples-per-pair --bits --json $output" "$current" ;;
@@ -156,7 +161,7 @@ _trellant() {
                 _trellant_paths "@($omf|$omfi)" "$current"
             fi
             ;;
-        info | extract | export | check | page) _trellant_paths "@($omf|$omfi)" "$current" ;;
+        info | extract | export | render | check | page) _trellant_paths "@($omf|$omfi)" "$current" ;;
         peaks) _trellant_paths "$audio" "$current" ;;
         dump | scan) _trellant_paths '*' "$current" ;;
         help) ((places == 0)) && _trellant_words "$commands" "$current" ;;

@@ -18,7 +18,7 @@ function __trellant_in
     test "$words[1]" = "$argv[1]"
 end
 
-set -l commands info list extract export check page peaks scan catalogue dump validate
+set -l commands info list extract export render check page peaks scan catalogue dump validate
 set -l contents tracks clips sources losses
 
 complete -c trellant -f
@@ -32,6 +32,7 @@ complete -c trellant -n __trellant_in -a info -d 'Show what is in OMF files, one
 complete -c trellant -n __trellant_in -a list -d 'List the tracks, clips, audio files or losses of OMF files'
 complete -c trellant -n __trellant_in -a extract -d 'Take the audio out of OMF files'
 complete -c trellant -n __trellant_in -a export -d 'Write sessions for the tools of today'
+complete -c trellant -n __trellant_in -a render -d 'Render tracks, the mix or clips as Broadcast WAVE files'
 complete -c trellant -n __trellant_in -a check -d 'Hold OMF files against published rules of delivery'
 complete -c trellant -n __trellant_in -a page -d 'Write the timeline as a page for any browser'
 complete -c trellant -n __trellant_in -a peaks -d 'Write waveforms of audio files, for tools that draw them'
@@ -78,6 +79,21 @@ complete -c trellant -n '__trellant_in export' -l force -d 'Replace existing fil
 complete -c trellant -n '__trellant_in export' -l json -d 'Write one JSON object a line for each file'
 complete -c trellant -n '__trellant_in export' -l fail-on -x -a 'missing render any' -d 'End with status 3 when there is such a loss'
 complete -c trellant -n '__trellant_in export' -a '(__trellant_files "omfi?")'
+complete -c trellant -n '__trellant_in render' -l to -x -a '(__fish_complete_directories)' -d 'Write into this folder'
+complete -c trellant -n '__trellant_in render' -l tracks -d 'Write one file a track'
+complete -c trellant -n '__trellant_in render' -l mix -d 'Write one stereo file of what is heard'
+complete -c trellant -n '__trellant_in render' -l clips -d 'Write one file a clip'
+complete -c trellant -n '__trellant_in render' -l raw -d 'Edits only, without gains and fades'
+complete -c trellant -n '__trellant_in render' -l handles -x -d 'Take so many seconds before and behind clips'
+complete -c trellant -n '__trellant_in render' -l media -x -a '(__fish_complete_directories)' -d 'Look for external audio files here and below'
+complete -c trellant -n '__trellant_in render' -l from -x -d 'Begin at this timecode'
+complete -c trellant -n '__trellant_in render' -l until -x -d 'End before this timecode'
+complete -c trellant -n '__trellant_in render' -l format -x -a 'wav24 wav32f' -d 'Write samples of this kind'
+complete -c trellant -n '__trellant_in render' -l resample -d 'Convert audio of other sample rates'
+complete -c trellant -n '__trellant_in render' -l force -d 'Replace existing files'
+complete -c trellant -n '__trellant_in render' -l json -d 'Write one JSON object a line for each file'
+complete -c trellant -n '__trellant_in render' -l fail-on -x -a 'missing render any' -d 'End with status 3 when there is such a loss'
+complete -c trellant -n '__trellant_in render' -a '(__trellant_files "omfi?")'
 
 complete -c trellant -n '__trellant_in check' -l profile -x -a 'post film broadcast-25 music archive (__trellant_files json)' -d 'Take these rules'
 complete -c trellant -n '__trellant_in check' -l media -x -a '(__fish_complete_directories)' -d 'Look for external audio files here and below'

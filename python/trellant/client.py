@@ -152,10 +152,11 @@ class Client:
             extensions=names or None)
 
     def start(self, request: Request, *, progress: Optional[ProgressCallback] = None, checked: bool = True) -> Call:
-        """Sends any request and returns at once; paths go out as they are.
+        """Sends any request and returns at once; paths go out as they are. The call goes on to its end whether or not
+        somebody holds what is returned.
 
-        With `checked` false the timeline is given as the worker wrote it, also where it breaks rules
-        (`trellant.validate`).
+        Raises LaunchFailed when the system gives no thread or descriptor; all else comes out of the call. With
+        `checked` false the timeline is given as the worker wrote it, also where it breaks rules (`trellant.validate`).
         """
         alarm = Alarm()
         call = Call(alarm)

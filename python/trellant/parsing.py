@@ -21,7 +21,7 @@ _BYTE_ORDER_MARK = b"\xef\xbb\xbf"
 _ALL_BUT_MARKS = bytes(sorted(set(range(256)) - set(b'"[]{}')))
 _QUOTED = re.compile(rb'"[^"]*"')
 #: More than any number of the protocol has, fewer than take Python long.
-_LONG_NUMBER = re.compile(rb"[0-9]{400}")
+_LONG_NUMBER = re.compile(rb"[0-9]{40}")
 _SURROGATE_ESCAPE = re.compile(rb"\\u[dD][89a-fA-F]")
 
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "timecode_text.h"
 
 #include <trellant/base/keyed_hash.h>
 #include <trellant/check/checked_hand_off.h>
 #include <trellant/handoff/frame_clock.h>
 #include <trellant/handoff/timeline_text.h>
+#include <trellant/model/timecode_label.h>
 #include <trellant/model/validation.h>
 
 #include <algorithm>

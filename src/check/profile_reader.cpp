@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "profile_reader.h"
 
-#include "timecode_text.h"
-
 #include <trellant/base/nearest_word.h>
 #include <trellant/base/printable_text.h>
 #include <trellant/json/json_decode.h>
+#include <trellant/model/timecode_label.h>
 
 #include <algorithm>
 #include <set>

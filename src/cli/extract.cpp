@@ -3,15 +3,13 @@
 #include "extract/extract.h"
 
 #include "extract/extractor.h"
+#include "extract/folder_names.h"
 #include "extract/salvager.h"
 
-#include <trellant/base/numbered_name.h>
 #include <trellant/base/printable_text.h>
-#include <trellant/base/text.h>
 #include <trellant/extraction/extraction.h>
 
 #include <filesystem>
-#include <set>
 #include <system_error>
 
 namespace trellant::cli {
@@ -45,27 +43,6 @@ std::optional<std::string> wrongUse(const ExtractOptions& options) {
     return std::nullopt;
 }
 
-/// Each of several files gets a folder that bears its name.
-std::vector<ExtractJob> jobsOf(const ExtractCall& call) {
-    if (call.files.size() == 1) {
-        return {{call.files.front(), call.directory}};
-    }
-    std::vector<ExtractJob> jobs;
-    std::set<std::string> taken;
-    for (const std::string& file : call.files) {
-        const std::string stem = fs::path(file).stem().native();
-        const bool isName = !stem.empty() && stem != "." && stem != "..";
-        const NumberedName name = NumberedName::whole(isName ? stem : "audio");
-        std::uint64_t number = name.number;
-        // Names that differ in case only are one on some file systems.
-        while (!taken.insert(lowerCased(name.withNumber(number))).second) {
-            ++number;
-        }
-        jobs.push_back({file, call.directory + "/" + name.withNumber(number)});
-    }
-    return jobs;
-}
-
 }  // namespace
 
 ExitStatus runExtract(const ExtractOptions& given, Console& console, const StopToken& stop) {
@@ -86,16 +63,17 @@ ExitStatus runExtract(const ExtractOptions& given, Console& console, const StopT
         }
     }
     ExitStatus status = ExitStatus::done;
+    const std::vector<std::string> folders = foldersFor(options.call.files, options.call.directory);
     if (options.call.salvage) {
         Salvager salvager(options.call, console);
-        for (const ExtractJob& job : jobsOf(options.call)) {
-            status = worse(status, salvager.run(job));
+        for (std::size_t i = 0; i < folders.size(); ++i) {
+            status = worse(status, salvager.run({options.call.files[i], folders[i]}));
         }
         return status;
     }
     Extractor extractor(options, console, stop);
-    for (const ExtractJob& job : jobsOf(options.call)) {
-        status = worse(status, extractor.run(job));
+    for (std::size_t i = 0; i < folders.size(); ++i) {
+        status = worse(status, extractor.run({options.call.files[i], folders[i]}));
         if (stop.stop_requested()) {
             return ExitStatus::fileFailed;
         }

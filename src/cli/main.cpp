@@ -6,6 +6,7 @@
 #include "dump/dump.h"
 #include "export/export.h"
 #include "extract/extract.h"
+#include "render/render.h"
 #include "scan/scan.h"
 #include "terminal/interrupts.h"
 
@@ -42,6 +43,10 @@ ExitStatus perform(const Call& call, Console& console) {
             } else if constexpr (std::is_same_v<Options, ExportCall>) {
                 const Cancellable heeded;
                 return runExport({.call = options, .helperURLProvider = installedWorker}, console,
+                                 stop);
+            } else if constexpr (std::is_same_v<Options, RenderCall>) {
+                const Cancellable heeded;
+                return runRender({.call = options, .helperURLProvider = installedWorker}, console,
                                  stop);
             } else if constexpr (std::is_same_v<Options, ScanCall>) {
                 return runScanCall(options, console, stop);

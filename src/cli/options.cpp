@@ -134,6 +134,7 @@ class Parser {
         addList();
         addExtract();
         addExport();
+        addRender();
         addCheck();
         addPage();
         addPeaks();
@@ -288,6 +289,65 @@ class Parser {
         export_->add_flag("--force", exportCall_.force, "Replace existing files");
         export_->add_flag("--json", exportCall_.json, "One JSON object a line for each file");
         addFailOn(*export_, exportCall_.failOn);
+    }
+
+    void addRender() {
+        render_ = &command("render", "Renders tracks, the mix or clips as Broadcast WAVE files",
+                           "  trellant render mix.omf --to mix-stems\n"
+                           "  trellant render mix.omf --to mix-guide --mix\n"
+                           "  trellant render mix.omf --to mix-clips --clips --raw --handles 2");
+        render_
+            ->add_option("FILE", renderCall_.files,
+                         "OMF files; of several each gets a folder of its own")
+            ->required();
+        render_->add_option("--to", renderCall_.directory, "Write here; created when missing")
+            ->required()
+            ->type_name("FOLDER");
+        addRenderKinds();
+        addMedia(*render_, renderCall_.mediaFolders);
+        render_
+            ->add_option("--from", renderCall_.from,
+                         "Begin at this timecode; else at the session's start")
+            ->type_name("TC");
+        render_
+            ->add_option("--until", renderCall_.until,
+                         "End before this timecode; else at the session's end")
+            ->type_name("TC");
+        addChoice<std::optional<audio::PcmFormat>>(
+            *render_, "--format", renderCall_.format,
+            "24 bits, the usual, or 32 bits in floating point",
+            {{"wav24", audio::PcmFormat{24, false}}, {"wav32f", audio::PcmFormat{32, true}}});
+        render_->add_flag("--resample", renderCall_.resamples,
+                          "Convert audio of other sample rates than the session's, which is "
+                          "refused otherwise");
+        render_->add_flag("--force", renderCall_.force, "Replace existing files");
+        render_->add_flag("--json", renderCall_.json, "One JSON object a line for each file");
+        addFailOn(*render_, renderCall_.failOn);
+    }
+
+    void addRenderKinds() {
+        using render::RenderKind;
+        auto* const tracks = render_->add_flag_callback(
+            "--tracks", [this] { renderCall_.kind = RenderKind::tracks; },
+            "One file a track from the session's start, the usual");
+        auto* const mix = render_->add_flag_callback(
+            "--mix", [this] { renderCall_.kind = RenderKind::mix; },
+            "One stereo file of what is heard, with pan, mute and solo");
+        render_
+            ->add_flag_callback(
+                "--clips", [this] { renderCall_.kind = RenderKind::clips; },
+                "One file a clip, its time reference where it lies")
+            ->excludes(tracks)
+            ->excludes(mix);
+        mix->excludes(tracks);
+        render_->add_flag("--raw", renderCall_.raw,
+                          "Edits only, without gains and fades, in the bits of the media");
+        constexpr double mostSeconds = 3'600;
+        render_
+            ->add_option("--handles", renderCall_.handles,
+                         "Of clips so many seconds of their audio before and behind them")
+            ->type_name("SECONDS")
+            ->check(CLI::Range(0.0, mostSeconds).description(""));
     }
 
     void addCheck() {
@@ -563,6 +623,9 @@ class Parser {
         if (export_->parsed()) {
             return exportCall_;
         }
+        if (render_->parsed()) {
+            return renderCall_;
+        }
         if (check_->parsed()) {
             return checkCall_;
         }
@@ -601,6 +664,7 @@ class Parser {
     CLI::App* list_ = nullptr;
     CLI::App* extract_ = nullptr;
     CLI::App* export_ = nullptr;
+    CLI::App* render_ = nullptr;
     CLI::App* check_ = nullptr;
     CLI::App* page_ = nullptr;
     CLI::App* peaks_ = nullptr;
@@ -612,6 +676,7 @@ class Parser {
     ListOptions listOptions_;
     ExtractCall extractCall_;
     ExportCall exportCall_;
+    RenderCall renderCall_;
     CheckCall checkCall_;
     PageCall pageCall_;
     DumpCall dumpCall_;

@@ -9,6 +9,7 @@
 #include "extract/extract.h"
 #include "look/fail_on.h"
 #include "page/page.h"
+#include "render/render.h"
 #include "scan/scan.h"
 #include "terminal/console.h"
 #include "terminal/destination.h"
@@ -60,8 +61,9 @@ struct ValidateOptions {
     bool json = false;
 };
 
-using Call = std::variant<InfoOptions, ListOptions, ExtractCall, ExportCall, CheckCall, PageCall,
-                          PeaksOptions, ScanCall, CatalogueCall, DumpCall, ValidateOptions>;
+using Call =
+    std::variant<InfoOptions, ListOptions, ExtractCall, ExportCall, RenderCall, CheckCall, PageCall,
+                 PeaksOptions, ScanCall, CatalogueCall, DumpCall, ValidateOptions>;
 
 struct CommandLine {
     Verbosity verbosity = Verbosity::normal;

@@ -26,6 +26,42 @@ struct Place {
     std::optional<AAFRational> duration{};
 };
 
+/// One for each loss of a plan.
+std::vector<ExportLoss> ofClips(const std::vector<PlanLoss>& losses, const AAFTimeline& timeline) {
+    std::map<std::string_view, std::size_t> tracks;
+    for (std::size_t i = 0; i < timeline.tracks.size(); ++i) {
+        tracks.emplace(timeline.tracks[i].id, i);
+    }
+    std::vector<ExportLoss> result;
+    for (const PlanLoss& loss : losses) {
+        const AAFClipEvent& event = timeline.events[loss.event];
+        result.push_back({.feature = loss.kind == PlanLoss::Kind::fadeLongerThanClip
+                                         ? Feature::fadeLengths
+                                         : Feature::clipPlaces,
+                          .severity = severityOf(loss.kind),
+                          .track = tracks.at(event.trackID),
+                          .event = loss.event,
+                          .start = event.timelineStart,
+                          .duration = event.duration,
+                          .isLeftOut = isLeftOut(loss.kind),
+                          .sentence = sentenceOf(loss.kind),
+                          .technical = technicalText(loss.kind)});
+    }
+    return result;
+}
+
+/// Half a sample is some 10 microseconds: nobody hears it.
+std::optional<ExportLoss> ofEdges(const ExportPlan& plan) {
+    if (plan.edges.count == 0) {
+        return std::nullopt;
+    }
+    return ExportLoss{.feature = Feature::clipPlaces,
+                      .severity = Severity::informational,
+                      .isLeftOut = false,
+                      .sentence = roundingSentence(plan.edges),
+                      .technical = roundingText(Feature::clipPlaces, plan.edges, plan.rate)};
+}
+
 class Reduction {
   public:
     Reduction(const AAFTimeline& timeline, ExportFormat format)
@@ -46,7 +82,6 @@ class Reduction {
     void recordChange(Feature feature, const Place& place, const std::string& from,
                       const std::string& to, std::string_view fade = "fade");
 
-    void ofPlan(const std::vector<PlanLoss>& losses);
     void ofSession(ExportPlan& plan);
     void ofTrack(PlannedTrack& track, const ExportPlan& plan);
     void ofClip(PlannedClip& clip, const Place& place, const PlannedMedia& media);
@@ -95,28 +130,9 @@ Place Reduction::placeOf(std::size_t track, const PlannedClip& clip) const {
     return {track, clip.event, event.timelineStart, event.duration};
 }
 
-void Reduction::ofPlan(const std::vector<PlanLoss>& losses) {
-    std::map<std::string_view, std::size_t> tracks;
-    for (std::size_t i = 0; i < timeline_.tracks.size(); ++i) {
-        tracks.emplace(timeline_.tracks[i].id, i);
-    }
-    for (const PlanLoss& loss : losses) {
-        const AAFClipEvent& event = timeline_.events[loss.event];
-        const Place place{tracks.at(event.trackID), loss.event, event.timelineStart,
-                          event.duration};
-        record(loss.kind == PlanLoss::Kind::fadeLongerThanClip ? Feature::fadeLengths
-                                                               : Feature::clipPlaces,
-               place, severityOf(loss.kind), isLeftOut(loss.kind) ? Kind::leftOut : Kind::changed,
-               sentenceOf(loss.kind), technicalText(loss.kind));
-    }
-}
-
 void Reduction::ofSession(ExportPlan& plan) {
-    if (plan.edges.count != 0) {
-        // Half a sample is some 10 microseconds: nobody hears it.
-        record(Feature::clipPlaces, {}, Severity::informational, Kind::changed,
-               roundingSentence(plan.edges),
-               roundingText(Feature::clipPlaces, plan.edges, plan.rate));
+    if (auto loss = ofEdges(plan)) {
+        losses_.push_back(std::move(*loss));
     }
     if (plan.sourceStarts.count != 0 &&
         carriage(Feature::sourceStartAtOtherRates) == Carriage::limited) {
@@ -306,7 +322,9 @@ void Reduction::ofCurve(PlannedFade& fade, const Place& place, bool isNoted,
 CarriedPart Reduction::of(PlannedSession planned) {
     CarriedPart part{std::move(planned.plan), {}};
     ofSession(part.plan);
-    ofPlan(planned.losses);
+    for (ExportLoss& loss : ofClips(planned.losses, timeline_)) {
+        losses_.push_back(std::move(loss));
+    }
     for (PlannedTrack& track : part.plan.tracks) {
         ofTrack(track, part.plan);
     }
@@ -323,6 +341,14 @@ CarriedPart Reduction::of(PlannedSession planned) {
 }
 
 }  // namespace
+
+std::vector<ExportLoss> lossesOfPlan(const PlannedSession& planned, const AAFTimeline& timeline) {
+    std::vector<ExportLoss> losses = ofClips(planned.losses, timeline);
+    if (auto loss = ofEdges(planned.plan)) {
+        losses.insert(losses.begin(), std::move(*loss));
+    }
+    return losses;
+}
 
 CarriedPart carriedPart(PlannedSession planned, const AAFTimeline& timeline, ExportFormat format) {
     return Reduction(timeline, format).of(std::move(planned));

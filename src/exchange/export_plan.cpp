@@ -236,6 +236,18 @@ void Planner::setFades(PlannedClip& clip, const AAFClipEvent& event) {
     }
 }
 
+/// A fade's own shape from its start on: points may be counted from its end.
+std::vector<AAFAutomationPoint> shapeOf(const AAFFade& fade) {
+    std::vector<AAFAutomationPoint> shape = fade.points;
+    if (fade.reversesPointTime.value_or(false)) {
+        std::reverse(shape.begin(), shape.end());
+        for (AAFAutomationPoint& point : shape) {
+            point.timelineOffset = AAFRational::one() - point.timelineOffset;
+        }
+    }
+    return shape;
+}
+
 std::optional<PlannedFade> Planner::fade(const PlannedClip& clip, const AAFFade& fade,
                                          Samples length) {
     const bool isTooLong = length > clip.length;
@@ -248,7 +260,7 @@ std::optional<PlannedFade> Planner::fade(const PlannedClip& clip, const AAFFade&
     }
     return PlannedFade{.length = length,
                        .curve = fade.curve,
-                       .shape = fade.points,
+                       .shape = shapeOf(fade),
                        .exactLength = isTooLong ? std::nullopt : std::optional(fade.duration)};
 }
 

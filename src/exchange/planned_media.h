@@ -4,6 +4,7 @@
 
 #include <trellant/base/keyed_hash.h>
 #include <trellant/exchange/export_plan.h>
+#include <trellant/exchange/file_stem.h>
 
 #include <map>
 #include <optional>
@@ -12,18 +13,6 @@
 #include <vector>
 
 namespace trellant::exchange {
-
-enum class NameKind {
-    /// What a person calls something.
-    name,
-    /// Where a file lies, as any system writes it.
-    path
-};
-
-/// A file name's stem that every system takes, from whatever a source is called: letters, marks,
-/// numbers, "-", "_", "." and blanks, none of the last two at an end, no name that a system keeps
-/// for itself, at most 100 characters; "audio" where nothing is left.
-[[nodiscard]] std::string fileStem(std::string_view name, NameKind kind);
 
 /// Grows while clips ask for what they play.
 class MediaList {

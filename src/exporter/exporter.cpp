@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "final_places.h"
 #include "media_losses.h"
-#include "session_markers.h"
-#include "session_media.h"
 
 #include <trellant/base/file_descriptor.h>
 #include <trellant/base/system_call_error.h>
@@ -12,6 +9,9 @@
 #include <trellant/client/errors.h>
 #include <trellant/exchange/format_limits.h>
 #include <trellant/exporter/exporter.h>
+#include <trellant/exporter/final_places.h>
+#include <trellant/exporter/session_markers.h>
+#include <trellant/exporter/session_media.h>
 #include <trellant/extraction/staging.h>
 #include <trellant/extraction/taken_out.h>
 #include <trellant/io/errors.h>

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "final_places.h"
-
 #include <trellant/base/printable_text.h>
 #include <trellant/exporter/exporter.h>
+#include <trellant/exporter/final_places.h>
 #include <trellant/io/errors.h>
 
 #include <algorithm>
@@ -57,13 +56,13 @@ void FinalPlaces::checkFile(const std::string& name) const {
         return;
     }
     if (read_.holds(pathOf(name))) {
-        isTaken(name, " is read by this export and is not replaced; choose another --name");
+        isTaken(name, " is read by " + advice_.run + " and is not replaced; " + advice_.instead);
     }
     if (!force_) {
-        isTaken(name, " is there already; --force replaces it, --name chooses another name");
+        isTaken(name, " is there already; --force replaces it, " + advice_.orElse);
     }
     if (!S_ISREG(*mode) && !S_ISLNK(*mode)) {
-        isTaken(name, " is there already and is no file; choose another --name");
+        isTaken(name, " is there already and is no file; " + advice_.instead);
     }
 }
 
@@ -71,17 +70,16 @@ void FinalPlaces::check(const std::vector<std::string>& files, const std::string
     for (const std::string& name : files) {
         checkFile(name);
     }
-    const auto mode = modeOf(pathOf(folder));
+    const auto mode = folder.empty() ? std::nullopt : modeOf(pathOf(folder));
     if (!mode) {
         return;
     }
     if (!S_ISDIR(*mode)) {
-        isTaken(folder, " is there already and is no folder; choose another --name");
+        isTaken(folder, " is there already and is no folder; " + advice_.instead);
     }
     if (!force_ && !namesIn(pathOf(folder)).empty()) {
-        isTaken(folder,
-                " is there already; --force replaces files of the same names in it, --name chooses "
-                "another name");
+        isTaken(folder, " is there already; --force replaces files of the same names in it, " +
+                            advice_.orElse);
     }
 }
 

@@ -2,10 +2,9 @@
 // What becomes of clips whose audio could not be made into what the session needs.
 #pragma once
 
-#include "session_media.h"
-
 #include <trellant/exchange/carried_part.h>
 #include <trellant/exchange/export_plan.h>
+#include <trellant/exporter/session_media.h>
 #include <trellant/model/timeline.h>
 
 #include <vector>

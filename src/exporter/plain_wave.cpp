@@ -6,9 +6,8 @@
 //                  12  2 bytes: bytes of a frame
 //                  14  2 bytes: bits of a sample
 //   "ds64"  offset  8  8 bytes: size of "data" where that says 0xFFFFFFFF
-#include "plain_wave.h"
-
 #include <trellant/base/bytes.h>
+#include <trellant/exporter/plain_wave.h>
 #include <trellant/io/byte_readers.h>
 #include <trellant/io/errors.h>
 #include <trellant/io/random_access_file.h>
@@ -49,7 +48,7 @@ std::optional<sessions::WaveFile> waveIn(const RandomAccessFile& file) {
         return std::nullopt;
     }
     bool isPlain = false;
-    std::uint16_t bits = 0;
+    sessions::WaveFile wave{.path = file.path(), .byteCount = file.size()};
     std::uint64_t largeSize = sizeElsewhere;
     std::uint64_t offset = headSize;
     for (int count = 0;
@@ -66,7 +65,9 @@ std::optional<sessions::WaveFile> waveIn(const RandomAccessFile& file) {
             }
             const Bytes format = file.read(offset, neededBytes);
             isPlain = isPlainFormat(format);
-            bits = u16(format, 14, order);
+            wave.bitsOfSample = u16(format, 14, order);
+            wave.channels = u16(format, 2, order);
+            wave.isFloatingPoint = u16(format, 0, order) == 3;
         } else if (id == "ds64" && size >= 16) {
             largeSize = u64(file.read(offset + 8, 8), 0, order);
         } else if (id == "data") {
@@ -74,8 +75,9 @@ std::optional<sessions::WaveFile> waveIn(const RandomAccessFile& file) {
                 return std::nullopt;
             }
             const std::uint64_t said = size == sizeElsewhere ? largeSize : size;
-            return sessions::WaveFile{file.path(), file.size(), offset,
-                                      std::min(said, file.size() - offset), bits};
+            wave.dataOffset = offset;
+            wave.dataByteCount = std::min(said, file.size() - offset);
+            return wave;
         }
         offset += std::uint64_t{size} + size % 2;
     }

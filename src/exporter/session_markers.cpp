@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "session_markers.h"
-
 #include <trellant/base/keyed_hash.h>
 #include <trellant/base/printable_text.h>
+#include <trellant/exporter/session_markers.h>
 
 #include <algorithm>
 #include <string>

@@ -16,29 +16,6 @@ namespace {
 
 constexpr std::size_t pieceBytes = 1'048'576;
 
-class Sha256 {
-  public:
-    Sha256() { ::sha256_init(&state_); }
-
-    void add(const std::uint8_t* bytes, std::size_t count) {
-        ::sha256_update(&state_, count, bytes);
-    }
-    std::string hexadecimal() {
-        std::array<std::uint8_t, SHA256_DIGEST_SIZE> digest{};
-        ::sha256_digest(&state_, digest.size(), digest.data());
-        constexpr std::string_view digits = "0123456789abcdef";
-        std::string text;
-        for (const std::uint8_t byte : digest) {
-            text += digits[byte >> 4U];
-            text += digits[byte & 0xFU];
-        }
-        return text;
-    }
-
-  private:
-    sha256_ctx state_{};
-};
-
 class OpenFile {
   public:
     explicit OpenFile(const std::string& path)
@@ -62,18 +39,45 @@ class OpenFile {
 
 }  // namespace
 
+struct Sha256::State {
+    sha256_ctx context{};
+};
+
+Sha256::Sha256() : state_(std::make_unique<State>()) {
+    ::sha256_init(&state_->context);
+}
+
+Sha256::~Sha256() = default;
+
+void Sha256::add(ByteView bytes) noexcept {
+    ::sha256_update(&state_->context, bytes.size(),
+                    reinterpret_cast<const std::uint8_t*>(bytes.data()));
+}
+
+std::string Sha256::hexadecimal() {
+    std::array<std::uint8_t, SHA256_DIGEST_SIZE> digest{};
+    ::sha256_digest(&state_->context, digest.size(), digest.data());
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string text;
+    for (const std::uint8_t byte : digest) {
+        text += digits[byte >> 4U];
+        text += digits[byte & 0xFU];
+    }
+    return text;
+}
+
 std::string fileDigest(const std::string& path,
                        const std::function<void(std::uint64_t)>& advanced) {
     const OpenFile file(path);
     Sha256 sha;
-    std::vector<std::uint8_t> piece(pieceBytes);
+    std::vector<std::byte> piece(pieceBytes);
     while (true) {
         const ssize_t got = ::read(file.number(), piece.data(), piece.size());
         if (got == 0) {
             return sha.hexadecimal();
         }
         if (got > 0) {
-            sha.add(piece.data(), static_cast<std::size_t>(got));
+            sha.add(ByteView(piece).first(static_cast<std::size_t>(got)));
             advanced(static_cast<std::uint64_t>(got));
         } else if (errno != EINTR) {
             throw FileSystemError("read", path, errno);

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "jobs.h"
 #include "made_file.h"
 #include "source_files.h"
 
 #include <trellant/base/precondition.h>
 #include <trellant/extraction/wave_conversion.h>
 #include <trellant/handoff/audio_facts.h>
+#include <trellant/handoff/jobs.h>
 #include <trellant/listening/source_sound.h>
 
 #include <algorithm>

@@ -11,10 +11,13 @@
 //   trellant-wav --preview IN OUT RATE FIRST FRAMES [CHANNEL]
 //       a small copy in Opus, of RATE bits in a second for each channel, from the frame FIRST on;
 //       FRAMES of 0: up to the end
+//   trellant-wav --resample IN OUT NUMERATOR DENOMINATOR RATE
+//       its audio, which has NUMERATOR / DENOMINATOR samples in a second, as plain WAVE at RATE
 //
 // Exit status 0 done, 1 wrong use, 2 not done, with the reason on standard error.
 #include "measuring.h"
 #include "preview.h"
+#include "resampling.h"
 #include "wave_copy.h"
 
 #include <trellant/base/host_watch.h>
@@ -43,6 +46,7 @@ using Words = std::span<const std::string_view>;
 
 constexpr std::uint64_t mostChannels = 65'536;
 constexpr std::uint64_t mostBits = 64;
+constexpr std::uint64_t highestRate = 384'000;
 constexpr std::uint64_t mostFrames = std::numeric_limits<std::int64_t>::max();
 
 /// What is to be done, once this process has confined itself.
@@ -143,6 +147,24 @@ std::optional<Work> previewing(Words words) {
                 }};
 }
 
+std::optional<Work> resampling(Words words) {
+    if (words.size() != 5) {
+        return std::nullopt;
+    }
+    const auto numerator = numberIn(words[2], 1, mostFrames);
+    const auto denominator = numberIn(words[3], 1, mostFrames);
+    const auto rate = numberIn(words[4], 1, highestRate);
+    if (!numerator || !denominator || !rate) {
+        return std::nullopt;
+    }
+    const trellant::wav::SampleRate from{*numerator, *denominator};
+    return Work{std::string(words[0]), std::string(words[1]),
+                [from, rate](const std::string& source, const std::string& destination) {
+                    trellant::wav::resampleAsWave(source, destination, from,
+                                                  static_cast<std::uint32_t>(*rate));
+                }};
+}
+
 std::optional<Work> workOf(Words words) {
     if (words.empty() || !words.front().starts_with("--")) {
         return copying(words);
@@ -154,6 +176,9 @@ std::optional<Work> workOf(Words words) {
     }
     if (mode == "--waveform") {
         return drawing(more);
+    }
+    if (mode == "--resample") {
+        return resampling(more);
     }
     return mode == "--preview" ? previewing(more) : std::nullopt;
 }
@@ -188,7 +213,8 @@ int main(int argumentCount, char** arguments) {
                        "       trellant-wav --measure IN OUT PAIRS [BITS]\n"
                        "       trellant-wav --waveform IN OUT FRAMES BITS\n"
                        "       trellant-wav --preview IN OUT RATE FIRST FRAMES "
-                       "[CHANNEL]\n",
+                       "[CHANNEL]\n"
+                       "       trellant-wav --resample IN OUT NUMERATOR DENOMINATOR RATE\n",
                        stderr));
         return 1;
     }

@@ -154,11 +154,14 @@ class Bash(InFolder):
         self.assertEqual(self.replies("export", "--format", "=", "o"), ["otio", "otioz"])
         self.assertEqual(self.replies("export", "--media-mode", ""),
                          sorted(choices("export", "--media-mode")))
+        self.assertEqual(self.replies("render", "--format", ""), ["wav24", "wav32f"])
 
     def test_nothing_is_offered_for_what_only_the_person_knows(self):
         self.assertEqual(self.replies("dump", "--object", ""), [])
         self.assertEqual(self.replies("dump", "--path", ""), [])
         self.assertEqual(self.replies("export", "--rate", ""), [])
+        self.assertEqual(self.replies("render", "--handles", ""), [])
+        self.assertEqual(self.replies("render", "--from", ""), [])
         self.assertEqual(self.replies("export", "--name", ""), [])
 
     def test_values_of_options_are_no_commands_and_no_files(self):
@@ -208,7 +211,7 @@ class Zsh(unittest.TestCase):
 
     def test_values_are_all_there(self):
         text = ZSH.read_text()
-        self.assertEqual(text.count(":loss:(missing render any)"), 5)
+        self.assertEqual(text.count(":loss:(missing render any)"), 6)
         self.assertEqual(text.count(":what:(tracks clips sources losses)"), 1)
         for option, name in (("--format", "format"), ("--media-mode", "mode")):
             words = " ".join(choices("export", option))
@@ -217,7 +220,7 @@ class Zsh(unittest.TestCase):
     def test_what_may_be_given_several_times_is_marked_so(self):
         text = ZSH.read_text()
         self.assertEqual(text.count("'*--media=["), text.count("--media=["))
-        self.assertEqual(text.count('"*:OMF file:$omf"'), 6)
+        self.assertEqual(text.count('"*:OMF file:$omf"'), 7)
 
 
 class Fish(unittest.TestCase):
@@ -254,7 +257,7 @@ class Fish(unittest.TestCase):
 
     def test_values_are_all_there(self):
         text = FISH.read_text()
-        self.assertEqual(text.count("-l fail-on -x -a 'missing render any'"), 5)
+        self.assertEqual(text.count("-l fail-on -x -a 'missing render any'"), 6)
         for option in ("format", "media-mode"):
             words = " ".join(choices("export", f"--{option}"))
             self.assertEqual(text.count(f"-l {option} -x -a '{words}'"), 1)

@@ -32,7 +32,7 @@ class ReadMe(unittest.TestCase):
 
     def test_shows_what_the_command_shows(self):
         calls = shown_calls()
-        self.assertEqual([call.split()[0] for call in calls], ["info", "list", "list", "extract", "export", "check"])
+        self.assertEqual([call.split()[0] for call in calls], ["info", "list", "list", "extract", "export", "check", "render"])
         for arguments, shown in calls.items():
             with self.subTest(arguments):
                 run = subprocess.run([COMMAND, *arguments.split()], cwd=self.folder,

@@ -88,6 +88,28 @@ TEST(Options, AnExportIsLeftToItsFormatUnlessTold) {
     EXPECT_EQ(call.failOn, FailOn::nothing);
 }
 
+TEST(Options, RenderTakesAKindAPartAndAForm) {
+    const auto call = callOf<RenderCall>(
+        {"render",     "a.omf",   "--to",        "out",     "--clips",     "--raw",     "--handles",
+         "2.5",        "--from",  "01:00:00:00", "--until", "01:00:10:00", "--format",  "wav32f",
+         "--resample", "--media", "m",           "--force", "--json",      "--fail-on", "missing"});
+    EXPECT_EQ(call.files, (std::vector<std::string>{"a.omf"}));
+    EXPECT_EQ(call.directory, "out");
+    EXPECT_EQ(call.kind, render::RenderKind::clips);
+    EXPECT_TRUE(call.raw && call.resamples && call.force && call.json);
+    EXPECT_EQ(call.handles, 2.5);
+    EXPECT_EQ(call.from, "01:00:00:00");
+    EXPECT_EQ(call.until, "01:00:10:00");
+    EXPECT_EQ(call.format, (audio::PcmFormat{32, true}));
+    EXPECT_EQ(call.mediaFolders, (std::vector<std::string>{"m"}));
+    EXPECT_EQ(call.failOn, FailOn::missing);
+    const auto plain = callOf<RenderCall>({"render", "a.omf", "b.omf", "--to", "out"});
+    EXPECT_EQ(plain.kind, render::RenderKind::tracks);
+    EXPECT_FALSE(plain.format || plain.handles || plain.raw || plain.resamples);
+    EXPECT_EQ(lineOf({"render", "a.omf", "--to", "out", "--mix", "--clips"}).status,
+              ExitStatus::wrongUse);
+}
+
 TEST(Options, TheHelpShowsHowTheOptionsOfAnExportAreTyped) {
     const std::string page = lineOf({"export", "-h"}).text;
     EXPECT_THAT(page, HasSubstr("\n  --no-markers   "));

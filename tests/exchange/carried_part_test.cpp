@@ -61,6 +61,24 @@ TEST(CarriedPart, APlainSessionLosesNothingInAnyFormat) {
     }
 }
 
+TEST(LossesOfPlan, AreOfTheWholeFirstThenOfClips) {
+    AAFTimeline timeline = emptyTimeline();
+    addTrack(timeline, "A");
+    addSource(timeline, "a.wav");
+    addClip(timeline, "A", "a.wav", seconds(-2), seconds(1));
+    // The end is no sample: 48,000 / 7 is 6,857 and 1/7.
+    addClip(timeline, "A", "a.wav", seconds(0), seconds(1, 7));
+    const PlannedSession session = planSession(timeline, withFiles(timeline));
+    const std::vector<ExportLoss> losses = lossesOfPlan(session, timeline);
+    ASSERT_EQ(losses.size(), 2U);
+    EXPECT_FALSE(losses[0].track.has_value());
+    EXPECT_FALSE(losses[0].isLeftOut);
+    EXPECT_EQ(losses[1].track, 0U);
+    EXPECT_EQ(losses[1].event, 0U);
+    EXPECT_EQ(losses[1].start, seconds(-2));
+    EXPECT_TRUE(losses[1].isLeftOut);
+}
+
 TEST(CarriedPart, WhatIsLostIsTakenAwayAndOnRecordWithItsPlace) {
     AAFTimeline timeline = plainTimeline();
     timeline.events[0].fixedClipGain = 0.5;

@@ -190,6 +190,19 @@ TEST(ExportPlan, FadesLongerThanTheirClipAreCutToIt) {
     EXPECT_THAT(session.losses, ElementsAre(PlanLoss{PlanLoss::Kind::fadeLongerThanClip, 0}));
 }
 
+/// Points that count from the fade's end: 0.2 at its start is written as 1, and so on.
+TEST(ExportPlan, AShapeThatCountsFromItsEndIsTurnedRound) {
+    AAFTimeline timeline = oneClip(seconds(0), seconds(2));
+    AAFFade fade = fadeOf(fadeIn, seconds(1));
+    fade.points = {{AAFRational(0), 1}, {AAFRational(1, 4), 0.5}, {AAFRational(1), 0.2}};
+    fade.reversesPointTime = true;
+    timeline.events[0].fadeIn = fade;
+    const PlannedSession session = planSession(timeline, withFiles(timeline));
+    EXPECT_EQ(onlyClip(session).fadeIn->shape,
+              (std::vector<AAFAutomationPoint>{
+                  {AAFRational(0), 0.2}, {AAFRational(3, 4), 0.5}, {AAFRational(1), 1}}));
+}
+
 TEST(ExportPlan, AFadeWithoutLengthIsNone) {
     AAFTimeline timeline = oneClip(seconds(1), seconds(1));
     timeline.events[0].fadeIn = fadeOf(fadeIn, seconds(0));

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "final_places.h"
-
 #include <trellant/exporter/exporter.h>
+#include <trellant/exporter/final_places.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Which files need no conversion, and where their samples lie.
-#include "plain_wave.h"
+#include <trellant/exporter/plain_wave.h>
 
 #include <gtest/gtest.h>
 
@@ -41,8 +41,12 @@ TEST_F(PlainWave, ChunksInFrontOfTheFormatArePassedOver) {
 }
 
 TEST_F(PlainWave, FloatingPointIsPlain) {
-    EXPECT_TRUE(
-        waveIn(waveImage({.formatTag = 3, .bitsPerSample = 32, .samples = hex("0000803F")})));
+    const auto wave = waveIn(waveImage(
+        {.formatTag = 3, .channels = 2, .bitsPerSample = 32, .samples = hex("0000803F 0000803F")}));
+    ASSERT_TRUE(wave.has_value());
+    EXPECT_TRUE(wave->isFloatingPoint);
+    EXPECT_EQ(wave->bitsOfSample, 32U);
+    EXPECT_EQ(wave->channels, 2U);
 }
 
 TEST_F(PlainWave, SamplesBeyondTheEndOfTheFileAreNotThere) {

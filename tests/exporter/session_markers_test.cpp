@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "session_markers.h"
+#include <trellant/exporter/session_markers.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -18,6 +18,7 @@ def of_room(*names):
 
 EXPORT = Test("export_test", "tests/cli/export_test")
 EXTRACT = Test("extract_test", "tests/cli/extract_test")
+RENDER = Test("render_command_test", "tests/cli/render_command_test")
 
 TESTS = {
     "base": of_room("base", "json", "io", "model"),
@@ -41,6 +42,7 @@ TESTS = {
     "sessions": of_room("sessions"),
     "extraction": (*of_room("extraction"), EXTRACT),
     "exporter": (*of_room("exporter"), EXPORT),
+    "render": (*of_room("render"), RENDER),
     "page": of_room("page"),
     "scan": of_room("scan", "catalogue"),
     "catalogue": of_room("catalogue"),

@@ -8,7 +8,7 @@ function(expect_control package expected)
     file(GLOB file ${PACKAGES}/${package}_*.deb)
     run(${DPKG_DEB} -f ${file} Package Version Section Priority Depends Recommends Suggests Breaks
         Replaces Maintainer)
-    string(REGEX REPLACE "(libc6|libgcc-s1|libsndfile1|libstdc\\+\\+6) \\([^)]*\\)" "\\1" fields
+    string(REGEX REPLACE "(libc6|libgcc-s1|libsndfile1|libsoxr0|libstdc\\+\\+6) \\([^)]*\\)" "\\1" fields
         "${run_output}")
     expect_equal("control fields of ${package}" "${fields}" "${expected}")
 endfunction()
@@ -18,7 +18,7 @@ expect_control(trellant "Package: trellant
 Version: ${VERSION}-1
 Section: sound
 Priority: optional
-Depends: libc6, libgcc-s1, libsndfile1, libstdc++6
+Depends: libc6, libgcc-s1, libsndfile1, libsoxr0, libstdc++6
 Suggests: libtrellant-doc
 Maintainer: Trellant <maintainers@trellant.invalid>
 ")

@@ -163,6 +163,12 @@ class Numbers(unittest.TestCase):
                     self.numerator(text)
                 self.assertIn(reason, caught.exception.reason)
 
+    def test_a_long_run_of_digits_elsewhere_changes_nothing(self):
+        answer = (EXAMPLES / "session.accepted.json").read_bytes()
+        named = answer.replace(b"Scene 12", b"1" * 50)
+        self.assertEqual(of_text(named).timeline.events, of_text(answer).timeline.events)
+        self.assertEqual(of_text(named).timeline.composition_name, "1" * 50)
+
     def gain(self, text):
         document = smallest()
         document["timeline"]["tracks"] = [{"id": "t", "index": 0, "fixedGain": 271828, "muted": False, "solo": False}]

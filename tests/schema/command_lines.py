@@ -157,6 +157,13 @@ class Folder:
         self.call("export", "export", "--to", "../none", "--format", "reaper",
                   files=self.unreadable)
 
+    def render(self):
+        for extra in (["--tracks"], ["--mix", "--format", "wav32f"],
+                      ["--clips", "--raw", "--handles", "1"]):
+            self.call("render", "render", "--to", "../rendered", "--resample", "--force", *extra,
+                      files=self.readable)
+        self.call("render", "render", "--to", "../none", files=self.unreadable)
+
     def read_losses(self, line):
         """The list of losses beside a session that was written, as a line of its own."""
         document = (self.path / line["directory"] / line["files"][-1]).read_bytes()
@@ -210,6 +217,7 @@ def all_calls(path):
     folder.extract()
     folder.salvage()
     folder.export()
+    folder.render()
     folder.check()
     folder.peaks()
     folder.dump()

@@ -47,6 +47,7 @@ OPTIONAL = {
     ("salvage", "sound"): {"claimedBytes", "sampleRate", "channels", "bitDepth", "codec", "frames"},
     ("export", ""): {"mediaFolder"},
     ("export-losses", "loss"): OF_A_LOSS,
+    ("render", "file"): {"track", "trackName", "clip"},
     ("check", "finding"): {"track", "trackNumber", "clip", "audioFile", "in", "out", "startSeconds",
                            "startSecondsExact", "durationSeconds", "durationSecondsExact",
                            "objectPath", "foundNumber", "wantedNumber", "unit",
@@ -198,7 +199,7 @@ class CommandLines(unittest.TestCase):
 
     def test_files_have_a_line_each_where_a_line_is_a_file(self):
         for call in CALLS:
-            if call.schema in ("info", "extract", "export", "check", "peaks", "validate", "dump-overview",
+            if call.schema in ("info", "extract", "export", "render", "check", "peaks", "validate", "dump-overview",
                                "dump-object"):
                 self.assertEqual(len(call.lines), len(call.files), call.arguments)
 

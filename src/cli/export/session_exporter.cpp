@@ -2,10 +2,12 @@
 #include "session_exporter.h"
 
 #include "export_report.h"
+#include "extract/staged_failure.h"
 #include "extract/target_folder.h"
 #include "look/console_progress.h"
 #include "look/failure_text.h"
 #include "look/inspect.h"
+#include "terminal/agreed_date.h"
 #include "terminal/failure_line.h"
 #include "terminal/interrupts.h"
 #include "terminal/shown_text.h"
@@ -14,10 +16,7 @@
 #include <trellant/client/errors.h>
 
 #include <algorithm>
-#include <charconv>
-#include <cstdlib>
 #include <string_view>
-#include <system_error>
 
 namespace trellant::cli {
 
@@ -27,19 +26,6 @@ constexpr std::size_t longestShownPath = 4'096;
 
 std::string shown(const std::string& path) {
     return printableText(path, longestShownPath);
-}
-
-/// The date that builds which are to come out the same agree on, when it is set.
-std::optional<std::int64_t> agreedDate() {
-    const char* const text = std::getenv("SOURCE_DATE_EPOCH");
-    if (text == nullptr) {
-        return std::nullopt;
-    }
-    const std::string_view digits(text);
-    std::int64_t seconds = 0;
-    const auto end = std::from_chars(digits.data(), digits.data() + digits.size(), seconds);
-    const bool isNumber = end.ec == std::errc() && end.ptr == digits.data() + digits.size();
-    return isNumber ? std::optional(seconds) : std::nullopt;
 }
 
 /// What the format lost counts as what reading lost.
@@ -53,20 +39,6 @@ ExitStatus verdictOf(const ExportReport& report, FailOn failOn) {
                                loss.severity == AAFUnsupportedFeature::Severity::renderAffecting;
                     });
     return found ? ExitStatus::lossesFound : verdict(report.handOff, failOn);
-}
-
-/// The system's reason where a file is the object that no person knows: cannot write
-/// "/home/.trellant-Ab12Cd/mix.aaf": No space left on device.
-std::optional<std::string> reasonNotWritten(std::string_view failure,
-                                            const SessionExport& session) {
-    constexpr std::string_view behindPath = "\": ";
-    const auto quote = failure.find('"');
-    const auto end = failure.rfind(behindPath);
-    if (quote == std::string_view::npos || end == std::string_view::npos || end < quote ||
-        !session.isStaged(failure.substr(quote + 1, end - quote - 1))) {
-        return std::nullopt;
-    }
-    return std::string(failure.substr(end + behindPath.size()));
 }
 
 }  // namespace
@@ -132,7 +104,10 @@ SessionExporter::Outcome SessionExporter::failed(const ExportJob& job, const std
         return {.failure = error.what(), .status = ExitStatus::wrongUse};
     }
     const auto reason =
-        session != nullptr ? reasonNotWritten(error.what(), *session) : std::nullopt;
+        session != nullptr
+            ? reasonNotWritten(error.what(),
+                               [session](std::string_view path) { return session->isStaged(path); })
+            : std::nullopt;
     if (reason) {
         const std::string failure =
             "cannot write to " + shown(options_.call.directory) + ": " + *reason;

@@ -48,6 +48,11 @@ enum class LossEffect {
 /// For programs: "dropped", "soundsDifferent", "changed".
 [[nodiscard]] std::string_view effectWord(LossEffect effect) noexcept;
 
+/// What a plan had to leave out or change, whatever is made of it: one about
+/// the whole where times were rounded to samples, then one for each of its losses.
+[[nodiscard]] std::vector<ExportLoss> lossesOfPlan(const PlannedSession& planned,
+                                                   const AAFTimeline& timeline);
+
 struct CarriedPart {
     /// Values whose Carriage is `metadata` are still there: writers put them where only this
     /// program's readers look.

@@ -24,6 +24,8 @@ struct WaveFile {
     std::uint64_t dataByteCount = 0;
     /// As the file says them; 0 where nobody looked.
     std::uint16_t bitsOfSample = 0;
+    std::uint16_t channels = 0;
+    bool isFloatingPoint = false;
 };
 
 struct SessionMedia {

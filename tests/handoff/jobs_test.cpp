@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "jobs.h"
-
 #include <trellant/client/errors.h>
+#include <trellant/handoff/jobs.h>
 
 #include <gtest/gtest.h>
 
@@ -13,7 +12,7 @@
 #include <stdexcept>
 #include <thread>
 
-namespace trellant::listening {
+namespace trellant {
 namespace {
 
 TEST(Jobs, AreEachDoneOnce) {
@@ -33,6 +32,21 @@ TEST(Jobs, AreEachDoneOnce) {
     EXPECT_EQ(std::set<std::size_t>(done.begin(), done.end()).size(), 100U);
     EXPECT_EQ(*done.rbegin(), 99U);
     EXPECT_EQ(progress.bytes(), 1'000U);
+}
+
+TEST(Jobs, MayTellOfBytesAsTheyGo) {
+    WorkProgress progress;
+    progress.begin("Working", 100);
+    std::atomic<std::uint64_t> underWay{0};
+    runJobs(
+        4,
+        [&](std::size_t number, const std::function<void()>& /*whileWaiting*/) {
+            underWay += number;
+            return std::uint64_t{10};
+        },
+        progress, &underWay);
+    // Four times 10, and 0 + 1 + 2 + 3.
+    EXPECT_EQ(progress.bytes(), 46U);
 }
 
 TEST(Jobs, AreNotMoreAtATimeThanThereAreProcessors) {
@@ -115,4 +129,4 @@ TEST(Jobs, AStopEndsThoseThatWait) {
 }
 
 }  // namespace
-}  // namespace trellant::listening
+}  // namespace trellant

@@ -5,22 +5,32 @@
 #include <trellant/base/read_files.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
+
+/// What a person is told to do about a name that is taken.
+struct TakenNameAdvice {
+    std::string run = "this export";
+    /// "choose another --name".
+    std::string instead = "choose another --name";
+    /// "--name chooses another name".
+    std::string orElse = "--name chooses another name";
+};
 
 class FinalPlaces {
   public:
     /// `directory`: absolute. `force`: files that are there are replaced, but none that the run
     /// reads.
-    FinalPlaces(std::string directory, bool force)
-        : directory_(std::move(directory)), force_(force) {}
+    FinalPlaces(std::string directory, bool force, TakenNameAdvice advice = {})
+        : directory_(std::move(directory)), force_(force), advice_(std::move(advice)) {}
 
     /// A file that the run reads: it is never replaced.
     void protect(const std::string& path) { read_.add(path); }
 
-    /// Throws ExportTargetError when one of these names (files, or the folder of media) is taken
-    /// and may not be replaced.
+    /// Throws ExportTargetError when one of these names (files, or the folder of media, empty for
+    /// none) is taken and may not be replaced.
     void check(const std::vector<std::string>& files, const std::string& folder) const;
 
     /// Moves a file to that name. Throws ExportTargetError, FileSystemError.
@@ -36,6 +46,7 @@ class FinalPlaces {
 
     std::string directory_;
     bool force_;
+    TakenNameAdvice advice_;
     ReadFiles read_;
 };
 

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 /// Where the samples of such a file lie; absent for anything else. Never throws for what a file
 /// holds.

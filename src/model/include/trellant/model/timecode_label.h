@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Labels of timecode as people write them into a profile.
+// Labels of timecode as people write them.
 #pragma once
 
 #include <trellant/model/timecode.h>
@@ -8,7 +8,7 @@
 #include <optional>
 #include <string_view>
 
-namespace trellant::check {
+namespace [[gnu::visibility("default")]] trellant {
 
 /// Whether the text is "HH:MM:SS:FF" (or with ";" before the frames), with hours below 24 and
 /// minutes and seconds below 60.
@@ -19,4 +19,4 @@ namespace trellant::check {
 [[nodiscard]] std::optional<std::int64_t> frameOfLabel(std::string_view text,
                                                        const AAFTimecodeRate& rate);
 
-}  // namespace trellant::check
+}  // namespace trellant

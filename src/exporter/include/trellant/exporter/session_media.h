@@ -17,7 +17,7 @@
 #include <string>
 #include <vector>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 /// The facts of the files that the clips of `timeline` play, for a plan. Throws
 /// AAFCancellationError.

@@ -8,7 +8,7 @@
 
 #include <vector>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 /// One for each loss, of reading and of the export, by ascending place; at the start for a loss
 /// without one. `plan` was

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "timecode_text.h"
+#include <trellant/model/timecode_label.h>
 
 #include <array>
 #include <cstddef>
 
-namespace trellant::check {
+namespace trellant {
 
 namespace {
 
@@ -52,4 +52,4 @@ std::optional<std::int64_t> frameOfLabel(std::string_view text, const AAFTimecod
     return label.isSkipped() ? std::nullopt : std::optional(label.absoluteFrameNumber());
 }
 
-}  // namespace trellant::check
+}  // namespace trellant

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "timecode_text.h"
+#include <trellant/model/timecode_label.h>
 
 #include <gtest/gtest.h>
 
-namespace trellant::check {
+namespace trellant {
 namespace {
 
 TEST(TimecodeText, HasFourPairsOfDigitsInRange) {
@@ -29,4 +29,4 @@ TEST(TimecodeText, IsAFrameOfTheRate) {
 }
 
 }  // namespace
-}  // namespace trellant::check
+}  // namespace trellant

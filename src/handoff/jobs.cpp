@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "jobs.h"
+#include <trellant/handoff/jobs.h>
 
 #include <algorithm>
 #include <atomic>
@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-namespace trellant::listening {
+namespace trellant {
 
 namespace {
 
@@ -108,15 +108,19 @@ class Crew {
 
 }  // namespace
 
-void runJobs(std::size_t count, const Job& job, WorkProgress& progress) {
+void runJobs(std::size_t count, const Job& job, WorkProgress& progress,
+             const std::atomic<std::uint64_t>* underWay) {
+    const auto done = [&](const Crew& crew) {
+        return crew.bytes() + (underWay == nullptr ? 0 : underWay->load());
+    };
     progress.check();
     Crew crew(count, job);
     crew.start();
     while (!crew.awaitTick()) {
-        progress.at(crew.bytes());
+        progress.at(done(crew));
     }
     crew.finish();
-    progress.at(crew.bytes());
+    progress.at(done(crew));
 }
 
-}  // namespace trellant::listening
+}  // namespace trellant
