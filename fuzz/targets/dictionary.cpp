@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The words come from the tables of the program, so that none is missed or goes out of date.
 #include "message_fields.h"
+#include "older_names.h"
 #include "require.h"
 #include "seeds.h"
 
@@ -20,6 +21,9 @@ namespace {
 constexpr std::array<std::string_view, 6> identifiers{
     "omfi:data:Sound",           "omfi:data:StereoSound",    "omfi:data:Timecode",
     "omfi:effect:MonoAudioGain", "omfi:effect:MonoAudioPan", "omfi:effect:SimpleMonoAudioDissolve"};
+
+/// Of OMF 1.x, beside those that OMF 2.x has too.
+constexpr std::array<std::string_view, 4> olderClasses{"MOBJ", "TRAK", "SD2D", "WARP"};
 
 constexpr std::array<std::string_view, 14> chunks{"RIFF", "RF64", "WAVE", "fmt ", "data",
                                                   "FORM", "AIFF", "AIFC", "COMM", "SSND",
@@ -57,6 +61,8 @@ void addKeys(Words& words) {
 Words omfWords() {
     Words words;
     add(words, omfPropertyNames);
+    add(words, olderPropertyNames);
+    add(words, olderClasses);
     add(words, omfClassIDs);
     add(words, identifiers);
     return words;

@@ -7,6 +7,7 @@
 #include <trellant/io/errors.h>
 #include <trellant/mapper/compositions.h>
 #include <trellant/omf/document.h>
+#include <trellant/omf1/open.h>
 
 #include <algorithm>
 
@@ -71,7 +72,7 @@ void readObjects(const OMFDocument& document) {
 void runDocument(ByteView input) {
     const MemoryFile file(input);
     try {
-        const OMFDocument document(file.path());
+        const OMFDocument document = openAnyOMF(file.path());
         readObjects(document);
         readValues(document);
     } catch (const OMFIOError& error) {

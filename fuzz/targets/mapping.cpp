@@ -10,6 +10,7 @@
 #include <trellant/io/errors.h>
 #include <trellant/mapper/mapper.h>
 #include <trellant/model/timeline_json.h>
+#include <trellant/omf1/open.h>
 #include <trellant/protocol/messages.h>
 
 #include <algorithm>
@@ -116,7 +117,7 @@ void runMapping(ByteView input) {
     const MappingPlaces places = placesFor(input.front(), scratch);
     const MemoryFile file(input.subspan(1));
     try {
-        map(OMFDocument(file.path()), places);
+        map(openAnyOMF(file.path()), places);
     } catch (const OMFIOError& error) {
         require(isValidUTF8(error.errorDescription()), "errors are texts");
     }

@@ -15,6 +15,7 @@
 #include <trellant_testing/byte_writer.h>
 #include <trellant_testing/container_builder.h>
 #include <trellant_testing/wave_builder.h>
+#include <utility>
 
 namespace trellant::fuzzing {
 
@@ -22,8 +23,16 @@ namespace {
 
 using testing::bytesOf;
 
-std::vector<Seed> containerSeeds() {
+std::vector<Seed> documentSeeds() {
     std::vector<Seed> seeds = compositionSeeds();
+    for (Seed& seed : olderSeeds()) {
+        seeds.push_back(std::move(seed));
+    }
+    return seeds;
+}
+
+std::vector<Seed> containerSeeds() {
+    std::vector<Seed> seeds = documentSeeds();
     for (const auto form : {testing::TocForm::compressed, testing::TocForm::v1}) {
         testing::ContainerBuilder builder({.form = form});
         builder.set(1, "OMFI:A", bytesOf("abc"));
@@ -37,7 +46,7 @@ std::vector<Seed> containerSeeds() {
 
 std::vector<Seed> mappingSeeds() {
     constexpr std::byte everyOption{7};
-    std::vector<Seed> seeds = compositionSeeds();
+    std::vector<Seed> seeds = documentSeeds();
     std::size_t position = 0;
     for (Seed& seed : seeds) {
         const std::byte options = static_cast<std::byte>(position++ % 8) & everyOption;
@@ -123,7 +132,7 @@ std::vector<Seed> seedsOf(std::string_view target) {
         return containerSeeds();
     }
     if (target == "document") {
-        return compositionSeeds();
+        return documentSeeds();
     }
     if (target == "mapping") {
         return mappingSeeds();

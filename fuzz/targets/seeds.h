@@ -21,6 +21,9 @@ struct Seed {
 /// Compositions in the forms that a container has.
 [[nodiscard]] std::vector<Seed> compositionSeeds();
 
+/// Sessions of OMF 1.x.
+[[nodiscard]] std::vector<Seed> olderSeeds();
+
 /// The words that inputs of the target are made of, in the fuzzer's format: one in quotes on each
 /// line.
 [[nodiscard]] std::string dictionaryOf(std::string_view target);

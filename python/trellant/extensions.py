@@ -25,6 +25,8 @@ class ExtensionName(str, enum.Enum):
     MASTER_MOBS = "masterMobs"
     PROVENANCE = "provenance"
     SAMPLE_DATA = "sampleData"
+    #: Without this one a file of OMF 1.x is refused.
+    OMF1 = "omf1"
 
 
 class LossKind(enum.Enum):
@@ -59,6 +61,8 @@ class LossKind(enum.Enum):
     PAN_DIFFERS = "panDiffers"
     NESTED_GAIN_AUTOMATION = "nestedGainAutomation"
     UNKNOWN_AUTOMATION_CURVE = "unknownAutomationCurve"
+    EFFECT_NOT_APPLIED = "effectNotApplied"
+    OLDER_MODEL_UNKNOWN = "olderModelUnknown"
     OTHER = "other"
 
 
@@ -269,6 +273,14 @@ class SampleData:
 
 
 @dataclass(frozen=True)
+class OlderModel:
+    """The file is OMF 1.x, read as far as its structure is known."""
+
+    #: "1.0", or "1.x" where the file does not say.
+    version: str
+
+
+@dataclass(frozen=True)
 class Extensions:
     """Those that were asked for and that the worker could serve."""
 
@@ -284,3 +296,5 @@ class Extensions:
     master_mobs: Optional[MasterMobs] = None
     provenance: Optional[Provenance] = None
     sample_data: Optional[SampleData] = None
+    #: None for OMF 2.
+    omf1: Optional[OlderModel] = None

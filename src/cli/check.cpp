@@ -109,6 +109,7 @@ class Checker {
             tellUnread(file, found, std::move(facts), report);
             return ExitStatus::fileFailed;
         }
+        facts.objectModel = found.handOff->olderVersion ? 1 : facts.objectModel;
         protectMedia(*found.handOff, delivery);
         const bool isWanted = call_.audio || profile_.audio;
         const auto sound =
@@ -117,7 +118,11 @@ class Checker {
         const check::CheckedHandOff checked(*found.handOff, std::move(facts),
                                             sound ? &*sound : nullptr);
         const check::Verdict verdict = check::verdictOf(checked, profile_);
-        report.add({file, verdict, found.handOff->timeline, found.failure});
+        report.add({.name = file,
+                    .verdict = verdict,
+                    .timeline = found.handOff->timeline,
+                    .failure = found.failure,
+                    .olderVersion = found.handOff->olderVersion});
         if (isWanted && !sound) {
             return ExitStatus::fileFailed;
         }
@@ -125,7 +130,7 @@ class Checker {
         return worst && *worst >= call_.failOn ? ExitStatus::lossesFound : ExitStatus::done;
     }
 
-    /// Of OMF 1.x more is known than that it was not read.
+    /// Of OMF 1.x that a worker of an earlier version refused more is known than that.
     void tellUnread(const std::string& file, const Inspection& found, check::FileFacts facts,
                     VerdictReport& report) const {
         if (!found.isOlderModel) {
@@ -135,7 +140,10 @@ class Checker {
         facts.objectModel = 1;
         const check::Verdict verdict = check::verdictOfUnread(facts, profile_);
         if (verdict.worst()) {
-            report.add({file, verdict, AAFTimeline(), found.failure});
+            report.add({.name = file,
+                        .verdict = verdict,
+                        .timeline = AAFTimeline(),
+                        .failure = found.failure});
         } else {
             report.addFailure(file, found.failure);
         }

@@ -22,7 +22,8 @@ ExitStatus runInfo(const InfoOptions& options, Console& console, const StopToken
             return ExitStatus::fileFailed;
         }
         const Inspection found =
-            inspect({.file = file, .mediaFolders = options.mediaFolders}, console, stop);
+            inspect({.file = file, .mediaFolders = options.mediaFolders, .showsRemarks = true},
+                    console, stop);
         if (!found.handOff) {
             status = ExitStatus::fileFailed;
             if (options.json) {

@@ -46,9 +46,9 @@ TakenOut takeOut(const std::string& file, const Staging& staging,
                  const AAFWorkerClient::HelperURLProvider& helperURLProvider,
                  WorkProgress& progress, bool contents) {
     std::vector<std::string> extensions{
-        std::string(Extensions::lossPlacesName), std::string(Extensions::compositionsName),
+        std::string(Extensions::lossPlacesName),    std::string(Extensions::compositionsName),
         std::string(Extensions::embeddedMediaName), std::string(Extensions::datesName),
-        std::string(Extensions::reelsName)};
+        std::string(Extensions::reelsName),         std::string(Extensions::omf1Name)};
     if (contents) {
         extensions.emplace_back(Extensions::contentsName);
     }

@@ -222,6 +222,9 @@ HandOff handOffOf(AAFWorkerProtocol::Result answer) {
         if (const Boxed<Extensions::Reels>& reels = extensions->reels) {
             handOff.reels = reels->reels;
         }
+        if (const Boxed<Extensions::OlderModel>& older = extensions->omf1) {
+            handOff.olderVersion = older->version;
+        }
         handOff.contents = extensions->contents;
     }
     handOff.losses = lossesOf(handOff.timeline, places);
@@ -282,9 +285,9 @@ void measureMedia(HandOff& handOff, const WorkProgress& progress) {
 }
 
 HandOff readHandOff(const HandOffRequest& request, WorkProgress& progress) {
-    std::vector<std::string> extensions{std::string(Extensions::lossPlacesName),
-                                        std::string(Extensions::compositionsName),
-                                        std::string(Extensions::datesName)};
+    std::vector<std::string> extensions{
+        std::string(Extensions::lossPlacesName), std::string(Extensions::compositionsName),
+        std::string(Extensions::datesName), std::string(Extensions::omf1Name)};
     if (request.contents) {
         extensions.emplace_back(Extensions::contentsName);
     }

@@ -66,6 +66,10 @@ std::string_view plainSentence(LossKind kind) noexcept {
             return "One of two gain automations on the same clip is not carried over.";
         case LossKind::unknownAutomationCurve:
             return "The shape between automation points is not known.";
+        case LossKind::effectNotApplied:
+            return "The effect on this is not known: it plays without it.";
+        case LossKind::olderModelUnknown:
+            return "What this file of OMF 1 says here is not known and is not applied.";
         case LossKind::other:
             return "Something here could not be carried over.";
     }

@@ -221,6 +221,9 @@ Boxed<AAFWorkerExtensions> extensionsFor(const AAFWorkerProtocol::Request& reque
     if (asksFor(request, Extensions::masterMobsName)) {
         extensions.masterMobs = masterMobsOf(document, timeline);
     }
+    if (const auto& older = document.olderModel()) {
+        extensions.omf1 = Extensions::OlderModel{.version = older->version()};
+    }
     if (asksFor(request, Extensions::sampleDataName)) {
         extensions.sampleData = sampleDataOf(document, timeline);
     }

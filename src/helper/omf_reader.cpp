@@ -9,6 +9,7 @@
 #include <trellant/io/errors.h>
 #include <trellant/mapper/mapper.h>
 #include <trellant/omf/document.h>
+#include <trellant/omf1/open.h>
 
 #include <cerrno>
 #include <utility>
@@ -29,6 +30,14 @@ std::string location(const std::string& path) {
         return path;
     }
     return absolutePath(path, currentDirectory());
+}
+
+/// A file of OMF 1.x only for hosts that know of it.
+OMFDocument opened(const AAFWorkerProtocol::Request& request, const std::string& path) {
+    if (asksFor(request, AAFWorkerExtensions::omf1Name)) {
+        return openAnyOMF(path);
+    }
+    return OMFDocument(path);
 }
 
 }  // namespace
@@ -60,7 +69,7 @@ AAFWorkerProtocol::Result OMFReader::process(const AAFWorkerProtocol::Request& r
                                  ? MemoryUse::ofProcess()
                                  : MemoryUse();
     withinReach(reach);
-    const OMFDocument document(places.sourcePath);
+    const OMFDocument document = opened(request, places.sourcePath);
     progress(progressAfterOpening);
     Mapper mapper(document, std::move(places), [&](const std::vector<std::string>& files) {
         reach.files = files;

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <iterator>
 #include <memory>
+#include <utility>
 
 namespace trellant {
 
@@ -81,6 +82,22 @@ BentoNames BentoContainer::Contents::readNames(std::uint32_t property) const {
 BentoContainer::BentoContainer(const std::string& path)
     : contents_(std::make_unique<Contents>(path)) {}
 
+BentoContainer::BentoContainer(BentoContainer&& source, std::span<const BentoPackedItem> items,
+                               std::span<const NamedProperty> properties)
+    : contents_(std::move(source.contents_)) {
+    BentoItemList table;
+    table.reserve(items.size());
+    for (const BentoPackedItem& item : items) {
+        table.append(item);
+    }
+    contents_->index = BentoItemIndex(std::move(table));
+    contents_->propertyNames = BentoNames();
+    for (const NamedProperty& property : properties) {
+        contents_->propertyNames.add(property.number, std::as_bytes(std::span(property.name)));
+    }
+}
+
+BentoContainer::BentoContainer(BentoContainer&& source) noexcept = default;
 BentoContainer::~BentoContainer() = default;
 
 const RandomAccessFile& BentoContainer::file() const noexcept {
@@ -98,6 +115,15 @@ std::vector<BentoTOCItem> BentoContainer::tableItems() const {
     std::transform(table.items().begin(), table.items().end(), std::back_inserter(result),
                    unpacked);
     return result;
+}
+
+std::size_t BentoContainer::itemCount() const noexcept {
+    return contents_->index.itemCount();
+}
+
+std::span<const BentoPackedItem> BentoContainer::packedItems(
+    std::uint32_t object, std::uint32_t property) const noexcept {
+    return contents_->index.find(object, property);
 }
 
 std::vector<BentoTOCItem> BentoContainer::items(std::uint32_t object,

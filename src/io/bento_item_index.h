@@ -5,6 +5,7 @@
 
 #include "bento_item_list.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -19,6 +20,8 @@ class BentoItemIndex {
     BentoItemIndex() = default;
     /// Takes items in table order.
     explicit BentoItemIndex(BentoItemList items);
+
+    [[nodiscard]] std::size_t itemCount() const noexcept { return items_.size(); }
 
     /// The items of one value, in table order; empty when there are none.
     [[nodiscard]] Run find(std::uint32_t object, std::uint32_t property) const noexcept;

@@ -26,7 +26,12 @@ class BentoItemList {
           capacity_(std::exchange(other.capacity_, 0)) {}
     BentoItemList(const BentoItemList&) = delete;
     BentoItemList& operator=(const BentoItemList&) = delete;
-    BentoItemList& operator=(BentoItemList&&) = delete;
+    BentoItemList& operator=(BentoItemList&& other) noexcept {
+        storage_ = std::move(other.storage_);
+        size_ = std::exchange(other.size_, 0);
+        capacity_ = std::exchange(other.capacity_, 0);
+        return *this;
+    }
 
     /// Sets room aside if it can be had: what comes may need less.
     void reserve(std::size_t count) noexcept {

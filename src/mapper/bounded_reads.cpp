@@ -81,6 +81,11 @@ void BoundedReads::countCopied(OMFObject object, OMFProperty property) {
     copiedBytes_ += count;
 }
 
+std::span<const OMFRemark> BoundedReads::olderRemarksOf(OMFObject object) const {
+    countSteps(1);
+    return document_.olderModel()->remarksOf(object);
+}
+
 void BoundedReads::refuseSteps() const {
     throw OMFIOError::unsupported("composition takes more than " + std::to_string(maximumSteps_) +
                                   " steps to map");

@@ -16,6 +16,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -100,6 +101,12 @@ class BoundedReads {
         return document_.objectRef(object, names);
     }
 
+    /// What a document of an older model cannot tell of an object; empty for any other. Lives as
+    /// long as the document.
+    [[nodiscard]] std::span<const OMFRemark> remarksOf(OMFObject object) const {
+        return document_.olderModel() ? olderRemarksOf(object) : std::span<const OMFRemark>();
+    }
+
     /// Classes were read when the document was opened.
     [[nodiscard]] std::optional<std::string_view> classID(OMFObject object) const noexcept {
         return document_.classID(object);
@@ -131,6 +138,7 @@ class BoundedReads {
 
   private:
     [[noreturn]] void refuseSteps() const;
+    [[nodiscard]] std::span<const OMFRemark> olderRemarksOf(OMFObject object) const;
     void countCopied(OMFObject object, OMFProperty property);
 
     const OMFDocument& document_;

@@ -25,6 +25,10 @@ namespace {
 constexpr double progressAtFirstSlot = 0.15;
 constexpr double progressOfAllSlots = 0.8;
 
+std::string trackID(OMFObject slot) {
+    return "omf-track-" + std::to_string(number(slot));
+}
+
 }  // namespace
 
 class Mapper::Assembly {
@@ -53,6 +57,9 @@ class Mapper::Assembly {
     void setClock();
     void mapSlots(const Progress& progress);
     void mapSlot(std::size_t index);
+    /// Records what a document of an older model cannot tell of the whole file, or of a slot.
+    void reportRemarks();
+    void reportRemarks(std::size_t index);
     void finishTimeline();
     /// Throws OMFIOError unsupported when all audio slots together expand beyond bounds.
     void checkExpansion();
@@ -109,6 +116,7 @@ AAFTimeline Mapper::Assembly::makeTimeline(const Progress& progress) {
     timeline_.sourceAAF = fileURL(places_.sourcePath);
     setClock();
     timeline_.compositionName = reads_.string(composition_, {OMFProperty::mobName});
+    reportRemarks();
     mapSlots(progress);
     if (timeline_.events.empty()) {
         throw OMFIOError::malformed("composition contains no resolvable audio Source Clips");
@@ -120,7 +128,9 @@ AAFTimeline Mapper::Assembly::makeTimeline(const Progress& progress) {
 void Mapper::Assembly::describeFile() {
     const auto& footer = document_.bento().footer();
     const auto* order = document_.byteOrder() == OMFByteOrder::little ? "little" : "big";
-    notes_.diagnose("OMF2/Bento " + std::to_string(footer.majorVersion) + "." +
+    const auto& older = document_.olderModel();
+    notes_.diagnose((older ? "OMF " + older->version() : "OMF2") + "/Bento " +
+                    std::to_string(footer.majorVersion) + "." +
                     std::to_string(footer.minorVersion) + ", " + order + "-endian");
     notes_.diagnose("Composition Mob object " + std::to_string(number(composition_)) + " selected");
 }
@@ -151,10 +161,37 @@ void Mapper::Assembly::mapSlots(const Progress& progress) {
     for (std::size_t i = 0; i < count; ++i) {
         progress(progressAtFirstSlot +
                  progressOfAllSlots * static_cast<double>(i) / static_cast<double>(count));
+        reportRemarks(i);
         if (slots_.isAudio(i)) {
             mapSlot(i);
         }
     }
+}
+
+void Mapper::Assembly::reportRemarks() {
+    notes_.addRemarks({}, reads_.remarksOf(document_.headerObject()),
+                      ObjectPath("HEAD", document_.headerObject()));
+    notes_.addRemarks({}, reads_.remarksOf(composition_), ObjectPath("CMOB", composition_));
+}
+
+void Mapper::Assembly::reportRemarks(std::size_t index) {
+    const auto slot = slots_.slots()[index];
+    // The walk tells those of the segments of audio, with their places.
+    const auto segment = slots_.isAudio(index) ? OMFObject::none : slots_.segments()[index];
+    const auto ofSlot = reads_.remarksOf(slot);
+    const auto ofSegment = reads_.remarksOf(segment);
+    if (ofSlot.empty() && ofSegment.empty()) {
+        return;
+    }
+    const ObjectPath compositionPath("CMOB", composition_);
+    const ObjectPath path(compositionPath, "slot", slot);
+    notes_.enterTrack({.slot = slot,
+                       .index = static_cast<std::int64_t>(index),
+                       .id = trackID(slot),
+                       .name = slots_.trackName(index)});
+    notes_.addRemarks({}, ofSlot, path);
+    notes_.addRemarks({}, ofSegment,
+                      ObjectPath(path, reads_.classID(segment).value_or("????"), segment));
 }
 
 void Mapper::Assembly::mapSlot(std::size_t index) {
@@ -162,9 +199,9 @@ void Mapper::Assembly::mapSlot(std::size_t index) {
     const ObjectPath compositionPath("CMOB", composition_);
     const ObjectPath path(compositionPath, "slot", slot);
     auto name = slots_.trackName(index);
-    const auto trackID = "omf-track-" + std::to_string(number(slot));
+    auto id = trackID(slot);
     notes_.enterTrack(
-        {.slot = slot, .index = static_cast<std::int64_t>(index), .id = trackID, .name = name});
+        {.slot = slot, .index = static_cast<std::int64_t>(index), .id = id, .name = name});
     auto label = name ? "\u201C" + *name + "\u201D" : std::to_string(index + 1);
     const auto editRate = slots_.usableEditRate(index);
     if (!editRate) {
@@ -176,8 +213,8 @@ void Mapper::Assembly::mapSlot(std::size_t index) {
     EventDrafts drafts;
     const auto duration = walkSlot(walk_, index, *editRate, path, drafts);
     compositionLength_ = std::max(compositionLength_, duration);
-    tracks_.build({index, trackID, path, *editRate, std::move(name), std::move(label)}, drafts,
-                  duration);
+    tracks_.build({index, std::move(id), path, *editRate, std::move(name), std::move(label)},
+                  drafts, duration);
 }
 
 AAFRational Mapper::Assembly::walkSlot(SegmentWalk& walk, std::size_t index,

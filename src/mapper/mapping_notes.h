@@ -8,10 +8,12 @@
 #include <trellant/base/keyed_hash.h>
 #include <trellant/mapper/loss_places.h>
 #include <trellant/model/timeline.h>
+#include <trellant/omf/older_model.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -48,6 +50,13 @@ class MappingNotes {
     /// writes such paths, so no other record can hold one. Nothing when it was recorded before.
     std::optional<RecordIndex> addUnsupportedOncePerPath(const Loss& loss, std::string message,
                                                          const ObjectPath& at);
+
+    /// Records what a document of an older model cannot tell of the object at `at`.
+    void addRemarks(const Loss& loss, std::span<const OMFRemark> remarks, const ObjectPath& at) {
+        for (const OMFRemark& remark : remarks) {
+            addUnsupported({remark.kind, loss.range, loss.clip}, remark.sentence, at);
+        }
+    }
 
     /// Records from now on belong to that track.
     void enterTrack(LossTrack track);

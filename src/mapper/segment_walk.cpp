@@ -35,6 +35,21 @@ void SegmentWalk::report(const Loss& loss, std::string_view message, const Objec
     }
 }
 
+void SegmentWalk::reportRemarks(OMFObject segment, const AAFRational& start,
+                                const WalkPlace& place) {
+    const auto remarks = reads_.remarksOf(segment);
+    if (remarks.empty() || onlyCounts()) {
+        return;
+    }
+    const bool isClip = reads_.classOf(segment) == OMFClass::sourceClip;
+    Loss loss{.clip = isClip ? segment : OMFObject::none};
+    // Sequences have no length of their own.
+    if (const auto duration = lengthSeconds(segment, place.rate); duration > AAFRational::zero()) {
+        loss.range = LossRange{start, duration};
+    }
+    notes_->addRemarks(loss, remarks, ObjectPath(place.path, className(segment), segment));
+}
+
 AAFRational SegmentWalk::silence(LossKind kind, std::string_view message, const ObjectPath& at,
                                  OMFObject segment, const WalkPlace& place) {
     const auto duration = lengthSeconds(segment, place.rate);
@@ -73,6 +88,7 @@ AAFRational SegmentWalk::flatten(OMFObject segment, const WalkPlace& place, Even
         return silence(LossKind::nestingTooDeep, "composition nesting exceeds depth limit",
                        place.path, segment, place);
     }
+    reportRemarks(segment, place.timelineBase, place);
     const auto kind = reads_.classOf(segment);
     switch (kind) {
         case OMFClass::sourceClip: {

@@ -109,6 +109,9 @@ class SegmentWalk {
     [[nodiscard]] SharedList scopeSlots(OMFObject scope);
     void countVisit();
     [[nodiscard]] bool onlyCounts() const noexcept { return notes_ == nullptr; }
+    /// Records what a document of an older model cannot tell of a segment that begins at `start`,
+    /// in seconds.
+    void reportRemarks(OMFObject segment, const AAFRational& start, const WalkPlace& place);
     /// Records an unsupported feature.
     void report(const Loss& loss, std::string_view message, const ObjectPath& at);
     /// Records that `segment`, which begins at `place`, is silent. Gives its length in seconds.

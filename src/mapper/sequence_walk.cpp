@@ -212,6 +212,8 @@ AAFRational SegmentWalk::flattenSequence(OMFObject sequence, const WalkPlace& pl
     for (std::size_t i = 0; i < components.size(); ++i) {
         if (isTransition(i)) {
             countVisit();
+            reportRemarks(components[i], position,
+                          {place.rate, position, path, place.scopes, place.depth});
             if (!isTransition(i + 1) && (i == 0 || isTransition(i - 1))) {
                 // Not read yet as the outgoing transition of a component before it.
                 incoming = readTransition(components[i], place.rate);
@@ -228,6 +230,7 @@ AAFRational SegmentWalk::flattenSequence(OMFObject sequence, const WalkPlace& pl
         const auto kind = reads_.classOf(component.object);
         if (kind == OMFClass::sourceClip || kind == OMFClass::filler) {
             countVisit();
+            reportRemarks(component.object, component.position, here);
             if (kind == OMFClass::sourceClip && !onlyCounts()) {
                 placeClip(component, here, drafts);
             }

@@ -33,6 +33,7 @@ SourceOrLoss SourceResolution::resolveSourceClip(OMFObject clip, AAFRational rat
                                                  const AAFRational& initialTrim) {
     auto offset = initialTrim;
     std::vector<OMFObject> visited;
+    passed_.clear();
     for (;;) {
         reads_.countSteps(stepsOfLink);
         if (visited.size() >= maximumDepth ||
@@ -44,6 +45,7 @@ SourceOrLoss SourceResolution::resolveSourceClip(OMFObject clip, AAFRational rat
             return *loss;
         }
         const auto& reference = std::get<Reference>(named);
+        pass(reference.mob);
         const auto& found = track(reference.mob, reference.trackID);
         if (!found.editRate) {
             return ClipSourceTrackMissing{reference.mobID, reference.trackID};
@@ -63,6 +65,13 @@ SourceOrLoss SourceResolution::resolveSourceClip(OMFObject clip, AAFRational rat
         visited.push_back(clip);
         clip = *found.segment;
         rate = *found.editRate;
+        pass(clip);
+    }
+}
+
+void SourceResolution::pass(OMFObject object) {
+    if (!reads_.remarksOf(object).empty()) {
+        passed_.push_back(object);
     }
 }
 

@@ -45,6 +45,10 @@ class SourceResolution {
     [[nodiscard]] SourceOrLoss resolveSourceClip(OMFObject clip, AAFRational rate,
                                                  const AAFRational& initialTrim);
 
+    /// Those of the mobs and clips behind the clip that was resolved last of which an older model
+    /// could not tell all, as they were passed.
+    [[nodiscard]] const std::vector<OMFObject>& passed() const noexcept { return passed_; }
+
     /// Whether a chain ends at this mob: a Source Mob that describes a file of sound.
     [[nodiscard]] bool isAudioSource(OMFObject mob);
 
@@ -81,9 +85,12 @@ class SourceResolution {
     [[nodiscard]] bool descriptorHasAudioHint(OMFObject descriptor);
     [[nodiscard]] bool hasSoundSlot(OMFObject mob);
 
+    void pass(OMFObject object);
+
     BoundedReads& reads_;
     const OMFDocument::MobMap& mobMap_;
     DataKinds& dataKinds_;
+    std::vector<OMFObject> passed_;
     /// Keys: mob in the high, track number in the low half.
     KeyedMap<std::uint64_t, Track> tracks_;
     KeyedMap<std::uint64_t, OMFObject> slots_;

@@ -55,6 +55,9 @@ std::variant<TrackBuilder::Audio, ClipLoss> TrackBuilder::audioOf(const TrackSlo
                                                                   const EventDraft& draft) {
     const auto resolved =
         sources_.resolveSourceClip(draft.object, slot.editRate, draft.sourceTrimStart);
+    for (const OMFObject object : sources_.passed()) {
+        reportRemarks(object);
+    }
     if (const auto* loss = std::get_if<ClipLoss>(&resolved)) {
         return *loss;
     }
@@ -64,6 +67,13 @@ std::variant<TrackBuilder::Audio, ClipLoss> TrackBuilder::audioOf(const TrackSlo
         return ClipMediaUndescribed{};
     }
     return Audio{source, *essence};
+}
+
+void TrackBuilder::reportRemarks(OMFObject object) {
+    if (remarked_.insert(object).second) {
+        notes_.addRemarks(notes_.lossOfClip(LossKind::olderModelUnknown), reads_.remarksOf(object),
+                          ObjectPath(reads_.classID(object).value_or("????"), object));
+    }
 }
 
 bool TrackBuilder::buildEvent(const TrackSlot& slot, AAFChannelRole role, EventDraft& draft) {

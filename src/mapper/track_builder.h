@@ -10,6 +10,7 @@
 #include "mapping_notes.h"
 #include "source_resolution.h"
 
+#include <trellant/base/keyed_hash.h>
 #include <trellant/mapper/mapper.h>
 #include <trellant/model/timeline.h>
 
@@ -46,7 +47,8 @@ class TrackBuilder {
     TrackBuilder(BoundedReads& reads, const Mobs& mobs, const MappingPlaces& places,
                  MediaSearch& search, DataKinds& dataKinds, MappingNotes& notes,
                  AAFTimeline& timeline)
-        : notes_(notes),
+        : reads_(reads),
+          notes_(notes),
           timeline_(timeline),
           sources_(reads, mobs.mobs, dataKinds),
           essences_(reads, mobs.media, places, search, notes),
@@ -74,8 +76,13 @@ class TrackBuilder {
     [[nodiscard]] std::variant<Audio, ClipLoss> audioOf(const TrackSlot& slot,
                                                         const EventDraft& draft);
 
+    /// Records what an older model could not tell of a source, once for all of its clips.
+    void reportRemarks(OMFObject object);
+
+    BoundedReads& reads_;
     MappingNotes& notes_;
     AAFTimeline& timeline_;
+    KeyedSet<OMFObject> remarked_;
     SourceResolution sources_;
     Essences essences_;
     ClipNames clipNames_;

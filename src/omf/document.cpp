@@ -18,6 +18,19 @@ constexpr std::size_t classLimit = 16;
 }  // namespace
 
 OMFDocument::OMFDocument(const std::string& path) : bento_(path) {
+    open();
+}
+
+OMFDocument::OMFDocument(BentoContainer container) : bento_(std::move(container)) {
+    open();
+}
+
+OMFDocument::OMFDocument(BentoContainer container, OMFOlderModel older)
+    : bento_(std::move(container)), older_(std::move(older)) {
+    open();
+}
+
+void OMFDocument::open() {
     for (std::size_t i = 0; i < omfPropertyCount; ++i) {
         propertyIDs_.at(i) = bento_.propertyID(omfPropertyNames.at(i));
     }

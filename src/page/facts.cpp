@@ -174,6 +174,9 @@ void writeFacts(Markup& markup, const PageRequest& request, const Summary& summa
     if (const std::size_t count = request.handOff.changes.size(); count != 0) {
         facts.add("repaired", say("repairedCount", std::to_string(count)));
     }
+    if (request.handOff.olderVersion) {
+        facts.addWide("note", std::string(olderModelNote));
+    }
     if (const auto note = rateDisagreement(timeline.clock)) {
         facts.addWide("note", *note);
     }

@@ -117,6 +117,12 @@ struct RecordFields<AAFWorkerExtensions::Contents> {
 };
 
 template <>
+struct RecordFields<AAFWorkerExtensions::OlderModel> {
+    using R = AAFWorkerExtensions::OlderModel;
+    static constexpr auto fields = std::tuple{field("version", &R::version)};
+};
+
+template <>
 struct RecordFields<AAFWorkerExtensions::Application> {
     using R = AAFWorkerExtensions::Application;
     static constexpr auto fields =
@@ -164,6 +170,7 @@ struct RecordFields<AAFWorkerExtensions> {
                                               field("reels", &R::reels),
                                               field("contents", &R::contents),
                                               field("masterMobs", &R::masterMobs),
+                                              field("omf1", &R::omf1),
                                               field("provenance", &R::provenance),
                                               field("sampleData", &R::sampleData)};
 };

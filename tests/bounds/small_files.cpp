@@ -13,7 +13,9 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <trellant_testing/aiff_builder.h>
 #include <trellant_testing/byte_writer.h>
+#include <trellant_testing/omf1_builder.h>
 #include <trellant_testing/omf_builder.h>
 #include <trellant_testing/temporary_directory.h>
 #include <trellant_testing/wave_builder.h>
@@ -250,6 +252,22 @@ Bytes tokensOfOneByte() {
     return readFile(folder.file("tokens"));
 }
 
+/// A hundred thousand clips of OMF 1.x, each with an effect that is not known.
+Bytes olderLosses() {
+    Omf1Builder omf;
+    omf.audioFile({.id = tone,
+                   .name = "Tone",
+                   .media = aiffImage({.formType = "AIFC", .samples = Bytes(960)}),
+                   .length = 480});
+    ObjectID segment =
+        omf.clip({.length = 480, .source = tone}).bytes("OMFI:CPNT:EffectID", bytesOf("Reverb"));
+    for (int level = 0; level < 5; ++level) {
+        segment = omf.sequence(std::vector<ObjectID>(10, segment));
+    }
+    omf.mob({.name = "Piece", .tracks = {omf.track(1, segment)}});
+    return omf.build();
+}
+
 const std::map<std::string_view, Bytes (*)()> shapes{
     {"million-clips", millionClips},
     {"million-losses", millionLosses},
@@ -265,6 +283,7 @@ const std::map<std::string_view, Bytes (*)()> shapes{
     {"many-tracks", manyTracks},
     {"deep-nesting", deepNesting},
     {"tokens-of-one-byte", tokensOfOneByte},
+    {"older-losses", olderLosses},
 };
 
 void writeAll(const std::string& folder) {

@@ -56,6 +56,14 @@ class InfoOfASession : public ::testing::Test {
     HandOff handOff_;
 };
 
+TEST_F(InfoOfASession, OfOMF1IsSaidToBeReadAsFarAsItIsKnown) {
+    EXPECT_FALSE(line().contains("omfVersion"));
+    handOff_.olderVersion = "1.0";
+    EXPECT_THAT(screen(), HasSubstr("  Lost          nothing\n"
+                                    "  Note: OMF 1.x: read as far as its structure is known\n"));
+    EXPECT_EQ(line().at("omfVersion"), "1.0");
+}
+
 TEST_F(InfoOfASession, ScreenHasALineForEachFactAndThenWhatToDo) {
     EXPECT_EQ(screen(),
               "mix.omf\n"

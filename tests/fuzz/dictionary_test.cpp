@@ -28,6 +28,8 @@ TEST(FuzzDictionary, HoldsEveryPropertyAndClass) {
         for (const std::string_view name : omfPropertyNames) {
             EXPECT_TRUE(lines.contains("\"" + std::string(name) + "\"")) << name;
         }
+        EXPECT_TRUE(lines.contains("\"OMFI:TRAK:LabelNumber\""));
+        EXPECT_TRUE(lines.contains("\"MOBJ\""));
         for (const std::string_view name : omfClassIDs) {
             EXPECT_TRUE(lines.contains("\"" + std::string(name) + "\"")) << name;
         }

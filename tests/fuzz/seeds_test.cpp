@@ -6,6 +6,7 @@
 #include "targets.h"
 
 #include <trellant/mapper/mapper.h>
+#include <trellant/omf1/open.h>
 
 #include <gtest/gtest.h>
 
@@ -18,7 +19,7 @@ namespace {
 
 std::size_t eventsOf(ByteView container) {
     const MemoryFile file(container);
-    const OMFDocument document(file.path());
+    const OMFDocument document = openAnyOMF(file.path());
     Mapper mapper(document, {.sourcePath = "/projects/song.omf"});
     return mapper.makeTimeline([](double) {}).events.size();
 }
@@ -55,6 +56,14 @@ TEST(FuzzSeeds, CompositionsBecomeTheirClipsInEveryForm) {
         EXPECT_EQ(eventsOf(seed.bytes), clips.at(name)) << seed.name;
     }
     EXPECT_EQ(compositionSeeds().size(), 4 * clips.size());
+}
+
+TEST(FuzzSeeds, OlderSessionsBecomeTheirClipsInEveryByteOrder) {
+    // The third component and those behind it are no clips.
+    for (const Seed& seed : olderSeeds()) {
+        EXPECT_EQ(eventsOf(seed.bytes), 2U) << seed.name;
+    }
+    EXPECT_EQ(olderSeeds().size(), 3U);
 }
 
 }  // namespace

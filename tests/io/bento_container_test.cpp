@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <trellant_testing/byte_writer.h>
 #include <trellant_testing/container_builder.h>
@@ -59,6 +60,35 @@ TEST_F(BentoContainerOpening, GivesItemsInTableOrder) {
     EXPECT_EQ(container.items(9, 5), (std::vector<BentoTOCItem>{items[0], items[2]}));
     EXPECT_TRUE(container.items(9, 6).empty());
     EXPECT_TRUE(container.items(5, 5).empty());
+}
+
+TEST_F(BentoContainerOpening, MayBePresentedByAnotherTable) {
+    ContainerBuilder builder;
+    builder.set(4, "Some:Text", bytesOf("words of the file"));
+    builder.set(9, "Some:Other", bytesOf("ab"));
+    BentoContainer own(write(builder.build()));
+    const std::vector<BentoTOCItem> table = own.tableItems();
+    const ObjectID text = *own.propertyID("Some:Text");
+    ASSERT_EQ(own.packedItems(4, text).size(), 1U);
+    const BentoPackedItem stored = own.packedItems(4, text).front();
+    std::vector<BentoPackedItem> items(3);
+    items[0].object = 7;
+    items[0].property = 2;
+    items[0].setRange(stored.offset + 6, 2);
+    items[1].object = 7;
+    items[1].property = 2;
+    items[1].setImmediate(bytesOf("!?").data(), 2);
+    items[2].object = 3;
+    items[2].property = 1;
+    const std::vector<BentoContainer::NamedProperty> names{{1, "Else:None"}, {2, "Else:Text"}};
+    const BentoContainer presented(std::move(own), items, names);
+    EXPECT_EQ(presented.itemCount(), 3U);
+    EXPECT_TRUE(std::ranges::equal(presented.objectIDs(), std::vector<ObjectID>{3, 7}));
+    EXPECT_EQ(presented.valueData(7, "Else:Text"), bytesOf("of!?"));
+    EXPECT_EQ(presented.valueData(3, "Else:None"), Bytes());
+    EXPECT_EQ(presented.propertyID("Some:Text"), std::nullopt);
+    EXPECT_TRUE(presented.packedItems(4, text).empty());
+    EXPECT_EQ(presented.tableItems(), table);
 }
 
 TEST_F(BentoContainerOpening, ListsDistinctObjectsAscending) {

@@ -350,6 +350,7 @@ TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
     extensions.provenance = sampleProvenance();
     extensions.sampleData = AAFWorkerExtensions::SampleData{
         {{.essenceID = "e", .sampleBytes = 3, .bigEndian = true, .pieces = {{7, 9}, {20, 30}}}}};
+    extensions.omf1 = AAFWorkerExtensions::OlderModel{.version = "1.0"};
     Result result;
     result.extensions = extensions;
     result.timeline.clock = {AAFRational(25), AAFTimecodeRate::fps25(),
@@ -371,7 +372,7 @@ TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
             R"("start":{"denominator":2,"numerator":1},"trackID":"omf-track-1","trackIndex":2,)"
             R"("trackName":"Atmo"},{"kind":"other"}]},)"
             R"("masterMobs":{"masterMobs":[{"mobID":"a","name":"Take 1"},{"mobID":"b"}],)"
-            R"("ofEvents":[1,-1]},)"
+            R"("ofEvents":[1,-1]},"omf1":{"version":"1.0"},)"
             R"("provenance":{"applications":[{"company":"A House","product":"Desk",)"
             R"("version":"8"},{}],"bigEndian":true,"containerVersion":"1.0",)"
             R"("modelVersion":"2.0","peakMemory":4096},)"

@@ -28,7 +28,8 @@ RECORDS = {
     trellant.MediaLength: "mediaLength", trellant.Contents: "contents",
     trellant.Application: "application", trellant.Provenance: "provenance",
     trellant.SamplePiece: "samplePiece", trellant.Samples: "samples", trellant.SampleData: "sampleData",
-    trellant.MasterMob: "masterMob", trellant.MasterMobs: "masterMobs", trellant.Extensions: "extensions",
+    trellant.MasterMob: "masterMob", trellant.MasterMobs: "masterMobs", trellant.OlderModel: "olderModel",
+    trellant.Extensions: "extensions",
 }
 ENUMS = {
     trellant.Operation: "operation", trellant.StemRole: "stemRole", trellant.ChannelRole: "channelRole",

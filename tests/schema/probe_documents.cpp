@@ -69,6 +69,7 @@ AAFWorkerExtensions sampleExtensions() {
                                  .sampleBytes = 2,
                                  .bigEndian = true,
                                  .pieces = {{.offset = 100, .length = 96'000}}}}};
+    extensions.omf1 = Extensions::OlderModel{.version = "1.0"};
     return extensions;
 }
 

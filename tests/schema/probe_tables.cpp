@@ -129,6 +129,8 @@ constexpr const char* nameOf<AAFWorkerExtensions::Samples> = "samples";
 template <>
 constexpr const char* nameOf<AAFWorkerExtensions::SampleData> = "sampleData";
 template <>
+constexpr const char* nameOf<AAFWorkerExtensions::OlderModel> = "olderModel";
+template <>
 constexpr const char* nameOf<Protocol::Request> = "request";
 template <>
 constexpr const char* nameOf<Protocol::Progress> = "progress";

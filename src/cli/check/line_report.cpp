@@ -95,6 +95,7 @@ class LineReport final : public VerdictReport {
         const check::Verdict& verdict = file.verdict;
         JsonLine line(sink_);
         line.text("file", fileForPrograms(file.name))
+            .text("omfVersion", file.olderVersion)
             .text("profile", verdict.profile)
             .boolean("read", file.failure.empty())
             .boolean("audioRead", verdict.audioRead)

@@ -12,6 +12,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace trellant::cli {
@@ -25,6 +26,8 @@ struct JudgedFile {
     const AAFTimeline& timeline;
     /// Why it was not read; empty where it was.
     const std::string& failure;
+    /// HandOff::olderVersion.
+    std::optional<std::string> olderVersion{};
 };
 
 class VerdictReport {

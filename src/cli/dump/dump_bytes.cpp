@@ -115,6 +115,16 @@ std::optional<std::string> byteOrderText(ByteView bytes) {
     return mark == "MM" ? std::optional<std::string>("MM, big-endian") : std::nullopt;
 }
 
+std::optional<std::string> trackKindText(ByteView bytes, OMFByteOrder order) {
+    constexpr std::array<std::string_view, 4> names{"none", "picture", "sound", "timecode"};
+    const auto number = bytes.size() == 2 ? numberText(bytes, order, false) : std::nullopt;
+    if (!number) {
+        return std::nullopt;
+    }
+    const std::uint16_t kind = u16(bytes, 0, order);
+    return kind < names.size() ? *number + ", " + std::string(names.at(kind)) : *number;
+}
+
 std::optional<std::string> numbersText(ByteView bytes, OMFByteOrder order) {
     if (bytes.empty() || bytes.size() % 4 != 0) {
         return std::nullopt;
@@ -181,9 +191,12 @@ std::optional<std::string> plainText(ValueKind kind, ByteView bytes, OMFByteOrde
             return versionText(bytes);
         case ValueKind::numbers:
             return numbersText(bytes, order);
+        case ValueKind::trackKind:
+            return trackKindText(bytes, order);
         case ValueKind::text:
         case ValueKind::reference:
         case ValueKind::references:
+        case ValueKind::mobIndex:
         case ValueKind::bytes:
             break;
     }

@@ -70,7 +70,7 @@ std::string modelText(const DumpContents& contents) {
         case ObjectModel::omf2:
             return "OMF 2.x, " + object + ", " + order;
         case ObjectModel::omf1:
-            return "OMF 1.x, " + object + ", " + order + "; export the session as OMF 2 to read it";
+            return "OMF 1.x, " + object + ", " + order + "; read as far as its structure is known";
         case ObjectModel::unknown:
             break;
     }

@@ -107,7 +107,7 @@ class Resolver {
             return;
         }
         const std::string actual = contents_.classOf(*step.number);
-        if (!step.label.empty() && step.label != actual && step.label != "????") {
+        if (!step.label.empty() && step.label != "????" && !isNamed(actual, step.label)) {
             fail("object " + std::to_string(*step.number) + " is " + classText(actual) + ", not " +
                  shownText(step.label));
             return;
@@ -115,10 +115,24 @@ class Resolver {
         add(*step.number, isFirst() ? std::string() : leadingTo(*step.number));
     }
 
+    /// Whether losses name an object of that class so: a mob of OMF 1.x by what it is, a class that
+    /// is not known with a word behind it.
+    [[nodiscard]] bool isNamed(const std::string& actual, std::string_view label) const {
+        if (contents_.model() != ObjectModel::omf1) {
+            return label == actual;
+        }
+        const bool isMob = label == "CMOB" || label == "MMOB" || label == "SMOB";
+        return isMob ? actual == "MOBJ" : label.substr(0, label.find(" (")) == actual;
+    }
+    [[nodiscard]] const char* nameOf(const char* property, const char* older) const {
+        return contents_.model() == ObjectModel::omf1 ? older : property;
+    }
+
     void takeSlot(const Step& step) {
-        const auto slots = references("OMFI:MOBJ:Slots");
+        const char* const name = nameOf("OMFI:MOBJ:Slots", "OMFI:TRKG:Tracks");
+        const auto slots = references(name);
         if (step.number && std::find(slots.begin(), slots.end(), *step.number) != slots.end()) {
-            add(*step.number, "OMFI:MOBJ:Slots");
+            add(*step.number, name);
         } else {
             failWithin("slots", slots);
         }
@@ -126,10 +140,10 @@ class Resolver {
 
     void takeIndexed(const Step& step) {
         const bool isComponent = step.label == "component";
-        const auto objects = isComponent ? references("OMFI:SEQU:Components") : inputs();
+        const char* const list = nameOf("OMFI:SEQU:Components", "OMFI:SEQU:Sequence");
+        const auto objects = isComponent ? references(list) : inputs();
         if (step.number && *step.number < objects.size()) {
-            add(objects[*step.number],
-                isComponent ? "OMFI:SEQU:Components" : "OMFI:EFFE:EffectSlots");
+            add(objects[*step.number], isComponent ? list : "OMFI:EFFE:EffectSlots");
         } else {
             failWithin(isComponent ? "components" : "inputs", objects);
         }

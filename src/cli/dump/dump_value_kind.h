@@ -26,7 +26,11 @@ enum class ValueKind {
     reference,
     references,
     /// Signed numbers of 4 bytes.
-    numbers
+    numbers,
+    /// Of OMF 1.x: identifiers with references.
+    mobIndex,
+    /// Of OMF 1.x: what a track or component holds.
+    trackKind
 };
 
 /// `type` and `property` by name, empty where the container gives none. What a property is called

@@ -13,6 +13,9 @@ namespace trellant::cli {
 namespace {
 
 constexpr std::size_t longestReferences = 16'777'216;
+/// Bytes of a reference of OMF 1.x, and of an identifier.
+constexpr std::size_t olderReference = 8;
+constexpr std::size_t identifier = 12;
 
 ValueText bytesText(const ValueLook& look) {
     const bool isWhole = look.head.size() == look.byteCount;
@@ -46,11 +49,25 @@ std::string classLabel(const DumpContents& contents, std::uint32_t object) {
     return label.empty() ? "no class" : label;
 }
 
+/// The object that a reference's bytes mean; absent when they are none. Those of OMF 1.x are in the
+/// container's byte order and end with a word of zero.
+std::optional<std::uint32_t> targetOf(const DumpContents& contents, ByteView bytes) {
+    if (contents.model() != ObjectModel::omf1) {
+        return bytes.size() == 4 ? std::optional(u32(bytes, 0, contents.valueOrder()))
+                                 : std::nullopt;
+    }
+    const OMFByteOrder order = contents.footer().footer->byteOrder;
+    return bytes.size() == olderReference && u32(bytes, 4, order) == 0
+               ? std::optional(u32(bytes, 0, order))
+               : std::nullopt;
+}
+
 std::optional<std::string> referenceText(const DumpContents& contents, ByteView bytes) {
-    if (bytes.size() != 4) {
+    const auto found = targetOf(contents, bytes);
+    if (!found) {
         return std::nullopt;
     }
-    const std::uint32_t target = u32(bytes, 0, contents.valueOrder());
+    const std::uint32_t target = *found;
     return target == 0 ? "no object"
                        : "object " + std::to_string(target) + ", " + classLabel(contents, target);
 }
@@ -64,8 +81,63 @@ ValueText textText(const ValueLook& look, OMFByteOrder order) {
     return text;
 }
 
+/// The entries of a list of OMF 1.x, `entryBytes` each, behind their count; absent when the bytes
+/// are no such list.
+std::optional<std::size_t> olderEntries(const DumpContents& contents, const ValueLook& look,
+                                        std::size_t entryBytes) {
+    if (look.head.size() != look.byteCount || look.head.size() < 2) {
+        return std::nullopt;
+    }
+    const std::size_t count = u16(look.head, 0, contents.valueOrder());
+    return look.head.size() == 2 + count * entryBytes ? std::optional(count) : std::nullopt;
+}
+
+std::optional<std::vector<std::uint32_t>> olderListOf(const DumpContents& contents,
+                                                      const ValueLook& look) {
+    const auto count = olderEntries(contents, look, olderReference);
+    if (!count) {
+        return std::nullopt;
+    }
+    std::vector<std::uint32_t> references;
+    for (std::size_t i = 0; i < *count; ++i) {
+        const ByteView entry = ByteView(look.head).subspan(2 + i * olderReference, olderReference);
+        references.push_back(targetOf(contents, entry).value_or(0));
+    }
+    return references;
+}
+
+/// "2 mobs: 0000002A-00000001-FFFFFFFF 12 MOBJ, ..."
+std::optional<ValueText> mobIndexText(const DumpContents& contents, const ValueLook& look,
+                                      std::size_t most) {
+    constexpr std::size_t entryBytes = identifier + olderReference;
+    const auto count = olderEntries(contents, look, entryBytes);
+    if (!count) {
+        return std::nullopt;
+    }
+    ValueText text{.line = std::to_string(*count) + (*count == 1 ? " mob" : " mobs")};
+    for (std::size_t i = 0; i < std::min(*count, most); ++i) {
+        const ByteView entry = ByteView(look.head).subspan(2 + i * entryBytes, entryBytes);
+        const auto target = targetOf(contents, entry.subspan(identifier));
+        text.line += (i == 0 ? ": " : ", ") +
+                     *plainText(ValueKind::uid, entry.first(identifier), contents.valueOrder()) +
+                     " " +
+                     (target ? std::to_string(*target) + " " + classLabel(contents, *target)
+                             : std::string("no object"));
+    }
+    if (*count > most) {
+        text.line += " and " + std::to_string(*count - most) + " more";
+        text.isCut = true;
+    }
+    return text;
+}
+
 /// Every reference in a list's bytes, those to none too; absent when the bytes are no list.
-std::optional<std::vector<std::uint32_t>> listOf(const ValueLook& look, OMFByteOrder order) {
+std::optional<std::vector<std::uint32_t>> listOf(const DumpContents& contents,
+                                                 const ValueLook& look) {
+    if (contents.model() == ObjectModel::omf1) {
+        return olderListOf(contents, look);
+    }
+    const OMFByteOrder order = contents.valueOrder();
     if (look.head.size() != look.byteCount || look.head.size() < 2) {
         return std::nullopt;
     }
@@ -120,9 +192,15 @@ ValueText valueText(const DumpContents& contents, std::uint32_t object, std::uin
     const ValueKind kind = kindOf(contents, object, property);
     if (kind == ValueKind::references) {
         if (const auto look = contents.value(object, property, longestReferences)) {
-            if (const auto list = listOf(*look, contents.valueOrder())) {
+            if (const auto list = listOf(contents, *look)) {
                 return referencesText(contents, *list, bounds.references);
             }
+        }
+    }
+    if (kind == ValueKind::mobIndex) {
+        const auto look = contents.value(object, property, longestReferences);
+        if (auto text = look ? mobIndexText(contents, *look, bounds.references) : std::nullopt) {
+            return *std::move(text);
         }
     }
     const ValueLook look = contents.value(object, property, bounds.bytes).value_or(ValueLook{});
@@ -152,9 +230,11 @@ std::vector<std::uint32_t> referencesOf(const DumpContents& contents, std::uint3
     const auto look = contents.value(object, property, longestReferences);
     std::vector<std::uint32_t> targets;
     if (look && kind == ValueKind::reference && look->head.size() >= 4) {
-        targets.push_back(u32(look->head, 0, contents.valueOrder()));
+        targets.push_back(contents.model() == ObjectModel::omf1
+                              ? targetOf(contents, look->head).value_or(0)
+                              : u32(look->head, 0, contents.valueOrder()));
     } else if (look && kind == ValueKind::references) {
-        targets = listOf(*look, contents.valueOrder()).value_or(std::vector<std::uint32_t>());
+        targets = listOf(contents, *look).value_or(std::vector<std::uint32_t>());
     }
     targets.erase(std::remove(targets.begin(), targets.end(), 0U), targets.end());
     return targets;

@@ -143,6 +143,7 @@ std::string exportLine(const std::string& file, const std::string& directory, Ex
     const Counts counts(report.plan);
     return jsonLine([&](JsonLine& line) {
         line.text("file", fileForPrograms(file))
+            .text("omfVersion", report.handOff.olderVersion)
             .text("directory", fileForPrograms(directory))
             .text("format", exchange::formatWord(format))
             .texts("files", report.files)

@@ -119,6 +119,7 @@ SessionExporter::Outcome SessionExporter::failed(const ExportJob& job, const std
 
 ExitStatus SessionExporter::conclude(const ExportJob& job, const ExportReport& report) {
     const ExportCall& call = options_.call;
+    reportRemarks(job.file, report.handOff, console_);
     reportChanges(job.file, report.handOff, console_);
     for (const std::string& line : report.handOff.diagnostics) {
         console_.detail(shown(job.file) + ": " + line);

@@ -161,6 +161,7 @@ Extractor::Outcome Extractor::extract(const ExtractJob& job) {
 }
 
 ExitStatus Extractor::conclude(const ExtractJob& job, const ExtractionReport& made) {
+    reportRemarks(job.file, made.handOff, console_);
     reportChanges(job.file, made.handOff, console_);
     reportNotConverted(made, console_);
     reportUnused(made, console_);

@@ -82,6 +82,7 @@ std::string summaryLine(const ExtractionReport& report) {
     const Sources sources(report.handOff);
     return jsonLine([&](JsonLine& line) {
         line.text("file", fileForPrograms(report.file))
+            .text("omfVersion", report.handOff.olderVersion)
             .text("directory", fileForPrograms(report.directory))
             .text("timeline", report.timeline.name)
             .text("manifest", report.manifest.name);

@@ -96,6 +96,7 @@ std::string infoLine(const std::string& file, const HandOff& handOff) {
     const Summary summary(handOff);
     return jsonLine([&](JsonLine& line) {
         line.text("file", fileForPrograms(file))
+            .text("omfVersion", handOff.olderVersion)
             .text("composition", handOff.timeline.compositionName);
         addCompositions(line, handOff);
         addClock(line, handOff.timeline, summary);

@@ -144,6 +144,10 @@ class Screen {
     }
 
     void addAdvice(const std::string& file) {
+        if (handOff_.olderVersion) {
+            text_ += "  " + painted("Note", Paint::yellow, colour_) + ": " +
+                     std::string(olderModelNote) + "\n";
+        }
         if (const auto note = rateDisagreement(timeline_.clock)) {
             text_ += "  " + painted("Note", Paint::yellow, colour_) + ": " + *note + "\n";
         }

@@ -52,6 +52,9 @@ Inspection inspect(const InspectionRequest& request, Console& console, const Sto
             {.file = file, .mediaFolders = request.mediaFolders, .contents = request.contents},
             progress);
         console.endBar();
+        if (!request.showsRemarks) {
+            reportRemarks(file, handOff, console);
+        }
         reportChanges(file, handOff, console);
         for (const std::string& line : handOff.diagnostics) {
             console.detail(shown(file) + ": " + line);
@@ -73,6 +76,12 @@ std::string reportFailure(const std::string& file, const std::exception& error, 
         console.detail(failed->technicalDetail());
     }
     return failure;
+}
+
+void reportRemarks(const std::string& file, const HandOff& handOff, Console& console) {
+    if (handOff.olderVersion) {
+        console.note(shown(file) + ": " + std::string(olderModelNote));
+    }
 }
 
 void reportChanges(const std::string& file, const HandOff& handOff, Console& console) {

@@ -24,7 +24,7 @@ struct Inspection {
     std::optional<HandOff> handOff{};
     /// For people, without the file's name; was said on the console.
     std::string failure{};
-    /// It is an OMF 1.x file, which is not read.
+    /// It is an OMF 1.x file, and the worker is of an earlier version, which does not read it.
     bool isOlderModel = false;
 };
 
@@ -33,6 +33,8 @@ struct InspectionRequest {
     std::vector<std::string> mediaFolders{};
     /// As HandOffRequest has it.
     bool contents = false;
+    /// The caller shows itself what is remarked of the file as a whole.
+    bool showsRemarks = false;
 };
 
 /// Reads the file and says on the console what was repaired.
@@ -41,6 +43,9 @@ struct InspectionRequest {
 
 /// Says why reading `file` failed, and gives the reason without the file's name.
 std::string reportFailure(const std::string& file, const std::exception& error, Console& console);
+
+/// Says what is remarked of the file as a whole.
+void reportRemarks(const std::string& file, const HandOff& handOff, Console& console);
 
 /// Says, one by one, what had to be changed to make the timeline usable.
 void reportChanges(const std::string& file, const HandOff& handOff, Console& console);

@@ -118,6 +118,7 @@ Heard heard(const std::string& file, const std::string& path, const PageCall& ca
                                              .contents = true},
             progress);
         console.endBar();
+        reportRemarks(file, result.audible->handOff(), console);
         reportChanges(file, result.audible->handOff(), console);
         constexpr std::uint64_t megabyte = 1'000'000;
         result.sound = page::listenedTo(*result.audible,

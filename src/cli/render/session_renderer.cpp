@@ -120,6 +120,7 @@ SessionRenderer::Outcome SessionRenderer::failed(const RenderJob& job, const std
 
 ExitStatus SessionRenderer::conclude(const RenderJob& job, const render::RenderReport& report) {
     const RenderCall& call = options_.call;
+    reportRemarks(job.file, report.handOff, console_);
     reportChanges(job.file, report.handOff, console_);
     for (const std::string& line : report.handOff.diagnostics) {
         console_.detail(shown(job.file) + ": " + line);

@@ -18,6 +18,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace [[gnu::visibility("default")]] trellant {
@@ -41,6 +42,9 @@ struct PlacedLoss {
     std::optional<LossKind> kind{};
 };
 
+/// What is said once of a file of OMF 1.x.
+inline constexpr std::string_view olderModelNote = "OMF 1.x: read as far as its structure is known";
+
 struct HandOff {
     /// Passes validation. External essences that a media folder had a fitting file for have its
     /// place and format.
@@ -57,6 +61,9 @@ struct HandOff {
     OpenChoices openChoices{};
     /// When the file was last changed, as it says itself: seconds since 1970-01-01 00:00:00.
     std::optional<std::int64_t> lastModified{};
+    /// "1.0", of a file of OMF 1.x, which is read as far as its structure is known; absent for
+    /// OMF 2.
+    std::optional<std::string> olderVersion{};
     /// The tapes and films that essences were recorded from, where they were asked for.
     std::vector<AAFWorkerExtensions::Reel> reels{};
     /// What the file holds that the timeline does not say, where it was asked for.

@@ -3,9 +3,11 @@
 // pieces in the file. Opened whole or not at all, read only ever after; safe to share.
 #pragma once
 
+#include <trellant/io/bento_packed_item.h>
 #include <trellant/io/bento_types.h>
 #include <trellant/io/random_access_file.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -27,10 +29,21 @@ class BentoContainer {
     /// Reads footer, table of contents and name tables. Throws OMFIOError for each structural
     /// fault, FileSystemError when the system refuses.
     explicit BentoContainer(const std::string& path);
+    /// A property that a replaced table names.
+    struct NamedProperty {
+        std::uint32_t number = 0;
+        std::string_view name;
+    };
+    /// The file of `source` by another table: `items` in table order, their ranges in bytes of the
+    /// file, unchecked as those of a table are, and the properties that they name. For those who
+    /// present one model of objects as another. What tableItems() gives stays the file's own.
+    BentoContainer(BentoContainer&& source, std::span<const BentoPackedItem> items,
+                   std::span<const NamedProperty> properties);
     ~BentoContainer();
     BentoContainer(const BentoContainer&) = delete;
     BentoContainer& operator=(const BentoContainer&) = delete;
-    BentoContainer(BentoContainer&&) = delete;
+    /// One that was moved from may only be destroyed.
+    BentoContainer(BentoContainer&& source) noexcept;
     BentoContainer& operator=(BentoContainer&&) = delete;
 
     /// The open file.
@@ -41,6 +54,11 @@ class BentoContainer {
     /// Every item in table order, for a look at the table itself: it is read again for each call,
     /// and takes 48 bytes an item. Throws as the constructor does.
     [[nodiscard]] std::vector<BentoTOCItem> tableItems() const;
+    /// Items of the table as it is held.
+    [[nodiscard]] std::size_t itemCount() const noexcept;
+    /// The items of one value as they are held, in table order; lives as long as the container.
+    [[nodiscard]] std::span<const BentoPackedItem> packedItems(
+        std::uint32_t object, std::uint32_t property) const noexcept;
     /// The items of one value in table order, without those that add no bytes and follow another
     /// of the same value that is no reference list; empty when there are none.
     [[nodiscard]] std::vector<BentoTOCItem> items(std::uint32_t object,

@@ -71,13 +71,17 @@ enum class LossKind {
     /// A gain that moves within another gain that moves.
     nestedGainAutomation,
     unknownAutomationCurve,
+    /// Of OMF 1.x: an effect on material that is played without it.
+    effectNotApplied,
+    /// Of OMF 1.x: a value that cannot be read, or whose meaning is not known.
+    olderModelUnknown,
 
     other
 };
 
 template <>
 struct EnumNames<LossKind> {
-    static constexpr std::array<std::string_view, 30> names{"trackWithoutEditRate",
+    static constexpr std::array<std::string_view, 32> names{"trackWithoutEditRate",
                                                             "trackWithoutAudio",
                                                             "clipWithoutSource",
                                                             "clipSourceMissing",
@@ -106,6 +110,8 @@ struct EnumNames<LossKind> {
                                                             "panDiffers",
                                                             "nestedGainAutomation",
                                                             "unknownAutomationCurve",
+                                                            "effectNotApplied",
+                                                            "olderModelUnknown",
                                                             "other"};
 };
 

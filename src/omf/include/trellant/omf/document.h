@@ -10,6 +10,7 @@
 #include <trellant/io/bento_container.h>
 #include <trellant/omf/mob_map.h>
 #include <trellant/omf/names.h>
+#include <trellant/omf/older_model.h>
 #include <trellant/omf/values.h>
 
 #include <array>
@@ -33,10 +34,17 @@ class OMFDocument {
     /// order. Throws what the container throws, unsupported for a container that is no OMF 2.x
     /// object model and malformed when there is no header object.
     explicit OMFDocument(const std::string& path);
+    /// The same for a container that is open already.
+    explicit OMFDocument(BentoContainer container);
+    /// The same for objects of an older model that `container` presents as those of OMF 2.x.
+    OMFDocument(BentoContainer container, OMFOlderModel older);
 
     [[nodiscard]] const BentoContainer& bento() const noexcept { return bento_; }
     /// The byte order of property values.
     [[nodiscard]] OMFByteOrder byteOrder() const noexcept { return byteOrder_; }
+    /// What the objects were before they were presented as those of OMF 2.x; absent for a file that
+    /// is OMF 2.x.
+    [[nodiscard]] const std::optional<OMFOlderModel>& olderModel() const noexcept { return older_; }
     /// The first object of class "HEAD".
     [[nodiscard]] OMFObject headerObject() const noexcept { return headerObject_; }
 
@@ -80,6 +88,7 @@ class OMFDocument {
     [[nodiscard]] MobMap mediaDataMap() const;
 
   private:
+    void open();
     void readClasses();
     void settleByteOrder();
     [[nodiscard]] std::uint32_t classIndex(OMFObject object) const noexcept;
@@ -99,6 +108,7 @@ class OMFDocument {
                           const Decode& decode) const -> decltype(decode(ByteView{}));
 
     BentoContainer bento_;
+    std::optional<OMFOlderModel> older_;
     OMFByteOrder byteOrder_ = OMFByteOrder::little;
     OMFObject headerObject_ = OMFObject::none;
     /// By OMFProperty; absent when the file never names the property.

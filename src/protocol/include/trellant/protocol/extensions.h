@@ -27,6 +27,8 @@ struct AAFWorkerExtensions {
     static constexpr std::string_view masterMobsName = "masterMobs";
     static constexpr std::string_view provenanceName = "provenance";
     static constexpr std::string_view sampleDataName = "sampleData";
+    /// Without this one a file of OMF 1.x is refused.
+    static constexpr std::string_view omf1Name = "omf1";
 
     /// Where on the timeline a loss lies.
     struct LossPlace {
@@ -172,6 +174,13 @@ struct AAFWorkerExtensions {
         bool operator==(const Contents&) const = default;
     };
 
+    /// The file is OMF 1.x and was read as far as its structure is known; absent for OMF 2.
+    struct OlderModel {
+        /// "1.0", or "1.x" where the file does not say.
+        std::string version{};
+        bool operator==(const OlderModel&) const = default;
+    };
+
     /// A program that had its hand in the file.
     struct Application {
         std::optional<std::string> company{};
@@ -229,6 +238,7 @@ struct AAFWorkerExtensions {
     Boxed<MasterMobs> masterMobs{};
     Boxed<Provenance> provenance{};
     Boxed<SampleData> sampleData{};
+    Boxed<OlderModel> omf1{};
     bool operator==(const AAFWorkerExtensions&) const = default;
 };
 
