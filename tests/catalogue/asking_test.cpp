@@ -61,30 +61,37 @@ TEST_F(CatalogueQuestions, NamesAreFoundByTheirWords) {
 
 TEST_F(CatalogueQuestions, AnAnswerEndsAtItsLimit) {
     std::size_t rows = 0;
-    const auto count = [&rows](std::uint64_t limit, const CatalogueQuestions& test) {
+    const auto count = [&rows, this](std::uint64_t limit) {
         rows = 0;
         return ask(
-            test.catalogue_, {.sql = "SELECT path FROM files", .limit = limit},
+            catalogue_, {.sql = "SELECT path FROM files", .limit = limit},
             [](const std::vector<std::string>&) {}, [&rows](const std::vector<Value>&) { ++rows; },
             {});
     };
-    EXPECT_TRUE(count(3, *this));
+    EXPECT_TRUE(count(3));
     EXPECT_EQ(rows, 3U);
-    EXPECT_FALSE(count(4, *this));
+    EXPECT_FALSE(count(4));
     EXPECT_EQ(rows, 4U);
-    EXPECT_FALSE(count(0, *this));
+    EXPECT_FALSE(count(0));
 }
 
 TEST_F(CatalogueQuestions, NothingIsWrittenWhateverIsAsked) {
     const Bytes before = readFile(catalogue_);
     const std::string other = folder_.file("other.sqlite");
-    for (const std::string sql :
-         {"DELETE FROM files", "UPDATE files SET path = 'x'", "DROP TABLE files",
-          "CREATE TABLE x(y)", "ATTACH '" + other + "' AS x", "VACUUM INTO '" + other + "'",
-          std::string("PRAGMA query_only = OFF"), std::string("BEGIN IMMEDIATE"),
-          std::string("INSERT INTO names(names) VALUES ('rebuild')"),
-          std::string("SELECT load_extension('x')"), std::string("SELECT 1; DELETE FROM files"),
-          std::string(""), std::string("nonsense")}) {
+    const std::vector<std::string> statements{"DELETE FROM files",
+                                              "UPDATE files SET path = 'x'",
+                                              "DROP TABLE files",
+                                              "CREATE TABLE x(y)",
+                                              "ATTACH '" + other + "' AS x",
+                                              "VACUUM INTO '" + other + "'",
+                                              "PRAGMA query_only = OFF",
+                                              "BEGIN IMMEDIATE",
+                                              "INSERT INTO names(names) VALUES ('rebuild')",
+                                              "SELECT load_extension('x')",
+                                              "SELECT 1; DELETE FROM files",
+                                              "",
+                                              "nonsense"};
+    for (const std::string& sql : statements) {
         EXPECT_THROW(static_cast<void>(asked(sql)), CatalogueError) << sql;
     }
     EXPECT_FALSE(std::filesystem::exists(other));
