@@ -115,6 +115,8 @@ bool ask(const std::string& catalogue, const Asking& asking,
         throw CatalogueError("it is no catalogue");
     }
     database.run("PRAGMA query_only = ON; PRAGMA trusted_schema = OFF");
+    // The search prepares itself at its first use, by more than reading.
+    Statement(database, "SELECT rowid FROM names LIMIT 0").reset();
     ::sqlite3_set_authorizer(database.get(), allowed, nullptr);
     Statement statement(database, asking.sql);
     if (asking.term) {

@@ -62,7 +62,7 @@ class CatalogueTest : public ::testing::Test {
             [&lines](const std::vector<catalogue::Value>& values) {
                 std::string line;
                 for (const catalogue::Value& value : values) {
-                    line += line.empty() ? "" : "|";
+                    line += &value == values.data() ? "" : "|";
                     line += value.kind == catalogue::Value::Kind::integer
                                 ? std::to_string(value.integer)
                             : value.kind == catalogue::Value::Kind::number
