@@ -45,7 +45,7 @@ _trellant() {
         word="${COMP_WORDS[index]}"
         [[ $word == = ]] && continue
         case $previous in
-            --media | --fail-on | --to | --output | -o | --object | --path | --format | --media-mode | \
+            --media | --fail-on | --to | --output | -o | --object | --path | --format | --media-mode | --names | \
                 --rate | --name | --language | --samples-per-pair | --bits | --profile | --explain | \
                 --preview-size | --media-folder | --list | --shard | --jobs | --retry | --time-limit | \
                 --memory-limit | --sql | --limit)
@@ -108,6 +108,10 @@ _trellant() {
             _trellant_words "copy link embed" "$current"
             return
             ;;
+        --names)
+            _trellant_words "master source" "$current"
+            return
+            ;;
         --language)
             _trellant_words "en de" "$current"
             return
@@ -133,7 +137,7 @@ _trellant() {
         case $command in
             info) _trellant_words "$anywhere --json $lossy $output" "$current" ;;
             list) _trellant_words "$anywhere --csv --json $lossy $output" "$current" ;;
-            extract) _trellant_words "$anywhere --to $lossy --wav --force --absolute --json --salvage" "$current" ;;
+            extract) _trellant_words "$anywhere --to $lossy --wav --names --force --absolute --json --salvage" "$current" ;;
             export) _trellant_words "$anywhere --to --format $lossy --media-mode --rate --name --no-markers --force --json" "$current" ;;
             render) _trellant_words "$anywhere --to --tracks --mix --clips --raw --handles $lossy --from --until --format --resample --force --json" "$current" ;;
             check) _trellant_words "$anywhere --profile --media --recursive --audio --fail-on --json --junit --sarif $output --list-rules --explain" "$current" ;;

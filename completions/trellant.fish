@@ -62,6 +62,7 @@ complete -c trellant -n '__trellant_in extract' -l to -x -a '(__fish_complete_di
 complete -c trellant -n '__trellant_in extract' -l media -x -a '(__fish_complete_directories)' -d 'Look for external audio files here and below'
 complete -c trellant -n '__trellant_in extract' -l wav -d 'Write AIFF audio as WAVE'
 complete -c trellant -n '__trellant_in extract' -l force -d 'Replace existing files'
+complete -c trellant -n '__trellant_in extract' -l names -x -a 'master source' -d 'Name files after master mobs where that says more, or after sources'
 complete -c trellant -n '__trellant_in extract' -l absolute -d 'Name files in timeline.json by their whole paths'
 complete -c trellant -n '__trellant_in extract' -l salvage -d 'Take out what audio there is of files that cannot be read'
 complete -c trellant -n '__trellant_in extract' -l json -d 'Write one JSON object a line for each file'

@@ -234,7 +234,13 @@ class Parser {
             ->required()
             ->type_name("FOLDER");
         addMedia(*extract_, extractCall_.mediaFolders);
-        extract_->add_flag("--wav", extractCall_.wav, "Write AIFF audio as WAVE, sample by sample");
+        extract_->add_flag("--wav", extractCall_.wav,
+                           "Write AIFF audio as WAVE, sample by sample, with its timecode on tape");
+        addChoice<FileNaming>(*extract_, "--names", extractCall_.naming,
+                              "Name files after their master mob where their own name says nothing "
+                              "(the usual way), or "
+                              "always after the source",
+                              {{"master", FileNaming::masterMob}, {"source", FileNaming::source}});
         extract_->add_flag("--force", extractCall_.force, "Replace existing files");
         extract_->add_flag("--absolute", extractCall_.absolutePaths,
                            "timeline.json names files by their whole paths");
@@ -244,7 +250,7 @@ class Parser {
         auto* const salvage =
             extract_->add_flag("--salvage", extractCall_.salvage,
                                "Take out what audio there is of files that cannot be read");
-        for (const char* const other : {"--media", "--wav", "--absolute", "--fail-on"}) {
+        for (const char* const other : {"--media", "--wav", "--names", "--absolute", "--fail-on"}) {
             salvage->excludes(extract_->get_option(other));
         }
     }

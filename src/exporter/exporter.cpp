@@ -14,6 +14,7 @@
 #include <trellant/exporter/session_media.h>
 #include <trellant/extraction/staging.h>
 #include <trellant/extraction/taken_out.h>
+#include <trellant/handoff/source_timecode.h>
 #include <trellant/io/errors.h>
 #include <trellant/sessions/session.h>
 
@@ -83,6 +84,9 @@ exchange::PlannedReel plannedReel(const AAFWorkerExtensions::Reel& reel) {
         planned.timecode =
             exchange::ReelTimecode{std::max<std::int64_t>(reel.timecode->start, 0),
                                    reel.timecode->framesPerSecond, reel.timecode->dropFrame};
+        if (const auto counted = sourceTimecode(reel)) {
+            planned.timecode->rate = counted->rate.exactRate;
+        }
     }
     return planned;
 }

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "file_naming.h"
 #include "placement.h"
+#include "told_origin.h"
 
 #include <trellant/base/keyed_hash.h>
 #include <trellant/base/url.h>
@@ -91,6 +93,7 @@ class Extraction::Run {
     WaveConversions conversions_;
     /// By essence id.
     KeyedMap<std::string, PlacedFile> placedByEssence_;
+    KeyedSet<std::string> namedByMasterMob_;
 };
 
 ExtractionReport Extraction::Run::all() {
@@ -124,7 +127,8 @@ ExtractionReport Extraction::Run::all() {
 
 void Extraction::Run::convert() {
     if (request_.waveConverter) {
-        conversions_ = convertAll(*request_.waveConverter, handOff_.timeline, staging_, progress_);
+        conversions_ = convertAll(*request_.waveConverter, handOff_.timeline, staging_, progress_,
+                                  toldOrigins(handOff_, request_.date));
     }
 }
 
@@ -156,7 +160,12 @@ void Extraction::Run::placeAudio() {
         }
     }
     progress_.begin("Checking the audio files", staging_.bytes());
-    for (AAFSourceEssence& essence : essences) {
+    std::vector<std::optional<std::string>> mobNames(essences.size());
+    if (request_.naming == FileNaming::masterMob) {
+        mobNames = namesOfMasterMobs(handOff_, request_.file);
+    }
+    for (std::size_t i = 0; i < essences.size(); ++i) {
+        AAFSourceEssence& essence = essences[i];
         const auto path = pathOf(essence);
         if (!essence.embedded || !path) {
             continue;
@@ -166,6 +175,10 @@ void Extraction::Run::placeAudio() {
         NumberedName wanted = NumberedName::numbered(name);
         if (!names.contains(wanted.withNumber(1))) {
             wanted = NumberedName::whole(name);
+        }
+        if (mobNames[i]) {
+            wanted = {.stem = *mobNames[i], .extension = NumberedName::whole(name).extension};
+            namedByMasterMob_.insert(essence.id);
         }
         const PlacedFile placed = placement_.place(*path, wanted);
         essence.fileURL = fileURL(placed.path);
@@ -234,6 +247,7 @@ AudioEntry Extraction::Run::entryOf(std::size_t index) const {
     AudioEntry entry{.essences = {index}, .path = pathOf(essence)};
     if (const auto placed = placedByEssence_.find(essence.id); placed != placedByEssence_.end()) {
         entry.placed = placed->second;
+        entry.isNamedByMasterMob = namedByMasterMob_.contains(essence.id);
         entry.state = conversions_.converted.contains(essence.id) ? AudioState::converted
                                                                   : AudioState::takenOut;
     } else if (essence.embedded) {

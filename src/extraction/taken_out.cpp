@@ -48,7 +48,8 @@ TakenOut takeOut(const std::string& file, const Staging& staging,
     std::vector<std::string> extensions{
         std::string(Extensions::lossPlacesName),    std::string(Extensions::compositionsName),
         std::string(Extensions::embeddedMediaName), std::string(Extensions::datesName),
-        std::string(Extensions::reelsName),         std::string(Extensions::omf1Name)};
+        std::string(Extensions::reelsName),         std::string(Extensions::masterMobsName),
+        std::string(Extensions::omf1Name)};
     if (contents) {
         extensions.emplace_back(Extensions::contentsName);
     }

@@ -11,6 +11,7 @@
 #include <trellant/io/errors.h>
 
 #include <array>
+#include <cstdio>
 #include <filesystem>
 #include <system_error>
 #include <unistd.h>
@@ -50,13 +51,96 @@ void describe(AAFSourceEssence& essence, const std::string& path) {
     essence.codec = format.codec;
 }
 
-/// The AIFC file of a source, when it has one that was taken out.
-std::optional<std::string> stagedAIFC(const AAFSourceEssence& essence, const Staging& staging) {
-    const auto path = essence.fileURL ? pathOfFileURL(essence.fileURL->text) : std::nullopt;
-    return essence.embedded && path && path->ends_with(".aifc") && staging.holds(*path)
-               ? path
-               : std::nullopt;
+/// Runs the converter, and shows how far it is by the bytes of both files.
+std::optional<std::string> followed(const std::vector<std::string>& commandLine,
+                                    const std::string& source, const std::string& destination,
+                                    WorkProgress& progress) {
+    const std::uint64_t before = progress.bytes();
+    auto failure = runConverter(commandLine, destination,
+                                [&] { progress.at(before + bytesOfFile(destination)); });
+    progress.at(before + bytesOfFile(source));
+    return failure;
 }
+
+/// The file of a source, when it has one that was taken out.
+std::optional<std::string> stagedFile(const AAFSourceEssence& essence, const Staging& staging) {
+    const auto path = essence.fileURL ? pathOfFileURL(essence.fileURL->text) : std::nullopt;
+    return essence.embedded && path && staging.holds(*path) ? path : std::nullopt;
+}
+
+/// The files of one hand-off, one after the other.
+class Conversions {
+  public:
+    Conversions(const std::string& converter, const Staging& staging, WorkProgress& progress,
+                const ToldOrigins& origins)
+        : converter_(converter), staging_(staging), progress_(progress), origins_(origins) {}
+
+    void convert(AAFSourceEssence& essence) {
+        const auto source = stagedFile(essence, staging_);
+        if (!source) {
+            return;
+        }
+        const auto origin = origins_.find(essence.id);
+        const auto* const words = origin == origins_.end() ? nullptr : &origin->second;
+        if (source->ends_with(".aifc")) {
+            intoWave(essence, *source, words);
+        } else if (words != nullptr && source->ends_with(".wav") && told_.insert(*source).second) {
+            tell(essence, *source, *words);
+        }
+    }
+    [[nodiscard]] WaveConversions take() { return std::move(result_); }
+
+  private:
+    [[nodiscard]] std::string newPathFor(const std::string& source) const {
+        const NumberedName name = NumberedName::whole(staging_.nameOf(source));
+        return staging_.freeFile({name.stem, "wav"});
+    }
+
+    void intoWave(AAFSourceEssence& essence, const std::string& source,
+                  const std::vector<std::string>* words) {
+        const std::string destination = newPathFor(source);
+        auto failure = words == nullptr ? convertToWave(converter_, source, destination, progress_)
+                                        : followed(withOrigin(source, destination, *words), source,
+                                                   destination, progress_);
+        if (failure) {
+            result_.failures.emplace(essence.id, std::move(*failure));
+            return;
+        }
+        ::unlink(source.c_str());
+        describe(essence, destination);
+        result_.converted.insert(essence.id);
+    }
+
+    /// A WAVE file that cannot be told stays as it is.
+    void tell(AAFSourceEssence& essence, const std::string& source,
+              const std::vector<std::string>& words) {
+        const std::string destination = newPathFor(source);
+        const auto failure =
+            followed(withOrigin(source, destination, words), source, destination, progress_);
+        if (failure) {
+            progress_.say(WorkProgress::Remark::note,
+                          staging_.nameOf(source) +
+                              " stays as it is, without the timecode of its tape: " + *failure);
+        } else if (::rename(destination.c_str(), source.c_str()) == 0) {
+            result_.converted.insert(essence.id);
+        }
+    }
+
+    [[nodiscard]] std::vector<std::string> withOrigin(const std::string& source,
+                                                      const std::string& destination,
+                                                      const std::vector<std::string>& words) const {
+        std::vector<std::string> commandLine{converter_, "--origin", source, destination};
+        commandLine.insert(commandLine.end(), words.begin(), words.end());
+        return commandLine;
+    }
+
+    const std::string& converter_;
+    const Staging& staging_;
+    WorkProgress& progress_;
+    const ToldOrigins& origins_;
+    KeyedSet<std::string> told_;
+    WaveConversions result_;
+};
 
 }  // namespace
 
@@ -94,37 +178,22 @@ std::optional<std::string> runConverter(const std::vector<std::string>& commandL
 std::optional<std::string> convertToWave(const std::string& converter, const std::string& source,
                                          const std::string& destination, WorkProgress& progress,
                                          const std::optional<std::int64_t>& channel) {
-    const std::uint64_t before = progress.bytes();
     std::vector<std::string> commandLine{converter, source, destination};
     if (channel) {
         commandLine.push_back(std::to_string(*channel + 1));
     }
-    auto failure = runConverter(commandLine, destination,
-                                [&] { progress.at(before + bytesOfFile(destination)); });
-    progress.at(before + bytesOfFile(source));
-    return failure;
+    return followed(commandLine, source, destination, progress);
 }
 
 WaveConversions convertAll(const std::string& converter, AAFTimeline& timeline,
-                           const Staging& staging, WorkProgress& progress) {
-    WaveConversions result;
+                           const Staging& staging, WorkProgress& progress,
+                           const ToldOrigins& origins) {
     progress.begin("Writing WAVE files", staging.bytes());
+    Conversions conversions(converter, staging, progress, origins);
     for (AAFSourceEssence& essence : timeline.essences) {
-        const auto source = stagedAIFC(essence, staging);
-        if (!source) {
-            continue;
-        }
-        const NumberedName name = NumberedName::whole(staging.nameOf(*source));
-        const std::string destination = staging.freeFile({name.stem, "wav"});
-        if (auto failure = convertToWave(converter, *source, destination, progress)) {
-            result.failures.emplace(essence.id, std::move(*failure));
-        } else {
-            ::unlink(source->c_str());
-            describe(essence, destination);
-            result.converted.insert(essence.id);
-        }
+        conversions.convert(essence);
     }
-    return result;
+    return conversions.take();
 }
 
 }  // namespace trellant

@@ -140,6 +140,22 @@ std::optional<std::int64_t> framesOfFile(const AAFSourceEssence& essence) {
     return static_cast<std::int64_t>(*facts->frames);
 }
 
+/// What is told of events by their places, for a timeline that has others or fewer.
+void followEvents(HandOff& handOff, const AAFTimeline& repaired) {
+    KeyedMap<std::string_view, std::int64_t> mobs;
+    const auto& events = handOff.timeline.events;
+    for (std::size_t i = 0; i < events.size() && i < handOff.masterMobOfEvents.size(); ++i) {
+        mobs.emplace(events[i].id, handOff.masterMobOfEvents[i]);
+    }
+    std::vector<std::int64_t> followed;
+    followed.reserve(mobs.empty() ? 0 : repaired.events.size());
+    for (std::size_t i = 0; i < repaired.events.size() && !mobs.empty(); ++i) {
+        const auto mob = mobs.find(repaired.events[i].id);
+        followed.push_back(mob == mobs.end() ? -1 : mob->second);
+    }
+    handOff.masterMobOfEvents = std::move(followed);
+}
+
 /// The same, but where an installed worker is missing it says where one was looked for.
 AAFWorkerClient::HelperURLProvider namingPlaces(AAFWorkerClient::HelperURLProvider provider) {
     using Function = std::optional<fs::path> (*)(const std::string&);
@@ -222,6 +238,10 @@ HandOff handOffOf(AAFWorkerProtocol::Result answer) {
         if (const Boxed<Extensions::Reels>& reels = extensions->reels) {
             handOff.reels = reels->reels;
         }
+        if (const Boxed<Extensions::MasterMobs>& mobs = extensions->masterMobs) {
+            handOff.masterMobs = mobs->masterMobs;
+            handOff.masterMobOfEvents = mobs->ofEvents;
+        }
         if (const Boxed<Extensions::OlderModel>& older = extensions->omf1) {
             handOff.olderVersion = older->version;
         }
@@ -259,6 +279,7 @@ void makeUsable(HandOff& handOff) {
     } catch (const AAFRawTimelineValidation::Failure&) {
         AAFRepair repair = repairedTimeline(handOff.timeline);
         handOff.changes = describedChanges(handOff.timeline, repair.changes);
+        followEvents(handOff, repair.timeline);
         handOff.timeline = std::move(repair.timeline);
     }
 }
@@ -287,7 +308,8 @@ void measureMedia(HandOff& handOff, const WorkProgress& progress) {
 HandOff readHandOff(const HandOffRequest& request, WorkProgress& progress) {
     std::vector<std::string> extensions{
         std::string(Extensions::lossPlacesName), std::string(Extensions::compositionsName),
-        std::string(Extensions::datesName), std::string(Extensions::omf1Name)};
+        std::string(Extensions::datesName),      std::string(Extensions::reelsName),
+        std::string(Extensions::masterMobsName), std::string(Extensions::omf1Name)};
     if (request.contents) {
         extensions.emplace_back(Extensions::contentsName);
     }

@@ -4,6 +4,7 @@
 #include "tables.h"
 #include "value_text.h"
 
+#include <trellant/handoff/clip_name.h>
 #include <trellant/handoff/loss_index.h>
 #include <trellant/handoff/timeline_text.h>
 #include <trellant/model/audibility.h>
@@ -60,11 +61,12 @@ void writeClips(Markup& markup, const HandOff& handOff, const Sources& sources) 
         const AAFClipEvent& event = timeline.events[i];
         const AAFTrackState* const track = audibility.track(event);
         const Source* const source = sources.ofEventAt(i);
+        const ClipName name = clipName(handOff, i);
         table.row()
             .nameCell(track == nullptr ? "" : trackText(track->name, track->index + 1))
             .cell(timecodeText(timeline, event.timelineStart))
             .cell(timecodeText(timeline, event.timelineEnd()))
-            .nameCell(event.clipName.value_or(""))
+            .nameCell(name.text != nullptr ? *name.text : std::string())
             .nameCell(source == nullptr ? event.essenceID : sourceText(*source))
             .cell(channelText(source, event))
             .cell(decibelText(event.fixedClipGain) + (event.clipGainAutomation ? " ~" : ""))

@@ -38,8 +38,9 @@ aaf::TimelineMobSlot timecodeSlotOf(const exchange::ReelTimecode& timecode) {
     const auto frames = static_cast<std::int32_t>(
         std::clamp<std::int64_t>(timecode.framesPerSecond, 1, most16Bits));
     // Drop-frame labels count a rate that is a thousandth below what they say.
-    const aaf::Rational rate =
+    const aaf::Rational usual =
         timecode.dropFrame ? aaf::Rational{frames * 1'000, 1'001} : aaf::Rational{frames, 1};
+    const aaf::Rational rate = timecode.rate ? storedRate(*timecode.rate, frames) : usual;
     return {.slotID = reelTimecodeSlot,
             .physicalTrackNumber = 1,
             .editRate = rate,

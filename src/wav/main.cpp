@@ -3,6 +3,8 @@
 //
 //   trellant-wav IN OUT [CHANNEL]
 //       its audio, or one channel of it (from 1), as plain WAVE
+//   trellant-wav --origin IN OUT KEY=VALUE...
+//       the same, with chunks that say where it comes from: the keys of originOf (origin.h)
 //   trellant-wav --measure IN OUT PAIRS [BITS]
 //       what is measured of it, its outline of no more than PAIRS pairs a channel; BITS: the depth
 //       that its header names
@@ -93,6 +95,17 @@ std::optional<Work> copying(Words words) {
                 }};
 }
 
+std::optional<Work> naming(Words words) {
+    const auto origin = words.size() < 2 ? std::nullopt : trellant::wav::originOf(words.subspan(2));
+    if (!origin) {
+        return std::nullopt;
+    }
+    return Work{std::string(words[0]), std::string(words[1]),
+                [origin](const std::string& source, const std::string& destination) {
+                    trellant::wav::copyWithOrigin(source, destination, *origin);
+                }};
+}
+
 std::optional<Work> measuring(Words words) {
     std::optional<std::uint64_t> bits;
     const auto pairs =
@@ -171,6 +184,9 @@ std::optional<Work> workOf(Words words) {
     }
     const std::string_view mode = words.front();
     const Words more = words.subspan(1);
+    if (mode == "--origin") {
+        return naming(more);
+    }
     if (mode == "--measure") {
         return measuring(more);
     }
@@ -210,6 +226,7 @@ int main(int argumentCount, char** arguments) {
     if (!work) {
         static_cast<void>(
             std::fputs("usage: trellant-wav IN OUT [CHANNEL]\n"
+                       "       trellant-wav --origin IN OUT KEY=VALUE...\n"
                        "       trellant-wav --measure IN OUT PAIRS [BITS]\n"
                        "       trellant-wav --waveform IN OUT FRAMES BITS\n"
                        "       trellant-wav --preview IN OUT RATE FIRST FRAMES "

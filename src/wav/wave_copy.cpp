@@ -5,6 +5,7 @@
 #include "sound_blocks.h"
 #include "sound_source.h"
 
+#include <algorithm>
 #include <limits>
 #include <optional>
 #include <sndfile.h>
@@ -50,14 +51,31 @@ void moveFrames(const Source& source, SNDFILE* target, const std::optional<int>&
     });
 }
 
+bool isAiff(int format) {
+    return (format & SF_FORMAT_TYPEMASK) == SF_FORMAT_AIFF;
+}
+
+void move(const Source& input, SNDFILE* target, const SampleForm& form,
+          const std::optional<int>& channel) {
+    if (form.subtype == SF_FORMAT_FLOAT) {
+        moveFrames<float>(input, target, channel, ::sf_writef_float);
+    } else if (form.isFloatingPoint) {
+        moveFrames<double>(input, target, channel, ::sf_writef_double);
+    } else {
+        moveFrames<int>(input, target, channel, ::sf_writef_int);
+    }
+}
+
 }  // namespace
 
 bool needsLargeForm(std::uint64_t sampleBytes) noexcept {
     return sampleBytes > plainFormLimit;
 }
 
-void copyAsWave(const std::string& source, const std::string& destination,
-                const std::optional<int>& channel) {
+namespace {
+
+void copy(const std::string& source, const std::string& destination,
+          const std::optional<int>& channel, const Origin* origin) {
     const Source input = openSource(source);
     const SampleForm form = sampleForm(input.info.format);
     if (channel && (*channel < 0 || *channel >= input.info.channels)) {
@@ -77,18 +95,32 @@ void copyAsWave(const std::string& source, const std::string& destination,
     }
     // The chunk of peaks holds the time of day, and equal audio is to give equal files.
     ::sf_command(output.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
-    if (form.subtype == SF_FORMAT_FLOAT) {
-        moveFrames<float>(input, output.get(), channel, ::sf_writef_float);
-    } else if (form.isFloatingPoint) {
-        moveFrames<double>(input, output.get(), channel, ::sf_writef_double);
-    } else {
-        moveFrames<int>(input, output.get(), channel, ::sf_writef_int);
+    if (origin != nullptr) {
+        constexpr std::uint64_t bitsOfByte = 8;
+        if (!isAiff(input.info.format)) {
+            copyOtherChunks(input, output.get());
+        }
+        setOrigin(output.get(), *origin, static_cast<std::uint32_t>(std::max(info.samplerate, 0)),
+                  static_cast<std::uint32_t>(form.bytes * bitsOfByte));
     }
+    move(input, output.get(), form, channel);
     // Closing writes the sizes into the head.
     if (const int failure = ::sf_close(output.release()); failure != 0) {
         throw because(notWritten, ::sf_error_number(failure));
     }
     file.keep();
+}
+
+}  // namespace
+
+void copyAsWave(const std::string& source, const std::string& destination,
+                const std::optional<int>& channel) {
+    copy(source, destination, channel, nullptr);
+}
+
+void copyWithOrigin(const std::string& source, const std::string& destination,
+                    const Origin& origin) {
+    copy(source, destination, std::nullopt, &origin);
 }
 
 }  // namespace trellant::wav

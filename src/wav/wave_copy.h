@@ -6,6 +6,7 @@
 #pragma once
 
 #include "conversion_error.h"
+#include "origin.h"
 
 #include <cstdint>
 #include <optional>
@@ -21,5 +22,10 @@ namespace trellant::wav {
 /// no file at `destination` but the one that was there before.
 void copyAsWave(const std::string& source, const std::string& destination,
                 const std::optional<int>& channel = std::nullopt);
+
+/// The same for all channels, and the new file says where its sound comes from. A WAVE file keeps
+/// what it holds beside its sound, and one that says that itself is a ConversionError.
+void copyWithOrigin(const std::string& source, const std::string& destination,
+                    const Origin& origin);
 
 }  // namespace trellant::wav

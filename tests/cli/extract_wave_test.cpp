@@ -212,9 +212,11 @@ TEST_F(WaveCopyRefuses, WrongNumberOfArguments) {
     EXPECT_EQ(end.status, 1);
     EXPECT_EQ(end.errors,
               "usage: trellant-wav IN OUT [CHANNEL]\n"
+              "       trellant-wav --origin IN OUT KEY=VALUE...\n"
               "       trellant-wav --measure IN OUT PAIRS [BITS]\n"
               "       trellant-wav --waveform IN OUT FRAMES BITS\n"
-              "       trellant-wav --preview IN OUT RATE FIRST FRAMES [CHANNEL]\n");
+              "       trellant-wav --preview IN OUT RATE FIRST FRAMES [CHANNEL]\n"
+              "       trellant-wav --resample IN OUT NUMERATOR DENOMINATOR RATE\n");
     for (const char* channel : {"0", "-1", "1x", "", "99999999999"}) {
         EXPECT_EQ(runProgram({TRELLANT_WAV, "in", "out", channel}, [] {}).status, 1) << channel;
     }

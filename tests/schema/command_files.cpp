@@ -16,6 +16,9 @@ constexpr MobID kick{1, 0, 1};
 constexpr MobID voice{1, 0, 2};
 constexpr MobID old{1, 0, 3};
 constexpr MobID gone{1, 0, 4};
+constexpr MobID recorded{1, 0, 5};
+constexpr MobID tape{1, 0, 6};
+constexpr MobID master{1, 0, 7};
 
 Bytes secondOfSilence() {
     return waveImage({.samples = Bytes(96'000)});
@@ -80,7 +83,33 @@ Bytes beyondSense() {
     return omf.build();
 }
 
-/// AIFC whose audio is compressed, AIFC that is no audio, and a stereo WAVE.
+/// A clip without a name, of a master mob with one, whose source bears the name of the file and
+/// comes from a tape with labels.
+ObjectID clipFromTape(OmfBuilder& omf) {
+    omf.sourceMob(
+        {.id = tape,
+         .name = "TAPE 7",
+         .slots = {omf.slot({.editRate = Ratio{25}, .segment = omf.timecode(25, false, 900'000)})},
+         .descriptor = omf.descriptor({.classID = "MDTP"})});
+    const ObjectID origin = omf.clip({.length = 48'000, .source = tape});
+    omf.sourceMob(
+        {.id = recorded,
+         .name = "media.wav",
+         .slots = {omf.slot(
+             {.editRate = Ratio{48'000}, .segment = origin, .track = omf.track({.id = 1})})},
+         .descriptor =
+             omf.descriptor({.classID = "WAVD", .sampleRate = Ratio{48'000}, .length = 48'000})});
+    omf.waveMedia(recorded, secondOfSilence());
+    const ObjectID played = omf.clip({.length = 48'000, .source = recorded});
+    omf.masterMob(
+        {.id = master,
+         .name = "Rain",
+         .slots = {omf.slot(
+             {.editRate = Ratio{48'000}, .segment = played, .track = omf.track({.id = 1})})}});
+    return omf.clip({.length = 25, .source = master});
+}
+
+/// AIFC whose audio is compressed, AIFC that is no audio, a stereo WAVE, and one from a tape.
 Bytes oddMedia() {
     OmfBuilder omf;
     std::vector<ObjectID> slots;
@@ -93,6 +122,7 @@ Bytes oddMedia() {
          aiffImage({.formType = "AIFC", .compressionType = "ulaw", .samples = Bytes(4)}));
     play(voice, "Broken", MediaKind::aifc, Bytes(12));
     play(kick, "Wide.wav", MediaKind::wave, waveImage({.channels = 2, .samples = Bytes(192'000)}));
+    slots.push_back(omf.slot({.editRate = Ratio{25}, .segment = clipFromTape(omf)}));
     omf.composition({.name = "Odd media", .slots = slots});
     return omf.build();
 }

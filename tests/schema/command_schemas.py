@@ -5,7 +5,7 @@ from schemas import FOLDER, parse
 
 COMMAND_FOLDER = FOLDER / "command"
 NAMES = ("info", "list-tracks", "list-clips", "list-sources", "list-losses", "extract", "salvage", "export",
-         "export-losses", "check", "check-rules", "peaks", "validate", "dump-overview", "dump-object", "dump-table", "failure")
+         "export-losses", "render", "check", "check-rules", "peaks", "validate", "dump-overview", "dump-object", "dump-table", "failure")
 SCHEMAS = {name: parse((COMMAND_FOLDER / f"{name}.schema.json").read_bytes()) for name in NAMES}
 
 

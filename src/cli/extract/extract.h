@@ -8,6 +8,7 @@
 
 #include <trellant/base/cancellation.h>
 #include <trellant/client/worker_client.h>
+#include <trellant/extraction/extraction.h>
 #include <trellant/handoff/hand_off.h>
 
 #include <optional>
@@ -22,6 +23,7 @@ struct ExtractCall {
     std::string directory;
     std::vector<std::string> mediaFolders;
     bool wav = false;
+    FileNaming naming = FileNaming::masterMob;
     bool force = false;
     /// The sounds of damaged files, whatever became of their table and their object model.
     bool salvage = false;

@@ -6,6 +6,7 @@
 #include "look/inspect.h"
 #include "report.h"
 #include "target_folder.h"
+#include "terminal/agreed_date.h"
 #include "terminal/interrupts.h"
 #include "terminal/pasted_word.h"
 #include "terminal/shown_text.h"
@@ -132,7 +133,9 @@ Extractor::Outcome Extractor::extract(const ExtractJob& job) {
                                .force = options_.call.force,
                                .absolutePaths = options_.call.absolutePaths,
                                .waveConverter = options_.waveConverter,
-                               .helperURLProvider = options_.helperURLProvider},
+                               .helperURLProvider = options_.helperURLProvider,
+                               .naming = options_.call.naming,
+                               .date = agreedDate()},
                               progress);
         try {
             ExtractionReport made = extraction.run();

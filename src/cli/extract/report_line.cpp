@@ -50,6 +50,9 @@ void addEntry(JsonLine& line, const AudioEntry& entry, const std::vector<Source>
     line.text("state", stateWord(entry.state));
     if (entry.placed) {
         line.text("name", entry.placed->name);
+        if (entry.isNamedByMasterMob) {
+            line.text("nameFrom", "masterMob");
+        }
     }
     addPlace(line, entry.path);
     line.objects("sources", entry.essences, [&sources](JsonLine& item, std::size_t index) {

@@ -6,6 +6,7 @@
 #include "terminal/shown_text.h"
 #include "terminal/table.h"
 
+#include <array>
 #include <cstdio>
 #include <map>
 #include <string_view>
@@ -56,11 +57,11 @@ std::string lengthText(const SalvageReport::Sound& sound) {
     if (!sound.frames || sound.sampleRate.value_or(0) <= 0) {
         return {};
     }
-    char text[40];
+    std::array<char, 40> text{};
     static_cast<void>(
-        std::snprintf(text, sizeof text, "%.3f s",
+        std::snprintf(text.data(), text.size(), "%.3f s",
                       static_cast<double>(*sound.frames) / static_cast<double>(*sound.sampleRate)));
-    return text;
+    return text.data();
 }
 
 std::string numberText(const std::optional<std::int64_t>& number) {

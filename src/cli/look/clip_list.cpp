@@ -3,7 +3,9 @@
 #include "lists.h"
 #include "short_text.h"
 
+#include <trellant/handoff/clip_name.h>
 #include <trellant/handoff/loss_index.h>
+#include <trellant/handoff/source_timecode.h>
 #include <trellant/handoff/sources.h>
 #include <trellant/handoff/timeline_text.h>
 #include <trellant/model/audibility.h>
@@ -29,11 +31,16 @@ class ClipRows {
         const LossIndex& losses;
         std::size_t lossCount;
         bool isAudible;
+        ClipName name;
+        /// Null when no tape with labels is known.
+        const SourceTimecode* timecode;
     };
 
     explicit ClipRows(const HandOff& handOff)
-        : timeline_(handOff.timeline),
+        : handOff_(handOff),
+          timeline_(handOff.timeline),
           sources_(handOff),
+          timecodes_(handOff),
           audibility_(handOff.timeline),
           losses_(handOff.losses) {}
     [[nodiscard]] static const auto& columns();
@@ -47,12 +54,16 @@ class ClipRows {
                 sources_.ofEventAt(position),
                 losses_,
                 losses_.countTouching(event),
-                audibility_.isEventAudible(event, track)};
+                audibility_.isEventAudible(event, track),
+                clipName(handOff_, position),
+                timecodes_.of(event.essenceID)};
     }
 
   private:
+    const HandOff& handOff_;
     const AAFTimeline& timeline_;
     Sources sources_;
+    SourceTimecodes timecodes_;
     AAFAudibility audibility_;
     LossIndex losses_;
 };
@@ -91,6 +102,17 @@ void saySourceLength(const Row& row, Cell& cell) {
     } catch (const AAFRawTimelineValidation::Failure&) {
         // Beyond all samples: the length has no number.
     }
+}
+
+/// The tape's label `later` seconds behind the first sample that the clip plays.
+void saySourceTimecode(const Row& row, const AAFRational& later, Cell& cell) {
+    if (row.timecode == nullptr || row.source == nullptr ||
+        !(row.source->essence->sampleRate > AAFRational::zero())) {
+        return;
+    }
+    const AAFRational start =
+        AAFRational(row.event.sourceStartSample) / row.source->essence->sampleRate;
+    cell.word(labelAt(*row.timecode, start + later));
 }
 
 /// People count channels from 1.
@@ -170,7 +192,7 @@ constexpr Column exact(std::string_view key, std::string_view title) {
     return {key, title, details, Align::left, false, 0, true};
 }
 
-const std::array<ColumnOf<Row>, 43> clipColumns{{
+const std::array<ColumnOf<Row>, 47> clipColumns{{
     {{"", "Track", people, Align::left, true, 1},
      [](const Row& row, Cell& cell) {
          if (row.track != nullptr) {
@@ -198,7 +220,17 @@ const std::array<ColumnOf<Row>, 43> clipColumns{{
          cell.word(timecodeText(row.timeline, row.event.timelineEnd()));
      }},
     {{"clip", "Clip", everyone, Align::left, true},
-     [](const Row& row, Cell& cell) { cell.text(row.event.clipName); }},
+     [](const Row& row, Cell& cell) {
+         if (row.name.text != nullptr) {
+             cell.text(*row.name.text);
+         }
+     }},
+    {{"clipNameFrom", "Clip named by"},
+     [](const Row& row, Cell& cell) {
+         if (row.name.isOfMasterMob) {
+             cell.word("masterMob");
+         }
+     }},
     {{"", "Audio file", people, Align::left, true, 3}, sayShownSource},
     {{"source", "Audio file", machines}, saySource},
     {{"sourceState", "State"},
@@ -214,6 +246,16 @@ const std::array<ColumnOf<Row>, 43> clipColumns{{
      [](const Row& row, Cell& cell) {
          if (row.source != nullptr) {
              cell.number(row.source->essence->sampleRate.doubleValue());
+         }
+     }},
+    {{"sourceInTimecode", "Source in", everyone, Align::left, false, 7},
+     [](const Row& row, Cell& cell) { saySourceTimecode(row, AAFRational::zero(), cell); }},
+    {{"sourceOutTimecode", "Source out", everyone, Align::left, false, 7},
+     [](const Row& row, Cell& cell) { saySourceTimecode(row, row.event.duration, cell); }},
+    {{"reel", "Reel", details, Align::left, true},
+     [](const Row& row, Cell& cell) {
+         if (row.timecode != nullptr) {
+             cell.text(row.timecode->reel);
          }
      }},
     {{"channel", "Channel"},

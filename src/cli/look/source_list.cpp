@@ -2,6 +2,7 @@
 #include "lists.h"
 
 #include <trellant/base/url.h>
+#include <trellant/handoff/source_timecode.h>
 #include <trellant/handoff/sources.h>
 #include <trellant/handoff/timeline_text.h>
 
@@ -18,18 +19,21 @@ class SourceRows {
     struct Row {
         const Source& source;
         const AAFSourceEssence& essence;
+        /// Null when no tape with labels is known.
+        const SourceTimecode* timecode;
     };
 
-    explicit SourceRows(const HandOff& handOff) : sources_(handOff) {}
+    explicit SourceRows(const HandOff& handOff) : sources_(handOff), timecodes_(handOff) {}
     [[nodiscard]] static const auto& columns();
     [[nodiscard]] std::size_t count() const { return sources_.all().size(); }
     [[nodiscard]] Row row(std::size_t position) const {
         const Source& source = sources_.all()[position];
-        return {source, *source.essence};
+        return {source, *source.essence, timecodes_.of(source.essence->id)};
     }
 
   private:
     Sources sources_;
+    SourceTimecodes timecodes_;
 };
 
 using Row = SourceRows::Row;
@@ -41,7 +45,7 @@ void sayFile(const Row& row, Cell& cell) {
     }
 }
 
-const std::array<ColumnOf<Row>, 13> sourceColumns{{
+const std::array<ColumnOf<Row>, 16> sourceColumns{{
     {{"name", "Audio file", everyone, Align::left, true},
      [](const Row& row, Cell& cell) { cell.text(sourceName(row.essence)); }},
     {{"", "State", people, Align::left, false, 1},
@@ -65,6 +69,24 @@ const std::array<ColumnOf<Row>, 13> sourceColumns{{
     {{"codec", "Codec"}, [](const Row& row, Cell& cell) { cell.text(row.essence.codec); }},
     {{"clips", "Clips", everyone, Align::right, false, 4},
      [](const Row& row, Cell& cell) { cell.integer(static_cast<std::int64_t>(row.source.clips)); }},
+    {{"timecode", "Timecode", everyone, Align::left, false, 8},
+     [](const Row& row, Cell& cell) {
+         if (row.timecode != nullptr) {
+             cell.word(labelAt(*row.timecode, AAFRational::zero()));
+         }
+     }},
+    {{"timecodeRate", "Timecode rate (fps)", details, Align::left, false, 0, true},
+     [](const Row& row, Cell& cell) {
+         if (row.timecode != nullptr) {
+             cell.fraction(row.timecode->rate.exactRate);
+         }
+     }},
+    {{"reel", "Reel", everyone, Align::left, true, 9},
+     [](const Row& row, Cell& cell) {
+         if (row.timecode != nullptr) {
+             cell.text(row.timecode->reel);
+         }
+     }},
     {{"path", "Found at", everyone, Align::left, true, 7}, sayFile},
     {{"recordedPath", "Recorded path"},
      [](const Row& row, Cell& cell) { cell.text(row.essence.originalPath); }},

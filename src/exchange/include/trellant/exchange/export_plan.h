@@ -39,6 +39,8 @@ struct ReelTimecode {
     /// Frames that labels count in a second, 1 or more.
     std::int64_t framesPerSecond = 25;
     bool dropFrame = false;
+    /// Frames in a second of real time; absent: as such labels usually last.
+    std::optional<AAFRational> rate{};
     bool operator==(const ReelTimecode&) const = default;
 };
 

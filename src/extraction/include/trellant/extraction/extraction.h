@@ -11,12 +11,22 @@
 #include <trellant/handoff/work_progress.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace [[gnu::visibility("default")]] trellant {
+
+/// What audio files are called.
+enum class FileNaming {
+    /// As the source is.
+    source,
+    /// As its master mob where the source has no name, that of the interchange file, or one that
+    /// several sources bear; else as the source is.
+    masterMob
+};
 
 struct ExtractionRequest {
     std::string file{};
@@ -31,9 +41,14 @@ struct ExtractionRequest {
     /// The written timeline names files by their whole paths; else by the way from its own folder,
     /// so that a folder may be moved and the same hand-off always gives the same bytes.
     bool absolutePaths = false;
-    /// The program that makes AIFC files into WAVE files; absent: they stay as they are.
+    /// The program that makes AIFC files into WAVE files, and lets WAVE files say on which tape
+    /// their sound lies where that has labels; absent: they stay as they are.
     std::optional<std::string> waveConverter{};
     AAFWorkerClient::HelperURLProvider helperURLProvider = installedWorker;
+    FileNaming naming = FileNaming::source;
+    /// What WAVE files of tapes with labels give as their date: seconds since 1970-01-01 00:00:00;
+    /// absent: when the interchange file was changed last, as it says itself.
+    std::optional<std::int64_t> date{};
 };
 
 /// Where the program that writes WAVE lies: beside the command, else in "../libexec/trellant"

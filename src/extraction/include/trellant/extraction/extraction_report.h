@@ -46,6 +46,8 @@ struct AudioEntry {
     /// Files that bear its name, where none was taken: the first of them, and how many there are.
     std::vector<MediaCandidate> candidates{};
     std::size_t filesOfName = 0;
+    /// It is called after a master mob.
+    bool isNamedByMasterMob = false;
     /// Why it was not made into WAVE although that was asked for.
     std::optional<std::string> notConverted{};
 

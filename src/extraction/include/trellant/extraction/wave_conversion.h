@@ -36,9 +36,14 @@ struct WaveConversions {
     KeyedMap<std::string, std::string> failures{};
 };
 
+/// By essence id: where it was recorded, as words that trellant-wav takes behind --origin.
+using ToldOrigins = KeyedMap<std::string, std::vector<std::string>>;
+
 /// Converts every AIFC file in `staging` that a source of the timeline names, and lets the source
-/// name and describe the WAVE file instead. Throws AAFCancellationError.
+/// name and describe the WAVE file instead. The new file says where the source was recorded, and so
+/// does a WAVE file that says nothing of it yet, under its own name. Throws AAFCancellationError.
 [[nodiscard]] WaveConversions convertAll(const std::string& converter, AAFTimeline& timeline,
-                                         const Staging& staging, WorkProgress& progress);
+                                         const Staging& staging, WorkProgress& progress,
+                                         const ToldOrigins& origins = {});
 
 }  // namespace trellant

@@ -61,6 +61,10 @@ struct HandOff {
     OpenChoices openChoices{};
     /// When the file was last changed, as it says itself: seconds since 1970-01-01 00:00:00.
     std::optional<std::int64_t> lastModified{};
+    /// The master mobs that clips play, where they were asked for, and for each of the timeline's
+    /// events the place of its own among them, -1 where it plays none; empty where not asked for.
+    std::vector<AAFWorkerExtensions::MasterMob> masterMobs{};
+    std::vector<std::int64_t> masterMobOfEvents{};
     /// "1.0", of a file of OMF 1.x, which is read as far as its structure is known; absent for
     /// OMF 2.
     std::optional<std::string> olderVersion{};
