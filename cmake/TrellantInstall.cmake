@@ -48,7 +48,8 @@ install(FILES
         ${PROJECT_BINARY_DIR}/package/trellantConfigVersion.cmake
     DESTINATION ${trellant_cmake_dir} COMPONENT development)
 if(TRELLANT_STATIC_LIBRARIES)
-    install(FILES cmake/FindMiniZip.cmake cmake/FindNettle.cmake cmake/FindPugiXml.cmake cmake/FindUtf8proc.cmake
+    install(FILES cmake/FindMiniZip.cmake cmake/FindNettle.cmake cmake/FindPugiXml.cmake
+        cmake/FindSQLite3Static.cmake cmake/FindUtf8proc.cmake
         DESTINATION ${trellant_cmake_dir} COMPONENT development)
 endif()
 
@@ -92,6 +93,9 @@ endif()
 install(FILES man/trellant-omf.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)
 if(TRELLANT_COMMAND)
     install(FILES man/trellant.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)
+    install(PROGRAMS share/slurm/submit share/slurm/scan.sbatch share/slurm/merge.sbatch
+        DESTINATION ${trellant_data_dir}/slurm COMPONENT command)
+    install(PROGRAMS share/parallel/scan DESTINATION ${trellant_data_dir}/parallel COMPONENT command)
     install(FILES completions/trellant.bash RENAME trellant
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT command)
     install(FILES completions/_trellant

@@ -98,7 +98,7 @@ else()
     # Hosts that link the archives link them too; running the command takes nothing of them.
     string(APPEND CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS ", libutf8proc-dev, nettle-dev")
     # What those link that write sessions.
-    set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS "libminizip-dev, libpugixml-dev, zlib1g-dev")
+    set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS "libminizip-dev, libpugixml-dev, libsqlite3-dev, zlib1g-dev")
 endif()
 
 find_program(TRELLANT_SHLIBDEPS dpkg-shlibdeps)

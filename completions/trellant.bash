@@ -25,7 +25,7 @@ _trellant() {
     local anywhere="-h --help -q --quiet -v --verbose"
     local lossy="--media --fail-on"
     local output="-o --output --force"
-    local commands="info list extract export render check page peaks dump validate"
+    local commands="info list extract export render check page peaks scan catalogue dump validate"
     local profiles="post film broadcast-25 music archive"
     local rules="media-missing media-ambiguous media-linked media-past-end media-unused loss-dropped loss-sound"
     rules+=" effects nesting omf-version file-size compositions rate-expected rate-mixed depth-expected"
@@ -47,7 +47,8 @@ _trellant() {
         case $previous in
             --media | --fail-on | --to | --output | -o | --object | --path | --format | --media-mode | --names | \
                 --rate | --name | --language | --samples-per-pair | --bits | --profile | --explain | \
-                --preview-size | --media-folder)
+                --preview-size | --media-folder | --list | --shard | --jobs | --retry | --time-limit | \
+                --memory-limit | --sql | --limit)
                 previous=""
                 continue
                 ;;
@@ -87,7 +88,11 @@ _trellant() {
             _trellant_words "$rules" "$current"
             return
             ;;
-        -o | --output)
+        --retry)
+            _trellant_words "failed" "$current"
+            return
+            ;;
+        -o | --output | --list)
             _trellant_paths '*' "$current"
             return
             ;;
@@ -115,7 +120,7 @@ _trellant() {
             _trellant_words "8 16" "$current"
             return
             ;;
-        --object | --path | --rate | --name | --samples-per-pair | --preview-size | --handles | --from | --until)
+        --object | --path | --rate | --name | --samples-per-pair | --preview-size | --handles | --from | --until | --shard | --jobs | --time-limit | --memory-limit | --sql | --limit)
             return
             ;;
     esac
@@ -138,12 +143,21 @@ _trellant() {
             check) _trellant_words "$anywhere --profile --media --recursive --audio --fail-on --json --junit --sarif $output --list-rules --explain" "$current" ;;
             page) _trellant_words "$anywhere --language --profile --preview-size --media-folder --no-audio $lossy $output" "$current" ;;
             peaks) _trellant_words "$anywhere --samples-per-pair --bits --json $output" "$current" ;;
+            scan) _trellant_words "$anywhere -o --output --list --shard --jobs --no-hash --retry --refresh --time-limit --memory-limit --profile --strict" "$current" ;;
+            catalogue) _trellant_words "$anywhere --sql --limit --csv --json $output" "$current" ;;
             dump) _trellant_words "$anywhere --toc --object --path --all --json" "$current" ;;
             validate) _trellant_words "$anywhere --json" "$current" ;;
         esac
         return
     fi
     case $command in
+        catalogue)
+            if ((places == 0)); then
+                _trellant_words "build query stats" "$current"
+            else
+                _trellant_paths '*' "$current"
+            fi
+            ;;
         list)
             if ((places == 0)); then
                 _trellant_words "tracks clips sources losses" "$current"
@@ -153,7 +167,7 @@ _trellant() {
             ;;
         info | extract | export | render | check | page) _trellant_paths "@($omf|$omfi)" "$current" ;;
         peaks) _trellant_paths "$audio" "$current" ;;
-        dump) _trellant_paths '*' "$current" ;;
+        dump | scan) _trellant_paths '*' "$current" ;;
         help) ((places == 0)) && _trellant_words "$commands" "$current" ;;
         validate) _trellant_paths "$json" "$current" ;;
     esac

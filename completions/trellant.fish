@@ -18,7 +18,7 @@ function __trellant_in
     test "$words[1]" = "$argv[1]"
 end
 
-set -l commands info list extract export render check page peaks dump validate
+set -l commands info list extract export render check page peaks scan catalogue dump validate
 set -l contents tracks clips sources losses
 
 complete -c trellant -f
@@ -36,6 +36,8 @@ complete -c trellant -n __trellant_in -a render -d 'Render tracks, the mix or cl
 complete -c trellant -n __trellant_in -a check -d 'Hold OMF files against published rules of delivery'
 complete -c trellant -n __trellant_in -a page -d 'Write the timeline as a page for any browser'
 complete -c trellant -n __trellant_in -a peaks -d 'Write waveforms of audio files, for tools that draw them'
+complete -c trellant -n __trellant_in -a scan -d 'Look into every OMF file of an archive'
+complete -c trellant -n __trellant_in -a catalogue -d 'Keep the rows of scans in one SQLite file and ask it'
 complete -c trellant -n __trellant_in -a dump -d 'Show the containers behind OMF files, for engineers'
 complete -c trellant -n __trellant_in -a validate -d 'Check timelines and results that were written as JSON'
 complete -c trellant -n __trellant_in -a help -d 'Show the page of a command'
@@ -125,6 +127,28 @@ complete -c trellant -n '__trellant_in peaks' -l json -d 'Write one JSON object 
 complete -c trellant -n '__trellant_in peaks' -s o -l output -r -F -d 'Write to this file'
 complete -c trellant -n '__trellant_in peaks' -l force -d 'Replace an existing file'
 complete -c trellant -n '__trellant_in peaks' -a '(__trellant_files "wav|aif[fc]?")'
+
+complete -c trellant -n '__trellant_in scan' -s o -l output -r -F -d 'Add the rows to this file'
+complete -c trellant -n '__trellant_in scan' -l list -r -F -d 'Take paths from the lines of this file'
+complete -c trellant -n '__trellant_in scan' -l shard -x -d 'Only part I of N parts'
+complete -c trellant -n '__trellant_in scan' -l jobs -x -d 'Read so many files at once'
+complete -c trellant -n '__trellant_in scan' -l no-hash -d 'No checksums'
+complete -c trellant -n '__trellant_in scan' -l retry -x -a failed -d 'Read files again'
+complete -c trellant -n '__trellant_in scan' -l refresh -d 'Read all files again'
+complete -c trellant -n '__trellant_in scan' -l time-limit -x -d 'Take at most so long for a file'
+complete -c trellant -n '__trellant_in scan' -l memory-limit -x -d 'Take at most so much memory for a file'
+complete -c trellant -n '__trellant_in scan' -l profile -r -F -a 'post film broadcast-25 music archive' -d 'Check by these rules'
+complete -c trellant -n '__trellant_in scan' -l strict -d 'End with status 2 when a file could not be read'
+complete -c trellant -n '__trellant_in scan' -F
+
+complete -c trellant -n '__trellant_in catalogue' -a 'build query stats'
+complete -c trellant -n '__trellant_in catalogue' -l sql -x -d 'Ask this'
+complete -c trellant -n '__trellant_in catalogue' -l limit -x -d 'Show so many rows'
+complete -c trellant -n '__trellant_in catalogue' -l csv -d 'Write comma-separated values'
+complete -c trellant -n '__trellant_in catalogue' -l json -d 'Write one JSON object a line'
+complete -c trellant -n '__trellant_in catalogue' -s o -l output -r -F -d 'Write to this file'
+complete -c trellant -n '__trellant_in catalogue' -l force -d 'Replace an existing file'
+complete -c trellant -n '__trellant_in catalogue' -F
 
 complete -c trellant -n '__trellant_in dump' -l toc -d 'Show every entry of the table'
 complete -c trellant -n '__trellant_in dump' -l object -x -d 'Show one object with its properties'

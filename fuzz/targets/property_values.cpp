@@ -77,16 +77,17 @@ constexpr std::size_t longList = 80;
 ValueKind kindOf(OMFProperty property) {
     using enum ValueKind;
     constexpr std::array<ValueKind, omfPropertyCount> kinds{
-        classID,    byteOrder,  references, references, int32,     uid,       text,
-        references, uid,        reference,  rational,   reference, text,      int32,
-        position,   int32,      position,   reference,  text,      reference, text,
-        int16,      int16,      position,   references, text,      text,      reference,
-        uid,        int32,      position,   position,   int32,     position,  int32,
-        references, reference,  reference,  references, reference, text,      int32,
-        reference,  references, int32,      int32,      position,  reference, rational,
-        int16,      references, rational,   rational,   reference, rational,  references,
-        references, references, text,       text,       text,      text,      text,
-        text,       media,      media};
+        classID,    byteOrder,  references, references, int32,      uid,       text,
+        references, uid,        reference,  rational,   reference,  text,      int32,
+        position,   int32,      position,   reference,  text,       reference, text,
+        int16,      int16,      position,   references, text,       text,      reference,
+        uid,        int32,      position,   position,   int32,      position,  int32,
+        references, reference,  reference,  references, reference,  text,      int32,
+        reference,  references, int32,      int32,      position,   reference, rational,
+        int16,      references, rational,   rational,   reference,  rational,  references,
+        references, references, text,       text,       text,       text,      text,
+        text,       media,      media,      int16,      references, text,      text,
+        text};
     return kinds.at(static_cast<std::size_t>(property));
 }
 

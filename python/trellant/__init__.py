@@ -28,6 +28,7 @@ from .errors import (
     WorkerClientError,
 )
 from .extensions import (
+    Application,
     Composition,
     Compositions,
     Contents,
@@ -42,9 +43,13 @@ from .extensions import (
     MasterMobs,
     MediaLength,
     OlderModel,
+    Provenance,
     Reel,
-    Reels,
     ReelTimecode,
+    Reels,
+    SampleData,
+    SamplePiece,
+    Samples,
     SeparateFile,
 )
 from .file_urls import Url, path_of_file_url
@@ -84,4 +89,5 @@ __all__ = [
     "StemRole", "TimeLimitError", "TimecodeAddress", "TimecodeRate", "Timeline", "TimelineError", "TrackState",
     "TrellantError", "UnsupportedFeature", "Url", "WorkerClientError", "decode_progress", "decode_result",
     "decode_timeline", "find_worker", "path_of_file_url", "validate", "worker_places",
+    "Application", "Provenance", "SampleData", "SamplePiece", "Samples",
 ]

@@ -23,6 +23,8 @@ class ExtensionName(str, enum.Enum):
     REELS = "reels"
     CONTENTS = "contents"
     MASTER_MOBS = "masterMobs"
+    PROVENANCE = "provenance"
+    SAMPLE_DATA = "sampleData"
     #: Without this one a file of OMF 1.x is refused.
     OMF1 = "omf1"
 
@@ -218,6 +220,59 @@ class MasterMobs:
 
 
 @dataclass(frozen=True)
+class Application:
+    """A program that had its hand in the file."""
+
+    company: Optional[str] = None
+    product: Optional[str] = None
+    version: Optional[str] = None
+
+
+@dataclass(frozen=True)
+class Provenance:
+    """Where the file comes from, as it says itself, and what reading it took."""
+
+    #: Of the container, such as "2.0".
+    container_version: str
+    #: Values stand with their most significant byte first.
+    big_endian: bool
+    #: The programs that saved the file, the last one last.
+    applications: tuple[Application, ...]
+    #: Of the object model, such as "2.0".
+    model_version: Optional[str] = None
+    #: The most memory that the worker had at once by then, in bytes.
+    peak_memory: Optional[int] = None
+
+
+@dataclass(frozen=True)
+class SamplePiece:
+    """A stretch of the file, in bytes."""
+
+    offset: int
+    length: int
+
+
+@dataclass(frozen=True)
+class Samples:
+    """Where the samples of an embedded source lie in the file, without the chunks of its audio file."""
+
+    essence_id: str
+    #: Bytes of one sample of one channel; 1 where they are compressed.
+    sample_bytes: int
+    #: Samples stand with their most significant byte first; those of one byte are signed.
+    big_endian: bool
+    #: In the order of the sound.
+    pieces: tuple[SamplePiece, ...]
+
+
+@dataclass(frozen=True)
+class SampleData:
+    """Of the embedded sources whose samples can be found from the head of their audio, in their order."""
+
+    samples: tuple[Samples, ...]
+
+
+@dataclass(frozen=True)
 class OlderModel:
     """The file is OMF 1.x, read as far as its structure is known."""
 
@@ -239,5 +294,7 @@ class Extensions:
     contents: Optional[Contents] = None
     #: None also where its names are beyond the bounds of a request.
     master_mobs: Optional[MasterMobs] = None
+    provenance: Optional[Provenance] = None
+    sample_data: Optional[SampleData] = None
     #: None for OMF 2.
     omf1: Optional[OlderModel] = None

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 // trellant: the command for people.
+#include "catalogue/catalogue.h"
 #include "check/check.h"
 #include "commands.h"
 #include "dump/dump.h"
 #include "export/export.h"
 #include "extract/extract.h"
 #include "render/render.h"
+#include "scan/scan.h"
 #include "terminal/interrupts.h"
 
 #include <trellant/handoff/hand_off.h>
@@ -46,6 +48,10 @@ ExitStatus perform(const Call& call, Console& console) {
                 const Cancellable heeded;
                 return runRender({.call = options, .helperURLProvider = installedWorker}, console,
                                  stop);
+            } else if constexpr (std::is_same_v<Options, ScanCall>) {
+                return runScanCall(options, console, stop);
+            } else if constexpr (std::is_same_v<Options, CatalogueCall>) {
+                return runCatalogue(options, console, stop);
             } else if constexpr (std::is_same_v<Options, PageCall>) {
                 return runPage(options, console, stop);
             } else {

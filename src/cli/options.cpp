@@ -65,6 +65,11 @@ CLI::Option* addChoice(CLI::App& command, const std::string& name, Choice& chose
         ->type_name(list);
 }
 
+/// Of --jobs, --time-limit and --memory-limit.
+constexpr std::int64_t mostJobs = 1'024;
+constexpr std::int64_t aDay = 86'400;
+constexpr std::int64_t mostMebibytes = 1'048'576;
+
 /// A number without a point or a unit, both ends included.
 CLI::Validator wholeNumber(std::int64_t least, std::int64_t most) {
     return CLI::Validator(
@@ -133,6 +138,8 @@ class Parser {
         addCheck();
         addPage();
         addPeaks();
+        addScan();
+        addCatalogue();
         addDump();
         addValidate();
     }
@@ -453,6 +460,86 @@ class Parser {
         addDestination(*peaks_, peaksOptions_.destination);
     }
 
+    void addScan() {
+        scan_ = &command("scan", "Looks into every OMF file of an archive, a row of JSON for each",
+                         "  trellant scan /archive -o archive.ndjson\n"
+                         "  trellant scan --list files.txt --shard 3/8 -o part3.ndjson\n"
+                         "  trellant scan /archive -o archive.ndjson --retry failed");
+        scan_->add_option("PATH", scanCall_.paths, "Files, and folders that hold some somewhere");
+        scan_->add_option("-o,--output", scanCall_.output, "Add the rows to this file")
+            ->type_name("SHARD")
+            ->required();
+        scan_
+            ->add_option("--list", scanCall_.lists,
+                         "A file with a path on each line; - is standard input")
+            ->type_name("FILE")
+            ->expected(1)
+            ->take_all();
+        scan_->add_option("--shard", scanCall_.shard, "Only part I of N parts")->type_name("I/N");
+        scan_->add_option("--jobs", scanCall_.jobs, "Files read at once; else one for each core")
+            ->type_name("N")
+            ->check(wholeNumber(1, mostJobs));
+        scan_->add_flag_callback(
+            "--no-hash", [this] { scanCall_.hashes = false; },
+            "No checksums: not of the files, not of their audio");
+        addChoice<scan::Again>(*scan_, "--retry", scanCall_.again,
+                               "Read files again that could not be read",
+                               {{"failed", scan::Again::failed}});
+        scan_->add_flag("--refresh", scanCall_.refresh, "Read all files again");
+        scan_
+            ->add_option("--time-limit", scanCall_.timeLimitSeconds,
+                         "Seconds that reading one file may take; 300 otherwise")
+            ->type_name("SECONDS")
+            ->check(wholeNumber(1, aDay));
+        scan_
+            ->add_option("--memory-limit", scanCall_.memoryLimitMebibytes,
+                         "MiB that reading one file may take; else by its size")
+            ->type_name("MIB")
+            ->check(wholeNumber(1, mostMebibytes));
+        scan_
+            ->add_option("--profile", scanCall_.profile,
+                         "Check each file by these rules too, as trellant check does")
+            ->type_name("PROFILE");
+        scan_->add_flag("--strict", scanCall_.strict,
+                        "End with status 2 when a file could not be read");
+    }
+
+    void addCatalogue() {
+        catalogue_ = &command(
+            "catalogue", "Keeps the rows of scans in one SQLite file and asks it",
+            "  trellant catalogue build archive.sqlite part*.ndjson\n"
+            "  trellant catalogue stats archive.sqlite\n"
+            "  trellant catalogue query archive.sqlite missing-media --csv -o missing.csv\n"
+            "  trellant catalogue query archive.sqlite plays 'Kick 1'\n"
+            "  trellant catalogue query archive.sqlite --sql 'SELECT count(*) FROM files'");
+        addChoice<CatalogueCall::What>(*catalogue_, "WHAT", catalogueCall_.what, "What to do",
+                                       {{"build", CatalogueCall::What::build},
+                                        {"query", CatalogueCall::What::query},
+                                        {"stats", CatalogueCall::What::stats}})
+            ->required();
+        catalogue_->add_option("CATALOGUE", catalogueCall_.catalogue, "The SQLite file")
+            ->required();
+        catalogue_->add_option("REST", catalogueCall_.rest,
+                               "Shards of scans, or a question; query alone lists these");
+        catalogue_->add_option("--sql", catalogueCall_.sql, "Ask this, which may only read")
+            ->type_name("SQL");
+        constexpr std::int64_t mostRows = 1'000'000'000'000;
+        catalogue_
+            ->add_option("--limit", catalogueCall_.limit,
+                         "Rows of an answer; 1000 otherwise, 0 for all")
+            ->type_name("N")
+            ->check(wholeNumber(0, mostRows));
+        auto* const csvFlag = catalogue_->add_flag_callback(
+            "--csv", [this] { catalogueCall_.form = CatalogueCall::Form::csv; },
+            "Comma-separated, for sheets");
+        catalogue_
+            ->add_flag_callback(
+                "--json", [this] { catalogueCall_.form = CatalogueCall::Form::json; },
+                "One JSON object a line")
+            ->excludes(csvFlag);
+        addDestination(*catalogue_, catalogueCall_.destination);
+    }
+
     void addDump() {
         dump_ = &command("dump", "Shows the container behind an OMF file, for engineers",
                          "  trellant dump mix.omf\n"
@@ -554,6 +641,12 @@ class Parser {
         if (peaks_->parsed()) {
             return peaksOptions_;
         }
+        if (scan_->parsed()) {
+            return scanCall_;
+        }
+        if (catalogue_->parsed()) {
+            return catalogueCall_;
+        }
         if (dump_->parsed()) {
             return dumpCall_;
         }
@@ -581,6 +674,8 @@ class Parser {
     CLI::App* check_ = nullptr;
     CLI::App* page_ = nullptr;
     CLI::App* peaks_ = nullptr;
+    CLI::App* scan_ = nullptr;
+    CLI::App* catalogue_ = nullptr;
     CLI::App* dump_ = nullptr;
     CLI::App* validate_ = nullptr;
     InfoOptions infoOptions_;
@@ -592,6 +687,8 @@ class Parser {
     PageCall pageCall_;
     DumpCall dumpCall_;
     PeaksOptions peaksOptions_;
+    ScanCall scanCall_;
+    CatalogueCall catalogueCall_;
     ValidateOptions validateOptions_;
     bool quiet_ = false;
     bool verbose_ = false;

@@ -2,6 +2,7 @@
 // The command line, read.
 #pragma once
 
+#include "catalogue/catalogue.h"
 #include "check/check.h"
 #include "dump/dump.h"
 #include "export/export.h"
@@ -9,6 +10,7 @@
 #include "look/fail_on.h"
 #include "page/page.h"
 #include "render/render.h"
+#include "scan/scan.h"
 #include "terminal/console.h"
 #include "terminal/destination.h"
 #include "terminal/exit_status.h"
@@ -59,8 +61,9 @@ struct ValidateOptions {
     bool json = false;
 };
 
-using Call = std::variant<InfoOptions, ListOptions, ExtractCall, ExportCall, RenderCall, CheckCall,
-                          PageCall, PeaksOptions, DumpCall, ValidateOptions>;
+using Call =
+    std::variant<InfoOptions, ListOptions, ExtractCall, ExportCall, RenderCall, CheckCall, PageCall,
+                 PeaksOptions, ScanCall, CatalogueCall, DumpCall, ValidateOptions>;
 
 struct CommandLine {
     Verbosity verbosity = Verbosity::normal;

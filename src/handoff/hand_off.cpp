@@ -55,8 +55,10 @@ AAFWorkerProtocol::Request requestFor(const WorkerTask& task) {
     sent.aafPath = absoluteText(task.file);
     sent.workDirectory = absoluteText(task.workDirectory);
     sent.extensions = task.extensions;
-    sent.memoryLimit =
-        static_cast<std::int64_t>(anyMemory + memoryTimesTheFile * sizeOf(task.file));
+    constexpr auto most = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+    const std::uint64_t memory =
+        task.memoryLimit.value_or(anyMemory + memoryTimesTheFile * sizeOf(task.file));
+    sent.memoryLimit = static_cast<std::int64_t>(std::min(memory, most));
     return sent;
 }
 
@@ -204,8 +206,13 @@ AAFWorkerProtocol::Result askWorker(const WorkerTask& task, const StopToken& sto
     client.helperURLProvider = namingPlaces(task.helperURLProvider);
     client.resultLimit =
         std::min(client.resultLimit, anyAnswer + answerTimesTheFile * sizeOf(task.file));
+    client.timeLimit = task.timeLimit;
+    const bool isWatched = static_cast<bool>(progress);
     const AskersProgress askers(std::move(progress));
-    auto answer = client.run(requestFor(task), askers.callback(), stop, TimelineChecks::none);
+    // Without a callback the call needs no thread for it.
+    auto answer =
+        client.run(requestFor(task), isWatched ? askers.callback() : AAFWorkerClient::Progress(),
+                   stop, TimelineChecks::none);
     while (answer.wait_for(betweenLooks) != std::future_status::ready) {
         if (whileWaiting) {
             whileWaiting();

@@ -6,6 +6,8 @@
 #include <trellant/mapper/embedded_media.h>
 #include <trellant/mapper/master_mobs.h>
 #include <trellant/mapper/reels.h>
+#include <trellant/omf/provenance.h>
+#include <trellant/omf/sample_data.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -152,6 +154,36 @@ Extensions::Dates datesOf(const OMFDocument& document) {
     return {.lastModified = seconds ? std::optional<std::int64_t>(*seconds) : std::nullopt};
 }
 
+Extensions::Provenance provenanceOf(const OMFDocument& document, const MemoryUse& memory) {
+    const BentoFooter& footer = document.bento().footer();
+    Extensions::Provenance result{.containerVersion = std::to_string(footer.majorVersion) + "." +
+                                                      std::to_string(footer.minorVersion),
+                                  .modelVersion = modelVersion(document),
+                                  .bigEndian = document.byteOrder() == OMFByteOrder::big,
+                                  .peakMemory = memory.peak()};
+    for (OMFApplication& application : applications(document)) {
+        result.applications.push_back({.company = std::move(application.company),
+                                       .product = std::move(application.product),
+                                       .version = std::move(application.version)});
+    }
+    return result;
+}
+
+Extensions::SampleData sampleDataOf(const OMFDocument& document, const AAFTimeline& timeline) {
+    Extensions::SampleData result;
+    for (SampleData& found : sampleData(document, timeline)) {
+        Extensions::Samples samples{.essenceID = std::move(found.essenceID),
+                                    .sampleBytes = found.sampleBytes,
+                                    .bigEndian = found.isBigEndian};
+        samples.pieces.reserve(found.pieces.size());
+        for (const SamplePiece& piece : found.pieces) {
+            samples.pieces.push_back({counted(piece.offset), counted(piece.length)});
+        }
+        result.samples.push_back(std::move(samples));
+    }
+    return result;
+}
+
 }  // namespace
 
 bool asksFor(const AAFWorkerProtocol::Request& request, std::string_view extension) {
@@ -161,7 +193,7 @@ bool asksFor(const AAFWorkerProtocol::Request& request, std::string_view extensi
 
 Boxed<AAFWorkerExtensions> extensionsFor(const AAFWorkerProtocol::Request& request,
                                          const OMFDocument& document, const Mapper& mapper,
-                                         const AAFTimeline& timeline) {
+                                         const AAFTimeline& timeline, const MemoryUse& memory) {
     if (!request.extensions) {
         return {};
     }
@@ -191,6 +223,13 @@ Boxed<AAFWorkerExtensions> extensionsFor(const AAFWorkerProtocol::Request& reque
     }
     if (const auto& older = document.olderModel()) {
         extensions.omf1 = Extensions::OlderModel{.version = older->version()};
+    }
+    if (asksFor(request, Extensions::sampleDataName)) {
+        extensions.sampleData = sampleDataOf(document, timeline);
+    }
+    // Goes last, with the memory that all the others took.
+    if (asksFor(request, Extensions::provenanceName)) {
+        extensions.provenance = provenanceOf(document, memory);
     }
     return extensions;
 }

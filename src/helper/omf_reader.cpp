@@ -3,6 +3,7 @@
 
 #include "directories.h"
 #include "extensions.h"
+#include "memory_use.h"
 
 #include <trellant/base/url.h>
 #include <trellant/io/errors.h>
@@ -63,6 +64,10 @@ AAFWorkerProtocol::Result OMFReader::process(const AAFWorkerProtocol::Request& r
         .source = places.sourcePath,
         .writableDirectory = places.extract ? std::optional(places.workDirectory) : std::nullopt,
         .searchedFolder = places.mediaSearchDirectory};
+    // Opened while the process may still look there.
+    const MemoryUse memory = asksFor(request, AAFWorkerExtensions::provenanceName)
+                                 ? MemoryUse::ofProcess()
+                                 : MemoryUse();
     withinReach(reach);
     const OMFDocument document = opened(request, places.sourcePath);
     progress(progressAfterOpening);
@@ -71,7 +76,7 @@ AAFWorkerProtocol::Result OMFReader::process(const AAFWorkerProtocol::Request& r
         withinReach(reach);
     });
     auto timeline = mapper.makeTimeline(progress);
-    auto extensions = extensionsFor(request, document, mapper, timeline);
+    auto extensions = extensionsFor(request, document, mapper, timeline, memory);
     return {.protocolVersion = AAFWorkerProtocol::version,
             .timeline = std::move(timeline),
             .diagnostics = mapper.diagnostics(),

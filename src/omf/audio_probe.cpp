@@ -164,20 +164,18 @@ bool isPlain(const AudioFormatInfo& format) {
            format.codec == "WAVE format 0xFFFE";
 }
 
-std::optional<std::uint64_t> waveFrames(ByteView data, std::uint64_t size) {
+/// The bytes of the audio in a WAVE file of `size` bytes, from where they begin.
+struct AudioChunk {
+    std::uint64_t offset = 0;
+    std::uint64_t length = 0;
+};
+
+std::optional<AudioChunk> waveAudio(ByteView data, std::uint64_t size) {
     constexpr auto order = OMFByteOrder::little;
     constexpr std::uint32_t sizeElsewhere = 0xFFFFFFFF;
     constexpr std::size_t largeSizes = 16;
-    const auto format = probeWave(data);
-    if (!format || !isPlain(*format)) {
-        return std::nullopt;
-    }
-    const auto described = findChunk(data, order, "fmt ", [](const Chunk& chunk) {
-        return chunk.size >= waveFormatSize && chunk.rest.size() >= waveFormatSize;
-    });
     const auto audio = findChunk(data, order, "data", [](const Chunk&) { return true; });
-    const std::uint64_t frameBytes = described ? u16(described->rest, 12, order) : 0;
-    if (!audio || frameBytes == 0) {
+    if (!audio) {
         return std::nullopt;
     }
     std::uint64_t bytes = audio->size;
@@ -188,7 +186,45 @@ std::optional<std::uint64_t> waveFrames(ByteView data, std::uint64_t size) {
         bytes = large ? u64(large->rest, 8, order) : bytes;
     }
     const std::uint64_t before = data.size() - audio->rest.size();
-    return std::min(bytes, size < before ? 0 : size - before) / frameBytes;
+    return AudioChunk{before, std::min(bytes, size < before ? 0 : size - before)};
+}
+
+std::uint64_t waveFrameBytes(ByteView data) {
+    const auto described = findChunk(data, OMFByteOrder::little, "fmt ", [](const Chunk& chunk) {
+        return chunk.size >= waveFormatSize && chunk.rest.size() >= waveFormatSize;
+    });
+    return described ? u16(described->rest, 12, OMFByteOrder::little) : 0;
+}
+
+std::optional<std::uint64_t> waveFrames(ByteView data, std::uint64_t size) {
+    const auto format = probeWave(data);
+    if (!format || !isPlain(*format)) {
+        return std::nullopt;
+    }
+    const auto audio = waveAudio(data, size);
+    const std::uint64_t frameBytes = waveFrameBytes(data);
+    if (!audio || frameBytes == 0) {
+        return std::nullopt;
+    }
+    return audio->length / frameBytes;
+}
+
+std::int64_t bytesOfBits(std::int64_t bits) {
+    return std::max<std::int64_t>((bits + 7) / 8, 1);
+}
+
+std::optional<SamplePlace> waveSamples(ByteView data, std::uint64_t size) {
+    const auto format = probeWave(data);
+    const auto audio = waveAudio(data, size);
+    if (!format || !audio || audio->length == 0) {
+        return std::nullopt;
+    }
+    const std::uint64_t frameBytes = isPlain(*format) ? waveFrameBytes(data) : 0;
+    const std::uint64_t part = frameBytes == 0 ? 0 : audio->length % frameBytes;
+    return SamplePlace{.offset = audio->offset,
+                       .length = audio->length - part,
+                       .sampleBytes = frameBytes == 0 ? 1 : bytesOfBits(*format->bitDepth),
+                       .isBigEndian = false};
 }
 
 std::optional<std::uint64_t> aiffFrames(ByteView data) {
@@ -199,7 +235,61 @@ std::optional<std::uint64_t> aiffFrames(ByteView data) {
                   : std::nullopt;
 }
 
+/// Bytes of a sample of an AIFF codec that has whole ones, and whether they come as AIFF has them;
+/// absent for compressed ones.
+std::optional<SamplePlace> aiffForm(const AudioFormatInfo& format) {
+    const std::string& codec = *format.codec;
+    if (codec == "AIFF" || codec == "AIFC" || codec == "NONE" || codec == "twos" ||
+        codec == "in24" || codec == "in32" || codec == "fl32" || codec == "FL32" ||
+        codec == "fl64" || codec == "FL64") {
+        return SamplePlace{.sampleBytes = bytesOfBits(*format.bitDepth), .isBigEndian = true};
+    }
+    if (codec == "sowt") {
+        return SamplePlace{.sampleBytes = bytesOfBits(*format.bitDepth), .isBigEndian = false};
+    }
+    return std::nullopt;
+}
+
+/// The chunk "SSND" begins with the offset of the samples behind these numbers (4 bytes) and the
+/// size of blocks (4 bytes).
+std::optional<SamplePlace> aiffSamples(ByteView data, std::uint64_t size) {
+    constexpr std::size_t soundHead = 8;
+    const auto format = probeAiff(data);
+    const auto sound = findChunk(data, OMFByteOrder::big, "SSND", [](const Chunk& chunk) {
+        return chunk.size >= soundHead && chunk.rest.size() >= soundHead;
+    });
+    if (!format || !sound) {
+        return std::nullopt;
+    }
+    const std::uint64_t skipped = soundHead + u32(sound->rest, 0, OMFByteOrder::big);
+    const std::uint64_t begin = data.size() - sound->rest.size() + skipped;
+    if (skipped >= sound->size || begin >= size) {
+        return std::nullopt;
+    }
+    const auto form = aiffForm(*format);
+    SamplePlace place = form.value_or(SamplePlace());
+    place.offset = begin;
+    place.length = std::min<std::uint64_t>(sound->size - skipped, size - begin);
+    if (form) {
+        const std::uint64_t frameBytes = static_cast<std::uint64_t>(place.sampleBytes) *
+                                         static_cast<std::uint64_t>(*format->channels);
+        const std::uint64_t counted = aiffFrames(data).value_or(0) * frameBytes;
+        place.length = std::min(place.length, counted);
+    }
+    return place.length == 0 ? std::nullopt : std::optional(place);
+}
+
 }  // namespace
+
+std::optional<SamplePlace> AudioProbe::samples(ByteView data, std::uint64_t size) {
+    if (data.size() < headSize) {
+        return std::nullopt;
+    }
+    if (hasText(data, 0, "RIFF") || hasText(data, 0, "RF64")) {
+        return waveSamples(data, size);
+    }
+    return hasText(data, 0, "FORM") ? aiffSamples(data, size) : std::nullopt;
+}
 
 std::optional<std::uint64_t> AudioProbe::frames(ByteView data, std::uint64_t size) {
     if (data.size() < headSize) {

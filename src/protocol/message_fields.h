@@ -123,6 +123,44 @@ struct RecordFields<AAFWorkerExtensions::OlderModel> {
 };
 
 template <>
+struct RecordFields<AAFWorkerExtensions::Application> {
+    using R = AAFWorkerExtensions::Application;
+    static constexpr auto fields =
+        std::tuple{field("company", &R::company), field("product", &R::product),
+                   field("version", &R::version)};
+};
+
+template <>
+struct RecordFields<AAFWorkerExtensions::Provenance> {
+    using R = AAFWorkerExtensions::Provenance;
+    static constexpr auto fields =
+        std::tuple{field("containerVersion", &R::containerVersion),
+                   field("modelVersion", &R::modelVersion), field("bigEndian", &R::bigEndian),
+                   field("applications", &R::applications), field("peakMemory", &R::peakMemory)};
+};
+
+template <>
+struct RecordFields<AAFWorkerExtensions::SamplePiece> {
+    using R = AAFWorkerExtensions::SamplePiece;
+    static constexpr auto fields =
+        std::tuple{field("offset", &R::offset), field("length", &R::length)};
+};
+
+template <>
+struct RecordFields<AAFWorkerExtensions::Samples> {
+    using R = AAFWorkerExtensions::Samples;
+    static constexpr auto fields =
+        std::tuple{field("essenceID", &R::essenceID), field("sampleBytes", &R::sampleBytes),
+                   field("bigEndian", &R::bigEndian), field("pieces", &R::pieces)};
+};
+
+template <>
+struct RecordFields<AAFWorkerExtensions::SampleData> {
+    using R = AAFWorkerExtensions::SampleData;
+    static constexpr auto fields = std::tuple{field("samples", &R::samples)};
+};
+
+template <>
 struct RecordFields<AAFWorkerExtensions> {
     using R = AAFWorkerExtensions;
     static constexpr auto fields = std::tuple{field("lossPlaces", &R::lossPlaces),
@@ -132,7 +170,9 @@ struct RecordFields<AAFWorkerExtensions> {
                                               field("reels", &R::reels),
                                               field("contents", &R::contents),
                                               field("masterMobs", &R::masterMobs),
-                                              field("omf1", &R::omf1)};
+                                              field("omf1", &R::omf1),
+                                              field("provenance", &R::provenance),
+                                              field("sampleData", &R::sampleData)};
 };
 
 template <>

@@ -76,6 +76,8 @@ class SmallFiles(unittest.TestCase):
                     self.status_within_bounds(omf, name, arguments)
             self.status_within_bounds(omf, "extract --salvage",
                                       ["extract", str(omf), "--salvage", "--to", str(work / "rescued")])
+            shard = str(work / "shard.ndjson")
+            self.status_within_bounds(omf, "scan", ["scan", str(omf), "--profile", "post", "-o", shard])
             for name, arguments in dumps(str(omf)):
                 self.status_within_bounds(omf, name, arguments)
             shutil.rmtree(work)

@@ -7,7 +7,7 @@ from pathlib import Path
 
 COMMAND = os.environ["TRELLANT_COMMAND"]
 TREE = Path(__file__).resolve().parents[2]
-COMMANDS = ("info", "list", "extract", "export", "render", "check", "page", "peaks", "dump", "validate")
+COMMANDS = ("info", "list", "extract", "export", "render", "check", "page", "peaks", "scan", "catalogue", "dump", "validate")
 
 
 def page(*command):

@@ -32,6 +32,8 @@ TEST(PropertyKind, IsThatOfThePropertysPlaceInTheTable) {
     EXPECT_EQ(kindOf(OMFProperty::networkLocatorURL), ValueKind::text);
     EXPECT_EQ(kindOf(OMFProperty::macLocatorFileName), ValueKind::text);
     EXPECT_EQ(kindOf(OMFProperty::aifcAudioData), ValueKind::media);
+    EXPECT_EQ(kindOf(OMFProperty::headIdentificationList), ValueKind::references);
+    EXPECT_EQ(kindOf(OMFProperty::identProductVersionString), ValueKind::text);
 }
 
 TEST(PropertyValues, ReferencesAreInTheOrderOfTheDocument) {

@@ -102,6 +102,35 @@ TEST_F(HelperExtensions, ContentsAreWhatTheTimelineDoesNotSay) {
         << answer;
 }
 
+TEST_F(HelperExtensions, ProvenanceIsWhatTheHeaderSays) {
+    OmfBuilder omf = oneClipDocument();
+    ObjectBuilder first = omf.object("IDNT");
+    first.string("OMFI:IDNT:ProductName", "Desk");
+    ObjectBuilder second = omf.object("IDNT");
+    second.string("OMFI:IDNT:CompanyName", "A House");
+    second.string("OMFI:IDNT:ProductVersionString", "8.1");
+    omf.head().bytes("OMFI:HEAD:Version", hex("02 01"));
+    omf.head().refs("OMFI:HEAD:IdentificationList", {first, second});
+    writeFile(source_, omf.build());
+    const std::string answer = runAsking("[\"provenance\"]").output;
+    EXPECT_NE(answer.find(R"("provenance":{"applications":[{"product":"Desk"},)"
+                          R"({"company":"A House","version":"8.1"}],"bigEndian":false,)"
+                          R"("containerVersion":"2.0","modelVersion":"2.1","peakMemory":)"),
+              std::string::npos)
+        << answer;
+}
+
+// 480 samples of two bytes stand behind the 44 bytes of a WAVE head, somewhere in the file.
+TEST_F(HelperExtensions, SampleDataAreWhereTheSamplesLie) {
+    const std::string answer = runAsking("[\"sampleData\"]").output;
+    EXPECT_NE(answer.find(R"("sampleData":{"samples":[{"bigEndian":false,)"
+                          R"("essenceID":"omf-essence-00000001-00000002-00000003",)"
+                          R"("pieces":[{"length":960,"offset":)"),
+              std::string::npos)
+        << answer;
+    EXPECT_NE(answer.find(R"(],"sampleBytes":2}]})"), std::string::npos) << answer;
+}
+
 TEST_F(HelperExtensions, AFileWithoutADateSaysNone) {
     EXPECT_EQ(runAsking("[\"dates\"]").output, resultWith("{\"dates\":{}}"));
 }

@@ -45,6 +45,8 @@ TESTS = {
     "exporter": (*of_room("exporter"), EXPORT),
     "render": (*of_room("render"), RENDER),
     "page": of_room("page"),
+    "scan": of_room("scan", "catalogue"),
+    "catalogue": of_room("catalogue"),
     "cli": (*of_room("cli"), EXTRACT, EXPORT),
     "listening": of_room("listening"),
     "wav": (*of_room("wav"), EXTRACT, EXPORT),

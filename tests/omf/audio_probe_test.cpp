@@ -295,5 +295,52 @@ TEST(AudioFrames, OfAiffAreCounted) {
               10U);
 }
 
+// A head of RIFF or FORM, a chunk "fmt " of 16 bytes or "COMM" of 18, and the head of the chunk of
+// the samples: 12 + 24 + 8 and 12 + 26 + 8 + 8 bytes.
+TEST(AudioSamples, LieBehindTheHeadOfTheirChunkInWholeFrames) {
+    const Bytes wave = waveImage({.channels = 2, .bitsPerSample = 24, .samples = patternBytes(40)});
+    // Six bytes a frame: 36 of 40.
+    EXPECT_EQ(AudioProbe::samples(wave, wave.size()),
+              (SamplePlace{.offset = 44, .length = 36, .sampleBytes = 3, .isBigEndian = false}));
+    // The file ends within the samples.
+    EXPECT_EQ(AudioProbe::samples(wave, 44 + 13),
+              (SamplePlace{.offset = 44, .length = 12, .sampleBytes = 3, .isBigEndian = false}));
+    EXPECT_EQ(AudioProbe::samples(wave, 44), std::nullopt);
+    const Bytes aiff = aiffImage({.channels = 1, .samples = patternBytes(40)});
+    EXPECT_EQ(AudioProbe::samples(aiff, aiff.size()),
+              (SamplePlace{.offset = 54, .length = 40, .sampleBytes = 2, .isBigEndian = true}));
+}
+
+TEST(AudioSamples, OfCompressedAudioAreItsBytes) {
+    const Bytes wave = waveImage({.formatTag = 0x55, .samples = patternBytes(41)});
+    EXPECT_EQ(AudioProbe::samples(wave, wave.size()),
+              (SamplePlace{.offset = 44, .length = 41, .sampleBytes = 1, .isBigEndian = false}));
+    const auto packed = AudioProbe::samples(
+        aiffImage({.formType = "AIFC", .compressionType = "ima4", .samples = patternBytes(34)}),
+        1'000);
+    ASSERT_TRUE(packed);
+    EXPECT_EQ(packed->length, 34U);
+    EXPECT_EQ(packed->sampleBytes, 1);
+    EXPECT_FALSE(packed->isBigEndian);
+    const auto swapped = AudioProbe::samples(
+        aiffImage({.formType = "AIFC", .compressionType = "sowt", .samples = patternBytes(34)}),
+        1'000);
+    ASSERT_TRUE(swapped);
+    EXPECT_EQ(swapped->sampleBytes, 2);
+    EXPECT_FALSE(swapped->isBigEndian);
+}
+
+TEST(AudioSamples, AreAbsentWhereTheHeadDoesNotReach) {
+    const Bytes wave = waveImage({.samples = patternBytes(40)});
+    for (std::size_t size = 0; size < 44; ++size) {
+        EXPECT_EQ(AudioProbe::samples(ByteView(wave).first(size), 84), std::nullopt) << size;
+    }
+    const Bytes aiff = aiffImage({.samples = patternBytes(40)});
+    for (std::size_t size = 0; size < 54; ++size) {
+        EXPECT_EQ(AudioProbe::samples(ByteView(aiff).first(size), 94), std::nullopt) << size;
+    }
+    EXPECT_EQ(AudioProbe::samples(bytesOf("nothing that is known"), 1'000), std::nullopt);
+}
+
 }  // namespace
 }  // namespace trellant

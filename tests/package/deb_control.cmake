@@ -27,7 +27,7 @@ Version: ${VERSION}-1
 Section: libdevel
 Priority: optional
 Depends: trellant (= ${VERSION}-1), libutf8proc-dev, nettle-dev
-Recommends: libminizip-dev, libpugixml-dev, zlib1g-dev
+Recommends: libminizip-dev, libpugixml-dev, libsqlite3-dev, zlib1g-dev
 Suggests: libtrellant-doc
 Breaks: trellant (<< 0.2.0)
 Replaces: trellant (<< 0.2.0)

@@ -309,6 +309,14 @@ AAFWorkerExtensions::Contents sampleContents() {
             .nestedGroups = 3};
 }
 
+AAFWorkerExtensions::Provenance sampleProvenance() {
+    return {.containerVersion = "1.0",
+            .modelVersion = "2.0",
+            .bigEndian = true,
+            .applications = {{.company = "A House", .product = "Desk", .version = "8"}, {}},
+            .peakMemory = 4'096};
+}
+
 TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
     AAFWorkerExtensions extensions;
     extensions.lossPlaces = AAFWorkerExtensions::LossPlaces{{{.kind = LossKind::transitionAsCut,
@@ -339,6 +347,9 @@ TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
     extensions.contents = sampleContents();
     extensions.masterMobs = AAFWorkerExtensions::MasterMobs{
         {{.mobID = "a", .name = "Take 1"}, {.mobID = "b"}}, {1, -1}};
+    extensions.provenance = sampleProvenance();
+    extensions.sampleData = AAFWorkerExtensions::SampleData{
+        {{.essenceID = "e", .sampleBytes = 3, .bigEndian = true, .pieces = {{7, 9}, {20, 30}}}}};
     extensions.omf1 = AAFWorkerExtensions::OlderModel{.version = "1.0"};
     Result result;
     result.extensions = extensions;
@@ -361,11 +372,18 @@ TEST(WorkerExtensions, EveryFieldIsKeptAndAbsentOnesAreLeftOut) {
             R"("start":{"denominator":2,"numerator":1},"trackID":"omf-track-1","trackIndex":2,)"
             R"("trackName":"Atmo"},{"kind":"other"}]},)"
             R"("masterMobs":{"masterMobs":[{"mobID":"a","name":"Take 1"},{"mobID":"b"}],)"
-            R"("ofEvents":[1,-1]},"omf1":{"version":"1.0"},"reels":{"reels":[{"essenceID":"e",)"
+            R"("ofEvents":[1,-1]},"omf1":{"version":"1.0"},)"
+            R"("provenance":{"applications":[{"company":"A House","product":"Desk",)"
+            R"("version":"8"},{}],"bigEndian":true,"containerVersion":"1.0",)"
+            R"("modelVersion":"2.0","peakMemory":4096},)"
+            R"("reels":{"reels":[{"essenceID":"e",)"
             R"("mobID":"m","name":"TAPE 7","start":{"denominator":2,"numerator":7},)"
             R"("timecode":{"dropFrame":true,"editRate":{"denominator":1001,"numerator":30000},)"
             R"("framesPerSecond":30,"start":90000}},)"
-            R"({"essenceID":"f","mobID":"n","start":{"denominator":1,"numerator":0}}]}},)"
+            R"({"essenceID":"f","mobID":"n","start":{"denominator":1,"numerator":0}}]},)"
+            R"("sampleData":{"samples":[{"bigEndian":true,"essenceID":"e",)"
+            R"("pieces":[{"length":9,"offset":7},{"length":30,"offset":20}],)"
+            R"("sampleBytes":3}]}},)"
             R"("protocolVersion":1)"),
         std::string::npos)
         << sink.text;

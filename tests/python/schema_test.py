@@ -26,6 +26,8 @@ RECORDS = {
     trellant.SeparateFile: "separateFile", trellant.EmbeddedMedia: "embeddedMedia", trellant.Dates: "dates",
     trellant.ReelTimecode: "reelTimecode", trellant.Reel: "reel", trellant.Reels: "reels",
     trellant.MediaLength: "mediaLength", trellant.Contents: "contents",
+    trellant.Application: "application", trellant.Provenance: "provenance",
+    trellant.SamplePiece: "samplePiece", trellant.Samples: "samples", trellant.SampleData: "sampleData",
     trellant.MasterMob: "masterMob", trellant.MasterMobs: "masterMobs", trellant.OlderModel: "olderModel",
     trellant.Extensions: "extensions",
 }

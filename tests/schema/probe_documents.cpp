@@ -58,6 +58,17 @@ AAFWorkerExtensions sampleExtensions() {
                              .unusedBytes = 1'000,
                              .renderedEffects = 2,
                              .nestedGroups = 3};
+    extensions.provenance = Extensions::Provenance{
+        .containerVersion = "2.0",
+        .modelVersion = "2.0",
+        .bigEndian = true,
+        .applications = {{.company = "A House", .product = "Desk", .version = "8.0"}},
+        .peakMemory = 3'000'000};
+    extensions.sampleData =
+        Extensions::SampleData{{{.essenceID = "omf-essence-1",
+                                 .sampleBytes = 2,
+                                 .bigEndian = true,
+                                 .pieces = {{.offset = 100, .length = 96'000}}}}};
     extensions.omf1 = Extensions::OlderModel{.version = "1.0"};
     return extensions;
 }

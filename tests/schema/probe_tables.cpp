@@ -119,6 +119,16 @@ constexpr const char* nameOf<AAFWorkerExtensions::MediaLength> = "mediaLength";
 template <>
 constexpr const char* nameOf<AAFWorkerExtensions::Contents> = "contents";
 template <>
+constexpr const char* nameOf<AAFWorkerExtensions::Application> = "application";
+template <>
+constexpr const char* nameOf<AAFWorkerExtensions::Provenance> = "provenance";
+template <>
+constexpr const char* nameOf<AAFWorkerExtensions::SamplePiece> = "samplePiece";
+template <>
+constexpr const char* nameOf<AAFWorkerExtensions::Samples> = "samples";
+template <>
+constexpr const char* nameOf<AAFWorkerExtensions::SampleData> = "sampleData";
+template <>
 constexpr const char* nameOf<AAFWorkerExtensions::OlderModel> = "olderModel";
 template <>
 constexpr const char* nameOf<Protocol::Request> = "request";

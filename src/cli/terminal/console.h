@@ -41,6 +41,8 @@ class Console {
     [[nodiscard]] bool outHasColour() const noexcept { return outHasColour_; }
     [[nodiscard]] Verbosity verbosity() const noexcept { return verbosity_; }
 
+    /// Whether bar() shows anything.
+    [[nodiscard]] bool hasBar() const noexcept { return hasBar_; }
     /// One line at the foot of the terminal on standard error, drawn anew at each call; nothing
     /// when that is no terminal or when quiet. `fraction` from 0 to 1. Messages in between do not
     /// mix with it.

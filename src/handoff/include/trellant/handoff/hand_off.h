@@ -12,6 +12,8 @@
 #include <trellant/model/timeline.h>
 #include <trellant/protocol/messages.h>
 
+#include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -104,11 +106,16 @@ struct WorkerTask {
     std::string workDirectory = ".";
     std::vector<std::string> extensions{};
     AAFWorkerClient::HelperURLProvider helperURLProvider = installedWorker;
+    /// As AAFWorkerClient has it.
+    std::optional<std::chrono::milliseconds> timeLimit{};
+    /// Bytes that the worker may take, in place of what a file of that size can need.
+    std::optional<std::uint64_t> memoryLimit{};
 };
 
 /// The worker's answer as it is, not validated. Answer and worker take at most so much memory as a
 /// file of that size can need: 32 MiB and 16 times the
-/// size of the file for the answer, 384 MiB and 64 times the size for the worker.
+/// size of the file for the answer, 384 MiB and 64 times the size for the worker if the task names
+/// no limit. Throws AAFTimeLimitError too where it names one.
 /// `whileWaiting`, called about ten times a second on this thread, may throw. Throws as readHandOff
 /// does.
 [[nodiscard]] AAFWorkerProtocol::Result askWorker(const WorkerTask& task, const StopToken& stop,

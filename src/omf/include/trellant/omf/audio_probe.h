@@ -23,6 +23,17 @@ struct AudioFormatInfo {
     bool operator==(const AudioFormatInfo&) const = default;
 };
 
+/// Where the samples of an audio file lie in it, without its chunks.
+struct SamplePlace {
+    /// In bytes; the length is that of whole frames where frames have a size.
+    std::uint64_t offset = 0;
+    std::uint64_t length = 0;
+    /// As SampleData has them (sample_data.h).
+    std::int64_t sampleBytes = 1;
+    bool isBigEndian = false;
+    bool operator==(const SamplePlace&) const = default;
+};
+
 /// Nothing here throws for what a file holds: a header that is not recognised is absent.
 struct AudioProbe {
     /// `data` begins with the file's first byte.
@@ -33,6 +44,9 @@ struct AudioProbe {
     /// has room for, as many as AIFF counts. Absent where `data` ends before it is said, and for
     /// compressed WAVE.
     [[nodiscard]] static std::optional<std::uint64_t> frames(ByteView data, std::uint64_t size);
+    /// The samples of a file of `size` bytes that begins with `data`; absent where `data` ends
+    /// before their chunk begins, and where there are none.
+    [[nodiscard]] static std::optional<SamplePlace> samples(ByteView data, std::uint64_t size);
 };
 
 }  // namespace trellant

@@ -77,10 +77,15 @@ enum class OMFProperty : std::uint8_t {
     macLocatorFileName,
     waveAudioData,
     aifcAudioData,
+    headVersion,
+    headIdentificationList,
+    identCompanyName,
+    identProductName,
+    identProductVersionString,
 };
 
 /// The full names, in the order of OMFProperty.
-inline constexpr std::array<std::string_view, 66> omfPropertyNames{
+inline constexpr std::array<std::string_view, 71> omfPropertyNames{
     "OMFI:OOBJ:ObjClass",
     "OMFI:HEAD:ByteOrder",
     "OMFI:HEAD:PrimaryMobs",
@@ -147,10 +152,15 @@ inline constexpr std::array<std::string_view, 66> omfPropertyNames{
     "OMFI:MACL:FileName",
     "OMFI:WAVE:AudioData",
     "OMFI:AIFC:AudioData",
+    "OMFI:HEAD:Version",
+    "OMFI:HEAD:IdentificationList",
+    "OMFI:IDNT:CompanyName",
+    "OMFI:IDNT:ProductName",
+    "OMFI:IDNT:ProductVersionString",
 };
 
 inline constexpr std::size_t omfPropertyCount =
-    static_cast<std::size_t>(OMFProperty::aifcAudioData) + 1;
+    static_cast<std::size_t>(OMFProperty::identProductVersionString) + 1;
 static_assert(omfPropertyNames.size() == omfPropertyCount);
 
 [[nodiscard]] constexpr std::string_view nameOf(OMFProperty property) {

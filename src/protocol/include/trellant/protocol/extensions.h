@@ -25,6 +25,8 @@ struct AAFWorkerExtensions {
     static constexpr std::string_view reelsName = "reels";
     static constexpr std::string_view contentsName = "contents";
     static constexpr std::string_view masterMobsName = "masterMobs";
+    static constexpr std::string_view provenanceName = "provenance";
+    static constexpr std::string_view sampleDataName = "sampleData";
     /// Without this one a file of OMF 1.x is refused.
     static constexpr std::string_view omf1Name = "omf1";
 
@@ -179,6 +181,54 @@ struct AAFWorkerExtensions {
         bool operator==(const OlderModel&) const = default;
     };
 
+    /// A program that had its hand in the file.
+    struct Application {
+        std::optional<std::string> company{};
+        std::optional<std::string> product{};
+        std::optional<std::string> version{};
+        bool operator==(const Application&) const = default;
+    };
+
+    /// Where the file comes from, and what reading it took.
+    struct Provenance {
+        /// Of the container, "2.0".
+        std::string containerVersion{};
+        /// Of the object model, "2.0"; absent where the header does not say.
+        std::optional<std::string> modelVersion{};
+        /// Values stand with their most significant byte first.
+        bool bigEndian = false;
+        /// In the order in which they saved the file.
+        std::vector<Application> applications{};
+        /// The most memory that the worker had at once so far, in bytes; absent where the system
+        /// does not say.
+        std::optional<std::int64_t> peakMemory{};
+        bool operator==(const Provenance&) const = default;
+    };
+
+    /// A stretch of the file, in bytes.
+    struct SamplePiece {
+        std::int64_t offset = 0;
+        std::int64_t length = 0;
+        bool operator==(const SamplePiece&) const = default;
+    };
+
+    /// Where the samples of an embedded essence lie in the file.
+    struct Samples {
+        std::string essenceID{};
+        /// Bytes of one sample of one channel; 1 where they are compressed.
+        std::int64_t sampleBytes = 1;
+        /// Samples have their most significant byte first; those of one byte are signed.
+        bool bigEndian = false;
+        std::vector<SamplePiece> pieces{};
+        bool operator==(const Samples&) const = default;
+    };
+
+    /// Of the embedded essences whose samples can be found from the head of their audio.
+    struct SampleData {
+        std::vector<Samples> samples{};
+        bool operator==(const SampleData&) const = default;
+    };
+
     Boxed<LossPlaces> lossPlaces{};
     Boxed<Compositions> compositions{};
     Boxed<EmbeddedMedia> embeddedMedia{};
@@ -186,6 +236,8 @@ struct AAFWorkerExtensions {
     Boxed<Reels> reels{};
     Boxed<Contents> contents{};
     Boxed<MasterMobs> masterMobs{};
+    Boxed<Provenance> provenance{};
+    Boxed<SampleData> sampleData{};
     Boxed<OlderModel> omf1{};
     bool operator==(const AAFWorkerExtensions&) const = default;
 };

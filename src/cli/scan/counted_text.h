@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
+// Counts and sizes as people read them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace trellant::cli {
+
+/// "1,234,567".
+[[nodiscard]] std::string countedText(std::uint64_t count);
+
+/// "999 bytes", "1.2 kB", "34.5 GB": powers of a thousand, cut and not rounded.
+[[nodiscard]] std::string bytesText(std::uint64_t bytes);
+
+}  // namespace trellant::cli
