@@ -8,9 +8,13 @@
 namespace trellant::cli {
 
 std::string countedText(std::uint64_t count) {
-    std::string text = std::to_string(count);
-    for (std::size_t at = text.size(); at > 3; at -= 3) {
-        text.insert(at - 3, ",");
+    const std::string digits = std::to_string(count);
+    std::string text;
+    for (std::size_t at = 0; at < digits.size(); ++at) {
+        if (at > 0 && (digits.size() - at) % 3 == 0) {
+            text += ',';
+        }
+        text += digits[at];
     }
     return text;
 }
