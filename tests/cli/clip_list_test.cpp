@@ -236,8 +236,9 @@ TEST(ClipList, SheetsGetTwoCellsForEachExactTime) {
     EXPECT_THAT(csv, HasSubstr(",Length (s),Length (exact s) numerator,Length (exact s) "
                                "denominator,Length,"));
     EXPECT_THAT(csv, HasSubstr(",0.3333333333333333,1,3,00:00:00:08,"));
-    EXPECT_THAT(csv, HasSubstr("Dialog,3,01:00:02:00,01:00:02:08,Anna,Voice.wav,embedded,4800,"
-                               "16000,48000,mono,2,2,2,1,"));
+    // Named by itself, and its source has no labels and no reel.
+    EXPECT_THAT(csv, HasSubstr("Dialog,3,01:00:02:00,01:00:02:08,Anna,,Voice.wav,embedded,4800,"
+                               "16000,48000,,,,mono,2,2,2,1,"));
 }
 
 TEST(ClipList, ClipsStandInTheOrderOfTheTimeline) {

@@ -4,6 +4,7 @@
 #include <iostream>
 #include <string>
 #include <trellant_testing/aiff_builder.h>
+#include <trellant_testing/omf1_builder.h>
 #include <trellant_testing/omf_builder.h>
 #include <trellant_testing/temporary_directory.h>
 #include <trellant_testing/wave_builder.h>
@@ -127,11 +128,26 @@ Bytes oddMedia() {
     return omf.build();
 }
 
+/// A session of the older object model.
+Bytes older() {
+    Omf1Builder omf;
+    omf.audioFile(
+        {.id = voice,
+         .name = "Voice",
+         .media = aiffImage({.formType = "AIFC", .channels = 1, .samples = Bytes(96'000)}),
+         .length = 48'000});
+    const ObjectID clip = omf.clip({.length = 24'000, .source = voice, .name = "Take 1"});
+    const ObjectID track = omf.track(1, omf.sequence({clip}, "Dialog"));
+    omf.mob({.name = "Older", .tracks = {track}});
+    return omf.build();
+}
+
 void writeAll(const std::string& folder) {
     writeFile(folder + "/unusual.omf", unusual());
     writeFile(folder + "/losses.omf", manyLosses());
     writeFile(folder + "/beyond.omf", beyondSense());
     writeFile(folder + "/media.omf", oddMedia());
+    writeFile(folder + "/older.omf", older());
 }
 
 }  // namespace

@@ -61,7 +61,7 @@ class Folder:
         shutil.copytree(TREE / "examples" / "media", self.path / "media")
         subprocess.run([os.environ["TRELLANT_COMMAND_FILES"], self.path], check=True)
         self.readable = ("session.omf", "archive.omf", "external.omf", "unusual.omf", "losses.omf",
-                         "beyond.omf", "media.omf")
+                         "beyond.omf", "media.omf", "older.omf")
         self.unreadable = self.make_unreadable()
         self.make_media()
 

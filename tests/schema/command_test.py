@@ -28,7 +28,7 @@ OF_A_LOSS = {"track", "trackNumber", "clip", "in", "out", "objectPath", "startSe
 
 # The keys that a line may lack, by schema and record; every other key is always there.
 OPTIONAL = {
-    ("info", ""): {"composition", "length", "firstAudible", "firstAudibleSeconds",
+    ("info", ""): {"omfVersion", "composition", "length", "firstAudible", "firstAudibleSeconds",
                    "firstAudibleSecondsExact", "driftSecondsPerHour", "rateDisagreement"} | LENGTH,
     ("info", "composition"): {"name"},
     ("info", "change"): {"track", "clip", "audioFile", "timecode", "startSeconds",
@@ -40,16 +40,17 @@ OPTIONAL = {
     ("list-sources", ""): {"bitDepth", "codec", "timecode", "timecodeRate", "reel", "path",
                            "recordedPath"},
     ("list-losses", ""): OF_A_LOSS,
-    ("extract", ""): {"notPlayed"},
+    ("extract", ""): {"notPlayed", "omfVersion"},
     ("extract", "audio"): {"name", "nameFrom", "path", "fileURL", "frames", "bitDepth", "channels", "codec",
                            "recordedPath", "sha256", "notConverted"} | LENGTH,
     ("extract", "candidate"): {"frames", "channels", "bitDepth", "misfit"} | LENGTH | RATE,
     ("salvage", ""): {"record", "table"},
     ("salvage", "table"): {"claimedBytes"},
     ("salvage", "sound"): {"claimedBytes", "sampleRate", "channels", "bitDepth", "codec", "frames"},
-    ("export", ""): {"mediaFolder"},
+    ("export", ""): {"mediaFolder", "omfVersion"},
     ("export-losses", "loss"): OF_A_LOSS,
     ("render", "renderedFile"): {"track", "trackName", "clip"},
+    ("check", ""): {"omfVersion"},
     ("check", "finding"): {"track", "trackNumber", "clip", "audioFile", "in", "out", "startSeconds",
                            "startSecondsExact", "durationSeconds", "durationSecondsExact",
                            "objectPath", "foundNumber", "wantedNumber", "unit",
