@@ -26,7 +26,7 @@ constexpr std::size_t mostTextBytes = 4'096;
 template <class Unsigned>
 void appendNumber(Bytes& bytes, Unsigned number) {
     for (std::size_t i = 0; i < sizeof number; ++i) {
-        bytes.push_back(static_cast<std::byte>((number >> (8 * i)) & 0xFFU));
+        bytes.push_back(static_cast<std::byte>((std::uint64_t{number} >> (8 * i)) & 0xFFU));
     }
 }
 

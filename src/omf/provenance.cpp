@@ -4,7 +4,6 @@
 #include <trellant/omf/provenance.h>
 
 #include <algorithm>
-#include <utility>
 
 namespace trellant {
 
@@ -47,12 +46,12 @@ std::vector<OMFApplication> applications(const OMFDocument& document) {
     // Of a list beyond any history the last ones count: they say who wrote what is there.
     const std::size_t first = list.size() - std::min(list.size(), mostApplications);
     for (std::size_t i = first; i < list.size(); ++i) {
-        OMFApplication application{
-            .company = shortText(document, list[i], OMFProperty::identCompanyName),
-            .product = shortText(document, list[i], OMFProperty::identProductName),
-            .version = shortText(document, list[i], OMFProperty::identProductVersionString)};
-        if (application != OMFApplication()) {
-            found.push_back(std::move(application));
+        OMFApplication& application = found.emplace_back();
+        application.company = shortText(document, list[i], OMFProperty::identCompanyName);
+        application.product = shortText(document, list[i], OMFProperty::identProductName);
+        application.version = shortText(document, list[i], OMFProperty::identProductVersionString);
+        if (!application.company && !application.product && !application.version) {
+            found.pop_back();
         }
     }
     return found;
