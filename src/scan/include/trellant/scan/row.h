@@ -107,7 +107,7 @@ struct ScanRow {
     static constexpr std::int64_t currentForm = 1;
 
     std::int64_t row = currentForm;
-    /// Absolute; bytes that are no UTF-8 as \xNN.
+    /// Absolute; bytes that are no UTF-8 as `\xNN`.
     std::string path{};
     std::int64_t size = 0;
     /// "2026-11-22T22:38:42.123456789Z"; empty for what is not there.
