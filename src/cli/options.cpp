@@ -104,6 +104,13 @@ void addMedia(CLI::App& command, std::vector<std::string>& folders) {
         ->take_all();
 }
 
+void addNames(CLI::App& command, FileNaming& naming) {
+    addChoice<FileNaming>(command, "--names", naming,
+                          "Name files after their master mob where their own name says nothing "
+                          "(the usual way), or always after the source",
+                          {{"master", FileNaming::masterMob}, {"source", FileNaming::source}});
+}
+
 void addDestination(CLI::App& command, Destination& destination) {
     command
         .add_option("-o,--output", destination.path,
@@ -236,11 +243,7 @@ class Parser {
         addMedia(*extract_, extractCall_.mediaFolders);
         extract_->add_flag("--wav", extractCall_.wav,
                            "Write AIFF audio as WAVE, sample by sample, with its timecode on tape");
-        addChoice<FileNaming>(*extract_, "--names", extractCall_.naming,
-                              "Name files after their master mob where their own name says nothing "
-                              "(the usual way), or "
-                              "always after the source",
-                              {{"master", FileNaming::masterMob}, {"source", FileNaming::source}});
+        addNames(*extract_, extractCall_.naming);
         extract_->add_flag("--force", extractCall_.force, "Replace existing files");
         extract_->add_flag("--absolute", extractCall_.absolutePaths,
                            "timeline.json names files by their whole paths");
@@ -281,6 +284,7 @@ class Parser {
             "Audio in a folder beside the session (the usual way), where it lies, or inside "
             "(aaf, otioz, dawproject)",
             {{"copy", MediaMode::copy}, {"link", MediaMode::link}, {"embed", MediaMode::embed}});
+        addNames(*export_, exportCall_.naming);
         constexpr std::int64_t highestRate = 384'000;
         export_
             ->add_option("--rate", exportCall_.rate,

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "file_naming.h"
 #include "placement.h"
 #include "told_origin.h"
 
@@ -7,6 +6,7 @@
 #include <trellant/base/url.h>
 #include <trellant/client/errors.h>
 #include <trellant/extraction/extraction.h>
+#include <trellant/extraction/file_naming.h>
 #include <trellant/extraction/staging.h>
 #include <trellant/extraction/taken_out.h>
 #include <trellant/extraction/wave_conversion.h>

@@ -68,19 +68,21 @@ SessionExporter::Outcome SessionExporter::write(const ExportJob& job) {
         progress.check();
         std::optional<SessionExport> session;
         try {
-            session.emplace(ExportRequest{.file = job.file,
-                                          .directoryPath = folder.path(),
-                                          .name = job.name,
-                                          .format = call.format,
-                                          .mediaMode = call.mediaMode,
-                                          .rate = call.rate,
-                                          .mediaFolders = call.mediaFolders,
-                                          .force = call.force,
-                                          .markers = call.markers,
-                                          .date = agreedDate(),
-                                          .waveConverter = options_.waveConverter.value_or(""),
-                                          .helperURLProvider = options_.helperURLProvider},
-                            progress);
+            session.emplace(
+                ExportRequest{.file = job.file,
+                              .directoryPath = folder.path(),
+                              .name = job.name,
+                              .format = call.format,
+                              .mediaMode = call.mediaMode,
+                              .rate = call.rate,
+                              .mediaFolders = call.mediaFolders,
+                              .namesFilesByMasterMob = call.naming == FileNaming::masterMob,
+                              .force = call.force,
+                              .markers = call.markers,
+                              .date = agreedDate(),
+                              .waveConverter = options_.waveConverter.value_or(""),
+                              .helperURLProvider = options_.helperURLProvider},
+                progress);
             ExportReport report = session->run();
             console_.endBar();
             return {.report = std::move(report)};
