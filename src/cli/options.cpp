@@ -225,13 +225,14 @@ class Parser {
             "  trellant extract mix.omf --to mix-audio\n"
             "  trellant extract mix.omf --to mix-audio --wav\n"
             "  trellant extract mix.omf --to mix-audio --media /Volumes/A --media /Volumes/B\n"
-            "  trellant extract broken.omf --to rescued --salvage");
+            "  trellant extract broken.omf --to rescued --salvage\n"
+            "  trellant extract *.omf --to sessions --store audio   equal audio once\n"
+            "  trellant extract mix.omf --bag mix-bag               for an archive");
         extract_
             ->add_option("FILE", extractCall_.files,
                          "OMF files; of several each gets a folder of its own")
             ->required();
         extract_->add_option("--to", extractCall_.directory, "Write here; created when missing")
-            ->required()
             ->type_name("FOLDER");
         addMedia(*extract_, extractCall_.mediaFolders);
         extract_->add_flag("--wav", extractCall_.wav,
@@ -253,6 +254,44 @@ class Parser {
         for (const char* const other : {"--media", "--wav", "--names", "--absolute", "--fail-on"}) {
             salvage->excludes(extract_->get_option(other));
         }
+        addArchiving(*extract_);
+    }
+
+    void addArchiving(CLI::App& extract) {
+        auto* const store =
+            extract.add_option("--store", extractCall_.store,
+                               "Keep equal audio once in this folder, and link to it from --to");
+        store->type_name("STORE")->excludes(extract.get_option("--salvage"));
+        extract
+            .add_flag("--references", extractCall_.references,
+                      "No links: timeline.json names the audio in the store")
+            ->needs(store);
+        auto* const bag = extract.add_option("--bag", bagFolder_,
+                                             "Instead of --to: write a bag for an archive, with "
+                                             "the OMF file and preservation metadata");
+        bag->type_name("FOLDER");
+        for (const char* const other : {"--to", "--store", "--force", "--absolute", "--salvage"}) {
+            bag->excludes(extract.get_option(other));
+        }
+        extract
+            .add_option("--organization", extractCall_.organization,
+                        "Who the bag is from, for bag-info.txt")
+            ->type_name("TEXT")
+            ->needs(bag);
+        extract
+            .add_option("--identifier", extractCall_.identifier,
+                        "What the bag is called elsewhere; else the name of the OMF file")
+            ->type_name("TEXT")
+            ->needs(bag);
+        extract.callback([this, &extract, bag] {
+            if (extract.count("--to") == 0 && bag->count() == 0) {
+                throw CLI::RequiredError("--to or --bag");
+            }
+            if (bag->count() != 0) {
+                extractCall_.bag = true;
+                extractCall_.directory = bagFolder_;
+            }
+        });
     }
 
     void addExport() {
@@ -681,6 +720,7 @@ class Parser {
     InfoOptions infoOptions_;
     ListOptions listOptions_;
     ExtractCall extractCall_;
+    std::string bagFolder_;
     ExportCall exportCall_;
     RenderCall renderCall_;
     CheckCall checkCall_;
