@@ -28,12 +28,13 @@ std::string shown(const std::string& path) {
 std::optional<std::string> wrongUse(const ExtractOptions& options) {
     std::error_code ignored;
     const fs::path directory(options.call.directory);
+    const std::string option = options.call.bag ? "--bag" : "--to";
     if (options.call.directory.empty()) {
-        return "--to needs the name of a folder";
+        return option + " needs the name of a folder";
     }
     if (fs::exists(directory, ignored) && !fs::is_directory(directory, ignored)) {
-        return shown(options.call.directory) +
-               " is a file; name a folder with --to, which is created when it is missing";
+        return shown(options.call.directory) + " is a file; name a folder with " + option +
+               ", which is created when it is missing";
     }
     for (const std::string& folder : options.call.mediaFolders) {
         if (!fs::is_directory(folder, ignored)) {
