@@ -10,6 +10,7 @@ import machine
 import measuring
 import part_rows
 import process_rows
+import salvage_rows
 import table
 import worst_rows
 
@@ -59,6 +60,7 @@ GROUPS = {
     "export": lambda bench, shared: process_rows.sessions(bench),
     "audio": lambda bench, shared: process_rows.audio(bench),
     "check": lambda bench, shared: process_rows.checks(bench),
+    "salvage": lambda bench, shared: salvage_rows.salvage(bench),
     "worst": worst_group,
 }
 
