@@ -171,6 +171,13 @@ void encodeFloating(std::span<const double> values, std::byte* at) noexcept {
     }
 }
 
+template <class Coding>
+void unpackAll(const std::byte* at, std::span<std::int32_t> numbers) noexcept {
+    std::int32_t* const target = numbers.data();
+    forEachNumber<Coding>(at, Coding::bytes, numbers.size(),
+                          [target](std::size_t i, std::int32_t number) { target[i] = number; });
+}
+
 template <class Coding, std::size_t width>
 void widenAll(const std::byte* at, std::size_t step, std::byte* target,
               std::size_t count) noexcept {
@@ -253,6 +260,21 @@ std::uint64_t encodePcm(const PcmFormat& format, std::span<const double> values,
             return encodeWhole<3>(values, bytes.data());
         default:
             return encodeWhole<4>(values, bytes.data());
+    }
+}
+
+void unpackPcm(const PcmFormat& format, ByteView bytes, std::span<std::int32_t> numbers) {
+    precondition(!format.isFloatingPoint && holdsFrames(format, bytes, 1, 0, numbers.size()),
+                 "bytes of whole numbers");
+    switch (format.bits) {
+        case 8:
+            return unpackAll<WholeNumber<1>>(bytes.data(), numbers);
+        case 16:
+            return unpackAll<WholeNumber<2>>(bytes.data(), numbers);
+        case 24:
+            return unpackAll<WholeNumber<3>>(bytes.data(), numbers);
+        default:
+            return unpackAll<WholeNumber<4>>(bytes.data(), numbers);
     }
 }
 

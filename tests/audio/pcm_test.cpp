@@ -147,6 +147,23 @@ TEST(Pcm, WidensWithZerosBelow) {
     EXPECT_EQ(widened(thirtyTwo, bytesOf({1, 2, 3, 4}), 1, 0, thirtyTwo), bytesOf({1, 2, 3, 4}));
 }
 
+TEST(Pcm, UnpacksToTheUpperEnd) {
+    const auto unpacked = [](const PcmFormat& format, const Bytes& bytes) {
+        std::vector<std::int32_t> numbers(bytes.size() / format.bytes());
+        unpackPcm(format, bytes, numbers);
+        return numbers;
+    };
+    EXPECT_EQ(unpacked(eight, bytesOf({0x80, 0x81, 0x00})),
+              (std::vector<std::int32_t>{0, 0x01000000, std::numeric_limits<std::int32_t>::min()}));
+    EXPECT_EQ(unpacked(sixteen, bytesOf({0x34, 0x12, 0xFF, 0xFF})),
+              (std::vector<std::int32_t>{0x12340000, -0x10000}));
+    EXPECT_EQ(unpacked(twentyFour, bytesOf({0x56, 0x34, 0x12, 0xFE, 0xFF, 0xFF})),
+              (std::vector<std::int32_t>{0x12345600, -0x200}));
+    EXPECT_EQ(unpacked(thirtyTwo, bytesOf({0x78, 0x56, 0x34, 0x12})),
+              (std::vector<std::int32_t>{0x12345678}));
+    EXPECT_TRUE(unpacked(sixteen, {}).empty());
+}
+
 TEST(Pcm, WidensAsTheWayThroughFloatingPointDoes) {
     const std::vector<PcmFormat> formats{eight, sixteen, twentyFour, thirtyTwo};
     for (const PcmFormat& from : formats) {

@@ -43,6 +43,9 @@ void decodePcm(const PcmFormat& format, ByteView bytes, std::size_t channels, st
 [[nodiscard]] std::uint64_t encodePcm(const PcmFormat& format, std::span<const double> values,
                                       std::span<std::byte> bytes);
 
+/// Whole numbers one after the other, each at the upper end of 32 bits: `numbers.size()` of them.
+void unpackPcm(const PcmFormat& format, ByteView bytes, std::span<std::int32_t> numbers);
+
 /// Whether whole numbers of `from` are whole numbers of `to`, with zeros below them at most.
 [[nodiscard]] bool isWidening(const PcmFormat& from, const PcmFormat& to) noexcept;
 
