@@ -3,6 +3,7 @@
 #include "report.h"
 #include "report_table.h"
 #include "terminal/console.h"
+#include "terminal/counted.h"
 #include "terminal/pasted_word.h"
 #include "terminal/shown_text.h"
 
@@ -19,10 +20,6 @@ namespace {
 constexpr std::size_t listedCandidates = 10;
 /// Missing sources that are listed.
 constexpr std::size_t listedMissing = 50;
-
-std::string counted(std::size_t count, std::string_view one, std::string_view many) {
-    return std::to_string(count) + " " + std::string(count == 1 ? one : many);
-}
 
 class Screen {
   public:
