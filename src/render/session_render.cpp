@@ -9,6 +9,7 @@
 #include <trellant/base/write_all.h>
 #include <trellant/exporter/exporter.h>
 #include <trellant/exporter/final_places.h>
+#include <trellant/exporter/planned_reels.h>
 #include <trellant/exporter/session_markers.h>
 #include <trellant/exporter/session_media.h>
 #include <trellant/extraction/staging.h>
@@ -146,6 +147,7 @@ void SessionRender::Run::plan() {
     const AAFTimeline& timeline = report_.handOff.timeline;
     exchange::PlanRequest request;
     request.keepsOverlaps = true;
+    request.reels = plannedReels(report_.handOff);
     request.mediaFacts = mediaFacts(timeline, progress_);
     exchange::PlannedSession planned = exchange::planSession(timeline, request);
     report_.losses = exchange::lossesOfPlan(planned, timeline);
@@ -215,9 +217,17 @@ void SessionRender::Run::recordSilence(
 void SessionRender::Run::refuseWithoutRoom(std::uint64_t bytes) const {
     std::error_code error;
     const fs::space_info space = fs::space(request_.directoryPath, error);
-    if (!error && bytes > space.available) {
-        throw RenderRefusal("the files take " + gigabytes(bytes) + ", and the disk has room for " +
-                            gigabytes(space.available));
+    if (error) {
+        return;
+    }
+    // A disk that is full to its last byte stops whatever else writes to it.
+    constexpr std::uint64_t shareLeftFree = 20;
+    const std::uint64_t room = space.available - space.available / shareLeftFree;
+    if (bytes > room) {
+        throw RenderRefusal("the files take " + gigabytes(bytes) + ", and of the " +
+                            gigabytes(space.available) +
+                            " that are free a twentieth is left alone; --from and --until name a "
+                            "part, --to another disk");
     }
 }
 
