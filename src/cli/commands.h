@@ -3,7 +3,7 @@
 // console; nothing but OutputClosed is thrown for it.
 #pragma once
 
-#include "options.h"
+#include "options/options.h"
 #include "terminal/console.h"
 #include "terminal/exit_status.h"
 
