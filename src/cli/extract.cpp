@@ -13,7 +13,8 @@ namespace trellant::cli {
 
 ExitStatus runExtract(const ExtractOptions& given, Console& console, const StopToken& stop) {
     ExtractOptions options = given;
-    if (const auto message = wrongFolders(options.call.directory, options.call.mediaFolders)) {
+    if (const auto message = wrongFolders(options.call.directory, options.call.mediaFolders,
+                                          options.call.bag ? "--bag" : "--to")) {
         console.error(*message);
         return ExitStatus::wrongUse;
     }

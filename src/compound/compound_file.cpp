@@ -52,8 +52,7 @@ CompoundFile::Storage CompoundFile::addStorage(Storage parent, std::u16string_vi
 void CompoundFile::addStream(Storage parent, std::u16string_view name, ByteView bytes) {
     Entry& entry = addEntry(*tree_, parent, name, EntryKind::heldStream);
     entry.byteCount = bytes.size();
-    entry.content = tree_->heldBytes.size();
-    tree_->heldBytes.insert(tree_->heldBytes.end(), bytes.begin(), bytes.end());
+    entry.content = tree_->heldBytes.add(bytes);
 }
 
 void CompoundFile::addStream(Storage parent, std::u16string_view name, std::uint64_t byteCount,

@@ -35,7 +35,7 @@ struct StreamSectors {
     std::uint64_t mini = 0;
 };
 
-StreamSectors sectorsOfStreams(const std::vector<Entry>& entries) {
+StreamSectors sectorsOfStreams(const std::deque<Entry>& entries) {
     BoundedCount own(Bound::sectors);
     BoundedCount mini(Bound::miniSectors);
     for (const Entry& entry : entries) {

@@ -19,7 +19,7 @@ struct Groups {
     std::vector<std::size_t> begins;
 };
 
-Groups groupByParent(const std::vector<Entry>& entries) {
+Groups groupByParent(const std::deque<Entry>& entries) {
     Groups groups{.members = std::vector<std::uint32_t>(entries.size() - 1),
                   .begins = std::vector<std::size_t>(entries.size() + 1)};
     for (std::size_t index = 1; index < entries.size(); ++index) {

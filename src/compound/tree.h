@@ -3,10 +3,13 @@
 // the directory; the root is the first.
 #pragma once
 
+#include "held_bytes.h"
+
 #include <trellant/compound/compound_file.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,10 +39,11 @@ struct Entry {
 
 struct Tree {
     ClassID headerClass{};
-    std::vector<Entry> entries{};
+    /// By the hundred thousand: in pieces, since a vector would copy them all as it grows.
+    std::deque<Entry> entries{};
     std::u16string names{};
     std::vector<ClassID> storageClasses{};
-    Bytes heldBytes{};
+    HeldBytes heldBytes{};
     std::vector<ByteSource> sources{};
 
     [[nodiscard]] std::u16string_view nameOf(const Entry& entry) const noexcept {

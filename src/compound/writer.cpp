@@ -204,8 +204,8 @@ class TreeWriter {
 
     void writeContent(const Entry& entry) {
         if (entry.kind == EntryKind::heldStream) {
-            output_.bytes(ByteView(tree_.heldBytes)
-                              .subspan(entry.content, static_cast<std::size_t>(entry.byteCount)));
+            output_.bytes(
+                tree_.heldBytes.at(entry.content, static_cast<std::size_t>(entry.byteCount)));
             return;
         }
         std::uint64_t got = 0;

@@ -47,7 +47,12 @@ std::optional<FadePlace> fadeInPlace(const PlannedClip& clip) {
 
 class Lanes {
   public:
-    explicit Lanes(std::string name) : name_(std::move(name)) {}
+    /// Most tracks need one lane, for which there is room at once.
+    Lanes(std::string name, std::size_t clipCount) : name_(std::move(name)) {
+        addLane();
+        lanes_.front().clips.reserve(clipCount);
+        free_.insert(0);
+    }
 
     void add(PlannedClip clip) {
         release(clip.start);
@@ -61,12 +66,7 @@ class Lanes {
         lanes_[lane].clips.push_back(std::move(clip));
     }
 
-    [[nodiscard]] std::vector<Lane> all() && {
-        if (lanes_.empty()) {
-            addLane();
-        }
-        return std::move(lanes_);
-    }
+    [[nodiscard]] std::vector<Lane> all() && { return std::move(lanes_); }
 
   private:
     using Busy = std::pair<Samples, std::size_t>;
@@ -147,7 +147,7 @@ bool isCrossfade(const PlannedClip& earlier, const PlannedClip& later) {
 }
 
 std::vector<Lane> lanesOf(std::vector<PlannedClip> clips, const std::string& name) {
-    Lanes lanes(name);
+    Lanes lanes(name, clips.size());
     for (PlannedClip& clip : clips) {
         lanes.add(std::move(clip));
     }

@@ -3,6 +3,7 @@
 #include <trellant/base/url.h>
 #include <trellant/extraction/taken_out.h>
 
+#include <chrono>
 #include <filesystem>
 #include <string_view>
 #include <utility>
@@ -38,6 +39,32 @@ void separate(TakenOut& taken, const Staging& staging) {
     }
 }
 
+/// Says how much lies in the hidden folder by now. A look takes a call of the system for each file,
+/// so that looks become rarer as files become many.
+class Arrivals {
+  public:
+    Arrivals(const Staging& staging, WorkProgress& progress)
+        : staging_(staging), progress_(progress) {}
+
+    void look() {
+        const auto begun = Clock::now();
+        if (begun < next_) {
+            return;
+        }
+        constexpr int restPerLook = 50;
+        progress_.at(staging_.bytes());
+        const auto done = Clock::now();
+        next_ = done + restPerLook * (done - begun);
+    }
+
+  private:
+    using Clock = std::chrono::steady_clock;
+
+    const Staging& staging_;
+    WorkProgress& progress_;
+    Clock::time_point next_{};
+};
+
 }  // namespace
 
 /// The worker gets no media folder: it would take a file by its name alone, and what an earlier run
@@ -54,13 +81,14 @@ TakenOut takeOut(const std::string& file, const Staging& staging,
         extensions.emplace_back(Extensions::contentsName);
     }
     progress.begin("Taking the audio out", bytesOfFile(std::filesystem::absolute(file).native()));
+    Arrivals arrivals(staging, progress);
     AAFWorkerProtocol::Result answer =
         askWorker({.file = file,
                    .operation = AAFWorkerProtocol::Request::Operation::extractAndInspect,
                    .workDirectory = staging.path(),
                    .extensions = std::move(extensions),
                    .helperURLProvider = helperURLProvider},
-                  progress.stop(), {}, [&] { progress.at(staging.bytes()); });
+                  progress.stop(), {}, [&] { arrivals.look(); });
     progress.check();
     TakenOut taken;
     if (const Boxed<Extensions>& said = answer.extensions) {

@@ -47,6 +47,15 @@ def extractions(omf, work):
     yield "extract --wav --json", ["extract", omf, "--to", str(work / "wav"), "--wav", "--json"]
 
 
+def onward(omf, work):
+    """What is made of a file for other programs and for people's eyes and ears."""
+    yield "check", ["check", omf]
+    yield "check --audio", ["check", omf, "--audio"]
+    yield "page", ["page", omf, "-o", str(work / "page.html")]
+    for form in ("aaf", "otio", "reaper", "dawproject", "markers"):
+        yield f"export {form}", ["export", omf, "--to", str(work / form), "--format", form]
+
+
 def measured(arguments):
     """Status, signal, peak in KiB and milliseconds of the command and all that it waits for."""
     with tempfile.NamedTemporaryFile("r") as report, open(os.devnull, "r+b") as nowhere:
@@ -72,7 +81,8 @@ class SmallFiles(unittest.TestCase):
             work.mkdir()
             # A file that the worker refuses costs all that ask it the same.
             if self.status_within_bounds(omf, "info", ["info", str(omf)]) != REFUSED:
-                for name, arguments in [*looks(str(omf)), *extractions(str(omf), work)]:
+                for name, arguments in [*looks(str(omf)), *extractions(str(omf), work),
+                                        *onward(str(omf), work)]:
                     self.status_within_bounds(omf, name, arguments)
             self.status_within_bounds(omf, "extract --salvage",
                                       ["extract", str(omf), "--salvage", "--to", str(work / "rescued")])

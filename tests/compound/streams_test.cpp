@@ -164,5 +164,25 @@ TEST(CompoundStreams, ADescriptorThatTakesNothingIsAnError) {
     EXPECT_THROW(newFile().write(descriptorSink(descriptor.number())), SystemCallError);
 }
 
+// Held bytes lie in pieces of 1,048,576: up to the end of one, none, over it, more than one, none.
+TEST(CompoundStreams, HeldKeepTheirBytesAtTheEndsOfPieces) {
+    const std::vector<std::size_t> lengths{1'048'575, 1, 0, 1'048'570, 6, 1'048'577, 0, 7};
+    std::vector<Bytes> contents;
+    CompoundFile file = newFile();
+    for (std::size_t i = 0; i < lengths.size(); ++i) {
+        contents.push_back(patternBytes(lengths[i]));
+        if (!contents.back().empty()) {
+            contents.back().front() = static_cast<std::byte>(i);
+        }
+        file.addStream(Storage::root,
+                       u"stream " + std::u16string(1, static_cast<char16_t>(u'a' + i)),
+                       contents.back());
+    }
+    const Written written(file);
+    for (std::size_t i = 0; i < contents.size(); ++i) {
+        EXPECT_EQ(written.reader->content(static_cast<std::uint32_t>(i + 1)), contents[i]) << i;
+    }
+}
+
 }  // namespace
 }  // namespace trellant::compound

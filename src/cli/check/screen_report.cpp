@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Verdicts for people: of one file its findings, worst first and grouped by rule; of several files
 // a row each and a summary.
-#include "terminal/counted.h"
+#include "terminal/counted_text.h"
 #include "terminal/shown_text.h"
 #include "terminal/wrapped_text.h"
 #include "verdict_report.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "export_report.h"
 
-#include "terminal/counted.h"
+#include "terminal/counted_text.h"
 #include "terminal/failure_line.h"
 #include "terminal/json_line.h"
 

@@ -26,14 +26,15 @@ std::string shown(const std::string& path) {
 }  // namespace
 
 std::optional<std::string> wrongFolders(const std::string& directory,
-                                        const std::vector<std::string>& mediaFolders) {
+                                        const std::vector<std::string>& mediaFolders,
+                                        const std::string& option) {
     std::error_code ignored;
     if (directory.empty()) {
-        return "--to needs the name of a folder";
+        return option + " needs the name of a folder";
     }
     if (fs::exists(directory, ignored) && !fs::is_directory(directory, ignored)) {
-        return shown(directory) +
-               " is a file; name a folder with --to, which is created when it is missing";
+        return shown(directory) + " is a file; name a folder with " + option +
+               ", which is created when it is missing";
     }
     for (const std::string& folder : mediaFolders) {
         if (!fs::is_directory(folder, ignored)) {

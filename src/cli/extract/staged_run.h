@@ -22,9 +22,11 @@
 
 namespace trellant::cli {
 
-/// Why the folders of a command line cannot be meant; absent when they can.
+/// Why the folders of a command line cannot be meant; absent when they can. `option`: what names
+/// the one that is written into.
 [[nodiscard]] std::optional<std::string> wrongFolders(const std::string& directory,
-                                                      const std::vector<std::string>& mediaFolders);
+                                                      const std::vector<std::string>& mediaFolders,
+                                                      const std::string& option = "--to");
 
 /// `given`, else the program installed with the command. Absent where it is missing, which was said
 /// then.

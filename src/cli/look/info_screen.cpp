@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "info_output.h"
 #include "terminal/console.h"
-#include "terminal/counted.h"
+#include "terminal/counted_text.h"
 #include "terminal/pasted_word.h"
 #include "terminal/shown_text.h"
 
