@@ -48,7 +48,7 @@ _trellant() {
             --media | --fail-on | --to | --output | -o | --object | --path | --format | --media-mode | --names | \
                 --rate | --name | --language | --samples-per-pair | --bits | --profile | --explain | \
                 --preview-size | --media-folder | --list | --shard | --jobs | --retry | --time-limit | \
-                --memory-limit | --sql | --limit)
+                --memory-limit | --sql | --limit | --store | --bag | --organization | --identifier)
                 previous=""
                 continue
                 ;;
@@ -67,7 +67,7 @@ _trellant() {
     done
 
     case $previous in
-        --media | --to | --media-folder)
+        --media | --to | --media-folder | --store | --bag)
             _trellant_paths '' "$current"
             return
             ;;
@@ -120,7 +120,7 @@ _trellant() {
             _trellant_words "8 16" "$current"
             return
             ;;
-        --object | --path | --rate | --name | --samples-per-pair | --preview-size | --handles | --from | --until | --shard | --jobs | --time-limit | --memory-limit | --sql | --limit)
+        --object | --path | --rate | --name | --samples-per-pair | --preview-size | --handles | --from | --until | --shard | --jobs | --time-limit | --memory-limit | --sql | --limit | --organization | --identifier)
             return
             ;;
     esac
@@ -137,7 +137,7 @@ _trellant() {
         case $command in
             info) _trellant_words "$anywhere --json $lossy $output" "$current" ;;
             list) _trellant_words "$anywhere --csv --json $lossy $output" "$current" ;;
-            extract) _trellant_words "$anywhere --to $lossy --wav --names --force --absolute --json --salvage" "$current" ;;
+            extract) _trellant_words "$anywhere --to $lossy --wav --names --force --absolute --json --salvage --store --references --bag --organization --identifier" "$current" ;;
             export) _trellant_words "$anywhere --to --format $lossy --media-mode --rate --name --no-markers --force --json" "$current" ;;
             render) _trellant_words "$anywhere --to --tracks --mix --clips --raw --handles $lossy --from --until --format --resample --force --json" "$current" ;;
             check) _trellant_words "$anywhere --profile --media --recursive --audio --fail-on --json --junit --sarif $output --list-rules --explain" "$current" ;;

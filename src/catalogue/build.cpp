@@ -64,7 +64,9 @@ Bytes32 digestBytes(const std::optional<std::string>& text) {
 class RowTaker {
   public:
     explicit RowTaker(const Database& database)
-        : known_(database, "SELECT id, scanned FROM files WHERE path = ?1"),
+        : firstName_(numberOf(database, "SELECT coalesce(max(id), 0) + 1 FROM named")),
+          nextName_(firstName_),
+          known_(database, "SELECT id, scanned FROM files WHERE path = ?1"),
           remove_(database, "DELETE FROM files WHERE id = ?1"),
           file_(database,
                 "INSERT INTO files VALUES (NULL, ?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, "
@@ -75,7 +77,10 @@ class RowTaker {
                   "?11, ?12, ?13, ?14)"),
           loss_(database, "INSERT INTO losses VALUES (NULL, ?1, ?2, ?3, ?4, ?5)"),
           finding_(database, "INSERT INTO findings VALUES (NULL, ?1, ?2, ?3, ?4, ?5, ?6)"),
-          name_(database, "INSERT INTO named VALUES (NULL, ?1, ?2, ?3)"),
+          forget_(database,
+                  "INSERT INTO temp.removed SELECT id, name FROM named WHERE file = ?1 AND id < "
+                  "?2"),
+          name_(database, "INSERT INTO named VALUES (?1, ?2, ?3, ?4)"),
           database_(database) {}
 
     /// False when the catalogue has a row of that path that is as young.
@@ -94,10 +99,19 @@ class RowTaker {
         }
         known_.reset();
         if (replaced) {
+            forget_.run(*replaced, firstName_);
             remove_.run(*replaced);
         }
         add(row);
         return true;
+    }
+
+    /// Tells the search which names went and which came; once, after the last row.
+    void end() const {
+        database_.run(
+            "INSERT INTO names(names, rowid, name) SELECT 'delete', id, name FROM temp.removed");
+        database_.run("INSERT INTO names(rowid, name) SELECT id, name FROM named WHERE id >= " +
+                      std::to_string(firstName_));
     }
 
   private:
@@ -145,7 +159,7 @@ class RowTaker {
         KeyedSet<std::string> given;
         const auto add = [this, &given](std::string_view kind, const std::string& name) {
             if (!name.empty() && given.insert(std::string(kind) + "\n" + name).second) {
-                name_.run(id_, kind, name);
+                name_.run(nextName_++, id_, kind, name);
             }
         };
         add("file", row.path.substr(row.path.rfind('/') + 1));
@@ -160,6 +174,9 @@ class RowTaker {
         }
     }
 
+    /// Names from this one on are not known to the search yet. No number is used twice in a shard.
+    std::int64_t firstName_;
+    std::int64_t nextName_;
     Statement known_;
     Statement remove_;
     Statement file_;
@@ -167,6 +184,7 @@ class RowTaker {
     Statement source_;
     Statement loss_;
     Statement finding_;
+    Statement forget_;
     Statement name_;
     const Database& database_;
     std::int64_t id_ = 0;
@@ -193,6 +211,7 @@ BuildTotals addShard(const std::string& catalogue, const std::string& shard,
     // What is not committed is gone with the connection.
     database.run("PRAGMA foreign_keys = ON; PRAGMA cache_size = -65536; BEGIN IMMEDIATE");
     prepare(database);
+    database.run("CREATE TEMP TABLE removed (id INTEGER PRIMARY KEY, name TEXT NOT NULL)");
     BuildTotals totals;
     {
         RowTaker taker(database);
@@ -206,6 +225,7 @@ BuildTotals addShard(const std::string& catalogue, const std::string& shard,
                     ++totals.changed;
                 }
             });
+            taker.end();
         } catch (const scan::ShardError& error) {
             throw CatalogueError(std::string("the shard ") + error.what());
         }

@@ -10,7 +10,8 @@ namespace trellant::catalogue {
 inline constexpr int applicationNumber = 0x54724361;
 
 /// Digests are 32 bytes; what a table is of goes with the file that it is of. `names` looks into
-/// `named` by words.
+/// `named` by words; it is told of a whole shard at once, since every statement that changes it
+/// makes it write, and keeps that many bytes before it writes in the midst of one.
 inline constexpr std::string_view schemaText = R"sql(
 CREATE TABLE files (
     id INTEGER PRIMARY KEY, path TEXT NOT NULL UNIQUE, size INTEGER NOT NULL,
@@ -39,12 +40,7 @@ CREATE TABLE named (
     id INTEGER PRIMARY KEY, file INTEGER NOT NULL REFERENCES files ON DELETE CASCADE,
     kind TEXT NOT NULL, name TEXT NOT NULL);
 CREATE VIRTUAL TABLE names USING fts5(name, content='named', content_rowid='id');
-CREATE TRIGGER named_added AFTER INSERT ON named BEGIN
-    INSERT INTO names(rowid, name) VALUES (new.id, new.name);
-END;
-CREATE TRIGGER named_removed AFTER DELETE ON named BEGIN
-    INSERT INTO names(names, rowid, name) VALUES ('delete', old.id, old.name);
-END;
+INSERT INTO names(names, rank) VALUES ('hashsize', 33554432);
 CREATE INDEX files_status ON files(status) WHERE status <> 'ok';
 CREATE INDEX files_sha256 ON files(sha256, size) WHERE sha256 IS NOT NULL;
 CREATE INDEX files_application ON files(application);

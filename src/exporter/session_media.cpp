@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "file_copy.h"
-
 #include <trellant/base/numbered_name.h>
 #include <trellant/base/printable_text.h>
 #include <trellant/base/url.h>
 #include <trellant/exporter/plain_wave.h>
 #include <trellant/exporter/session_media.h>
+#include <trellant/extraction/file_copy.h>
 #include <trellant/extraction/staging.h>
 #include <trellant/extraction/wave_conversion.h>
 #include <trellant/handoff/audio_facts.h>

@@ -4,9 +4,12 @@
 #include "told_origin.h"
 
 #include <trellant/base/keyed_hash.h>
+#include <trellant/base/text.h>
 #include <trellant/base/url.h>
 #include <trellant/client/errors.h>
+#include <trellant/extraction/audio_store.h>
 #include <trellant/extraction/extraction.h>
+#include <trellant/extraction/file_copy.h>
 #include <trellant/extraction/staging.h>
 #include <trellant/extraction/taken_out.h>
 #include <trellant/extraction/wave_conversion.h>
@@ -44,6 +47,27 @@ std::optional<std::string> pathOf(const AAFSourceEssence& essence) {
     return essence.fileURL ? pathOfFileURL(essence.fileURL->text) : std::nullopt;
 }
 
+/// As sha256sum has it in lines that begin with a backslash.
+std::string escapedName(std::string_view name) {
+    std::string text;
+    for (const char byte : name) {
+        switch (byte) {
+            case '\\':
+                text += "\\\\";
+                break;
+            case '\n':
+                text += "\\n";
+                break;
+            case '\r':
+                text += "\\r";
+                break;
+            default:
+                text += byte;
+        }
+    }
+    return text;
+}
+
 struct FileCloser {
     void operator()(std::FILE* file) const noexcept { static_cast<void>(std::fclose(file)); }
 };
@@ -77,7 +101,12 @@ class Extraction::Run {
     void convert();
     void protectWhatIsRead();
     void placeAudio();
+    void storeAudio();
     void search();
+    void copyFound();
+    [[nodiscard]] const std::string& beside() const {
+        return request_.beside.empty() ? request_.file : request_.beside;
+    }
     [[nodiscard]] AAFTimeline writtenTimeline() const;
     PlacedFile writeDocument(const std::string& name, const std::string& text);
     [[nodiscard]] std::string manifestText() const;
@@ -94,6 +123,9 @@ class Extraction::Run {
     /// By essence id.
     KeyedMap<std::string, PlacedFile> placedByEssence_;
     KeyedSet<std::string> namedByMasterMob_;
+    KeyedMap<std::string, StoredFile> storedByEssence_;
+    /// Names in the folder of files that only the store has now, and the way to them there.
+    KeyedMap<std::string, std::string> wayToStored_;
 };
 
 ExtractionReport Extraction::Run::all() {
@@ -110,7 +142,9 @@ ExtractionReport Extraction::Run::all() {
     convert();
     protectWhatIsRead();
     placeAudio();
+    storeAudio();
     search();
+    copyFound();
     makeUsable(handOff_);
     ExtractionReport report;
     report.file = request_.file;
@@ -139,7 +173,7 @@ void Extraction::Run::protectWhatIsRead() {
     }
     placement_.protect(absoluteText(request_.file));
     HandOff found = handOff_;
-    findMedia(found, request_.file, request_.mediaFolders, {}, progress_);
+    findMedia(found, beside(), request_.mediaFolders, {}, progress_);
     for (const AAFSourceEssence& essence : found.timeline.essences) {
         const auto path = pathOf(essence);
         if (path && !essence.embedded) {
@@ -186,12 +220,63 @@ void Extraction::Run::placeAudio() {
     }
 }
 
+void Extraction::Run::storeAudio() {
+    if (!request_.store) {
+        return;
+    }
+    AudioStore store(*request_.store, request_.storeLeaving, progress_);
+    const std::string directory =
+        fs::path(linkless(request_.directoryPath + "/x")).parent_path().native();
+    for (AAFSourceEssence& essence : handOff_.timeline.essences) {
+        const auto found = placedByEssence_.find(essence.id);
+        if (found == placedByEssence_.end()) {
+            continue;
+        }
+        PlacedFile& placed = found->second;
+        StoredFile stored = store.keep(placed.path, placed.sha256, staging_.path());
+        if (!stored.isLinked) {
+            const std::string way =
+                fs::path(linkless(stored.path)).lexically_relative(directory).native();
+            wayToStored_.emplace(placed.name, way);
+            placed.name = way;
+            placed.path = stored.path;
+            essence.fileURL = fileURL(stored.path);
+        }
+        storedByEssence_.emplace(essence.id, std::move(stored));
+    }
+}
+
 void Extraction::Run::search() {
     std::vector<std::string> written;
     for (const PlacedFile& file : placement_.placed()) {
         written.push_back(file.path);
     }
-    findMedia(handOff_, request_.file, request_.mediaFolders, written, progress_);
+    findMedia(handOff_, beside(), request_.mediaFolders, written, progress_);
+}
+
+/// Each file once, under its own name or the next free number of it.
+void Extraction::Run::copyFound() {
+    if (!request_.copiesFound) {
+        return;
+    }
+    KeyedMap<std::string, PlacedFile> copies;
+    for (AAFSourceEssence& essence : handOff_.timeline.essences) {
+        const auto path = pathOf(essence);
+        if (essence.embedded || !path) {
+            continue;
+        }
+        auto copy = copies.find(*path);
+        if (copy == copies.end()) {
+            const NumberedName name =
+                NumberedName::whole(madeValidUTF8(fs::path(*path).filename().native()));
+            const std::string staged = staging_.file("copy");
+            progress_.begin("Copying audio files", bytesOfFile(*path));
+            copyFile(*path, staged, progress_);
+            copy = copies.emplace(*path, placement_.place(staged, name)).first;
+        }
+        essence.fileURL = fileURL(copy->second.path);
+        placedByEssence_.emplace(essence.id, copy->second);
+    }
 }
 
 /// The timeline as it is written: in a document, ways are shorter than paths and last longer.
@@ -228,16 +313,19 @@ PlacedFile Extraction::Run::writeDocument(const std::string& name, const std::st
     return placed;
 }
 
-/// As sha256sum reads it. No name in it needs an escape: line feeds and backslashes are among what
-/// the worker replaces.
+/// As sha256sum reads it.
 std::string Extraction::Run::manifestText() const {
     std::map<std::string, std::string> digests;
     for (const PlacedFile& file : placement_.placed()) {
-        digests.emplace(file.name, file.sha256);
+        const auto way = wayToStored_.find(file.name);
+        digests.emplace(way == wayToStored_.end() ? file.name : way->second, file.sha256);
     }
     std::string text;
     for (const auto& [name, digest] : digests) {
-        text.append(digest).append("  ").append(name).append("\n");
+        // Names in the folder need no escape, since the worker replaces what would; ways may.
+        const std::string escaped = escapedName(name);
+        text.append(escaped == name ? "" : "\\").append(digest).append("  ");
+        text.append(escaped).append("\n");
     }
     return text;
 }
@@ -248,8 +336,12 @@ AudioEntry Extraction::Run::entryOf(std::size_t index) const {
     if (const auto placed = placedByEssence_.find(essence.id); placed != placedByEssence_.end()) {
         entry.placed = placed->second;
         entry.isNamedByMasterMob = namedByMasterMob_.contains(essence.id);
-        entry.state = conversions_.converted.contains(essence.id) ? AudioState::converted
-                                                                  : AudioState::takenOut;
+        entry.state = !essence.embedded                             ? AudioState::found
+                      : conversions_.converted.contains(essence.id) ? AudioState::converted
+                                                                    : AudioState::takenOut;
+        const auto stored = storedByEssence_.find(essence.id);
+        entry.stored =
+            stored == storedByEssence_.end() ? std::nullopt : std::optional(stored->second);
     } else if (essence.embedded) {
         entry.state = AudioState::failed;
     } else if (entry.path) {

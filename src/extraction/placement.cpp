@@ -2,12 +2,13 @@
 
 #include "placement.h"
 
+#include "moving.h"
+
 #include <trellant/extraction/sha256.h>
 #include <trellant/extraction/staging.h>
 #include <trellant/io/errors.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,32 +18,6 @@ namespace {
 
 /// A name that has this many neighbours is not looked at further.
 constexpr std::uint64_t lastNumber = 1'000'000;
-
-bool existsInAnyForm(const std::string& path) {
-    struct stat status {};
-    return ::lstat(path.c_str(), &status) == 0;
-}
-
-void rename(const std::string& from, const std::string& to) {
-    if (std::rename(from.c_str(), to.c_str()) != 0) {
-        throw FileSystemError("create", to, errno);
-    }
-}
-
-/// False when something stands at `to`.
-bool moveWithoutReplacing(const std::string& from, const std::string& to) {
-    // A second name for the file fails where one exists, which renaming does not.
-    if (::link(from.c_str(), to.c_str()) == 0) {
-        ::unlink(from.c_str());
-        return true;
-    }
-    if (errno == EEXIST || existsInAnyForm(to)) {
-        return false;
-    }
-    // Not every file system has second names.
-    rename(from, to);
-    return true;
-}
 
 /// 0 for what cannot be looked at: nobody finds bytes like its own.
 std::uint64_t sizeOf(const std::string& path) {
@@ -138,7 +113,7 @@ bool Placement::settle(const std::string& path, const Wish& wish, PlacedFile& fi
     }
     file.wasThere = hasBytesOf(path, wish);
     if (!file.wasThere) {
-        rename(wish.staged, path);
+        moveReplacing(wish.staged, path);
     }
     return true;
 }

@@ -31,9 +31,7 @@ using Extensions = AAFWorkerExtensions;
 
 constexpr std::size_t longestMessage = 1'000;
 constexpr std::string_view workerPrefix = "trellant-omf: ";
-/// How the worker says that the object model is the older one, that memory did not suffice, and
-/// that a file makes no sense.
-constexpr std::string_view olderModel = "OMFI:OOBJ:ObjClass";
+/// How the worker says that memory did not suffice, and that a file makes no sense.
 constexpr std::array memoryWords{std::string_view("out of memory"),
                                  std::string_view("bytes of memory")};
 constexpr std::array damageHeads{std::string_view("Malformed"), std::string_view("Read out of"),
@@ -52,19 +50,17 @@ std::string_view lastWords(std::string_view logLines) {
 }
 
 FileStatus statusOf(std::string_view words, const Identification& identification) {
-    if (words.find(olderModel) != std::string_view::npos &&
-        identification.pronom == std::string(pronomOmf1)) {
-        return FileStatus::omf1;
-    }
     if (std::any_of(memoryWords.begin(), memoryWords.end(), [words](std::string_view text) {
             return words.find(text) != std::string_view::npos;
         })) {
         return FileStatus::memory;
     }
-    return std::any_of(damageHeads.begin(), damageHeads.end(),
-                       [words](std::string_view head) { return words.starts_with(head); })
-               ? FileStatus::damaged
-               : FileStatus::refused;
+    if (std::any_of(damageHeads.begin(), damageHeads.end(),
+                    [words](std::string_view head) { return words.starts_with(head); })) {
+        return FileStatus::damaged;
+    }
+    return identification.pronom == std::string(pronomOmf1) ? FileStatus::omf1
+                                                            : FileStatus::refused;
 }
 
 /// Why a call of the worker failed, as status and message.
@@ -189,7 +185,8 @@ class FileReader::Reading {
     [[nodiscard]] std::vector<std::string> extensions() const {
         std::vector<std::string> names{
             std::string(Extensions::lossPlacesName), std::string(Extensions::compositionsName),
-            std::string(Extensions::contentsName), std::string(Extensions::provenanceName)};
+            std::string(Extensions::contentsName), std::string(Extensions::provenanceName),
+            std::string(Extensions::omf1Name)};
         if (shared_.options.hashes) {
             names.emplace_back(Extensions::sampleDataName);
         }
@@ -209,7 +206,10 @@ class FileReader::Reading {
         if (extensions) {
             samples_ = extensions->sampleData;
         }
-        const bool isOlder = row_.omfVersion && row_.omfVersion->starts_with("1.");
+        const bool isOlder = handOff.olderVersion.has_value();
+        if (isOlder) {
+            row_.omfVersion = handOff.olderVersion;
+        }
         row_.pronom = ScanRow::Pronom{std::string(isOlder ? pronomOmf1 : pronomOmf2), "read"};
         if (const check::Profile* const profile = shared_.options.profile) {
             check::FileFacts facts = factsOfFile();

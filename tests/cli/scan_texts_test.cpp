@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "said.h"
-#include "scan/counted_text.h"
 #include "scan/scan.h"
+#include "terminal/counted_text.h"
 
 #include <gmock/gmock.h>
 

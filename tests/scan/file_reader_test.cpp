@@ -11,6 +11,8 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
+#include <trellant_testing/aiff_builder.h>
+#include <trellant_testing/omf1_builder.h>
 
 namespace trellant::scan {
 namespace {
@@ -83,6 +85,47 @@ TEST_F(FileReading, TellsWhatTheFileHolds) {
     // Of "abcd", as sha256sum has it.
     EXPECT_EQ(source.sampleDigest,
               "88d4266fd4e6338d13b845fcf289579d209c897823b9217da3e161936f031589");
+}
+
+TEST_F(FileReading, ReadsTheOlderModelWithItsVersion) {
+    // 480 samples of two bytes in an AIFC file; the clip plays 200 of them.
+    testing::Omf1Builder omf;
+    const testing::MobID voice{1, 2, 3};
+    omf.audioFile(
+        {.id = voice,
+         .name = "Voice",
+         .media = testing::aiffImage({.formType = "AIFC", .samples = Bytes(960, std::byte{1})}),
+         .length = 480});
+    omf.mob({.name = "Song", .tracks = {omf.track(1, omf.clip({.length = 200, .source = voice}))}});
+    const check::Profile profile = check::builtInProfile("post").value();
+    const auto row = read(file(omf.build()), {.profile = &profile});
+    ASSERT_TRUE(row);
+    EXPECT_EQ(row->status, FileStatus::ok);
+    EXPECT_EQ(row->message, std::nullopt);
+    EXPECT_EQ(row->pronom, (ScanRow::Pronom{"fmt/1854", "read"}));
+    EXPECT_EQ(row->omfVersion, "1.0");
+    ASSERT_THAT(row->compositions, SizeIs(1));
+    EXPECT_EQ(row->compositions[0].name, "Song");
+    EXPECT_EQ(row->clips, 1);
+    ASSERT_THAT(row->sources, SizeIs(1));
+    EXPECT_EQ(row->sources[0].frames, 480);
+    EXPECT_EQ(row->sources[0].sampleBytes, 960);
+    ASSERT_TRUE(row->check);
+    EXPECT_THAT(row->check->findings,
+                ::testing::Contains(
+                    ::testing::Field("rule", &ScanRow::Finding::rule, std::string("omf-version"))));
+}
+
+TEST_F(FileReading, AnUnknownStructureOfTheOlderModelIsToldApart) {
+    const FoundFile found = file(testing::Omf1Builder().build());
+    const ScanRow row =
+        FileReader(
+            {.helperURLProvider = shellWorker(
+                 folder_, "echo 'trellant-omf: Unsupported OMF/Bento feature: x' >&2; exit 2")})
+            .read(found, {})
+            .value();
+    EXPECT_EQ(row.status, FileStatus::omf1);
+    EXPECT_EQ(row.pronom, (ScanRow::Pronom{"fmt/1854", "signature"}));
 }
 
 TEST_F(FileReading, LeavesDigestsOutWhereNobodyWantsThem) {

@@ -109,7 +109,15 @@ class Folder:
         for extra in ([], [], ["--wav"], ["--media", "../several"],
                       ["--media", "../misfit", "--absolute"]):
             self.call("extract", "extract", "--to", "out", *extra, files=self.readable)
+        for extra in ([], ["--references"]):
+            for _ in range(2):
+                self.call("extract", "extract", "--to", "kept", "--store", "store", *extra,
+                          files=self.readable)
+        for _ in range(2):
+            self.call("extract", "extract", "--bag", "bags", "--organization", "Radio",
+                      files=self.readable)
         self.call("extract", "extract", "--to", "none", files=self.unreadable)
+        self.call("extract", "extract", "--bag", "no-bags", files=self.unreadable)
 
     def make_damaged(self):
         """Files that only a salvage reads: cut ones, and sounds that lie in pieces or do not say how

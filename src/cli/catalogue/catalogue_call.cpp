@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "answer_form.h"
 #include "catalogue.h"
-#include "scan/counted_text.h"
+#include "terminal/counted_text.h"
 #include "terminal/deliver.h"
 #include "terminal/interrupts.h"
 #include "terminal/shown_text.h"

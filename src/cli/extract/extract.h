@@ -31,6 +31,14 @@ struct ExtractCall {
     /// The written timelines name files by their whole paths.
     bool absolutePaths = false;
     FailOn failOn = FailOn::nothing;
+    /// Audio that was taken out is kept in this folder by content; empty: it is not.
+    std::string store;
+    /// And only there.
+    bool references = false;
+    /// `directory` is a bag, or holds one for each of several files.
+    bool bag = false;
+    std::optional<std::string> organization;
+    std::optional<std::string> identifier;
 };
 
 struct ExtractOptions {

@@ -11,6 +11,7 @@
 #include "terminal/pasted_word.h"
 #include "terminal/shown_text.h"
 
+#include <trellant/bag/bag.h>
 #include <trellant/base/printable_text.h>
 #include <trellant/base/url.h>
 #include <trellant/client/errors.h>
@@ -18,6 +19,7 @@
 #include <trellant/io/errors.h>
 
 #include <algorithm>
+#include <ctime>
 #include <filesystem>
 #include <system_error>
 #include <unistd.h>
@@ -111,7 +113,85 @@ ExitStatus Extractor::run(const ExtractJob& job) {
         }
         return ExitStatus::fileFailed;
     }
-    return conclude(job, *outcome.report);
+    return conclude(job, outcome);
+}
+
+ExtractionRequest Extractor::requestFor(const ExtractJob& job) const {
+    return {.file = job.file,
+            .directory = job.directory,
+            .mediaFolders = options_.call.mediaFolders,
+            .force = options_.call.force,
+            .absolutePaths = options_.call.absolutePaths,
+            .waveConverter = options_.waveConverter,
+            .helperURLProvider = options_.helperURLProvider,
+            .naming = options_.call.naming,
+            .date = agreedDate(),
+            .storeLeaving = options_.call.references ? AudioStore::Leaving::nothing
+                                                     : AudioStore::Leaving::link};
+}
+
+Extractor::Outcome Extractor::failureToWrite(const ExtractJob& job, const std::string& reason,
+                                             std::size_t placed) {
+    console_.endBar();
+    const std::string failure = "cannot write to " + shown(job.directory) + ": " + reason;
+    console_.error(shown(job.file) + ": " + failure);
+    reportWhatIsThere(job.directory, placed, console_);
+    return {.failure = failure};
+}
+
+Extractor::Outcome Extractor::intoFolder(const ExtractJob& job, std::size_t& placed) {
+    const TargetFolder folder(job.directory);
+    reportLeftFolders(job.directory, folder.path(), console_);
+    std::optional<TargetFolder> store;
+    ExtractionRequest request = requestFor(job);
+    request.directoryPath = folder.path();
+    if (!options_.call.store.empty()) {
+        store.emplace(options_.call.store);
+        request.store = store->path();
+    }
+    ConsoleProgress progress(console_, stop_);
+    progress.check();
+    Extraction extraction(std::move(request), progress);
+    try {
+        ExtractionReport made = extraction.run();
+        console_.endBar();
+        return {.report = std::move(made)};
+    } catch (const std::exception& error) {
+        placed = extraction.placedCount();
+        const auto reason = reasonNotWritten(error.what(), extraction.stagingName());
+        if (!reason) {
+            throw;
+        }
+        return failureToWrite(job, *reason, placed);
+    }
+}
+
+Extractor::Outcome Extractor::intoBag(const ExtractJob& job) {
+    const std::filesystem::path place = absoluteFolder(job.directory);
+    const TargetFolder parent(place.parent_path().native());
+    reportLeftFolders(parent.path(), parent.path(), console_);
+    bag::BagRequest request{.extraction = requestFor(job),
+                            .organization = options_.call.organization,
+                            .identifier = options_.call.identifier,
+                            .date = agreedDate().value_or(std::time(nullptr))};
+    request.extraction.directoryPath = place.native();
+    ConsoleProgress progress(console_, stop_);
+    progress.check();
+    bag::Bagging bagging(std::move(request), progress);
+    try {
+        bag::BagReport made = bagging.run();
+        console_.endBar();
+        return {.report = std::move(made.extraction),
+                .bag = BagFacts{.payloadFiles = made.payloadFiles,
+                                .payloadBytes = made.payloadBytes,
+                                .wasThere = made.wasThere}};
+    } catch (const std::exception& error) {
+        const auto reason = reasonNotWritten(error.what(), bagging.stagingName());
+        if (!reason) {
+            throw;
+        }
+        return failureToWrite(job, *reason, 0);
+    }
 }
 
 Extractor::Outcome Extractor::extract(const ExtractJob& job) {
@@ -122,37 +202,7 @@ Extractor::Outcome Extractor::extract(const ExtractJob& job) {
         return {.failure = *failure};
     }
     try {
-        const TargetFolder folder(job.directory);
-        reportLeftFolders(job.directory, folder.path(), console_);
-        ConsoleProgress progress(console_, stop_);
-        progress.check();
-        Extraction extraction({.file = job.file,
-                               .directory = job.directory,
-                               .directoryPath = folder.path(),
-                               .mediaFolders = options_.call.mediaFolders,
-                               .force = options_.call.force,
-                               .absolutePaths = options_.call.absolutePaths,
-                               .waveConverter = options_.waveConverter,
-                               .helperURLProvider = options_.helperURLProvider,
-                               .naming = options_.call.naming,
-                               .date = agreedDate()},
-                              progress);
-        try {
-            ExtractionReport made = extraction.run();
-            console_.endBar();
-            return {.report = std::move(made)};
-        } catch (const std::exception& error) {
-            placed = extraction.placedCount();
-            const auto reason = reasonNotWritten(error.what(), extraction.stagingName());
-            if (!reason) {
-                throw;
-            }
-            console_.endBar();
-            const std::string failure = "cannot write to " + shown(job.directory) + ": " + *reason;
-            console_.error(shown(job.file) + ": " + failure);
-            reportWhatIsThere(job.directory, placed, console_);
-            return {.failure = failure};
-        }
+        return options_.call.bag ? intoBag(job) : intoFolder(job, placed);
     } catch (const OutputClosed&) {
         throw;
     } catch (const std::exception& error) {
@@ -163,18 +213,19 @@ Extractor::Outcome Extractor::extract(const ExtractJob& job) {
     }
 }
 
-ExitStatus Extractor::conclude(const ExtractJob& job, const ExtractionReport& made) {
+ExitStatus Extractor::conclude(const ExtractJob& job, const Outcome& outcome) {
+    const ExtractionReport& made = *outcome.report;
     reportRemarks(job.file, made.handOff, console_);
     reportChanges(job.file, made.handOff, console_);
     reportNotConverted(made, console_);
     reportUnused(made, console_);
     reportAllMissing(made, console_);
     if (options_.call.json) {
-        console_.out(summaryLine(made));
+        console_.out(summaryLine(made, outcome.bag, options_.call.store));
     } else if (console_.verbosity() != Verbosity::quiet) {
         console_.out(isFirst_ ? "" : "\n");
-        console_.out(
-            shownLines(summaryScreen(made, console_.outColumns(), console_.outHasColour())));
+        console_.out(shownLines(
+            summaryScreen(made, console_.outColumns(), console_.outHasColour(), outcome.bag)));
     }
     isFirst_ = false;
     if (made.count(AudioState::failed) != 0) {

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "extract.h"
+#include "report.h"
 
 #include <trellant/extraction/extraction_report.h>
 
@@ -34,10 +35,16 @@ class Extractor {
     struct Outcome {
         std::optional<ExtractionReport> report{};
         std::string failure{};
+        std::optional<BagFacts> bag{};
     };
 
     [[nodiscard]] Outcome extract(const ExtractJob& job);
-    [[nodiscard]] ExitStatus conclude(const ExtractJob& job, const ExtractionReport& made);
+    [[nodiscard]] Outcome intoFolder(const ExtractJob& job, std::size_t& placed);
+    [[nodiscard]] Outcome intoBag(const ExtractJob& job);
+    [[nodiscard]] ExtractionRequest requestFor(const ExtractJob& job) const;
+    [[nodiscard]] Outcome failureToWrite(const ExtractJob& job, const std::string& reason,
+                                         std::size_t placed);
+    [[nodiscard]] ExitStatus conclude(const ExtractJob& job, const Outcome& outcome);
 
     const ExtractOptions& options_;
     Console& console_;

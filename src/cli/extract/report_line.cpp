@@ -73,6 +73,11 @@ void addEntry(JsonLine& line, const AudioEntry& entry, const std::vector<Source>
     if (entry.placed) {
         line.text("sha256", entry.placed->sha256);
     }
+    if (entry.stored) {
+        line.text("stored", entry.stored->name)
+            .boolean("storeHadIt", entry.stored->wasThere)
+            .boolean("linked", entry.stored->isLinked);
+    }
     line.boolean("wasThere", entry.wasThere())
         .boolean("readable", entry.path && !entry.isUnreadable())
         .text("notConverted", entry.notConverted);
@@ -81,7 +86,8 @@ void addEntry(JsonLine& line, const AudioEntry& entry, const std::vector<Source>
 
 }  // namespace
 
-std::string summaryLine(const ExtractionReport& report) {
+std::string summaryLine(const ExtractionReport& report, const std::optional<BagFacts>& bag,
+                        const std::string& store) {
     const Sources sources(report.handOff);
     return jsonLine([&](JsonLine& line) {
         line.text("file", fileForPrograms(report.file))
@@ -89,6 +95,16 @@ std::string summaryLine(const ExtractionReport& report) {
             .text("directory", fileForPrograms(report.directory))
             .text("timeline", report.timeline.name)
             .text("manifest", report.manifest.name);
+        if (!store.empty()) {
+            line.text("store", fileForPrograms(store));
+        }
+        if (bag) {
+            line.object("bag", [&bag](JsonLine& item) {
+                item.count("payloadFiles", bag->payloadFiles)
+                    .count("payloadBytes", bag->payloadBytes)
+                    .boolean("wasThere", bag->wasThere);
+            });
+        }
         line.objects("audio", report.audio, [&sources](JsonLine& item, const AudioEntry& entry) {
             addEntry(item, entry, sources.all());
         });

@@ -3,6 +3,7 @@
 #include "report.h"
 #include "report_table.h"
 #include "terminal/console.h"
+#include "terminal/counted_text.h"
 #include "terminal/pasted_word.h"
 #include "terminal/shown_text.h"
 
@@ -20,14 +21,15 @@ constexpr std::size_t listedCandidates = 10;
 /// Missing sources that are listed.
 constexpr std::size_t listedMissing = 50;
 
-std::string counted(std::size_t count, std::string_view one, std::string_view many) {
-    return std::to_string(count) + " " + std::string(count == 1 ? one : many);
-}
-
 class Screen {
   public:
-    Screen(const ExtractionReport& report, std::size_t columns, bool colour)
-        : report_(report), timeline_(report.handOff.timeline), columns_(columns), colour_(colour) {}
+    Screen(const ExtractionReport& report, std::size_t columns, bool colour,
+           const std::optional<BagFacts>& bag)
+        : report_(report),
+          timeline_(report.handOff.timeline),
+          columns_(columns),
+          colour_(colour),
+          bag_(bag) {}
 
     std::string text() {
         text_ = painted(shownText(report_.file), Paint::bold, colour_) + "\n";
@@ -74,11 +76,37 @@ class Screen {
 
     void addHead() {
         line("Audio", audioText());
+        if (bag_) {
+            line("Bag", shownText(report_.directory) + ", " +
+                            counted(bag_->payloadFiles, "file", "files") + ", " +
+                            bytesText(bag_->payloadBytes) +
+                            (bag_->wasThere ? "; it was there already" : ""));
+            line("Timeline", report_.timeline.name);
+            line("Metadata", "metadata/premis.xml");
+            return;
+        }
         line("Folder", shownText(report_.directory));
+        addStore();
         line("Timeline", report_.timeline.name);
         line("Checksums", report_.manifest.name +
                               ", to be checked in the folder by: sha256sum -c " +
                               report_.manifest.name);
+    }
+
+    void addStore() {
+        std::size_t kept = 0;
+        std::size_t known = 0;
+        std::size_t linked = 0;
+        for (const AudioEntry& entry : report_.audio) {
+            kept += entry.stored ? 1U : 0U;
+            known += entry.stored && entry.stored->wasThere ? 1U : 0U;
+            linked += entry.stored && entry.stored->isLinked ? 1U : 0U;
+        }
+        if (kept != 0) {
+            line("Store", counted(kept, "file", "files") + ", " + std::to_string(known) +
+                              " of them already in it" +
+                              (linked == kept ? "" : "; timeline.json names them there"));
+        }
     }
 
     [[nodiscard]] std::string candidateText(const MediaCandidate& candidate) const {
@@ -137,7 +165,8 @@ class Screen {
         std::string advice;
         if (report_.count(AudioState::missing) != 0) {
             advice += "  If you know where the missing audio files lie: trellant extract " + file +
-                      " --to " + shownText(pastedFileName(report_.directory)) + " --media FOLDER\n";
+                      (bag_ ? " --bag " : " --to ") + shownText(pastedFileName(report_.directory)) +
+                      " --media FOLDER\n";
         }
         if (report_.count(AudioState::undecided) != 0) {
             advice +=
@@ -155,13 +184,15 @@ class Screen {
     const AAFTimeline& timeline_;
     std::size_t columns_;
     bool colour_;
+    const std::optional<BagFacts>& bag_;
     std::string text_;
 };
 
 }  // namespace
 
-std::string summaryScreen(const ExtractionReport& report, std::size_t columns, bool colour) {
-    return Screen(report, columns, colour).text();
+std::string summaryScreen(const ExtractionReport& report, std::size_t columns, bool colour,
+                          const std::optional<BagFacts>& bag) {
+    return Screen(report, columns, colour, bag).text();
 }
 
 }  // namespace trellant::cli

@@ -20,7 +20,9 @@ namespace {
 
 constexpr std::size_t longestShownPath = 4'096;
 
-std::string absolute(const std::string& given) {
+}  // namespace
+
+std::string absoluteFolder(const std::string& given) {
     std::error_code ignored;
     std::string path = absolutePath(given, fs::current_path(ignored).native());
     while (path.size() > 1 && path.back() == '/') {
@@ -29,9 +31,7 @@ std::string absolute(const std::string& given) {
     return path;
 }
 
-}  // namespace
-
-TargetFolder::TargetFolder(const std::string& given) : path_(absolute(given)) {
+TargetFolder::TargetFolder(const std::string& given) : path_(absoluteFolder(given)) {
     std::error_code error;
     isNew_ = fs::create_directories(path_, error);
     if (error) {

@@ -8,6 +8,9 @@
 
 namespace trellant::cli {
 
+/// The path of a folder that a person names, from the root on and without a slash at its end.
+[[nodiscard]] std::string absoluteFolder(const std::string& given);
+
 /// The wanted folder, made when it is missing, and gone again when nothing came to lie in it.
 class TargetFolder {
   public:

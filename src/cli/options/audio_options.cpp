@@ -35,6 +35,39 @@ void addRenderKinds(CLI::App& command, const std::shared_ptr<RenderCall>& call) 
         ->check(CLI::Range(0.0, mostSeconds).description(""));
 }
 
+/// --store and --bag; --to is needed unless there is a bag.
+void addArchiving(CLI::App& command, const std::shared_ptr<ExtractCall>& call) {
+    auto* const store = command.add_option(
+        "--store", call->store, "Keep equal audio once in this folder, and link to it from --to");
+    store->type_name("STORE")->excludes(command.get_option("--salvage"));
+    command
+        .add_flag("--references", call->references,
+                  "No links: timeline.json names the audio in the store")
+        ->needs(store);
+    auto* const bag = command.add_option("--bag", call->directory,
+                                         "Instead of --to: write a bag for an archive, with the "
+                                         "OMF file and preservation metadata");
+    bag->type_name("FOLDER");
+    for (const char* const other : {"--to", "--store", "--force", "--absolute", "--salvage"}) {
+        bag->excludes(command.get_option(other));
+    }
+    command
+        .add_option("--organization", call->organization, "Who the bag is from, for bag-info.txt")
+        ->type_name("TEXT")
+        ->needs(bag);
+    command
+        .add_option("--identifier", call->identifier,
+                    "What the bag is called elsewhere; else the name of the OMF file")
+        ->type_name("TEXT")
+        ->needs(bag);
+    command.callback([call, &command, bag] {
+        call->bag = bag->count() != 0;
+        if (!call->bag && command.count("--to") == 0) {
+            throw CLI::RequiredError("--to or --bag");
+        }
+    });
+}
+
 }  // namespace
 
 CommandOptions addExtract(CLI::App& program) {
@@ -44,11 +77,12 @@ CommandOptions addExtract(CLI::App& program) {
         "  trellant extract mix.omf --to mix-audio\n"
         "  trellant extract mix.omf --to mix-audio --wav\n"
         "  trellant extract mix.omf --to mix-audio --media /Volumes/A --media /Volumes/B\n"
-        "  trellant extract broken.omf --to rescued --salvage");
+        "  trellant extract broken.omf --to rescued --salvage\n"
+        "  trellant extract *.omf --to sessions --store audio   equal audio once\n"
+        "  trellant extract mix.omf --bag mix-bag               for an archive");
     command.add_option("FILE", call->files, "OMF files; of several each gets a folder of its own")
         ->required();
     command.add_option("--to", call->directory, "Write here; created when missing")
-        ->required()
         ->type_name("FOLDER");
     addMedia(command, call->mediaFolders);
     command.add_flag("--wav", call->wav,
@@ -68,6 +102,7 @@ CommandOptions addExtract(CLI::App& program) {
     for (const char* const other : {"--media", "--wav", "--names", "--absolute", "--fail-on"}) {
         salvage->excludes(command.get_option(other));
     }
+    addArchiving(command, call);
     return {&command, [call] { return Call(*call); }};
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // What a person is told while a scan runs and when it is done.
-#include "counted_text.h"
 #include "scan.h"
+#include "terminal/counted_text.h"
 
 #include <algorithm>
 #include <array>

@@ -18,7 +18,7 @@ namespace [[gnu::visibility("default")]] trellant {
 namespace catalogue {
 
 /// The form of the tables, `user_version` of the file.
-inline constexpr int schemaVersion = 1;
+inline constexpr int schemaVersion = 2;
 
 /// What SQLite, a catalogue or a shard refuses; what() is one line for people.
 class CatalogueError final : public std::exception {

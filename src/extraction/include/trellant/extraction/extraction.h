@@ -6,6 +6,7 @@
 #pragma once
 
 #include <trellant/client/worker_client.h>
+#include <trellant/extraction/audio_store.h>
 #include <trellant/extraction/extraction_report.h>
 #include <trellant/handoff/hand_off.h>
 #include <trellant/handoff/work_progress.h>
@@ -49,6 +50,13 @@ struct ExtractionRequest {
     /// What WAVE files of tapes with labels give as their date: seconds since 1970-01-01 00:00:00;
     /// absent: when the interchange file was changed last, as it says itself.
     std::optional<std::int64_t> date{};
+    /// An existing folder, absolute: audio taken out is kept there once for equal files.
+    std::optional<std::string> store{};
+    AudioStore::Leaving storeLeaving = AudioStore::Leaving::link;
+    /// Audio files that lie outside are copied into the folder too.
+    bool copiesFound = false;
+    /// Audio files are looked for in the folder of this file; empty: of `file` itself.
+    std::string beside{};
 };
 
 /// Where the program that writes WAVE lies: beside the command, else in "../libexec/trellant"
@@ -59,8 +67,8 @@ struct ExtractionRequest {
 /// which a run is at work is not among them.
 [[nodiscard]] std::vector<std::string> stagingFoldersIn(const std::string& directory);
 
-/// One run. Its steps throw AAFWorkerClientError, AAFCancellationError after a stop and
-/// FileSystemError where the system refuses.
+/// One run. Its steps throw AAFWorkerClientError, AAFCancellationError after a stop,
+/// FileSystemError where the system refuses and AudioStoreError for a damaged store.
 class Extraction {
   public:
     /// Makes the hidden folder in which files come into being. `progress` must outlive this.

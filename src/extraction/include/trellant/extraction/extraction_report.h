@@ -2,6 +2,7 @@
 // What an extraction has come to: each audio file, where it is, who plays it, and what is missing.
 #pragma once
 
+#include <trellant/extraction/audio_store.h>
 #include <trellant/extraction/placed_file.h>
 #include <trellant/handoff/audio_facts.h>
 #include <trellant/handoff/hand_off.h>
@@ -41,8 +42,10 @@ struct AudioEntry {
     /// Absolute; absent without a file.
     std::optional<std::string> path{};
     std::optional<AudioFacts> facts{};
-    /// Of files in the folder.
+    /// Of files in the folder, and of those in the store that have no name there.
     std::optional<PlacedFile> placed{};
+    /// Where the store has it.
+    std::optional<StoredFile> stored{};
     /// Files that bear its name, where none was taken: the first of them, and how many there are.
     std::vector<MediaCandidate> candidates{};
     std::size_t filesOfName = 0;

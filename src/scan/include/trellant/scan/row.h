@@ -20,7 +20,7 @@ enum class FileStatus {
     ok,
     /// What is there makes no sense.
     damaged,
-    /// Of the older object model, and not read.
+    /// Of the older object model, of a structure that is not known.
     omf1,
     /// Sound perhaps, but not read: beyond what is read here, or the system or the worker failed.
     refused,

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "file_copy.h"
-
 #include <trellant/client/errors.h>
+#include <trellant/extraction/file_copy.h>
 #include <trellant/io/errors.h>
 
 #include <gtest/gtest.h>

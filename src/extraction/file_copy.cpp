@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "file_copy.h"
-
 #include <trellant/base/file_descriptor.h>
 #include <trellant/base/write_all.h>
+#include <trellant/extraction/file_copy.h>
 #include <trellant/io/errors.h>
 
 #include <cerrno>

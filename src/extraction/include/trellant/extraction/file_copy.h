@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-// Audio files copied as they are.
+// Files copied as they are.
 #pragma once
 
 #include <trellant/handoff/work_progress.h>
 
 #include <string>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 /// Copies the regular file at `source` to a new file at `destination`. Throws FileSystemError, and
 /// AAFCancellationError after a stop; a part may be there then.
