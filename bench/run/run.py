@@ -10,6 +10,7 @@ import machine
 import measuring
 import part_rows
 import process_rows
+import scan_rows
 import table
 import worst_rows
 
@@ -59,6 +60,7 @@ GROUPS = {
     "export": lambda bench, shared: process_rows.sessions(bench),
     "audio": lambda bench, shared: process_rows.audio(bench),
     "check": lambda bench, shared: process_rows.checks(bench),
+    "scan": lambda bench, shared: scan_rows.scan_rows(bench),
     "worst": worst_group,
 }
 

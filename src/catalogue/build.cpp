@@ -201,8 +201,8 @@ ScanRow rowOf(std::string_view line, std::uint64_t number) {
 
 }  // namespace
 
-BuildTotals addShard(const std::string& catalogue, const std::string& shard,
-                     const StopToken& stop) {
+BuildTotals addShard(const std::string& catalogue, const std::string& shard, const StopToken& stop,
+                     Indexes indexes) {
     const FileDescriptor lines(::open(shard.c_str(), O_RDONLY | O_CLOEXEC));
     if (!lines.isOpen()) {
         throw CatalogueError("the shard cannot be opened: " + systemErrorText(errno));
@@ -230,8 +230,19 @@ BuildTotals addShard(const std::string& catalogue, const std::string& shard,
             throw CatalogueError(std::string("the shard ") + error.what());
         }
     }
+    if (indexes == Indexes::now) {
+        database.run(std::string(indexText));
+    }
     database.run("COMMIT");
     return totals;
+}
+
+void makeIndexes(const std::string& catalogue, const StopToken& stop) {
+    const Database database(catalogue, Database::Use::writing, stop);
+    database.run("PRAGMA cache_size = -65536; BEGIN IMMEDIATE");
+    prepare(database);
+    database.run(std::string(indexText));
+    database.run("COMMIT");
 }
 
 }  // namespace trellant::catalogue

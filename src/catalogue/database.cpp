@@ -26,7 +26,9 @@ Database::Database(const std::string& path, Use use, const StopToken& stop) : st
     sqlite3* opened = nullptr;
     const int flags =
         use == Use::reading ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
-    const int result = ::sqlite3_open_v2(path.c_str(), &opened, flags, nullptr);
+    // A connection is used by one thread.
+    const int result =
+        ::sqlite3_open_v2(path.c_str(), &opened, flags | SQLITE_OPEN_NOMUTEX, nullptr);
     handle_.reset(opened);
     if (result != SQLITE_OK) {
         fail();
