@@ -13,6 +13,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <utility>
 
 namespace trellant::catalogue {
@@ -203,9 +204,14 @@ ScanRow rowOf(std::string_view line, std::uint64_t number) {
 
 BuildTotals addShard(const std::string& catalogue, const std::string& shard, const StopToken& stop,
                      Indexes indexes) {
-    const FileDescriptor lines(::open(shard.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!lines.isOpen()) {
+    // Not waiting: what stands at a path may turn out to be a pipe.
+    const FileDescriptor lines(::open(shard.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status {};
+    if (!lines.isOpen() || ::fstat(lines.number(), &status) != 0) {
         throw CatalogueError("the shard cannot be opened: " + systemErrorText(errno));
+    }
+    if (!S_ISREG(status.st_mode)) {
+        throw CatalogueError("the shard is no regular file");
     }
     const Database database(catalogue, Database::Use::writing, stop);
     // What is not committed is gone with the connection.

@@ -3,6 +3,9 @@
 
 #include <trellant/client/errors.h>
 
+#include <filesystem>
+#include <sys/stat.h>
+
 namespace trellant::catalogue {
 namespace {
 
@@ -102,6 +105,16 @@ TEST_F(CatalogueBuild, ATornLastLineIsPassedOver) {
     const std::string shard = writeFile(
         folder_.file("torn"), bytesOf(rowLine(rowOf("/a")) + line.substr(0, line.size() / 2)));
     EXPECT_EQ(addShard(catalogue_, shard, {}).rows, 1U);
+}
+
+TEST_F(CatalogueBuild, ShardsAndCataloguesAreRegularFiles) {
+    const std::string pipe = folder_.file("pipe");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    for (const std::string& given : {pipe, folder_.file(""), folder_.file("none")}) {
+        EXPECT_THROW(static_cast<void>(addShard(catalogue_, given, {})), CatalogueError) << given;
+    }
+    EXPECT_FALSE(std::filesystem::exists(catalogue_));
+    EXPECT_THROW(static_cast<void>(addShard(pipe, shard({rowOf("/a")}), {})), CatalogueError);
 }
 
 TEST_F(CatalogueBuild, AStopLeavesTheCatalogueAsItWas) {
