@@ -136,6 +136,38 @@ void external(CompositionWriter& writer, const ShapeRequest& request) {
     oneClipEach(writer, request.count);
 }
 
+/// Tracks that each play an external file of 24 bits and as many bytes as media are to have, in
+/// clips of ten seconds that fade in, of which every fourth has a gain.
+void reels(CompositionWriter& writer, const ShapeRequest& request) {
+    constexpr std::uint32_t frames = 10 * unitsPerSecond;
+    constexpr std::uint64_t headBytes = 44;
+    constexpr std::uint64_t clipBytes = std::uint64_t{3} * frames;
+    const auto clips = static_cast<std::uint32_t>(std::clamp<std::uint64_t>(
+        (request.media.byteCount - headBytes) / clipBytes, 1, clipsInTrack));
+    for (std::uint32_t i = 0; i < request.count; ++i) {
+        writer.file({.id = fileID(i),
+                     .name = takeName(i),
+                     .dosPath = "D:\\Session\\Audio Files\\" + externalName(i)});
+    }
+    writer.beginComposition("Reels");
+    for (std::uint32_t i = 0; i < request.count; ++i) {
+        const auto sequence = writer.sequence(clips * frames);
+        writer.track(i + 1, "Track " + std::to_string(i + 1), sequence.object);
+        for (std::uint32_t k = 0; k < clips; ++k) {
+            const ObjectID clip = writer.clip(
+                {.length = frames, .source = fileID(i), .start = k * frames, .fadeIn = 480});
+            if (k % 4 != 0) {
+                writer.append(sequence.list, clip);
+                continue;
+            }
+            const auto gain = writer.effect(CompositionWriter::EffectKind::gain, frames);
+            writer.input(gain, clip);
+            writer.control(gain, writer.constantValue(50));
+            writer.append(sequence.list, gain.object);
+        }
+    }
+}
+
 void embedded(CompositionWriter& writer, const ShapeRequest& request) {
     files(writer, request.count, request.media);
     writer.beginComposition("Embedded");
@@ -150,6 +182,8 @@ constexpr std::array shapes{
     Shape{"scopes", "clips within nested scopes", FileLayout::real, scopes},
     Shape{"chains", "clips behind chains of mobs", FileLayout::real, chains},
     Shape{"external", "external files", FileLayout::real, external},
+    Shape{"reels", "tracks of clips of ten seconds from one external file", FileLayout::real,
+          reels},
     Shape{"embedded", "embedded files", FileLayout::plain, embedded},
     Shape{"sequence", "clips in one sequence", FileLayout::real, oneSequence},
     Shape{"mobs", "mobs that no clip plays", FileLayout::plain, manyMobs},

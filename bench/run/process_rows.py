@@ -211,17 +211,59 @@ def sessions(bench):
     ]
 
 
+def _write_noise(path, seconds, seed):
+    """One channel of 24 bits at 48 kHz, a second of noise over and over."""
+    second = random.Random(seed).randbytes(48_000 * 3)
+    with wave.open(str(path), "wb") as file:
+        file.setnchannels(1)
+        file.setsampwidth(3)
+        file.setframerate(48_000)
+        for _ in range(seconds):
+            file.writeframes(second)
+
+
+def renders(bench):
+    """An hour of sound in 24 tracks of clips that fade in, a quarter of them with a gain, against
+    `cat` of the same bytes: how much of its speed is left."""
+    tracks, length = 24, bench.size(150)
+    media, copy = bench.folder / "reels", bench.folder / "copy"
+    media.mkdir()
+    for number in range(tracks):
+        _write_noise(media / f"Take {number}.wav", length, number)
+        bench.warm(media / f"Take {number}.wav")
+    omf = bench.generate("reels", tracks, "--media-bytes", 44 + 48_000 * 3 * length)
+    out = bench.folder / "rendered"
+
+    def render(*more):
+        return Command(bench.command, "render", omf, "--to", out, "--media", media, "--quiet",
+                       *more, fresh=out)
+
+    files, edits, mix, cat = bench.processes(
+        bench.runs(9), render(), render("--raw"), render("--mix"),
+        Command("sh", "-c", f"cat '{media}'/*.wav > '{copy}/all'", fresh=copy))
+    for folder in (out, copy, media):
+        shutil.rmtree(folder)
+    what = f"{tracks} tracks of {length / 60:g} minutes"
+    unit = f"cat of the same bytes, {seconds(cat.wall)}"
+    details = {"tracks": files.record(), "edits": edits.record(), "mix": mix.record(),
+               "cat": cat.record()}
+    peak = max(files.peak, edits.peak, mix.peak)
+    return [
+        Row(f"{what} rendered: speed", seconds(files.wall), unit, cat.wall / files.wall, 0.6,
+            at_least=True, details=details),
+        Row("the same, edits only: speed", seconds(edits.wall), unit, cat.wall / edits.wall, 0.6,
+            at_least=True),
+        Row("the same as a mix: speed", seconds(mix.wall), unit, cat.wall / mix.wall),
+        Row("the largest peak of memory of the three", size(peak), "", peak / 1e6, 64,
+            figure=" MB"),
+    ]
+
+
 def audio(bench):
     """Ten minutes of one channel of 24 bits, measured and made small: what an hour would take."""
     minutes = bench.size(10)
     source = bench.folder / "noise.wav"
-    second = random.Random(1).randbytes(48_000 * 3)
-    with wave.open(str(source), "wb") as file:
-        file.setnchannels(1)
-        file.setsampwidth(3)
-        file.setframerate(48_000)
-        for _ in range(60 * minutes):
-            file.writeframes(second)
+    _write_noise(source, 60 * minutes, 1)
     bench.warm(source)
     out = bench.folder / "sound"
     measured, small = bench.processes(

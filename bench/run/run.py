@@ -58,6 +58,7 @@ GROUPS = {
     "extraction": lambda bench, shared: process_rows.extraction(bench),
     "client": lambda bench, shared: part_rows.client_rows(bench),
     "export": lambda bench, shared: process_rows.sessions(bench),
+    "render": lambda bench, shared: process_rows.renders(bench),
     "audio": lambda bench, shared: process_rows.audio(bench),
     "check": lambda bench, shared: process_rows.checks(bench),
     "scan": lambda bench, shared: scan_rows.scan_rows(bench),

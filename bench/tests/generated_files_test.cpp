@@ -89,6 +89,7 @@ const std::vector<GeneratedShape> everyShape{
     {"scopes"},
     {"chains", {"--levels", "31"}},
     {.name = "external", .essences = 50},
+    {.name = "reels", .tracks = 50, .essences = 50},
     {.name = "embedded", .essences = 50},
     {"sequence"},
     {.name = "mobs", .events = 10, .essences = 10},

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
+// Words are loaded whole, so that compilers make vectors of the loops that read.
 #include <trellant/audio/pcm.h>
 #include <trellant/base/precondition.h>
 
 #include <bit>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 namespace trellant::audio {
@@ -12,99 +14,197 @@ namespace {
 
 /// A half, and what makes one of a sum that fell short of it.
 constexpr double roundingStep = 0.5 + 1.0 / (1U << 20U);
-constexpr std::uint32_t middleOfEight = 0x80;
+constexpr std::uint32_t middleOfEight = 0x80000000;
+constexpr bool isLittle = std::endian::native == std::endian::little;
 
-template <std::size_t width>
-std::uint64_t wordAt(const std::byte* bytes) noexcept {
-    std::uint64_t word = 0;
-    for (std::size_t i = 0; i < width; ++i) {
-        word |= std::to_integer<std::uint64_t>(bytes[i]) << (8 * i);
+template <class Word>
+Word wordAt(const std::byte* bytes) noexcept {
+    Word word = 0;
+    if constexpr (isLittle) {
+        std::memcpy(&word, bytes, sizeof(Word));
+    } else {
+        for (std::size_t i = 0; i < sizeof(Word); ++i) {
+            word |= static_cast<Word>(std::to_integer<Word>(bytes[i]) << (8 * i));
+        }
     }
     return word;
 }
 
-template <std::size_t width>
-void putWord(std::byte* bytes, std::uint64_t word) noexcept {
-    for (std::size_t i = 0; i < width; ++i) {
-        bytes[i] = static_cast<std::byte>(word >> (8 * i) & 0xFFU);
+template <class Word>
+void putWord(std::byte* bytes, Word word) noexcept {
+    if constexpr (isLittle) {
+        std::memcpy(bytes, &word, sizeof(Word));
+    } else {
+        for (std::size_t i = 0; i < sizeof(Word); ++i) {
+            bytes[i] = static_cast<std::byte>(word >> (8 * i) & 0xFFU);
+        }
     }
 }
 
+/// Whole numbers of so many bytes. Here they stand at the upper end of 32 bits.
 template <std::size_t width>
 struct WholeNumber {
     static constexpr std::size_t bytes = width;
-    static constexpr double scale = static_cast<double>(std::uint64_t{1} << (8 * width - 1));
 
-    static double decoded(const std::byte* at) noexcept {
-        auto word = static_cast<std::uint32_t>(wordAt<width>(at));
+    static std::int32_t loaded(const std::byte* at) noexcept {
         if constexpr (width == 1) {
-            word ^= middleOfEight;
+            return std::bit_cast<std::int32_t>((std::to_integer<std::uint32_t>(*at) << 24U) ^
+                                               middleOfEight);
+        } else if constexpr (width == 2) {
+            return std::bit_cast<std::int32_t>(std::uint32_t{wordAt<std::uint16_t>(at)} << 16U);
+        } else if constexpr (width == 3) {
+            return std::bit_cast<std::int32_t>(std::uint32_t{wordAt<std::uint16_t>(at)} << 8U |
+                                               std::to_integer<std::uint32_t>(at[2]) << 24U);
+        } else {
+            return std::bit_cast<std::int32_t>(wordAt<std::uint32_t>(at));
         }
-        // The sign stands at the top.
-        constexpr unsigned shift = 32 - 8 * width;
-        return std::bit_cast<std::int32_t>(word << shift) * (1 / (scale * (1U << shift)));
     }
-    /// True when it was cut off.
-    static bool encode(double value, std::byte* at) noexcept {
-        const double size = std::fabs(value) * scale + roundingStep;
-        const bool isNegative = value < 0;
-        const double most = isNegative ? scale : scale - 1;
-        const bool isCut = size >= most + 1;
-        // What is no number is silence.
-        const double held = isCut ? most : (size > 0 ? size : 0);
-        const auto whole = static_cast<std::int64_t>(held);
-        auto word = static_cast<std::uint64_t>(isNegative ? -whole : whole);
-        if constexpr (width == 1) {
-            word ^= middleOfEight;
+    /// With a byte in front of it that may be read.
+    static std::int32_t loadedWithin(const std::byte* at) noexcept {
+        if constexpr (width == 3) {
+            return std::bit_cast<std::int32_t>(wordAt<std::uint32_t>(at - 1) & 0xFFFFFF00U);
+        } else {
+            return loaded(at);
         }
-        putWord<width>(at, word);
-        return isCut;
+    }
+    static void store(std::byte* at, std::int32_t number) noexcept {
+        const auto word = std::bit_cast<std::uint32_t>(number);
+        if constexpr (width == 1) {
+            *at = static_cast<std::byte>((word ^ middleOfEight) >> 24U);
+        } else if constexpr (width == 2) {
+            putWord(at, static_cast<std::uint16_t>(word >> 16U));
+        } else if constexpr (width == 3) {
+            putWord(at, static_cast<std::uint16_t>(word >> 8U));
+            at[2] = static_cast<std::byte>(word >> 24U);
+        } else {
+            putWord(at, word);
+        }
     }
 };
 
 struct SingleFloat {
     static constexpr std::size_t bytes = 4;
     static double decoded(const std::byte* at) noexcept {
-        const auto value = std::bit_cast<float>(static_cast<std::uint32_t>(wordAt<bytes>(at)));
+        const auto value = std::bit_cast<float>(wordAt<std::uint32_t>(at));
         return std::isfinite(value) ? static_cast<double>(value) : 0;
     }
-    static bool encode(double value, std::byte* at) noexcept {
+    static void encode(double value, std::byte* at) noexcept {
         constexpr double most = std::numeric_limits<float>::max();
-        const double held = value > most ? most : (value > -most ? value : -most);
-        const auto single = static_cast<float>(std::isnan(value) ? 0 : held);
-        putWord<bytes>(at, std::bit_cast<std::uint32_t>(single));
-        return false;
+        const double number = std::isnan(value) ? 0 : value;
+        const double held = number > most ? most : (number > -most ? number : -most);
+        // Below zero by less than the least that there is: no sign either.
+        putWord(at, std::bit_cast<std::uint32_t>(static_cast<float>(held) + 0.0F));
     }
 };
 
 struct DoubleFloat {
     static constexpr std::size_t bytes = 8;
     static double decoded(const std::byte* at) noexcept {
-        const auto value = std::bit_cast<double>(wordAt<bytes>(at));
+        const auto value = std::bit_cast<double>(wordAt<std::uint64_t>(at));
         return std::isfinite(value) ? value : 0;
     }
-    static bool encode(double value, std::byte* at) noexcept {
-        putWord<bytes>(at, std::bit_cast<std::uint64_t>(std::isfinite(value) ? value : 0));
-        return false;
+    static void encode(double value, std::byte* at) noexcept {
+        putWord(at, std::bit_cast<std::uint64_t>(std::isfinite(value) ? value + 0.0 : 0));
     }
 };
 
+/// `step`: bytes from one frame to the next. `take` gets each sample's position and number.
+template <class Coding, class Take>
+void forEachNumber(const std::byte* at, std::size_t step, std::size_t count,
+                   const Take& take) noexcept {
+    if (count != 0) {
+        take(std::size_t{0}, Coding::loaded(at));
+    }
+    for (std::size_t i = 1; i < count; ++i) {
+        take(i, Coding::loadedWithin(at + i * step));
+    }
+}
+
 template <class Coding>
-void decodeAll(const std::byte* at, std::size_t step, std::span<double> values) noexcept {
+void decodeWhole(const std::byte* at, std::size_t step, std::span<double> values) noexcept {
+    constexpr double unit = 1.0 / 2'147'483'648.0;
+    double* const target = values.data();
+    const auto take = [target](std::size_t i, std::int32_t number) { target[i] = number * unit; };
+    // The usual step as a constant makes a better loop.
+    step == Coding::bytes ? forEachNumber<Coding>(at, Coding::bytes, values.size(), take)
+                          : forEachNumber<Coding>(at, step, values.size(), take);
+}
+
+template <class Coding>
+void decodeFloating(const std::byte* at, std::size_t step, std::span<double> values) noexcept {
     for (double& value : values) {
         value = Coding::decoded(at);
         at += step;
     }
 }
 
-template <class Coding>
-std::uint64_t encodeAll(std::span<const double> values, std::byte* at) noexcept {
+/// True when the value was cut off.
+template <std::size_t width>
+bool encode(double value, std::byte* at) noexcept {
+    constexpr auto scale = static_cast<double>(std::uint64_t{1} << (8 * width - 1));
+    constexpr unsigned shift = 32 - 8 * width;
+    const double size = std::fabs(value) * scale + roundingStep;
+    const bool isNegative = value < 0;
+    const double most = isNegative ? scale : scale - 1;
+    const bool isCut = size >= most + 1;
+    // What is no number is silence.
+    const double held = isCut ? most : (size > 0 ? size : 0);
+    const auto whole = static_cast<std::int64_t>(held);
+    const auto word = static_cast<std::uint32_t>(isNegative ? -whole : whole) << shift;
+    WholeNumber<width>::store(at, std::bit_cast<std::int32_t>(word));
+    return isCut;
+}
+
+template <std::size_t width>
+std::uint64_t encodeWhole(std::span<const double> values, std::byte* at) noexcept {
     std::uint64_t cut = 0;
-    for (const double value : values) {
-        cut += Coding::encode(value, at) ? 1U : 0U;
-        at += Coding::bytes;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        cut += encode<width>(values[i], at + i * width) ? 1U : 0U;
     }
     return cut;
+}
+
+template <class Coding>
+void encodeFloating(std::span<const double> values, std::byte* at) noexcept {
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        Coding::encode(values[i], at + i * Coding::bytes);
+    }
+}
+
+template <class Coding>
+void unpackAll(const std::byte* at, std::span<std::int32_t> numbers) noexcept {
+    std::int32_t* const target = numbers.data();
+    forEachNumber<Coding>(at, Coding::bytes, numbers.size(),
+                          [target](std::size_t i, std::int32_t number) { target[i] = number; });
+}
+
+template <class Coding, std::size_t width>
+void widenAll(const std::byte* at, std::size_t step, std::byte* target,
+              std::size_t count) noexcept {
+    forEachNumber<Coding>(at, step, count, [target](std::size_t i, std::int32_t number) {
+        WholeNumber<width>::store(target + i * width, number);
+    });
+}
+
+template <class Coding>
+void widenTo(const PcmFormat& to, const std::byte* at, std::size_t step, std::byte* target,
+             std::size_t count) noexcept {
+    switch (to.bits) {
+        case 8:
+            return widenAll<Coding, 1>(at, step, target, count);
+        case 16:
+            return widenAll<Coding, 2>(at, step, target, count);
+        case 24:
+            return widenAll<Coding, 3>(at, step, target, count);
+        default:
+            return widenAll<Coding, 4>(at, step, target, count);
+    }
+}
+
+bool holdsFrames(const PcmFormat& format, ByteView bytes, std::size_t channels, std::size_t channel,
+                 std::size_t frames) noexcept {
+    return isPcmFormat(format) && channel < channels &&
+           bytes.size() / (channels * format.bytes()) >= frames;
 }
 
 }  // namespace
@@ -115,29 +215,30 @@ bool isPcmFormat(const PcmFormat& format) noexcept {
                : format.bits == 8 || format.bits == 16 || format.bits == 24 || format.bits == 32;
 }
 
+std::byte silentByte(const PcmFormat& format) noexcept {
+    return format.bits == 8 && !format.isFloatingPoint ? std::byte{0x80} : std::byte{0};
+}
+
 void decodePcm(const PcmFormat& format, ByteView bytes, std::size_t channels, std::size_t channel,
                std::span<double> values) {
-    const std::size_t step = channels * format.bytes();
-    precondition(isPcmFormat(format) && channel < channels && bytes.size() / step >= values.size(),
+    precondition(holdsFrames(format, bytes, channels, channel, values.size()),
                  "bytes of whole frames");
+    const std::size_t step = channels * format.bytes();
     const std::byte* const at = bytes.data() + channel * format.bytes();
-    if (values.empty()) {
-        return;
-    }
     if (format.isFloatingPoint) {
-        format.bits == 32 ? decodeAll<SingleFloat>(at, step, values)
-                          : decodeAll<DoubleFloat>(at, step, values);
+        format.bits == 32 ? decodeFloating<SingleFloat>(at, step, values)
+                          : decodeFloating<DoubleFloat>(at, step, values);
         return;
     }
     switch (format.bits) {
         case 8:
-            return decodeAll<WholeNumber<1>>(at, step, values);
+            return decodeWhole<WholeNumber<1>>(at, step, values);
         case 16:
-            return decodeAll<WholeNumber<2>>(at, step, values);
+            return decodeWhole<WholeNumber<2>>(at, step, values);
         case 24:
-            return decodeAll<WholeNumber<3>>(at, step, values);
+            return decodeWhole<WholeNumber<3>>(at, step, values);
         default:
-            return decodeAll<WholeNumber<4>>(at, step, values);
+            return decodeWhole<WholeNumber<4>>(at, step, values);
     }
 }
 
@@ -146,18 +247,58 @@ std::uint64_t encodePcm(const PcmFormat& format, std::span<const double> values,
     precondition(isPcmFormat(format) && bytes.size() / format.bytes() >= values.size(),
                  "room for all samples");
     if (format.isFloatingPoint) {
-        return format.bits == 32 ? encodeAll<SingleFloat>(values, bytes.data())
-                                 : encodeAll<DoubleFloat>(values, bytes.data());
+        format.bits == 32 ? encodeFloating<SingleFloat>(values, bytes.data())
+                          : encodeFloating<DoubleFloat>(values, bytes.data());
+        return 0;
     }
     switch (format.bits) {
         case 8:
-            return encodeAll<WholeNumber<1>>(values, bytes.data());
+            return encodeWhole<1>(values, bytes.data());
         case 16:
-            return encodeAll<WholeNumber<2>>(values, bytes.data());
+            return encodeWhole<2>(values, bytes.data());
         case 24:
-            return encodeAll<WholeNumber<3>>(values, bytes.data());
+            return encodeWhole<3>(values, bytes.data());
         default:
-            return encodeAll<WholeNumber<4>>(values, bytes.data());
+            return encodeWhole<4>(values, bytes.data());
+    }
+}
+
+void unpackPcm(const PcmFormat& format, ByteView bytes, std::span<std::int32_t> numbers) {
+    precondition(!format.isFloatingPoint && holdsFrames(format, bytes, 1, 0, numbers.size()),
+                 "bytes of whole numbers");
+    switch (format.bits) {
+        case 8:
+            return unpackAll<WholeNumber<1>>(bytes.data(), numbers);
+        case 16:
+            return unpackAll<WholeNumber<2>>(bytes.data(), numbers);
+        case 24:
+            return unpackAll<WholeNumber<3>>(bytes.data(), numbers);
+        default:
+            return unpackAll<WholeNumber<4>>(bytes.data(), numbers);
+    }
+}
+
+bool isWidening(const PcmFormat& from, const PcmFormat& to) noexcept {
+    return isPcmFormat(from) && isPcmFormat(to) && !from.isFloatingPoint && !to.isFloatingPoint &&
+           from.bits <= to.bits;
+}
+
+void widenPcm(const PcmFormat& from, ByteView bytes, std::size_t channels, std::size_t channel,
+              const PcmFormat& to, std::span<std::byte> widened) {
+    precondition(isWidening(from, to), "numbers that have room");
+    const std::size_t count = widened.size() / to.bytes();
+    precondition(holdsFrames(from, bytes, channels, channel, count), "bytes of whole frames");
+    const std::size_t step = channels * from.bytes();
+    const std::byte* const at = bytes.data() + channel * from.bytes();
+    switch (from.bits) {
+        case 8:
+            return widenTo<WholeNumber<1>>(to, at, step, widened.data(), count);
+        case 16:
+            return widenTo<WholeNumber<2>>(to, at, step, widened.data(), count);
+        case 24:
+            return widenTo<WholeNumber<3>>(to, at, step, widened.data(), count);
+        default:
+            return widenTo<WholeNumber<4>>(to, at, step, widened.data(), count);
     }
 }
 

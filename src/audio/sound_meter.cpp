@@ -7,11 +7,15 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <type_traits>
 #include <utility>
 
 namespace trellant::audio {
 
 namespace {
+
+/// Looked at together for whether any of them belongs to a run.
+constexpr std::size_t pieceFrames = 32;
 
 constexpr PeakPair noSampleYet{std::numeric_limits<std::int16_t>::max(),
                                std::numeric_limits<std::int16_t>::min()};
@@ -44,18 +48,40 @@ double scaled(double sample) noexcept {
     return sample;
 }
 
-/// From where on samples are at the ends of their scale.
-struct ScaleEnds {
-    double top;
-    double bottom;
-};
+/// From where on whole numbers at the upper end of 32 bits are there.
+std::int32_t topOf(const SoundFormat& format) noexcept {
+    constexpr std::uint64_t fullScale = std::uint64_t{1} << 31U;
+    return static_cast<std::int32_t>(fullScale - (fullScale >> (format.bitDepth - 1)));
+}
 
-ScaleEnds scaleEnds(const SoundFormat& format) noexcept {
-    if (format.isFloatingPoint) {
-        return {1, -1};
+/// The lowest and the highest of every `step`th sample from `first` on. A step of 1 that the
+/// compiler knows makes a better loop.
+template <class Sample>
+std::pair<Sample, Sample> extremes(std::span<const Sample> samples, std::size_t first,
+                                   std::size_t step) noexcept {
+    Sample lowest = usable(samples[first]);
+    Sample highest = lowest;
+    for (std::size_t i = first; i < samples.size(); i += step) {
+        lowest = std::min(lowest, usable(samples[i]));
+        highest = std::max(highest, usable(samples[i]));
     }
-    const double top = 1 - std::ldexp(1.0, 1 - static_cast<int>(format.bitDepth));
-    return {top, -top};
+    return {lowest, highest};
+}
+
+/// Whether any sample may belong to a run. All are looked at, which is faster than stopping.
+bool hasEvent(std::span<const std::int32_t> samples, std::int32_t top) noexcept {
+    std::int32_t found = 0;
+    for (const std::int32_t sample : samples) {
+        found |= sample == 0 ? 1 : 0;
+        found |= sample >= top ? 1 : 0;
+        found |= sample <= -top ? 1 : 0;
+    }
+    return found != 0;
+}
+
+/// Floating point is rare: each sample is looked at for itself.
+bool hasEvent(std::span<const double> /*samples*/, std::int32_t /*top*/) noexcept {
+    return true;
 }
 
 /// Whether the sample goes on in a run of its kind; a run that has ended is for the caller.
@@ -88,12 +114,8 @@ void PeakMeter::addAll(std::span<const Sample> samples) {
             std::min<std::uint64_t>(framesPerPair_ - filled_, samples.size() / channels_);
         const auto taken = samples.first(static_cast<std::size_t>(count) * channels_);
         for (std::size_t channel = 0; channel < channels_; ++channel) {
-            Sample lowest = usable(taken[channel]);
-            Sample highest = lowest;
-            for (std::size_t i = channel; i < taken.size(); i += channels_) {
-                lowest = std::min(lowest, usable(taken[i]));
-                highest = std::max(highest, usable(taken[i]));
-            }
+            const auto [lowest, highest] =
+                channels_ == 1 ? extremes(taken, 0, 1) : extremes(taken, channel, channels_);
             pair_[channel].lowest = std::min(pair_[channel].lowest, peakOf(lowest));
             pair_[channel].highest = std::max(pair_[channel].highest, peakOf(highest));
         }
@@ -125,8 +147,17 @@ void PeakMeter::finish() {
     }
 }
 
+SoundMeter::ScaleEnds SoundMeter::endsOf(const SoundFormat& format) noexcept {
+    if (format.isFloatingPoint) {
+        return {1, -1};
+    }
+    const double top = 1 - std::ldexp(1.0, 1 - static_cast<int>(format.bitDepth));
+    return {top, -top};
+}
+
 SoundMeter::SoundMeter(const SoundFormat& format, std::uint64_t framesPerPair)
     : format_(format),
+      ends_(endsOf(format)),
       peaks_(format.channels, framesPerPair,
              [this](std::span<const PeakPair> pairs) {
                  measures_.peaks.pairs.insert(measures_.peaks.pairs.end(), pairs.begin(),
@@ -147,31 +178,64 @@ template <class Sample>
 void SoundMeter::addAll(std::span<const Sample> samples) {
     peaks_.add(samples);
     for (std::size_t channel = 0; channel < format_.channels; ++channel) {
-        addChannel(channel, samples);
+        if constexpr (std::is_same_v<Sample, double>) {
+            addLane(channel, laneOf(channel, samples, floatingLane_));
+        } else {
+            addLane(channel, laneOf(channel, samples, wholeLane_));
+        }
     }
     measures_.frames += samples.size() / format_.channels;
 }
 
 template <class Sample>
-void SoundMeter::addChannel(std::size_t channel, std::span<const Sample> samples) {
-    const ScaleEnds ends = scaleEnds(format_);
+std::span<const Sample> SoundMeter::laneOf(std::size_t channel, std::span<const Sample> samples,
+                                           std::vector<Sample>& lane) const {
+    if (format_.channels == 1) {
+        return samples;
+    }
+    lane.resize(samples.size() / format_.channels);
+    for (std::size_t i = 0; i < lane.size(); ++i) {
+        lane[i] = samples[channel + i * format_.channels];
+    }
+    return lane;
+}
+
+template <class Sample>
+void SoundMeter::addLane(std::size_t channel, std::span<const Sample> samples) {
+    scaled_.resize(samples.size());
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        scaled_[i] = scaled(usable(samples[i]));
+    }
+    const std::int32_t top = format_.isFloatingPoint ? 0 : topOf(format_);
+    const Runs& runs = runs_[channel];
+    for (std::size_t first = 0; first < samples.size(); first += pieceFrames) {
+        const std::size_t count = std::min(pieceFrames, samples.size() - first);
+        const bool isOpen =
+            runs.silence.frames != 0 || runs.top.frames != 0 || runs.bottom.frames != 0;
+        if (isOpen || hasEvent(samples.subspan(first, count), top)) {
+            followRuns(channel, measures_.frames + first,
+                       std::span<const double>(scaled_).subspan(first, count));
+        }
+    }
+    tones_[channel].add(scaled_);
+}
+
+/// `frame`: of the first of these samples.
+void SoundMeter::followRuns(std::size_t channel, std::uint64_t frame,
+                            std::span<const double> samples) {
     Runs& runs = runs_[channel];
-    lane_.clear();
-    std::uint64_t frame = measures_.frames;
-    for (std::size_t i = channel; i < samples.size(); i += format_.channels, ++frame) {
-        const double sample = scaled(usable(samples[i]));
-        lane_.push_back(sample);
+    for (const double sample : samples) {
         if (!goesOn(runs.silence, sample == 0, frame) && runs.silence.frames != 0) {
             endSilence(channel);
         }
-        if (!goesOn(runs.top, sample >= ends.top, frame) && runs.top.frames != 0) {
+        if (!goesOn(runs.top, sample >= ends_.top, frame) && runs.top.frames != 0) {
             endFullScale(channel, runs.top);
         }
-        if (!goesOn(runs.bottom, sample <= ends.bottom, frame) && runs.bottom.frames != 0) {
+        if (!goesOn(runs.bottom, sample <= ends_.bottom, frame) && runs.bottom.frames != 0) {
             endFullScale(channel, runs.bottom);
         }
+        ++frame;
     }
-    tones_[channel].add(lane_);
 }
 
 void SoundMeter::endSilence(std::size_t channel) {

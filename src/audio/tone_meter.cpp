@@ -13,6 +13,7 @@ namespace trellant::audio {
 namespace {
 
 constexpr double hopsPerSecond = 200;
+constexpr std::size_t hopsAtOnce = 4;
 
 }  // namespace
 
@@ -31,6 +32,11 @@ ToneMeter::ToneMeter(std::uint32_t sampleRate) {
 
 void ToneMeter::add(std::span<const double> samples) {
     while (hopFrames_ != 0 && !samples.empty()) {
+        if (filled_ == 0 && samples.size() >= hopsAtOnce * hopFrames_) {
+            addHops(samples.data());
+            samples = samples.subspan(hopsAtOnce * hopFrames_);
+            continue;
+        }
         const std::size_t count = std::min(hopFrames_ - filled_, samples.size());
         double real = 0;
         double imaginary = 0;
@@ -51,6 +57,30 @@ void ToneMeter::add(std::span<const double> samples) {
         if (filled_ == hopFrames_) {
             endHop();
         }
+    }
+}
+
+/// Several whole hops side by side, each summed up in the order of its samples: a sum alone would
+/// wait for itself at each sample.
+void ToneMeter::addHops(const double* samples) {
+    std::array<double, hopsAtOnce> real{};
+    std::array<double, hopsAtOnce> imaginary{};
+    std::array<double, hopsAtOnce> sum{};
+    std::array<double, hopsAtOnce> squares{};
+    for (std::size_t i = 0; i < hopFrames_; ++i) {
+        const double cosine = cosines_[i];
+        const double sine = sines_[i];
+        for (std::size_t hop = 0; hop < hopsAtOnce; ++hop) {
+            const double sample = samples[hop * hopFrames_ + i];
+            real[hop] += sample * cosine;
+            imaginary[hop] += sample * sine;
+            sum[hop] += sample;
+            squares[hop] += sample * sample;
+        }
+    }
+    for (std::size_t hop = 0; hop < hopsAtOnce; ++hop) {
+        now_ = {{real[hop], imaginary[hop]}, sum[hop], squares[hop]};
+        endHop();
     }
 }
 

@@ -3,17 +3,15 @@
 #include "export/export.h"
 
 #include "export/session_exporter.h"
+#include "extract/staged_run.h"
 
 #include <trellant/base/numbered_name.h>
-#include <trellant/base/printable_text.h>
 #include <trellant/base/text.h>
 #include <trellant/base/utf8.h>
-#include <trellant/extraction/extraction.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <set>
-#include <system_error>
 
 namespace trellant::cli {
 
@@ -21,13 +19,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t longestShownPath = 4'096;
 /// Leaves room in 255 bytes for ".losses.json".
 constexpr std::size_t longestName = 240;
-
-std::string shown(const std::string& path) {
-    return printableText(path, longestShownPath);
-}
 
 std::string_view modeWord(MediaMode mode) {
     switch (mode) {
@@ -82,19 +75,8 @@ std::string tame(const std::string& name) {
 
 /// Why the command line cannot be meant; absent when it can.
 std::optional<std::string> wrongUse(const ExportCall& call) {
-    std::error_code ignored;
-    const fs::path directory(call.directory);
-    if (call.directory.empty()) {
-        return "--to needs the name of a folder";
-    }
-    if (fs::exists(directory, ignored) && !fs::is_directory(directory, ignored)) {
-        return shown(call.directory) +
-               " is a file; name a folder with --to, which is created when it is missing";
-    }
-    for (const std::string& folder : call.mediaFolders) {
-        if (!fs::is_directory(folder, ignored)) {
-            return "there is no folder " + shown(folder) + " to look for audio files in";
-        }
+    if (auto message = wrongFolders(call.directory, call.mediaFolders)) {
+        return message;
     }
     if (call.name && call.files.size() > 1) {
         return "--name is for one file; sessions of several files bear the files' own names";
@@ -142,13 +124,8 @@ ExitStatus runExport(const ExportOptions& given, Console& console, const StopTok
         console.error(*message);
         return ExitStatus::wrongUse;
     }
+    options.waveConverter = waveConverterFor(options.waveConverter, console);
     if (!options.waveConverter) {
-        options.waveConverter = installedWaveConverter();
-    }
-    if (!options.waveConverter) {
-        console.error(
-            "the program trellant-wav, which writes WAVE files, is missing. It belongs to this "
-            "one; please install Trellant again");
         return ExitStatus::fileFailed;
     }
     ExitStatus status = ExitStatus::done;

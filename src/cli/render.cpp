@@ -3,18 +3,13 @@
 #include "render/render.h"
 
 #include "extract/folder_names.h"
+#include "extract/staged_run.h"
 #include "render/session_renderer.h"
 
 #include <trellant/base/printable_text.h>
-#include <trellant/extraction/extraction.h>
 #include <trellant/model/timecode_label.h>
 
-#include <filesystem>
-#include <system_error>
-
 namespace trellant::cli {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -42,19 +37,8 @@ std::optional<std::string> wrongOptions(const RenderCall& call) {
 
 /// Why the command line cannot be meant; absent when it can.
 std::optional<std::string> wrongUse(const RenderCall& call) {
-    std::error_code ignored;
-    const fs::path directory(call.directory);
-    if (call.directory.empty()) {
-        return "--to needs the name of a folder";
-    }
-    if (fs::exists(directory, ignored) && !fs::is_directory(directory, ignored)) {
-        return shown(call.directory) +
-               " is a file; name a folder with --to, which is created when it is missing";
-    }
-    for (const std::string& folder : call.mediaFolders) {
-        if (!fs::is_directory(folder, ignored)) {
-            return "there is no folder " + shown(folder) + " to look for audio files in";
-        }
+    if (auto message = wrongFolders(call.directory, call.mediaFolders)) {
+        return message;
     }
     return wrongOptions(call);
 }
@@ -67,13 +51,8 @@ ExitStatus runRender(const RenderOptions& given, Console& console, const StopTok
         console.error(*message);
         return ExitStatus::wrongUse;
     }
+    options.waveConverter = waveConverterFor(options.waveConverter, console);
     if (!options.waveConverter) {
-        options.waveConverter = installedWaveConverter();
-    }
-    if (!options.waveConverter) {
-        console.error(
-            "the program trellant-wav, which writes WAVE files, is missing. It belongs to this "
-            "one; please install Trellant again");
         return ExitStatus::fileFailed;
     }
     ExitStatus status = ExitStatus::done;

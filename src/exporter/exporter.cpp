@@ -10,11 +10,11 @@
 #include <trellant/exchange/format_limits.h>
 #include <trellant/exporter/exporter.h>
 #include <trellant/exporter/final_places.h>
+#include <trellant/exporter/planned_reels.h>
 #include <trellant/exporter/session_markers.h>
 #include <trellant/exporter/session_media.h>
 #include <trellant/extraction/staging.h>
 #include <trellant/extraction/taken_out.h>
-#include <trellant/handoff/source_timecode.h>
 #include <trellant/io/errors.h>
 #include <trellant/sessions/session.h>
 
@@ -75,20 +75,6 @@ std::optional<std::int64_t> lastChange(const std::string& file) {
     struct stat status {};
     return ::stat(file.c_str(), &status) == 0 ? std::optional<std::int64_t>(status.st_mtime)
                                               : std::nullopt;
-}
-
-exchange::PlannedReel plannedReel(const AAFWorkerExtensions::Reel& reel) {
-    exchange::PlannedReel planned{
-        .id = reel.mobID, .name = reel.name.value_or(reel.mobID), .start = reel.start};
-    if (reel.timecode && reel.timecode->framesPerSecond > 0) {
-        planned.timecode =
-            exchange::ReelTimecode{std::max<std::int64_t>(reel.timecode->start, 0),
-                                   reel.timecode->framesPerSecond, reel.timecode->dropFrame};
-        if (const auto counted = sourceTimecode(reel)) {
-            planned.timecode->rate = counted->rate.exactRate;
-        }
-    }
-    return planned;
 }
 
 /// Some formats write paths as they write names, and lose what no name may have.
@@ -238,9 +224,7 @@ exchange::CarriedPart SessionExport::Run::planned() const {
     request.splitsChannels =
         isCarried(request_.format, Feature::channelOfSeveral, Carriage::detour);
     request.keepsOverlaps = isCarried(request_.format, Feature::overlaps, Carriage::carried);
-    for (const AAFWorkerExtensions::Reel& reel : report_.handOff.reels) {
-        request.reels.emplace(reel.essenceID, plannedReel(reel));
-    }
+    request.reels = plannedReels(report_.handOff);
     if (hasMedia()) {
         request.mediaFacts = mediaFacts(timeline, progress_);
     }

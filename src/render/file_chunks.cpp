@@ -61,6 +61,21 @@ std::string codingHistory(const RenderedFile& file, const FileFacts& facts) {
            std::string(versionText) + "\r\n";
 }
 
+/// The tape that all of a track, or a clip, comes from.
+std::optional<std::string> tapeOf(const RenderedFile& file, const ExportPlan& plan) {
+    if (!file.track) {
+        return std::nullopt;
+    }
+    const std::vector<exchange::PlannedClip>& clips = plan.tracks[*file.track].lanes.front().clips;
+    const auto own = file.clip ? std::span(clips).subspan(*file.clip, 1) : std::span(clips);
+    const std::optional<exchange::PlannedReel>& first = plan.media[own.front().media].reel;
+    const bool isOne = first && std::all_of(own.begin(), own.end(), [&](const auto& clip) {
+                           const auto& reel = plan.media[clip.media].reel;
+                           return reel && reel->id == first->id;
+                       });
+    return isOne ? std::optional(first->name) : std::nullopt;
+}
+
 Bytes broadcast(const RenderedFile& file, const FileFacts& facts) {
     audio::BroadcastValues values;
     const std::string session = facts.plan.name.value_or("");
@@ -75,6 +90,7 @@ Bytes broadcast(const RenderedFile& file, const FileFacts& facts) {
 Bytes production(const RenderedFile& file, const FileFacts& facts) {
     audio::ProductionValues values;
     values.project = facts.plan.name;
+    values.tape = tapeOf(file, facts.plan);
     values.sampleRate = static_cast<std::uint32_t>(facts.plan.rate);
     values.bitDepth = file.format.bits;
     const AAFTimecodeRate& rate = facts.plan.start.rate;

@@ -176,6 +176,7 @@ class Files {
     }
 
     void add(RenderedFile file, const std::string& stem) {
+        refuseBeyondBounds(file);
         const NumberedName name{stem, "wav"};
         std::uint64_t& number = nextNumbers_.emplace(lowerCased(stem), 1).first->second;
         file.name = name.withNumber(number);
@@ -183,6 +184,22 @@ class Files {
             file.name = name.withNumber(++number);
         }
         files_.push_back(std::move(file));
+    }
+
+    void refuseBeyondBounds(const RenderedFile& file) const {
+        constexpr Samples secondsOfHour = 3'600;
+        const Samples hour = secondsOfHour * plan_.rate;
+        if (file.length > mostHours * hour) {
+            throw RenderRefusal(
+                (file.clip ? "a clip and its handles are " : "what is to be rendered is ") +
+                std::to_string((file.length - 1) / hour + 1) + " hours long, and a file has " +
+                std::to_string(mostHours) +
+                " at most; --from and --until name a part, and leave out other clips");
+        }
+        if (files_.size() == mostFiles) {
+            throw RenderRefusal("there would be more than " + std::to_string(mostFiles) +
+                                " files; --from and --until name a part");
+        }
     }
 
     const RenderRequest& request_;

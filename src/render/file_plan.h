@@ -28,7 +28,7 @@ struct SessionPart {
 [[nodiscard]] std::int64_t samplesFromMidnight(const exchange::ExportPlan& plan);
 
 /// `played`: by position in the plan's media. Tracks without clips have no file, and clips without
-/// media none of their own.
+/// media none of their own. Throws RenderRefusal beyond mostHours and mostFiles.
 [[nodiscard]] std::vector<RenderedFile> plannedFiles(const RenderRequest& request,
                                                      const exchange::ExportPlan& plan,
                                                      const PlayedFiles& played,

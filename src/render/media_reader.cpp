@@ -71,39 +71,79 @@ int MediaReader::opened(std::size_t media) {
     return open_.emplace(media, std::move(file)).first->second.number();
 }
 
-void MediaReader::read(std::size_t media, std::size_t channel, std::int64_t first,
-                       std::span<double> values) {
-    const std::int64_t frames = files_[media] ? framesOf(*files_[media]) : 0;
-    const auto count = static_cast<std::int64_t>(values.size());
-    const std::int64_t from = std::clamp<std::int64_t>(-first, 0, count);
-    const std::int64_t end = first >= frames ? from : std::clamp(frames - first, from, count);
-    if (from == end || channel >= files_[media]->channels) {
-        std::fill(values.begin(), values.end(), 0.0);
-        return;
-    }
-    std::fill(values.begin(), values.begin() + from, 0.0);
-    std::fill(values.begin() + end, values.end(), 0.0);
-    readFrames(
-        *files_[media], opened(media), channel, first + from,
-        values.subspan(static_cast<std::size_t>(from), static_cast<std::size_t>(end - from)));
+MediaReader::Part MediaReader::partIn(std::size_t media, std::size_t channel, std::int64_t first,
+                                      std::size_t count) const {
+    const auto& file = files_[media];
+    const std::int64_t frames = file && channel < file->channels ? framesOf(*file) : 0;
+    const auto wanted = static_cast<std::int64_t>(count);
+    const std::int64_t from = first < 0 ? std::min(-first, wanted) : 0;
+    const std::int64_t end = first >= frames ? from : std::clamp(frames - first, from, wanted);
+    return {first + from, static_cast<std::size_t>(from), static_cast<std::size_t>(end - from)};
 }
 
-void MediaReader::readFrames(const sessions::WaveFile& file, int descriptor, std::size_t channel,
-                             std::int64_t first, std::span<double> values) {
-    const std::size_t step = frameBytes(file);
+/// A file that became shorter meanwhile has silence there.
+void MediaReader::readFrames(std::size_t media, std::int64_t first, std::span<std::byte> bytes) {
+    const sessions::WaveFile& file = *files_[media];
+    const std::uint64_t offset =
+        file.dataOffset + static_cast<std::uint64_t>(first) * std::uint64_t{frameBytes(file)};
+    const std::size_t got = readAt(file, opened(media), offset, bytes);
+    const auto rest = bytes.subspan(got);
+    std::fill(rest.begin(), rest.end(), audio::silentByte(formatOf(file)));
+}
+
+template <class Take>
+void MediaReader::forEachPiece(std::size_t media, const Part& part, const Take& take) {
+    const std::size_t step = frameBytes(*files_[media]);
     const std::size_t piece = std::max<std::size_t>(1, mostBytes / step);
-    while (!values.empty()) {
-        const std::size_t count = std::min(piece, values.size());
+    for (std::size_t done = 0; done < part.count;) {
+        const std::size_t count = std::min(piece, part.count - done);
         bytes_.resize(count * step);
-        const std::uint64_t offset =
-            file.dataOffset + static_cast<std::uint64_t>(first) * std::uint64_t{step};
-        const std::size_t got = readAt(file, descriptor, offset, bytes_);
-        // A file that became shorter meanwhile has silence there.
-        std::fill(bytes_.begin() + static_cast<std::ptrdiff_t>(got), bytes_.end(), std::byte{0});
-        audio::decodePcm(formatOf(file), bytes_, file.channels, channel, values.first(count));
-        values = values.subspan(count);
-        first += static_cast<std::int64_t>(count);
+        readFrames(media, part.first + static_cast<std::int64_t>(done), bytes_);
+        take(ByteView(bytes_), done, count);
+        done += count;
     }
+}
+
+void MediaReader::read(std::size_t media, std::size_t channel, std::int64_t first,
+                       std::span<double> values) {
+    const Part part = partIn(media, channel, first, values.size());
+    const auto inFile = values.subspan(part.skipped, part.count);
+    const auto before = values.first(part.skipped);
+    const auto behind = values.subspan(part.skipped + part.count);
+    std::fill(before.begin(), before.end(), 0.0);
+    std::fill(behind.begin(), behind.end(), 0.0);
+    if (part.count == 0) {
+        return;
+    }
+    const sessions::WaveFile& file = *files_[media];
+    forEachPiece(media, part, [&](ByteView bytes, std::size_t done, std::size_t count) {
+        audio::decodePcm(formatOf(file), bytes, file.channels, channel,
+                         inFile.subspan(done, count));
+    });
+}
+
+void MediaReader::copy(std::size_t media, std::size_t channel, std::int64_t first,
+                       const audio::PcmFormat& to, std::span<std::byte> bytes) {
+    const std::size_t size = to.bytes();
+    const Part part = partIn(media, channel, first, bytes.size() / size);
+    const auto inFile = bytes.subspan(part.skipped * size, part.count * size);
+    const auto before = bytes.first(part.skipped * size);
+    const auto behind = bytes.subspan(before.size() + inFile.size());
+    std::fill(before.begin(), before.end(), audio::silentByte(to));
+    std::fill(behind.begin(), behind.end(), audio::silentByte(to));
+    if (part.count == 0) {
+        return;
+    }
+    const sessions::WaveFile& file = *files_[media];
+    const audio::PcmFormat from = formatOf(file);
+    if (from == to && file.channels == 1) {
+        readFrames(media, part.first, inFile);
+        return;
+    }
+    forEachPiece(media, part, [&](ByteView piece, std::size_t done, std::size_t count) {
+        audio::widenPcm(from, piece, file.channels, channel, to,
+                        inFile.subspan(done * size, count * size));
+    });
 }
 
 }  // namespace trellant::render

@@ -34,10 +34,30 @@ class MediaReader {
     /// files that are missing, are silent. Throws FileSystemError.
     void read(std::size_t media, std::size_t channel, std::int64_t first, std::span<double> values);
 
+    /// Whether `copy` may be called: for media that are there.
+    [[nodiscard]] bool canCopy(std::size_t media, const audio::PcmFormat& to) const {
+        return audio::isWidening(formatOf(*files_[media]), to);
+    }
+    /// As `read`, as whole samples of a file: the bytes that encoding what was read gives.
+    void copy(std::size_t media, std::size_t channel, std::int64_t first,
+              const audio::PcmFormat& to, std::span<std::byte> bytes);
+
   private:
-    void readFrames(const sessions::WaveFile& file, int descriptor, std::size_t channel,
-                    std::int64_t first, std::span<double> values);
+    /// Frames of a file that are read, and where among those that were asked for they lie.
+    struct Part {
+        std::int64_t first = 0;
+        std::size_t skipped = 0;
+        std::size_t count = 0;
+    };
+    [[nodiscard]] Part partIn(std::size_t media, std::size_t channel, std::int64_t first,
+                              std::size_t count) const;
     [[nodiscard]] int opened(std::size_t media);
+    /// As many frames of all channels as `bytes` has room for.
+    void readFrames(std::size_t media, std::int64_t first, std::span<std::byte> bytes);
+    /// Hands frames of all channels to `take`, piece by piece: their bytes, and how many came
+    /// before.
+    template <class Take>
+    void forEachPiece(std::size_t media, const Part& part, const Take& take);
 
     const PlayedFiles& files_;
     std::map<std::size_t, FileDescriptor> open_;

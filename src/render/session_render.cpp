@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "file_chunks.h"
+#include "file_making.h"
 #include "file_plan.h"
 #include "resampled_media.h"
 #include "silent_clips.h"
 #include "sound.h"
-#include "wave_file.h"
 
 #include <trellant/base/write_all.h>
 #include <trellant/exporter/exporter.h>
 #include <trellant/exporter/final_places.h>
+#include <trellant/exporter/planned_reels.h>
 #include <trellant/exporter/session_markers.h>
 #include <trellant/exporter/session_media.h>
 #include <trellant/extraction/staging.h>
@@ -20,9 +21,11 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <deque>
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
+#include <thread>
 
 namespace trellant::render {
 
@@ -32,9 +35,6 @@ using exchange::ExportLoss;
 using exchange::Samples;
 
 namespace {
-
-/// Worked out at a time.
-constexpr std::size_t blockFrames = 8'192;
 
 const TakenNameAdvice advice{.run = "this rendering",
                              .instead = "choose another folder with --to",
@@ -58,6 +58,22 @@ WaveForm formOf(const RenderedFile& file, const exchange::ExportPlan& plan) {
             .channels = file.channels,
             .rate = static_cast<std::uint32_t>(plan.rate),
             .frames = static_cast<std::uint64_t>(std::max<Samples>(file.length, 0))};
+}
+
+/// On all processors, of which several share a file where there are fewer files.
+void makeFiles(std::deque<FileMaking>& makings, WorkProgress& progress) {
+    const std::size_t processors = std::max(1U, std::thread::hardware_concurrency());
+    const std::size_t sharing =
+        makings.empty() ? 1 : std::max<std::size_t>(1, processors / makings.size());
+    std::atomic<std::uint64_t> done{0};
+    runJobs(
+        makings.size() * sharing,
+        [&](std::size_t number, const std::function<void()>& whileWaiting) {
+            makings[number / sharing].work(whileWaiting,
+                                           [&done](std::uint64_t bytes) { done += bytes; });
+            return std::uint64_t{0};
+        },
+        progress, &done);
 }
 
 }  // namespace
@@ -86,8 +102,7 @@ class SessionRender::Run {
     void recordSilence(const std::vector<SessionMediaMaker::Difference>& differences);
     void refuseWithoutRoom(std::uint64_t bytes) const;
     void renderFiles();
-    void renderOne(RenderedFile& file, const FileFacts& facts, std::atomic<std::uint64_t>& done,
-                   const std::function<void()>& whileWaiting) const;
+    [[nodiscard]] FileOrder orderOf(const RenderedFile& file, const FileFacts& facts) const;
     [[nodiscard]] std::unique_ptr<Sound> soundOf(const RenderedFile& file) const;
     [[nodiscard]] std::string writeText(std::string_view name, const std::string& text) const;
     void writeLists();
@@ -132,6 +147,7 @@ void SessionRender::Run::plan() {
     const AAFTimeline& timeline = report_.handOff.timeline;
     exchange::PlanRequest request;
     request.keepsOverlaps = true;
+    request.reels = plannedReels(report_.handOff);
     request.mediaFacts = mediaFacts(timeline, progress_);
     exchange::PlannedSession planned = exchange::planSession(timeline, request);
     report_.losses = exchange::lossesOfPlan(planned, timeline);
@@ -201,9 +217,17 @@ void SessionRender::Run::recordSilence(
 void SessionRender::Run::refuseWithoutRoom(std::uint64_t bytes) const {
     std::error_code error;
     const fs::space_info space = fs::space(request_.directoryPath, error);
-    if (!error && bytes > space.available) {
-        throw RenderRefusal("the files take " + gigabytes(bytes) + ", and the disk has room for " +
-                            gigabytes(space.available));
+    if (error) {
+        return;
+    }
+    // A disk that is full to its last byte stops whatever else writes to it.
+    constexpr std::uint64_t shareLeftFree = 20;
+    const std::uint64_t room = space.available - space.available / shareLeftFree;
+    if (bytes > room) {
+        throw RenderRefusal("the files take " + gigabytes(bytes) + ", and of the " +
+                            gigabytes(space.available) +
+                            " that are free a twentieth is left alone; --from and --until name a "
+                            "part, --to another disk");
     }
 }
 
@@ -221,14 +245,15 @@ void SessionRender::Run::renderFiles() {
     const FileFacts facts{
         .plan = report_.plan, .marks = marks, .date = own ? own : lastChange(request_.file)};
     progress_.begin("Rendering", bytes);
-    std::atomic<std::uint64_t> done{0};
-    runJobs(
-        report_.files.size(),
-        [&](std::size_t number, const std::function<void()>& whileWaiting) {
-            renderOne(report_.files[number], facts, done, whileWaiting);
-            return std::uint64_t{0};
-        },
-        progress_, &done);
+    std::deque<FileMaking> makings;
+    for (const RenderedFile& file : report_.files) {
+        makings.emplace_back(orderOf(file, facts), played_);
+    }
+    makeFiles(makings, progress_);
+    for (std::size_t i = 0; i < makings.size(); ++i) {
+        report_.files[i].sha256 = makings[i].result().sha256;
+        report_.files[i].cutSamples = makings[i].result().cutSamples;
+    }
 }
 
 std::unique_ptr<Sound> SessionRender::Run::soundOf(const RenderedFile& file) const {
@@ -243,24 +268,11 @@ std::unique_ptr<Sound> SessionRender::Run::soundOf(const RenderedFile& file) con
     return clipSound(clip, request_.treatment, clip.start - file.start);
 }
 
-void SessionRender::Run::renderOne(RenderedFile& file, const FileFacts& facts,
-                                   std::atomic<std::uint64_t>& done,
-                                   const std::function<void()>& whileWaiting) const {
-    const WaveForm form = formOf(file, report_.plan);
-    WaveFileWriter writer(staging_.file(file.name), form, fileChunks(file, facts));
-    MediaReader media(played_);
-    const std::unique_ptr<Sound> sound = soundOf(file);
-    std::vector<double> samples(blockFrames * file.channels);
-    for (std::uint64_t left = form.frames; left != 0;) {
-        whileWaiting();
-        const std::size_t frames = std::min<std::uint64_t>(left, blockFrames);
-        const std::span<double> block(samples.data(), frames * file.channels);
-        sound->next(media, block);
-        file.cutSamples += writer.add(block);
-        left -= frames;
-        done += block.size() * file.format.bytes();
-    }
-    file.sha256 = writer.finish();
+FileOrder SessionRender::Run::orderOf(const RenderedFile& file, const FileFacts& facts) const {
+    return {.path = staging_.file(file.name),
+            .form = formOf(file, report_.plan),
+            .chunks = [&file, &facts] { return fileChunks(file, facts); },
+            .sound = [this, &file] { return soundOf(file); }};
 }
 
 /// Gives the text's checksum.

@@ -21,6 +21,11 @@ std::size_t sizeOf(Samples count) noexcept {
     return static_cast<std::size_t>(count);
 }
 
+/// The first channel where it does not say which one it plays.
+std::size_t channelOf(const PlannedClip& clip) noexcept {
+    return sizeOf(std::max<std::int64_t>(clip.channel.value_or(0), 0));
+}
+
 /// Multiplies by a fade whose place is `from` to `from` + its length, counted as `first` is.
 template <class Fade>
 void applyFade(const exchange::PlannedFade& fade, Samples from, Samples first,
@@ -47,8 +52,7 @@ class ClipPart {
     std::span<double> samples(MediaReader& media, const PlannedClip& clip, Samples first,
                               std::size_t count) {
         samples_.resize(count);
-        const auto channel = sizeOf(std::max<std::int64_t>(clip.channel.value_or(0), 0));
-        media.read(clip.media, channel, clip.sourceStart + first, samples_);
+        media.read(clip.media, channelOf(clip), clip.sourceStart + first, samples_);
         return samples_;
     }
     /// Their factors.
@@ -80,32 +84,87 @@ class ClipPart {
 class TrackSound final : public Sound {
   public:
     TrackSound(const ExportPlan& plan, const PlannedTrack& track, Treatment treatment, Samples from)
-        : plan_(plan), track_(track), treatment_(treatment), place_(from) {}
+        : plan_(plan),
+          track_(track),
+          clips_(track.lanes.front().clips),
+          treatment_(treatment),
+          isTrackPlain_(treatment == Treatment::edits ||
+                        (track.gain == 1 && !track.gainAutomation)),
+          place_(from) {}
 
     [[nodiscard]] std::size_t channels() const noexcept override { return 1; }
 
     void next(MediaReader& media, std::span<double> samples) override {
         std::fill(samples.begin(), samples.end(), 0.0);
         const Samples end = place_ + static_cast<Samples>(samples.size());
-        const std::vector<PlannedClip>& clips = track_.lanes.front().clips;
-        for (; next_ < clips.size() && clips[next_].start < end; ++next_) {
-            if (clips[next_].end() > place_ && !clips[next_].muted) {
-                playing_.push_back(next_);
-            }
-        }
+        takeUp(media, end);
         for (const std::size_t number : playing_) {
-            add(media, clips[number], samples);
+            add(media, clips_[number], samples);
         }
-        std::erase_if(playing_, [&](std::size_t number) { return clips[number].end() <= end; });
         applyTrack(samples);
-        place_ = end;
+        goTo(end);
+    }
+
+    [[nodiscard]] Stretch ahead(const MediaReader& media, std::size_t frames) override {
+        takeUp(media, place_ + 1);
+        if (playing_.size() > 1 || (playing_.size() == 1 && !isTrackPlain_)) {
+            return {Stretch::Kind::workedOut, frames};
+        }
+        Samples end = place_ + static_cast<Samples>(frames);
+        if (next_ < clips_.size()) {
+            end = std::min(end, clips_[next_].start);
+        }
+        return playing_.empty() ? Stretch{Stretch::Kind::silent, sizeOf(end - place_)}
+                                : ofOneClip(clips_[playing_.front()], frames, end);
+    }
+
+    void skip(const MediaReader& media, Samples frames) override {
+        goTo(place_ + frames);
+        takeUp(media, place_);
     }
 
   private:
-    void add(MediaReader& media, const PlannedClip& clip, std::span<double> samples) {
-        if (!media.has(clip.media)) {
-            return;
+    /// Takes up the clips that are heard and begin before `end`.
+    void takeUp(const MediaReader& media, Samples end) {
+        for (; next_ < clips_.size() && clips_[next_].start < end; ++next_) {
+            const PlannedClip& clip = clips_[next_];
+            if (clip.end() > place_ && !clip.muted && media.has(clip.media)) {
+                playing_.push_back(next_);
+            }
         }
+    }
+
+    void goTo(Samples place) {
+        place_ = place;
+        std::erase_if(playing_, [&](std::size_t number) { return clips_[number].end() <= place; });
+    }
+
+    /// Nothing else is heard before `end`.
+    [[nodiscard]] Stretch ofOneClip(const PlannedClip& clip, std::size_t frames,
+                                    Samples end) const {
+        const Samples first = place_ - clip.start;
+        Samples last = std::min(end - clip.start, clip.length);
+        if (treatment_ == Treatment::processed) {
+            if (clip.gain != 1 || clip.gainAutomation) {
+                return {Stretch::Kind::workedOut, frames};
+            }
+            if (clip.fadeIn && first < clip.fadeIn->length) {
+                const Samples fading = std::min(clip.fadeIn->length, last) - first;
+                return {Stretch::Kind::workedOut, sizeOf(fading)};
+            }
+            if (clip.fadeOut) {
+                const Samples fade = clip.length - clip.fadeOut->length;
+                if (first >= fade) {
+                    return {Stretch::Kind::workedOut, sizeOf(last - first)};
+                }
+                last = std::min(last, fade);
+            }
+        }
+        return {Stretch::Kind::copied, sizeOf(last - first), clip.media, channelOf(clip),
+                clip.sourceStart + first};
+    }
+
+    void add(MediaReader& media, const PlannedClip& clip, std::span<double> samples) {
         const Samples begin = std::max(place_, clip.start);
         const Samples end = std::min(place_ + static_cast<Samples>(samples.size()), clip.end());
         const auto target = samples.subspan(sizeOf(begin - place_), sizeOf(end - begin));
@@ -128,7 +187,7 @@ class TrackSound final : public Sound {
     }
 
     void applyTrack(std::span<double> samples) {
-        if (treatment_ == Treatment::edits || (track_.gain == 1 && !track_.gainAutomation)) {
+        if (isTrackPlain_) {
             return;
         }
         factors_.assign(samples.size(), track_.gain);
@@ -143,11 +202,14 @@ class TrackSound final : public Sound {
 
     const ExportPlan& plan_;
     const PlannedTrack& track_;
+    const std::vector<PlannedClip>& clips_;
     Treatment treatment_;
+    /// The track leaves the sum of its clips as it is.
+    bool isTrackPlain_;
     Samples place_;
     /// The first clip that has not begun.
     std::size_t next_ = 0;
-    /// Clips that have begun and not ended, by ascending start.
+    /// Clips that are heard, have begun and not ended, by ascending start.
     std::vector<std::size_t> playing_;
     ClipPart part_;
     std::vector<double> factors_;
@@ -170,10 +232,26 @@ class MixSound final : public Sound {
         const std::size_t frames = samples.size() / 2;
         mono_.resize(frames);
         for (const Track& track : tracks_) {
+            const Stretch stretch = track.sound->ahead(media, frames);
+            if (stretch.kind == Stretch::Kind::silent && stretch.frames == frames) {
+                track.sound->skip(media, static_cast<Samples>(frames));
+                continue;
+            }
             track.sound->next(media, mono_);
             add(*track.planned, samples);
         }
         place_ += static_cast<Samples>(frames);
+    }
+
+    [[nodiscard]] Stretch ahead(const MediaReader& /*media*/, std::size_t frames) override {
+        return {Stretch::Kind::workedOut, frames};
+    }
+
+    void skip(const MediaReader& media, Samples frames) override {
+        for (const Track& track : tracks_) {
+            track.sound->skip(media, frames);
+        }
+        place_ += frames;
     }
 
   private:
@@ -228,6 +306,16 @@ class ClipSound final : public Sound {
         }
         place_ += static_cast<Samples>(samples.size());
     }
+
+    [[nodiscard]] Stretch ahead(const MediaReader& /*media*/, std::size_t frames) override {
+        const bool isPlain =
+            treatment_ == Treatment::edits || (clip_.gain == 1 && !clip_.gainAutomation);
+        return isPlain ? Stretch{Stretch::Kind::copied, frames, clip_.media, channelOf(clip_),
+                                 clip_.sourceStart + place_}
+                       : Stretch{Stretch::Kind::workedOut, frames};
+    }
+
+    void skip(const MediaReader& /*media*/, Samples frames) override { place_ += frames; }
 
   private:
     const PlannedClip& clip_;

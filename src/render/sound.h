@@ -26,6 +26,23 @@
 
 namespace trellant::render {
 
+/// The next frames of a sound, as far as they are of one kind.
+struct Stretch {
+    enum class Kind {
+        /// No rule says more of them: `next` has to.
+        workedOut,
+        silent,
+        /// They are a medium's own samples from frame `first` on: of a sound of one channel.
+        copied
+    };
+    Kind kind = Kind::workedOut;
+    /// 1 or more.
+    std::size_t frames = 0;
+    std::size_t media = 0;
+    std::size_t channel = 0;
+    exchange::Samples first = 0;
+};
+
 /// A sound that is made from its start on.
 class Sound {
   public:
@@ -39,6 +56,10 @@ class Sound {
     [[nodiscard]] virtual std::size_t channels() const noexcept = 0;
     /// The next frames, channels interleaved. Throws FileSystemError for media that cannot be read.
     virtual void next(MediaReader& media, std::span<double> samples) = 0;
+    /// What comes next: `frames` of it (1 or more) at most. Gives what `next` would give.
+    [[nodiscard]] virtual Stretch ahead(const MediaReader& media, std::size_t frames) = 0;
+    /// Goes on behind the next so many frames.
+    virtual void skip(const MediaReader& media, exchange::Samples frames) = 0;
 };
 
 /// Each begins at the sample `from` of the session. `plan` must outlive it, and be planned with

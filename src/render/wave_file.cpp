@@ -88,27 +88,20 @@ WaveFileWriter::WaveFileWriter(std::string path, const WaveForm& form, ByteView 
     if (!file_.isOpen()) {
         throw FileSystemError("create", path_, errno);
     }
-    write(waveHead(form_, chunks));
+    add(waveHead(form_, chunks));
 }
 
-void WaveFileWriter::write(ByteView bytes) {
+void WaveFileWriter::add(ByteView bytes) {
     if (const int reason = writeAll(file_.number(), bytes); reason != 0) {
         throw FileSystemError("write", path_, reason);
     }
     sha_.add(bytes);
 }
 
-std::uint64_t WaveFileWriter::add(std::span<const double> samples) {
-    bytes_.resize(samples.size() * form_.format.bytes());
-    const std::uint64_t cut = audio::encodePcm(form_.format, samples, bytes_);
-    write(bytes_);
-    return cut;
-}
-
 std::string WaveFileWriter::finish() {
     if (form_.dataBytes() % 2 != 0) {
         constexpr std::byte padding{0};
-        write(ByteView(&padding, 1));
+        add(ByteView(&padding, 1));
     }
     return sha_.hexadecimal();
 }

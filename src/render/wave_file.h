@@ -15,7 +15,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
 #include <string>
 
 namespace trellant::render {
@@ -40,19 +39,16 @@ class WaveFileWriter {
     /// Makes a new file. Throws FileSystemError, and so do the others.
     WaveFileWriter(std::string path, const WaveForm& form, ByteView chunks);
 
-    /// Further samples, channels interleaved. Gives how many were cut off at full scale.
-    [[nodiscard]] std::uint64_t add(std::span<const double> samples);
+    /// Further samples as the file has them, channels interleaved.
+    void add(ByteView samples);
     /// Call once, when all samples were added. Gives the file's SHA-256, as sha256sum prints it.
     [[nodiscard]] std::string finish();
 
   private:
-    void write(ByteView bytes);
-
     std::string path_;
     WaveForm form_;
     FileDescriptor file_;
     Sha256 sha_;
-    Bytes bytes_;
 };
 
 }  // namespace trellant::render

@@ -5,6 +5,7 @@
 #include "sound_blocks.h"
 #include "sound_source.h"
 
+#include <trellant/audio/pcm.h>
 #include <trellant/audio/sound_meter.h>
 
 #include <algorithm>
@@ -28,15 +29,49 @@ std::uint64_t measuredFrames(const Source& source) {
     return static_cast<std::uint64_t>(source.info.frames);
 }
 
+/// Whether whole numbers lie in the file as they do in any WAVE file.
+bool isLittleEndian(const Source& source) {
+    return (source.info.format & SF_FORMAT_TYPEMASK) != SF_FORMAT_AIFF &&
+           (source.info.format & SF_FORMAT_ENDMASK) != SF_ENDIAN_BIG;
+}
+
+/// Reads whole numbers as they lie: the library takes them one by one.
+class PackedNumbers {
+  public:
+    PackedNumbers(const Source& source, const SampleForm& form)
+        : sound_(source.sound.get()),
+          format_{static_cast<std::uint16_t>(form.bytes * bitsOfByte), false} {}
+
+    sf_count_t read(std::span<std::int32_t> numbers, sf_count_t frames) {
+        bytes_.resize(numbers.size() * format_.bytes());
+        const auto wanted = static_cast<sf_count_t>(bytes_.size());
+        if (::sf_read_raw(sound_, bytes_.data(), wanted) != wanted) {
+            return 0;
+        }
+        audio::unpackPcm(format_, bytes_, numbers);
+        return frames;
+    }
+
+  private:
+    SNDFILE* sound_;
+    audio::PcmFormat format_;
+    Bytes bytes_;
+};
+
 template <class Meter>
-void readInto(Meter& meter, const Source& source, bool isFloatingPoint) {
-    if (isFloatingPoint) {
-        forEachBlock<double>(source, source.info.frames,
-                             [&meter](std::span<const double> samples) { meter.add(samples); });
+void readInto(Meter& meter, const Source& source, const SampleForm& form) {
+    const sf_count_t frames = source.info.frames;
+    const auto add = [&meter](auto samples) { meter.add(samples); };
+    if (form.isFloatingPoint) {
+        forEachBlock<double>(source, frames, add);
+    } else if (isLittleEndian(source)) {
+        PackedNumbers packed(source, form);
+        const auto read = [&packed](std::span<std::int32_t> numbers, sf_count_t wanted) {
+            return packed.read(numbers, wanted);
+        };
+        forEachBlockBy<std::int32_t>(source, frames, read, add);
     } else {
-        forEachBlock<std::int32_t>(
-            source, source.info.frames,
-            [&meter](std::span<const std::int32_t> samples) { meter.add(samples); });
+        forEachBlock<std::int32_t>(source, frames, add);
     }
 }
 
@@ -64,7 +99,7 @@ void writeMeasures(const std::string& source, const std::string& destination,
     NewFile file(destination, "file of measures");
     audio::SoundMeter meter(soundFormat(input, form, bitDepth),
                             std::max<std::uint64_t>(1, framesPerPair));
-    readInto(meter, input, form.isFloatingPoint);
+    readInto(meter, input, form);
     file.write(audio::packedMeasures(meter.taken()));
     file.keep();
 }
@@ -95,7 +130,7 @@ void writeWaveform(const std::string& source, const std::string& destination,
                                    gathered.clear();
                                }
                            });
-    readInto(meter, input, form.isFloatingPoint);
+    readInto(meter, input, form);
     meter.finish();
     file.write(gathered);
     file.keep();

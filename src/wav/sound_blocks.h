@@ -30,22 +30,36 @@ inline sf_count_t readFrames(SNDFILE* sound, double* samples, sf_count_t frames)
     return ::sf_readf_double(sound, samples, frames);
 }
 
-/// Hands the next `frames` frames to `take`, channels interleaved: whole numbers at the upper end
-/// of 32 bits, or floating point. Throws ConversionError where the sound ends before.
-template <class Sample, class Take>
-void forEachBlock(const Source& source, sf_count_t frames, const Take& take) {
+/// Hands the next `frames` frames to `take`, channels interleaved, as `read` gives them: it takes
+/// room for so many frames, and says how many it filled. Throws ConversionError where the sound
+/// ends before.
+template <class Sample, class Read, class Take>
+void forEachBlockBy(const Source& source, sf_count_t frames, const Read& read, const Take& take) {
     const sf_count_t channels = source.info.channels;
     const sf_count_t blockFrames = std::max<sf_count_t>(1, blockSamples / channels);
     std::vector<Sample> block(static_cast<std::size_t>(blockFrames * channels));
     while (frames > 0) {
         const sf_count_t wanted = std::min(blockFrames, frames);
-        if (readFrames(source.sound.get(), block.data(), wanted) != wanted) {
+        const auto part =
+            std::span<Sample>(block).first(static_cast<std::size_t>(wanted * channels));
+        if (read(part, wanted) != wanted) {
             throw ConversionError("it ends before its last sample");
         }
-        take(std::span<const Sample>(block).first(static_cast<std::size_t>(wanted * channels)));
+        take(std::span<const Sample>(part));
         frames -= wanted;
         endIfHostIsGone();
     }
+}
+
+/// The same: whole numbers at the upper end of 32 bits, or floating point.
+template <class Sample, class Take>
+void forEachBlock(const Source& source, sf_count_t frames, const Take& take) {
+    forEachBlockBy<Sample>(
+        source, frames,
+        [&source](std::span<Sample> samples, sf_count_t wanted) {
+            return readFrames(source.sound.get(), samples.data(), wanted);
+        },
+        take);
 }
 
 }  // namespace trellant::wav

@@ -116,6 +116,75 @@ TEST(Pcm, FloatingPointIsNotCutOff) {
     EXPECT_EQ(encoded(singles, {1e300}).bytes, bytesOf({0xFF, 0xFF, 0x7F, 0x7F}));
 }
 
+TEST(Pcm, ZeroHasNoSignInFloatingPoint) {
+    EXPECT_EQ(encoded(singles, {-0.0, -1e-300}).bytes, Bytes(8));
+    EXPECT_EQ(encoded(doubles, {-0.0}).bytes, Bytes(8));
+}
+
+TEST(Pcm, SilenceOfEightBitsIsTheMiddle) {
+    for (const PcmFormat& format : {eight, sixteen, twentyFour, thirtyTwo, singles, doubles}) {
+        const Bytes silence = encoded(format, {0}).bytes;
+        EXPECT_EQ(silence, Bytes(silence.size(), silentByte(format))) << format.bits;
+    }
+}
+
+/// 0x12 of 8 bits lies 0x6E below the middle, which is 0x92 of two's complement.
+TEST(Pcm, WidensWithZerosBelow) {
+    const auto widened = [](const PcmFormat& from, const Bytes& bytes, std::size_t channels,
+                            std::size_t channel, const PcmFormat& to) {
+        Bytes result(bytes.size() / from.bytes() / channels * to.bytes());
+        widenPcm(from, bytes, channels, channel, to, result);
+        return result;
+    };
+    EXPECT_EQ(widened(eight, bytesOf({0x12, 0x80}), 1, 0, twentyFour),
+              bytesOf({0, 0, 0x92, 0, 0, 0}));
+    EXPECT_EQ(widened(eight, bytesOf({0x12, 0x80}), 2, 1, eight), bytesOf({0x80}));
+    EXPECT_EQ(widened(sixteen, bytesOf({0x34, 0x12, 0xFE, 0xFF}), 1, 0, thirtyTwo),
+              bytesOf({0, 0, 0x34, 0x12, 0, 0, 0xFE, 0xFF}));
+    EXPECT_EQ(
+        widened(twentyFour, bytesOf({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}), 2, 1, twentyFour),
+        bytesOf({4, 5, 6, 10, 11, 12}));
+    EXPECT_EQ(widened(thirtyTwo, bytesOf({1, 2, 3, 4}), 1, 0, thirtyTwo), bytesOf({1, 2, 3, 4}));
+}
+
+TEST(Pcm, UnpacksToTheUpperEnd) {
+    const auto unpacked = [](const PcmFormat& format, const Bytes& bytes) {
+        std::vector<std::int32_t> numbers(bytes.size() / format.bytes());
+        unpackPcm(format, bytes, numbers);
+        return numbers;
+    };
+    EXPECT_EQ(unpacked(eight, bytesOf({0x80, 0x81, 0x00})),
+              (std::vector<std::int32_t>{0, 0x01000000, std::numeric_limits<std::int32_t>::min()}));
+    EXPECT_EQ(unpacked(sixteen, bytesOf({0x34, 0x12, 0xFF, 0xFF})),
+              (std::vector<std::int32_t>{0x12340000, -0x10000}));
+    EXPECT_EQ(unpacked(twentyFour, bytesOf({0x56, 0x34, 0x12, 0xFE, 0xFF, 0xFF})),
+              (std::vector<std::int32_t>{0x12345600, -0x200}));
+    EXPECT_EQ(unpacked(thirtyTwo, bytesOf({0x78, 0x56, 0x34, 0x12})),
+              (std::vector<std::int32_t>{0x12345678}));
+    EXPECT_TRUE(unpacked(sixteen, {}).empty());
+}
+
+TEST(Pcm, WidensAsTheWayThroughFloatingPointDoes) {
+    const std::vector<PcmFormat> formats{eight, sixteen, twentyFour, thirtyTwo};
+    for (const PcmFormat& from : formats) {
+        Bytes bytes;
+        for (std::uint32_t i = 0; i < 1'200; ++i) {
+            bytes.push_back(static_cast<std::byte>((i * 2'654'435'761U) >> 24U));
+        }
+        const std::vector<double> values = decoded(from, bytes, 3, 2);
+        for (const PcmFormat& to : formats) {
+            EXPECT_EQ(isWidening(from, to), from.bits <= to.bits);
+            if (isWidening(from, to)) {
+                Bytes result(values.size() * to.bytes());
+                widenPcm(from, bytes, 3, 2, to, result);
+                EXPECT_EQ(result, encoded(to, values).bytes) << from.bits << " " << to.bits;
+            }
+        }
+        EXPECT_FALSE(isWidening(from, singles));
+        EXPECT_FALSE(isWidening(singles, from));
+    }
+}
+
 TEST(Pcm, TellsFormatsThatThereAre) {
     EXPECT_TRUE(isPcmFormat(twentyFour));
     EXPECT_TRUE(isPcmFormat(doubles));

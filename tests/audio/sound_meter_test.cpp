@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -176,6 +177,20 @@ TEST(FullScale, RunsGoOnFromPieceToPiece) {
         EXPECT_THAT(mono16(samples, piece).channels[0].fullScale.ranges,
                     ElementsAre(FrameRange{6, 5}))
             << piece;
+    }
+}
+
+/// Samples are looked at by 32 for whether there is any run among them.
+TEST(FullScale, RunsAreFoundWhereverTheyLie) {
+    for (std::uint64_t start = 0; start < 70; ++start) {
+        std::vector<std::int32_t> samples(200, 5);
+        std::fill_n(samples.begin() + static_cast<std::ptrdiff_t>(start), 4, 32'767);
+        std::fill_n(samples.begin() + static_cast<std::ptrdiff_t>(start) + 40, 5, -32'767);
+        std::fill_n(samples.begin() + static_cast<std::ptrdiff_t>(start) + 60, 35, 0);
+        const auto sound = mono16(samples);
+        EXPECT_THAT(sound.channels[0].fullScale.ranges,
+                    ElementsAre(FrameRange{start, 4}, FrameRange{start + 40, 5}));
+        EXPECT_THAT(sound.channels[0].silences, ElementsAre(FrameRange{start + 60, 35}));
     }
 }
 

@@ -201,6 +201,29 @@ TEST_F(RenderCommand, WhatCannotBeMeantIsRefused) {
     EXPECT_FALSE(fs::exists(out()));
 }
 
+/// 23 hours of 192,000 samples of 4 bytes are 63.6 GB, and 500 tracks of them 31,795.2 GB.
+TEST_F(RenderCommand, WhatTheDiskHasNoRoomForIsRefused) {
+    for (int i = 0; i < 500; ++i) {
+        add({.name = "A.wav", .media = waveOf({1, 2}, 192'000), .clipLength = 23 * 360'000});
+    }
+    cli::RenderOptions options = rendering(writeDocument());
+    options.call.format = audio::PcmFormat{32, true};
+    const Said said = rendered(options);
+    EXPECT_EQ(said.status, 1);
+    EXPECT_THAT(said.errors, HasSubstr("the files take 31795.2 GB, and of the "));
+    EXPECT_THAT(said.errors, HasSubstr(" GB that are free a twentieth is left alone; "));
+    EXPECT_FALSE(fs::exists(out()));
+}
+
+TEST_F(RenderCommand, ADayIsTheMostOfAFile) {
+    add({.name = "A.wav", .media = waveOf({1, 2}), .clipLength = 365 * 24 * 360'000LL});
+    const Said said = rendered(rendering(writeDocument()));
+    EXPECT_EQ(said.status, 1);
+    EXPECT_THAT(said.errors, HasSubstr("what is to be rendered is 8760 hours long, and a file has "
+                                       "24 at most; --from and --until name a part"));
+    EXPECT_FALSE(fs::exists(out()));
+}
+
 TEST_F(RenderCommand, SoxAndFfmpegReadWhatIsWritten) {
     if (std::system("command -v sox ffmpeg >/dev/null 2>&1") != 0) {
         GTEST_SKIP() << "sox or ffmpeg is not installed";

@@ -2,6 +2,7 @@
 // Random plans, rendered and worked out anew by another implementation: slow, sample by sample, in
 // fractions throughout. It knows the rules of sound.h, gain.h and pcm.h and shares no code with
 // them. Curves are those that fractions can follow.
+#include "file_making.h"
 #include "rendered.h"
 
 #include <trellant/audio/pcm.h>
@@ -140,7 +141,7 @@ class RandomPlan : public RenderedPlan {
             start += upTo(200);
             fill(addClip(track, static_cast<std::size_t>(upTo(1)), start, lengthUpTo(420)));
         }
-        track.gain = quarters();
+        track.gain = upTo(1) == 0 ? 1 : quarters();
         // A length that divides 5,040.
         plan.length = 5'040;
         if (upTo(1) == 0) {
@@ -205,12 +206,12 @@ class RandomPlan : public RenderedPlan {
     }
     void fill(PlannedClip& clip) {
         clip.sourceStart = upTo(900);
-        clip.gain = quarters();
+        clip.gain = upTo(1) == 0 ? 1 : quarters();
         clip.muted = false;
         if (clip.media == 1 && upTo(2) != 0) {
             clip.channel = upTo(1);
         }
-        if (upTo(1) == 0) {
+        if (upTo(2) == 0) {
             clip.gainAutomation = envelope();
         }
         if (upTo(2) != 0) {
@@ -226,6 +227,42 @@ class RandomPlan : public RenderedPlan {
     std::mt19937 numbers_;
     std::vector<std::vector<std::int16_t>> samples_;
 };
+
+constexpr audio::PcmFormat twentyFour{24, false};
+
+std::vector<std::int64_t> wholeNumbers(const Bytes& bytes) {
+    std::vector<std::int64_t> numbers;
+    for (std::size_t i = 0; i < bytes.size(); i += 3) {
+        const auto at = [&](std::size_t k) { return std::to_integer<std::int64_t>(bytes[i + k]); };
+        const std::int64_t number = at(0) | at(1) << 8 | at(2) << 16;
+        numbers.push_back(number < 0x800000 ? number : number - 0x1000000);
+    }
+    return numbers;
+}
+
+/// The same by way of stretches: what is silent, and what is copied as it lies in the media.
+TEST(ExactSound, SoAreTheirBytesFromAnyPlaceOn) {
+    for (unsigned seed = 101; seed <= 180; ++seed) {
+        RandomPlan random(seed);
+        constexpr std::size_t frames = 1'700;
+        render::SoundBytes sound(
+            render::trackSound(random.plan, 0, render::Treatment::processed, 0), random.played,
+            twentyFour);
+        const auto some = [&](int most) { return static_cast<std::size_t>(random.upTo(most)); };
+        const std::vector<std::int64_t> expected = random.workedOut(frames);
+        for (std::size_t at = 0; at < frames;) {
+            Bytes bytes(std::min(1 + some(300), frames - at) * 3);
+            sound.goTo(at);
+            static_cast<void>(sound.next(bytes));
+            const std::vector<std::int64_t> numbers = wholeNumbers(bytes);
+            for (std::size_t i = 0; i < numbers.size(); ++i) {
+                ASSERT_EQ(numbers[i], expected[at + i]) << "plan " << seed << ", sample " << at + i;
+            }
+            // Every other time a part is left out.
+            at += numbers.size() + some(1) * some(200);
+        }
+    }
+}
 
 TEST(ExactSound, RandomPlansAreWhatFractionsMakeOfThem) {
     for (unsigned seed = 1; seed <= 60; ++seed) {

@@ -9,6 +9,7 @@
 namespace trellant::testing {
 namespace {
 
+using exchange::PlannedTrack;
 using render::RenderedFile;
 using render::RenderKind;
 using render::RenderRefusal;
@@ -33,7 +34,7 @@ class FilesOfPlan : public ::testing::Test, public RenderedPlan {
     }
     [[nodiscard]] std::string refusal(const RenderRequest& request) const {
         try {
-            static_cast<void>(render::sessionPart(request, plan));
+            static_cast<void>(files(request));
         } catch (const RenderRefusal& error) {
             return error.what();
         }
@@ -105,6 +106,37 @@ TEST_F(FilesOfPlan, LabelsNameAPart) {
     EXPECT_EQ(refusal({.from = "01:00:00:25"}),
               "no frame of this session has the timecode 01:00:00:25");
     EXPECT_THAT(refusal({.from = "01:00:01:00", .until = "01:00:01:00"}), HasSubstr("--until"));
+}
+
+/// 24 hours at 48,000 Hz are 4,147,200,000 samples.
+TEST_F(FilesOfPlan, NoFileIsLongerThanADay) {
+    auto& clip = addClip(addTrack("A"), addMedia({1, 2}), 0, 2);
+    plan.length = 4'147'200'000;
+    EXPECT_EQ(files({})[0].length, 4'147'200'000);
+    plan.length += 1;
+    EXPECT_EQ(refusal({}),
+              "what is to be rendered is 25 hours long, and a file has 24 at most; --from and "
+              "--until name a part, and leave out other clips");
+    EXPECT_EQ(refusal({.kind = RenderKind::clips}), "");
+    EXPECT_EQ(files({.until = "02:00:00:00"})[0].length, 172'800'000);
+    // A hundred days.
+    clip.length = 414'720'000'000;
+    EXPECT_EQ(refusal({.kind = RenderKind::clips}),
+              "a clip and its handles are 2400 hours long, and a file has 24 at most; --from and "
+              "--until name a part, and leave out other clips");
+}
+
+TEST_F(FilesOfPlan, FilesAreCounted) {
+    PlannedTrack& track = addTrack("A");
+    const std::size_t media = addMedia({1, 2});
+    for (exchange::Samples i = 0; i < 50'000; ++i) {
+        addClip(track, media, i, 1);
+    }
+    EXPECT_EQ(files({.kind = RenderKind::clips}).size(), 50'000U);
+    addClip(track, media, 50'000, 1);
+    EXPECT_EQ(refusal({.kind = RenderKind::clips}),
+              "there would be more than 50000 files; --from and --until name a part");
+    EXPECT_EQ(refusal({}), "");
 }
 
 TEST_F(FilesOfPlan, ASessionMayRunOverMidnight) {

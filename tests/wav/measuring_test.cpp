@@ -104,6 +104,33 @@ TEST_F(Measuring, TwentyFourAndThirtyTwoBits) {
     EXPECT_THAT(sound.peaks.pairs, ElementsAre(PeakPair{0, 0}, PeakPair{0, 0}, PeakPair{-1, -1}));
 }
 
+/// A WAVE file's numbers are taken as they lie, an AIFF file's through the library: of so many
+/// frames that they come in several blocks.
+TEST_F(Measuring, BothWaysOfReadingGiveTheSame) {
+    for (const std::uint16_t bits : std::initializer_list<std::uint16_t>{16, 24, 32}) {
+        const std::size_t width = bits / 8U;
+        Bytes little;
+        Bytes big;
+        std::uint32_t state = 1;
+        for (std::size_t i = 0; i < 3 * 70'000U; ++i) {
+            state = state * 1'664'525U + 1'013'904'223U;
+            // Every now and then silence, or full scale.
+            const std::size_t kind = i % 5'000 / 100;
+            const std::uint32_t word = kind == 7 ? 0 : (kind == 9 ? 0x7FFFFFFF : state);
+            for (std::size_t k = 0; k < width; ++k) {
+                little.push_back(static_cast<std::byte>(word >> (32 - bits + 8 * k)));
+                big.push_back(static_cast<std::byte>(word >> (24 - 8 * k)));
+            }
+        }
+        const SoundMeasures sound =
+            measured(waveImage({.channels = 3, .bitsPerSample = bits, .samples = little}), 1'000);
+        EXPECT_EQ(sound.frames, 70'000U);
+        EXPECT_GE(sound.channels[2].fullScale.total, 42U);
+        EXPECT_EQ(sound, measured(aiffImage({.channels = 3, .bitsPerSample = bits, .samples = big}),
+                                  1'000));
+    }
+}
+
 TEST_F(Measuring, FloatingPoint) {
     // 1, 1, 2, -1, -1, -1, 0, -0.0, the smallest number there is.
     const SoundMeasures sound = measured(
@@ -308,6 +335,10 @@ TEST_F(Measuring, ProgramRefusesWrongUse) {
                                                {"--preview", "in", "out", "64000"},
                                                {"--measure", "in"},
                                                {"--other", "in", "out"},
+                                               {"in", "out", "--then"},
+                                               {"--then", "in", "out"},
+                                               {"in", "out", "--then", "in", "a/out"},
+                                               {"in", "out", "--then", "in", "out", "0"},
                                                {}}) {
         const ProgramEnd end = run(words);
         EXPECT_EQ(end.status, 1) << (words.empty() ? "" : words.back());

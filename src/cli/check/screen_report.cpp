@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Verdicts for people: of one file its findings, worst first and grouped by rule; of several files
 // a row each and a summary.
+#include "terminal/counted_text.h"
 #include "terminal/shown_text.h"
 #include "terminal/wrapped_text.h"
 #include "verdict_report.h"
@@ -21,10 +22,6 @@ using check::Verdict;
 
 /// Findings of a rule that are shown before the rest is counted.
 constexpr std::size_t shownFindings = 10;
-
-std::string counted(std::size_t count, std::string_view one, std::string_view many) {
-    return std::to_string(count) + " " + std::string(count == 1 ? one : many);
-}
 
 Paint paintOf(Severity severity) {
     switch (severity) {

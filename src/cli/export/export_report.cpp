@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "export_report.h"
 
+#include "terminal/counted_text.h"
 #include "terminal/failure_line.h"
 #include "terminal/json_line.h"
 
@@ -44,10 +45,6 @@ struct Counts {
     std::size_t clips = 0;
     std::size_t crossfades = 0;
 };
-
-std::string counted(std::size_t count, std::string_view one, std::string_view several) {
-    return std::to_string(count) + " " + std::string(count == 1 ? one : several);
-}
 
 std::string joined(const std::vector<std::string>& parts, std::string_view separator) {
     std::string text;

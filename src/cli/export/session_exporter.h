@@ -3,10 +3,10 @@
 #pragma once
 
 #include "export.h"
+#include "extract/staged_run.h"
 
 #include <trellant/exporter/exporter.h>
 
-#include <optional>
 #include <string>
 
 namespace trellant::cli {
@@ -26,16 +26,9 @@ class SessionExporter {
     [[nodiscard]] ExitStatus run(const ExportJob& job);
 
   private:
-    /// A job's report, or why there is none, which was said then.
-    struct Outcome {
-        std::optional<ExportReport> report{};
-        std::string failure{};
-        ExitStatus status = ExitStatus::fileFailed;
-    };
+    using Outcome = StagedOutcome<ExportReport>;
 
     [[nodiscard]] Outcome write(const ExportJob& job);
-    [[nodiscard]] Outcome failed(const ExportJob& job, const std::exception& error,
-                                 const SessionExport* session);
     [[nodiscard]] ExitStatus conclude(const ExportJob& job, const ExportReport& report);
 
     const ExportOptions& options_;

@@ -21,10 +21,6 @@ constexpr std::size_t listedCandidates = 10;
 /// Missing sources that are listed.
 constexpr std::size_t listedMissing = 50;
 
-std::string counted(std::size_t count, std::string_view one, std::string_view many) {
-    return std::to_string(count) + " " + std::string(count == 1 ? one : many);
-}
-
 class Screen {
   public:
     Screen(const ExtractionReport& report, std::size_t columns, bool colour,

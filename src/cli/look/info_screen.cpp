@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "info_output.h"
 #include "terminal/console.h"
+#include "terminal/counted_text.h"
 #include "terminal/pasted_word.h"
 #include "terminal/shown_text.h"
 
@@ -19,10 +20,6 @@ constexpr std::size_t longestShownName = 200;
 
 std::string shownName(const std::string& name) {
     return cutToCells(shownText(name), longestShownName);
-}
-
-std::string counted(std::size_t count, std::string_view one, std::string_view many) {
-    return std::to_string(count) + " " + std::string(count == 1 ? one : many);
 }
 
 void appendPart(std::string& text, const std::string& part) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "render_report.h"
 
+#include "terminal/counted_text.h"
 #include "terminal/failure_line.h"
 #include "terminal/json_line.h"
 
@@ -24,10 +25,6 @@ using render::RenderReport;
 
 std::string shown(const std::string& text) {
     return printableText(text, longestShownPath);
-}
-
-std::string counted(std::uint64_t count, std::string_view one, std::string_view several) {
-    return std::to_string(count) + " " + std::string(count == 1 ? one : several);
 }
 
 std::string_view kindWord(RenderKind kind) {

@@ -2,10 +2,9 @@
 // One file rendered, and what is said of it.
 #pragma once
 
+#include "extract/staged_run.h"
 #include "render.h"
 
-#include <exception>
-#include <optional>
 #include <string>
 
 namespace trellant::cli {
@@ -25,18 +24,11 @@ class SessionRenderer {
     [[nodiscard]] ExitStatus run(const RenderJob& job);
 
   private:
-    /// A job's report, or why there is none, which was said then.
-    struct Outcome {
-        std::optional<render::RenderReport> report{};
-        std::string failure{};
-        ExitStatus status = ExitStatus::fileFailed;
-    };
+    using Outcome = StagedOutcome<render::RenderReport>;
 
     [[nodiscard]] Outcome write(const RenderJob& job);
     [[nodiscard]] render::RenderRequest requestOf(const RenderJob& job,
                                                   const std::string& directory) const;
-    [[nodiscard]] Outcome failed(const RenderJob& job, const std::exception& error,
-                                 const render::SessionRender* session);
     [[nodiscard]] ExitStatus conclude(const RenderJob& job, const render::RenderReport& report);
 
     const RenderOptions& options_;

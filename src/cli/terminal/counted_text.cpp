@@ -3,7 +3,6 @@
 
 #include <array>
 #include <cstddef>
-#include <string_view>
 
 namespace trellant::cli {
 
@@ -17,6 +16,10 @@ std::string countedText(std::uint64_t count) {
         text += digits[at];
     }
     return text;
+}
+
+std::string counted(std::uint64_t count, std::string_view one, std::string_view several) {
+    return std::to_string(count) + " " + std::string(count == 1 ? one : several);
 }
 
 std::string bytesText(std::uint64_t bytes) {

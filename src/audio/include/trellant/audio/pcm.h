@@ -30,15 +30,30 @@ struct PcmFormat {
 /// Whether it is one of those above.
 [[nodiscard]] bool isPcmFormat(const PcmFormat& format) noexcept;
 
+/// What every byte of silence is.
+[[nodiscard]] std::byte silentByte(const PcmFormat& format) noexcept;
+
 /// One channel of whole frames: `channel` (from 0) of `channels`. `bytes` holds values.size()
 /// frames. Numbers that are none (of floating point) count as 0.
 void decodePcm(const PcmFormat& format, ByteView bytes, std::size_t channels, std::size_t channel,
                std::span<double> values);
 
 /// Writes values.size() * format.bytes() bytes to `bytes`. Gives how many values were cut off at
-/// full scale: none in floating point.
+/// full scale: none in floating point, where no zero has a sign either.
 [[nodiscard]] std::uint64_t encodePcm(const PcmFormat& format, std::span<const double> values,
                                       std::span<std::byte> bytes);
+
+/// Whole numbers one after the other, each at the upper end of 32 bits: `numbers.size()` of them.
+void unpackPcm(const PcmFormat& format, ByteView bytes, std::span<std::int32_t> numbers);
+
+/// Whether whole numbers of `from` are whole numbers of `to`, with zeros below them at most.
+[[nodiscard]] bool isWidening(const PcmFormat& from, const PcmFormat& to) noexcept;
+
+/// What decodePcm and encodePcm make of samples, one after the other, without the way through
+/// floating point; isWidening(from, to) has to hold. Fills `widened` with whole samples of `to`;
+/// `bytes` holds as many frames.
+void widenPcm(const PcmFormat& from, ByteView bytes, std::size_t channels, std::size_t channel,
+              const PcmFormat& to, std::span<std::byte> widened);
 
 }  // namespace audio
 }  // namespace trellant

@@ -79,20 +79,36 @@ class SoundMeter {
         FrameRange bottom{};
     };
 
+    /// From where on samples are at the ends of their scale.
+    struct ScaleEnds {
+        double top;
+        double bottom;
+    };
+
+    [[nodiscard]] static ScaleEnds endsOf(const SoundFormat& format) noexcept;
     template <class Sample>
     void addAll(std::span<const Sample> samples);
+    /// One channel's samples, gathered in `lane` where there are others between them.
     template <class Sample>
-    void addChannel(std::size_t channel, std::span<const Sample> samples);
+    [[nodiscard]] std::span<const Sample> laneOf(std::size_t channel,
+                                                 std::span<const Sample> samples,
+                                                 std::vector<Sample>& lane) const;
+    template <class Sample>
+    void addLane(std::size_t channel, std::span<const Sample> samples);
+    void followRuns(std::size_t channel, std::uint64_t frame, std::span<const double> samples);
     void endSilence(std::size_t channel);
     void endFullScale(std::size_t channel, FrameRange& run);
 
     SoundFormat format_;
+    ScaleEnds ends_;
     SoundMeasures measures_;
     PeakMeter peaks_;
     std::vector<Runs> runs_;
     std::vector<ToneMeter> tones_;
+    std::vector<std::int32_t> wholeLane_;
+    std::vector<double> floatingLane_;
     /// One channel's samples of a piece, full scale being 1.
-    std::vector<double> lane_;
+    std::vector<double> scaled_;
 };
 
 }  // namespace audio

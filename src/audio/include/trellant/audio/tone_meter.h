@@ -50,6 +50,7 @@ class ToneMeter {
         double squares = 0;
     };
 
+    void addHops(const double* samples);
     void endHop();
     [[nodiscard]] bool isTone(const Hop& first, const Hop& second) const noexcept;
 

@@ -73,7 +73,7 @@ struct RenderRequest {
 };
 
 /// The request does not fit the hand-off: media of several rates, a label outside of it, more than
-/// the disk holds. what() says so for a person.
+/// the disk holds, more hours or files than there may be. what() says so for a person.
 class RenderRefusal final : public std::exception {
   public:
     explicit RenderRefusal(std::string description) : description_(std::move(description)) {}
@@ -82,6 +82,11 @@ class RenderRefusal final : public std::exception {
   private:
     std::string description_;
 };
+
+/// What a rendering has at most, since a hand-off of kilobytes can name years: hours in a file, as
+/// many as timecode counts, and files.
+inline constexpr std::int64_t mostHours = 24;
+inline constexpr std::size_t mostFiles = 50'000;
 
 struct RenderedFile {
     /// In the wanted folder.
