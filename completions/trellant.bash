@@ -36,6 +36,7 @@ _trellant() {
     local omf='*.[oO][mM][fF]' omfi='*.[oO][mM][fF][iI]' json='*.[jJ][sS][oO][nN]'
     local audio='@(*.[wW][aA][vV]|*.[aA][iI][fF]|*.[aA][iI][fF][fFcC])'
     local current="${COMP_WORDS[COMP_CWORD]}" previous="" command="" word
+    local questions="unreadable missing-media duplicate-files duplicate-audio programs rates plays saved" verb=""
     local -i index places=0
     COMPREPLY=()
 
@@ -60,6 +61,7 @@ _trellant() {
                 if [[ -z $command ]]; then
                     command="$word"
                 else
+                    ((places == 0)) && verb="$word"
                     places+=1
                 fi
                 ;;
@@ -154,6 +156,8 @@ _trellant() {
         catalogue)
             if ((places == 0)); then
                 _trellant_words "build query stats" "$current"
+            elif [[ $verb == query ]] && ((places == 2)); then
+                _trellant_words "$questions" "$current"
             else
                 _trellant_paths '*' "$current"
             fi

@@ -154,6 +154,7 @@ complete -c trellant -n '__trellant_in catalogue' -l csv -d 'Write comma-separat
 complete -c trellant -n '__trellant_in catalogue' -l json -d 'Write one JSON object a line'
 complete -c trellant -n '__trellant_in catalogue' -s o -l output -r -F -d 'Write to this file'
 complete -c trellant -n '__trellant_in catalogue' -l force -d 'Replace an existing file'
+complete -c trellant -n '__trellant_in catalogue; and contains -- query (__trellant_words)' -a 'unreadable missing-media duplicate-files duplicate-audio programs rates plays saved'
 complete -c trellant -n '__trellant_in catalogue' -F
 
 complete -c trellant -n '__trellant_in dump' -l toc -d 'Show every entry of the table'
