@@ -36,6 +36,7 @@ _trellant() {
     local omf='*.[oO][mM][fF]' omfi='*.[oO][mM][fF][iI]' json='*.[jJ][sS][oO][nN]'
     local audio='@(*.[wW][aA][vV]|*.[aA][iI][fF]|*.[aA][iI][fF][fFcC])'
     local current="${COMP_WORDS[COMP_CWORD]}" previous="" command="" word
+    local questions="unreadable missing-media duplicate-files duplicate-audio programs rates plays saved" verb=""
     local -i index places=0
     COMPREPLY=()
 
@@ -60,6 +61,7 @@ _trellant() {
                 if [[ -z $command ]]; then
                     command="$word"
                 else
+                    ((places == 0)) && verb="$word"
                     places+=1
                 fi
                 ;;
@@ -138,7 +140,7 @@ _trellant() {
             info) _trellant_words "$anywhere --json $lossy $output" "$current" ;;
             list) _trellant_words "$anywhere --csv --json $lossy $output" "$current" ;;
             extract) _trellant_words "$anywhere --to $lossy --wav --names --force --absolute --json --salvage --store --references --bag --organization --identifier" "$current" ;;
-            export) _trellant_words "$anywhere --to --format $lossy --media-mode --rate --name --no-markers --force --json" "$current" ;;
+            export) _trellant_words "$anywhere --to --format $lossy --media-mode --names --rate --name --no-markers --force --json" "$current" ;;
             render) _trellant_words "$anywhere --to --tracks --mix --clips --raw --handles $lossy --from --until --format --resample --force --json" "$current" ;;
             check) _trellant_words "$anywhere --profile --media --recursive --audio --fail-on --json --junit --sarif $output --list-rules --explain" "$current" ;;
             page) _trellant_words "$anywhere --language --profile --preview-size --media-folder --no-audio $lossy $output" "$current" ;;
@@ -154,6 +156,8 @@ _trellant() {
         catalogue)
             if ((places == 0)); then
                 _trellant_words "build query stats" "$current"
+            elif [[ $verb == query ]] && ((places == 2)); then
+                _trellant_words "$questions" "$current"
             else
                 _trellant_paths '*' "$current"
             fi

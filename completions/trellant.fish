@@ -78,6 +78,7 @@ complete -c trellant -n '__trellant_in export' -l to -x -a '(__fish_complete_dir
 complete -c trellant -n '__trellant_in export' -l format -x -a 'aaf otio otioz reaper dawproject markers' -d 'Write this kind of session'
 complete -c trellant -n '__trellant_in export' -l media -x -a '(__fish_complete_directories)' -d 'Look for external audio files here and below'
 complete -c trellant -n '__trellant_in export' -l media-mode -x -a 'copy link embed' -d 'Put the audio beside the session, leave it, or put it inside'
+complete -c trellant -n '__trellant_in export' -l names -x -a 'master source' -d 'Name files after master mobs where that says more, or after sources'
 complete -c trellant -n '__trellant_in export' -l rate -x -d 'Write so many samples in a second'
 complete -c trellant -n '__trellant_in export' -l name -x -d 'Call the session this'
 complete -c trellant -n '__trellant_in export' -l no-markers -d 'Put no markers where something was lost'
@@ -153,6 +154,7 @@ complete -c trellant -n '__trellant_in catalogue' -l csv -d 'Write comma-separat
 complete -c trellant -n '__trellant_in catalogue' -l json -d 'Write one JSON object a line'
 complete -c trellant -n '__trellant_in catalogue' -s o -l output -r -F -d 'Write to this file'
 complete -c trellant -n '__trellant_in catalogue' -l force -d 'Replace an existing file'
+complete -c trellant -n '__trellant_in catalogue; and contains -- query (__trellant_words)' -a 'unreadable missing-media duplicate-files duplicate-audio programs rates plays saved'
 complete -c trellant -n '__trellant_in catalogue' -F
 
 complete -c trellant -n '__trellant_in dump' -l toc -d 'Show every entry of the table'

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Runs commands in turn (A B A B ...) and tells what each run took. The first run of each is not
-// counted.
+// counted, unless RUNS is 0: then each is run once, and counted.
 //
 //     bench_measure RUNS -- COMMAND... [-- COMMAND...]
 //
@@ -130,9 +130,9 @@ void print(std::size_t command, const Run& run) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const long runs = argc > 1 ? std::strtol(argv[1], nullptr, 10) : 0;
+    const long runs = argc > 1 ? std::strtol(argv[1], nullptr, 10) : -1;
     const std::vector<Command> commands = commandsOf(argc, argv);
-    if (runs < 1 || commands.empty()) {
+    if (runs < 0 || commands.empty()) {
         static_cast<void>(std::fputs(
             "usage: bench_measure RUNS -- [in=FILE] [fresh=FOLDER] PROGRAM... [-- ...]\n", stderr));
         return 1;
@@ -140,7 +140,7 @@ int main(int argc, char** argv) {
     for (long i = 0; i <= runs; ++i) {
         for (std::size_t command = 0; command < commands.size(); ++command) {
             const Run run = runOnce(commands[command]);
-            if (i > 0) {
+            if (i > 0 || runs == 0) {
                 print(command, run);
             }
         }

@@ -82,7 +82,7 @@ class Bench:
         return Command(self.worker, given=self.request(path, search=search))
 
     def processes(self, runs, *commands):
-        """Samples of commands that take turns."""
+        """Samples of commands that take turns; with 0 runs each is run once, with nothing warmed up."""
         words = [self.build / "bench/processes/bench_measure", str(runs)]
         for command in commands:
             words += ["--", *command.words]

@@ -111,8 +111,8 @@ class Client:
     worker: Optional[Path] = None
     #: Seconds that a worker may take, counted from the call; then it is ended. None: as long as it takes.
     time_limit: Optional[float] = None
-    #: Bytes of memory that a worker may take at most, on Linux; one that needs more ends with status 2 and "out of
-    #: memory". None: as much as the machine has left. A request's own limit goes before it.
+    #: Bytes of memory that a worker may take at most, on Linux; one that needs more ends with status 2 and says so,
+    #: which is a NonZeroExit. None: as much as the machine has left. A request's own limit goes before it.
     memory_limit: Optional[int] = None
     #: Bytes of an answer; a worker that writes more is ended, and the call fails with InvalidResponse. While an answer
     #: is decoded, memory of about fifteen times its size is in use; one that was made to take as much as it can takes

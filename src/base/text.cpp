@@ -14,6 +14,13 @@ utf8proc_category_t categoryOf(char32_t scalar) {
     return utf8proc_category(static_cast<utf8proc_int32_t>(scalar));
 }
 
+constexpr char32_t lineSeparator = 0x2028;
+constexpr char32_t paragraphSeparator = 0x2029;
+
+constexpr bool isC0OrC1(char32_t scalar) noexcept {
+    return scalar < 0x20 || (scalar >= 0x7F && scalar < 0xA0);
+}
+
 bool isControl(char32_t scalar) {
     if (scalar < 0x80) {
         return scalar < 0x20 || scalar == 0x7F;
@@ -140,20 +147,21 @@ std::string_view prefixOfClusters(std::string_view text, std::size_t maxClusters
 }
 
 std::string plainLine(std::string_view text) {
-    constexpr unsigned char firstPrintable = 0x20;
-    constexpr unsigned char deletion = 0x7F;
     std::string line;
     line.reserve(text.size());
     bool inRun = false;
-    for (const char byte : text) {
-        const auto value = static_cast<unsigned char>(byte);
-        const bool isControl = value < firstPrintable || value == deletion;
-        if (!isControl) {
-            line += byte;
+    for (std::size_t at = 0; at < text.size();) {
+        const UTF8Step step = utf8Step(text, at);
+        const bool isReplaced =
+            step.valid && (isC0OrC1(step.scalar) || step.scalar == lineSeparator ||
+                           step.scalar == paragraphSeparator);
+        if (!isReplaced) {
+            line += text.substr(at, step.length);
         } else if (!inRun) {
             line += ' ';
         }
-        inRun = isControl;
+        inRun = isReplaced;
+        at += step.length;
     }
     return line;
 }

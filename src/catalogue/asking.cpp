@@ -12,6 +12,7 @@ namespace trellant::catalogue {
 
 namespace {
 
+/// What is equal is found by indexes that hold all that is counted; only then are tables looked at.
 constexpr std::array readyQuestions{
     Question{"unreadable", "files that could not be read, and why", "",
              "SELECT path, status, message FROM files WHERE status <> 'ok' ORDER BY id"},
@@ -20,12 +21,17 @@ constexpr std::array readyQuestions{
              "JOIN files f ON f.id = s.file WHERE s.state NOT IN ('embedded', 'located')"},
     Question{
         "duplicate-files", "files of equal content", "",
-        "SELECT lower(hex(sha256)) AS sha256, count(*) AS files, size, min(path) AS one_of_them "
-        "FROM files WHERE sha256 IS NOT NULL GROUP BY sha256 HAVING count(*) > 1"},
+        "SELECT lower(hex(g.sha256)) AS sha256, g.files, g.size, (SELECT min(path) FROM files f "
+        "WHERE f.sha256 = g.sha256) AS one_of_them FROM (SELECT sha256, count(*) AS files, "
+        "max(size) AS size FROM files WHERE sha256 IS NOT NULL GROUP BY sha256 "
+        "HAVING count(*) > 1) g"},
     Question{"duplicate-audio", "equal audio in several places", "",
-             "SELECT lower(hex(sample_digest)) AS samples, count(*) AS sources, "
-             "count(DISTINCT file) AS files, sample_bytes, min(name) AS one_of_them FROM sources "
-             "WHERE sample_digest IS NOT NULL GROUP BY sample_digest HAVING count(*) > 1"},
+             "SELECT lower(hex(g.digest)) AS samples, g.sources, (SELECT count(DISTINCT file) "
+             "FROM sources s WHERE s.sample_digest = g.digest) AS files, g.sample_bytes, "
+             "(SELECT min(name) FROM sources s WHERE s.sample_digest = g.digest) AS one_of_them "
+             "FROM (SELECT sample_digest AS digest, count(*) AS sources, "
+             "max(sample_bytes) AS sample_bytes FROM sources WHERE sample_digest IS NOT NULL "
+             "GROUP BY sample_digest HAVING count(*) > 1) g"},
     Question{"programs", "files by the program that saved them last", "",
              "SELECT application, count(*) AS files FROM files GROUP BY application "
              "ORDER BY files DESC"},

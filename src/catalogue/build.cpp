@@ -13,6 +13,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <utility>
 
 namespace trellant::catalogue {
@@ -201,11 +202,16 @@ ScanRow rowOf(std::string_view line, std::uint64_t number) {
 
 }  // namespace
 
-BuildTotals addShard(const std::string& catalogue, const std::string& shard,
-                     const StopToken& stop) {
-    const FileDescriptor lines(::open(shard.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!lines.isOpen()) {
+BuildTotals addShard(const std::string& catalogue, const std::string& shard, const StopToken& stop,
+                     Indexes indexes) {
+    // Not waiting: what stands at a path may turn out to be a pipe.
+    const FileDescriptor lines(::open(shard.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status {};
+    if (!lines.isOpen() || ::fstat(lines.number(), &status) != 0) {
         throw CatalogueError("the shard cannot be opened: " + systemErrorText(errno));
+    }
+    if (!S_ISREG(status.st_mode)) {
+        throw CatalogueError("the shard is no regular file");
     }
     const Database database(catalogue, Database::Use::writing, stop);
     // What is not committed is gone with the connection.
@@ -230,8 +236,19 @@ BuildTotals addShard(const std::string& catalogue, const std::string& shard,
             throw CatalogueError(std::string("the shard ") + error.what());
         }
     }
+    if (indexes == Indexes::now) {
+        database.run(std::string(indexText));
+    }
     database.run("COMMIT");
     return totals;
+}
+
+void makeIndexes(const std::string& catalogue, const StopToken& stop) {
+    const Database database(catalogue, Database::Use::writing, stop);
+    database.run("PRAGMA cache_size = -65536; BEGIN IMMEDIATE");
+    prepare(database);
+    database.run(std::string(indexText));
+    database.run("COMMIT");
 }
 
 }  // namespace trellant::catalogue

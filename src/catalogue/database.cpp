@@ -6,6 +6,7 @@
 #include <trellant/client/errors.h>
 
 #include <limits>
+#include <sys/stat.h>
 
 namespace trellant::catalogue {
 
@@ -23,10 +24,17 @@ int isStopped(void* stop) {
 }  // namespace
 
 Database::Database(const std::string& path, Use use, const StopToken& stop) : stop_(stop) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
+        // SQLite would wait for whoever writes into a pipe.
+        throw CatalogueError("it is no regular file");
+    }
     sqlite3* opened = nullptr;
     const int flags =
         use == Use::reading ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
-    const int result = ::sqlite3_open_v2(path.c_str(), &opened, flags, nullptr);
+    // A connection is used by one thread.
+    const int result =
+        ::sqlite3_open_v2(path.c_str(), &opened, flags | SQLITE_OPEN_NOMUTEX, nullptr);
     handle_.reset(opened);
     if (result != SQLITE_OK) {
         fail();

@@ -41,19 +41,24 @@ CREATE TABLE named (
     kind TEXT NOT NULL, name TEXT NOT NULL);
 CREATE VIRTUAL TABLE names USING fts5(name, content='named', content_rowid='id');
 INSERT INTO names(names, rank) VALUES ('hashsize', 33554432);
-CREATE INDEX files_status ON files(status) WHERE status <> 'ok';
-CREATE INDEX files_sha256 ON files(sha256, size) WHERE sha256 IS NOT NULL;
-CREATE INDEX files_application ON files(application);
 CREATE INDEX compositions_file ON compositions(file);
 CREATE INDEX sources_file ON sources(file);
-CREATE INDEX sources_away ON sources(state) WHERE state NOT IN ('embedded', 'located');
-CREATE INDEX sources_rate ON sources(sample_rate, bit_depth);
-CREATE INDEX sources_digest ON sources(sample_digest, sample_bytes)
-    WHERE sample_digest IS NOT NULL;
-CREATE INDEX sources_mob ON sources(mob_id);
 CREATE INDEX losses_file ON losses(file);
 CREATE INDEX findings_file ON findings(file);
 CREATE INDEX named_file ON named(file);
+)sql";
+
+/// What is looked up by its value. Made at the end of a build, where sorting all values at once
+/// takes a fraction of what it takes to find the place of each.
+inline constexpr std::string_view indexText = R"sql(
+CREATE INDEX IF NOT EXISTS files_status ON files(status) WHERE status <> 'ok';
+CREATE INDEX IF NOT EXISTS files_sha256 ON files(sha256, size) WHERE sha256 IS NOT NULL;
+CREATE INDEX IF NOT EXISTS files_application ON files(application);
+CREATE INDEX IF NOT EXISTS sources_away ON sources(state) WHERE state NOT IN ('embedded', 'located');
+CREATE INDEX IF NOT EXISTS sources_rate ON sources(sample_rate, bit_depth);
+CREATE INDEX IF NOT EXISTS sources_digest ON sources(sample_digest, sample_bytes)
+    WHERE sample_digest IS NOT NULL;
+CREATE INDEX IF NOT EXISTS sources_mob ON sources(mob_id);
 )sql";
 
 }  // namespace trellant::catalogue

@@ -11,6 +11,7 @@
 #include <trellant/io/errors.h>
 
 #include <array>
+#include <charconv>
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
@@ -60,6 +61,55 @@ std::optional<std::string> followed(const std::vector<std::string>& commandLine,
                                 [&] { progress.at(before + bytesOfFile(destination)); });
     progress.at(before + bytesOfFile(source));
     return failure;
+}
+
+/// How a task ended that was one of several.
+struct TaskEnd {
+    bool isKnown = false;
+    std::optional<std::string> failure{};
+};
+
+/// By the lines "3: reason" that the process wrote. One that it began last and did not end tells
+/// nothing.
+std::vector<TaskEnd> endsSaid(const std::string& errors, std::size_t count) {
+    std::vector<TaskEnd> ends(count);
+    for (std::size_t at = 0, end = 0; (end = errors.find('\n', at)) != std::string::npos;
+         at = end + 1) {
+        std::size_t number = 0;
+        const char* const last = errors.data() + end;
+        const auto read = std::from_chars(errors.data() + at, last, number);
+        constexpr std::string_view separator = ": ";
+        const std::string_view rest(read.ptr, static_cast<std::size_t>(last - read.ptr));
+        if (read.ec == std::errc() && number >= 1 && number <= count &&
+            rest.starts_with(separator)) {
+            ends[number - 1] = {true, std::string(rest.substr(separator.size()))};
+        }
+    }
+    return ends;
+}
+
+std::vector<TaskEnd> endsOfAll(const std::string& converter, std::span<const ConverterTask> tasks,
+                               const std::function<void()>& whileWaiting) {
+    std::vector<std::string> commandLine{converter};
+    for (const ConverterTask& task : tasks) {
+        if (commandLine.size() > 1) {
+            commandLine.emplace_back("--then");
+        }
+        commandLine.insert(commandLine.end(), task.arguments.begin(), task.arguments.end());
+    }
+    try {
+        const ProgramEnd end = runProgram(commandLine, whileWaiting);
+        if (end.status != 0) {
+            return std::vector<TaskEnd>(tasks.size());
+        }
+        std::vector<TaskEnd> ends = endsSaid(end.errors, tasks.size());
+        for (std::size_t i = 0; i < tasks.size(); ++i) {
+            ends[i].isKnown = ends[i].isKnown || isRegularFile(tasks[i].destination);
+        }
+        return ends;
+    } catch (const FileSystemError&) {
+        return std::vector<TaskEnd>(tasks.size());
+    }
 }
 
 /// The file of a source, when it has one that was taken out.
@@ -173,6 +223,26 @@ std::optional<std::string> runConverter(const std::vector<std::string>& commandL
     } catch (const FileSystemError& error) {
         return error.what();
     }
+}
+
+std::vector<std::optional<std::string>> runConverterForEach(
+    const std::string& converter, std::span<const ConverterTask> tasks,
+    const std::function<void()>& whileWaiting) {
+    const std::vector<TaskEnd> ends = tasks.size() > 1 ? endsOfAll(converter, tasks, whileWaiting)
+                                                       : std::vector<TaskEnd>(tasks.size());
+    std::vector<std::optional<std::string>> failures;
+    for (std::size_t i = 0; i < tasks.size(); ++i) {
+        const TaskEnd& end = ends[i];
+        if (end.isKnown) {
+            failures.push_back(end.failure);
+            continue;
+        }
+        ::unlink(tasks[i].destination.c_str());
+        std::vector<std::string> commandLine{converter};
+        commandLine.insert(commandLine.end(), tasks[i].arguments.begin(), tasks[i].arguments.end());
+        failures.push_back(runConverter(commandLine, tasks[i].destination, whileWaiting));
+    }
+    return failures;
 }
 
 std::optional<std::string> convertToWave(const std::string& converter, const std::string& source,

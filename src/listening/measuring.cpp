@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "batches.h"
 #include "made_file.h"
 #include "source_files.h"
 
@@ -46,16 +47,17 @@ class Measuring {
         return found->second;
     }
     void run(WorkProgress& progress) {
-        std::uint64_t bytes = 0;
+        std::vector<std::uint64_t> sizes;
         for (const Medium& medium : media_) {
-            bytes += bytesOfFile(medium.path);
+            sizes.push_back(bytesOfFile(medium.path));
         }
-        progress.begin("Listening to the audio", bytes);
+        const std::vector<Batch> batches = batchesOf(sizes);
+        progress.begin("Listening to the audio", bytesOf({0, sizes.size()}, sizes));
         runJobs(
-            media_.size(),
-            [this](std::size_t number, const std::function<void()>& whileWaiting) {
-                measure(media_[number], number, whileWaiting);
-                return bytesOfFile(media_[number].path);
+            batches.size(),
+            [&](std::size_t number, const std::function<void()>& whileWaiting) {
+                measure(batches[number], whileWaiting);
+                return bytesOf(batches[number], sizes);
             },
             progress);
     }
@@ -64,18 +66,34 @@ class Measuring {
     }
 
   private:
-    void measure(Medium& medium, std::size_t number,
-                 const std::function<void()>& whileWaiting) const {
-        const std::string made = staging_.file("measures-" + std::to_string(number));
-        std::vector<std::string> commandLine{request_.converter, "--measure", medium.path, made,
-                                             std::to_string(request_.mostPairs)};
+    void measure(const Batch& batch, const std::function<void()>& whileWaiting) {
+        std::vector<ConverterTask> tasks;
+        for (std::size_t i = 0; i < batch.count; ++i) {
+            tasks.push_back(taskOf(batch.first + i));
+        }
+        const auto failures = runConverterForEach(request_.converter, tasks, whileWaiting);
+        for (std::size_t i = 0; i < batch.count; ++i) {
+            take(media_[batch.first + i], tasks[i].destination, failures[i]);
+        }
+    }
+
+    [[nodiscard]] ConverterTask taskOf(std::size_t number) const {
+        const Medium& medium = media_[number];
+        std::string made = staging_.file("measures-" + std::to_string(number));
+        ConverterTask task{{"--measure", medium.path, made, std::to_string(request_.mostPairs)},
+                           std::move(made)};
         constexpr std::int64_t mostBits = 64;
         if (medium.bitDepth && *medium.bitDepth >= 1 && *medium.bitDepth <= mostBits) {
-            commandLine.push_back(std::to_string(*medium.bitDepth));
+            task.arguments.push_back(std::to_string(*medium.bitDepth));
         }
+        return task;
+    }
+
+    void take(Medium& medium, const std::string& made,
+              const std::optional<std::string>& failure) const {
         medium.sound.state = SoundState::refused;
-        if (auto failure = runConverter(commandLine, made, whileWaiting)) {
-            medium.sound.reason = std::move(*failure);
+        if (failure) {
+            medium.sound.reason = *failure;
             return;
         }
         const auto bytes = takenFile(made, mostMeasureBytes(request_.mostPairs));

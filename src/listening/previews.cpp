@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "batches.h"
 #include "made_file.h"
 #include "source_files.h"
 
@@ -76,16 +77,17 @@ class Previewing {
     }
 
     void make(WorkProgress& progress) {
-        std::uint64_t bytes = 0;
+        std::vector<std::uint64_t> sizes;
         for (const Making& making : makings_) {
-            bytes += making.sourceBytes;
+            sizes.push_back(making.sourceBytes);
         }
-        progress.begin("Making previews", bytes);
+        const std::vector<Batch> batches = batchesOf(sizes);
+        progress.begin("Making previews", bytesOf({0, sizes.size()}, sizes));
         runJobs(
-            makings_.size(),
-            [this](std::size_t number, const std::function<void()>& whileWaiting) {
-                makeOne(makings_[number], whileWaiting);
-                return makings_[number].sourceBytes;
+            batches.size(),
+            [&](std::size_t number, const std::function<void()>& whileWaiting) {
+                makeAll(batches[number], whileWaiting);
+                return bytesOf(batches[number], sizes);
             },
             progress);
     }
@@ -109,23 +111,35 @@ class Previewing {
   private:
     static constexpr const char* leftOutReason = "there is no room for it";
 
-    void makeOne(const Making& making, const std::function<void()>& whileWaiting) {
+    void makeAll(const Batch& batch, const std::function<void()>& whileWaiting) {
+        std::vector<ConverterTask> tasks;
+        for (std::size_t i = 0; i < batch.count; ++i) {
+            tasks.push_back(taskOf(makings_[batch.first + i]));
+        }
+        const auto failures = runConverterForEach(request_.converter, tasks, whileWaiting);
+        for (std::size_t i = 0; i < batch.count; ++i) {
+            take(previews_[makings_[batch.first + i].wish], tasks[i].destination, failures[i]);
+        }
+    }
+
+    [[nodiscard]] ConverterTask taskOf(const Making& making) const {
         const PreviewWish& wish = wishes_[making.wish];
-        const std::string made = staging_.file("preview-" + std::to_string(making.wish));
-        std::vector<std::string> commandLine{request_.converter,
-                                             "--preview",
-                                             making.path,
-                                             made,
-                                             std::to_string(request_.bitsPerSecond),
-                                             std::to_string(wish.firstFrame),
-                                             std::to_string(wish.frames.value_or(0))};
+        std::string made = staging_.file("preview-" + std::to_string(making.wish));
+        ConverterTask task{
+            {"--preview", making.path, made, std::to_string(request_.bitsPerSecond),
+             std::to_string(wish.firstFrame), std::to_string(wish.frames.value_or(0))},
+            std::move(made)};
         if (wish.channel) {
-            commandLine.push_back(
+            task.arguments.push_back(
                 std::to_string(std::min<std::int64_t>(*wish.channel, highestChannel) + 1));
         }
-        Preview& preview = previews_[making.wish];
-        if (auto failure = runConverter(commandLine, made, whileWaiting)) {
-            preview.reason = std::move(*failure);
+        return task;
+    }
+
+    void take(Preview& preview, const std::string& made,
+              const std::optional<std::string>& failure) const {
+        if (failure) {
+            preview.reason = *failure;
             return;
         }
         const std::uint64_t bytes = bytesOfFile(made);

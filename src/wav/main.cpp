@@ -17,6 +17,10 @@
 //       its audio, which has NUMERATOR / DENOMINATOR samples in a second, as plain WAVE at RATE
 //
 // Exit status 0 done, 1 wrong use, 2 not done, with the reason on standard error.
+//
+// Several pieces of work with the word --then between them are done one after the other, all into
+// one folder. The status is then 0, and each that was not done has a line on standard error, "3:
+// reason".
 #include "measuring.h"
 #include "preview.h"
 #include "resampling.h"
@@ -199,17 +203,60 @@ std::optional<Work> workOf(Words words) {
     return mode == "--preview" ? previewing(more) : std::nullopt;
 }
 
-int done(const Work& work) {
+std::filesystem::path folderOf(const Work& work) {
+    return std::filesystem::absolute(work.destination).parent_path();
+}
+
+/// The pieces between the words --then; none where one makes no sense.
+std::vector<Work> worksOf(Words words) {
+    std::vector<Work> works;
+    for (std::size_t first = 0; first <= words.size();) {
+        const auto end = std::find(words.begin() + static_cast<std::ptrdiff_t>(first), words.end(),
+                                   std::string_view("--then"));
+        const auto count = static_cast<std::size_t>(end - words.begin()) - first;
+        auto work = workOf(words.subspan(first, count));
+        if (!work || (!works.empty() && folderOf(*work) != folderOf(works.front()))) {
+            return {};
+        }
+        works.push_back(std::move(*work));
+        first += count + 1;
+    }
+    return works;
+}
+
+void confineTo(const std::vector<Work>& works) {
+    std::vector<std::string> sources;
+    for (const Work& work : works) {
+        sources.push_back(work.source);
+    }
+    trellant::confine(trellant::sandboxFromEnvironment(),
+                      {.writableDirectory = folderOf(works.front()).native(),
+                       .awaitsStreams = true,
+                       .readablePaths = std::move(sources)});
+}
+
+/// One that fails costs no other.
+void runEach(const std::vector<Work>& works) {
+    for (std::size_t i = 0; i < works.size(); ++i) {
+        try {
+            works[i].run(works[i].source, works[i].destination);
+        } catch (const std::exception& error) {
+            static_cast<void>(std::fprintf(stderr, "%zu: %s\n", i + 1, error.what()));
+        }
+    }
+}
+
+int done(const std::vector<Work>& works) {
     try {
         // The library that reads the samples knows many formats, and a stranger's file chooses
         // which of its parsers runs: it gets nothing to do harm with.
         trellant::keepWithinMemory();
-        const std::filesystem::path target = std::filesystem::absolute(work.destination);
-        trellant::confine(trellant::sandboxFromEnvironment(),
-                          {.writableDirectory = target.parent_path().native(),
-                           .awaitsStreams = true,
-                           .readablePaths = std::vector<std::string>{work.source}});
-        work.run(work.source, work.destination);
+        confineTo(works);
+        if (works.size() > 1) {
+            runEach(works);
+        } else {
+            works.front().run(works.front().source, works.front().destination);
+        }
         return 0;
     } catch (const std::exception& error) {
         static_cast<void>(std::fprintf(stderr, "%s\n", error.what()));
@@ -222,8 +269,8 @@ int done(const Work& work) {
 int main(int argumentCount, char** arguments) {
     const std::vector<std::string_view> words(arguments + std::min(1, argumentCount),
                                               arguments + argumentCount);
-    const auto work = workOf(words);
-    if (!work) {
+    const auto works = worksOf(words);
+    if (works.empty()) {
         static_cast<void>(
             std::fputs("usage: trellant-wav IN OUT [CHANNEL]\n"
                        "       trellant-wav --origin IN OUT KEY=VALUE...\n"
@@ -231,12 +278,13 @@ int main(int argumentCount, char** arguments) {
                        "       trellant-wav --waveform IN OUT FRAMES BITS\n"
                        "       trellant-wav --preview IN OUT RATE FIRST FRAMES "
                        "[CHANNEL]\n"
-                       "       trellant-wav --resample IN OUT NUMERATOR DENOMINATOR RATE\n",
+                       "       trellant-wav --resample IN OUT NUMERATOR DENOMINATOR RATE\n"
+                       "       several with --then between them, into one folder\n",
                        stderr));
         return 1;
     }
     trellant::watchHost(2);
     trellant::removeUnfinishedFileOnSignals();
     // At once: what libraries do at the end of a process takes calls that it has given up.
-    ::_exit(done(*work));
+    ::_exit(done(works));
 }

@@ -200,6 +200,16 @@ TEST(PlainLine, ARunOfControlsBecomesABlank) {
               " a b ");
 }
 
+// U+0085 ends a line for many readers, U+009B begins a command of a terminal; U+00A0 is a blank of
+// its own, and a stray byte of the same value is nothing.
+TEST(PlainLine, ControlsBeyondAsciiAndSeparatorsBecomeABlank) {
+    EXPECT_EQ(plainLine("a\xC2\x85\xC2\x9B\xE2\x80\xA8"
+                        "b\xE2\x80\xA9"),
+              "a b ");
+    EXPECT_EQ(plainLine("a\xC2\x80z\xC2\xA0y"), "a z\xC2\xA0y");
+    EXPECT_EQ(plainLine("\x85\xC2 \xFF"), "\x85\xC2 \xFF");
+}
+
 TEST(PrefixOfClusters, BytesCutAtAClusterBoundary) {
     const std::string cluster = "e\xCC\x81";
     EXPECT_EQ(prefixOfClusters(cluster + cluster, 100, 5), cluster);

@@ -127,6 +127,34 @@ test("wheel and buttons zoom and move", () => opened(sample("everything"), async
   assert.equal(await picture(), whole);
 }));
 
+test("two fingers zoom, one moves, a tap sets the cursor", () =>
+  opened(sample("everything"), async (page) => {
+    const box = await page.locator("#lanes").boundingBox();
+    const fingers = await page.context().newCDPSession(page);
+    const touch = (type, ...places) => fingers.send("Input.dispatchTouchEvent", {
+      type, touchPoints: places.map((x, id) => ({ x: box.x + x, y: box.y + 100, id })),
+    });
+    // The first finger makes 200 pixels between the two 300, the second 400: the scale is doubled.
+    await touch("touchStart", 300);
+    await touch("touchStart", 300, 500);
+    await touch("touchMove", 200, 500);
+    await touch("touchMove", 200, 600);
+    await touch("touchEnd");
+    await touch("touchStart", 500);
+    await touch("touchMove", 400);
+    await touch("touchEnd");
+    await touch("touchStart", 400);
+    await touch("touchEnd");
+    await settled(page);
+    // Pixels of the whole view, each worth so much less: what was at 350 stays between the fingers,
+    // from there to 400 is 50 / 1.5, and a move of 100 is 100 / 2.
+    const perPixel = (length * 1.02) / box.width;
+    const expected = (350 + 50 / 1.5 + 100 / 2) * perPixel - length * 0.01;
+    const [, seconds, frames] = /^01:00:(\d\d):(\d\d)$/.exec(await page.locator("#timecode").textContent());
+    assert.ok(Math.abs(Number(seconds) + Number(frames) / 25 - expected) < 0.06,
+      `${seconds}:${frames} for ${expected} s`);
+  }, { hasTouch: true }));
+
 test("the cursor follows a click on the ruler", () => opened(sample("everything"), async (page) => {
   await page.locator("#ruler").click({ position: { x: await xOf(page, 12, length), y: 10 } });
   // A pixel is about 0.02 s, half a frame.

@@ -3,6 +3,9 @@
 
 #include <trellant/client/errors.h>
 
+#include <filesystem>
+#include <sys/stat.h>
+
 namespace trellant::catalogue {
 namespace {
 
@@ -71,11 +74,47 @@ TEST_F(CatalogueBuild, ALineThatIsNoRowLeavesTheCatalogueAsItWas) {
     EXPECT_THAT(asked("SELECT path FROM files"), ElementsAre("/a"));
 }
 
+TEST_F(CatalogueBuild, IndexesOfValuesMayComeLater) {
+    const std::string values =
+        "SELECT name FROM sqlite_schema WHERE type = 'index' AND name IN ('files_status', "
+        "'files_sha256', 'files_application', 'sources_away', 'sources_rate', 'sources_digest', "
+        "'sources_mob') ORDER BY name";
+    static_cast<void>(addShard(catalogue_, shard({rowOf("/a")}), {}, Indexes::later));
+    EXPECT_THAT(asked(values), SizeIs(0));
+    EXPECT_THAT(question("plays", "Kick"), SizeIs(1));
+    EXPECT_THAT(question("rates"), ElementsAre("48000.000000|24|1"));
+    makeIndexes(catalogue_, {});
+    EXPECT_THAT(asked(values), SizeIs(7));
+    const Bytes before = readFile(catalogue_);
+    makeIndexes(catalogue_, {});
+    EXPECT_EQ(readFile(catalogue_), before);
+}
+
+TEST_F(CatalogueBuild, ARowOfAnotherShardReplacesWhatTheSearchKnows) {
+    scan::ScanRow younger = rowOf("/a");
+    younger.scanned = "2026-01-03T00:00:00.000000000Z";
+    younger.sources[0].name = "Snare";
+    static_cast<void>(add({rowOf("/a"), rowOf("/b")}));
+    static_cast<void>(add({younger}));
+    EXPECT_THAT(question("plays", "Kick"), ElementsAre("/b|Reel 1|source|Kick Drum"));
+    EXPECT_THAT(question("plays", "Snare"), ElementsAre("/a|Reel 1|source|Snare"));
+}
+
 TEST_F(CatalogueBuild, ATornLastLineIsPassedOver) {
     const std::string line = rowLine(rowOf("/b"));
     const std::string shard = writeFile(
         folder_.file("torn"), bytesOf(rowLine(rowOf("/a")) + line.substr(0, line.size() / 2)));
     EXPECT_EQ(addShard(catalogue_, shard, {}).rows, 1U);
+}
+
+TEST_F(CatalogueBuild, ShardsAndCataloguesAreRegularFiles) {
+    const std::string pipe = folder_.file("pipe");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    for (const std::string& given : {pipe, folder_.file(""), folder_.file("none")}) {
+        EXPECT_THROW(static_cast<void>(addShard(catalogue_, given, {})), CatalogueError) << given;
+    }
+    EXPECT_FALSE(std::filesystem::exists(catalogue_));
+    EXPECT_THROW(static_cast<void>(addShard(pipe, shard({rowOf("/a")}), {})), CatalogueError);
 }
 
 TEST_F(CatalogueBuild, AStopLeavesTheCatalogueAsItWas) {
@@ -91,6 +130,7 @@ TEST_F(CatalogueBuild, WhatIsNoCatalogueIsRefusedAndStaysAsItIs) {
     writeFile(catalogue_, bytesOf("my notes, longer than a database needs to be told from"));
     const Bytes before = readFile(catalogue_);
     EXPECT_THROW(static_cast<void>(add({rowOf("/a")})), CatalogueError);
+    EXPECT_THROW(makeIndexes(catalogue_, {}), CatalogueError);
     EXPECT_EQ(readFile(catalogue_), before);
 }
 

@@ -125,8 +125,14 @@ class RealFiles(InFolder):
         self.assertEqual((self.catalogue.read_bytes(), sorted(os.listdir(self.folder))), before)
 
     def test_wrong_questions_are_told(self):
-        run = self.run_command("catalogue", "query", self.catalogue, "dupes")
-        self.assertEqual(run.returncode, 1)
+        listed = self.done("catalogue", "query", self.catalogue).splitlines()
+        questions = ["unreadable", "missing-media", "duplicate-files", "duplicate-audio", "programs", "rates",
+                     "plays", "saved"]
+        self.assertEqual([line.split()[0] for line in listed if line.split()[0] in questions], questions)
+        run = self.run_command("catalogue", "query", self.catalogue, "completely else")
+        self.assertEqual((run.returncode, run.stderr.decode()),
+                         (1, 'trellant: there is no question "completely else"; there are ' +
+                          ", ".join(questions) + "\n"))
         run = self.run_command("catalogue", "query", self.catalogue, "missing-medi")
         self.assertEqual(run.returncode, 1)
         self.assertIn(b'did you mean "missing-media"?', run.stderr)

@@ -8,7 +8,7 @@ import tempfile
 import unittest
 from pathlib import Path
 
-from command_help import COMMANDS, TREE, choices, options
+from command_help import COMMAND, COMMANDS, TREE, choices, options
 
 FOLDER = TREE / "completions"
 BASH = FOLDER / "trellant.bash"
@@ -26,6 +26,9 @@ _trellant
 
 # What may stand first: "help" is no command of the help, but shows theirs.
 WORDS = (*COMMANDS, "help")
+# What `trellant catalogue query` with a catalogue alone lists.
+QUESTIONS = [line.split()[0] for line in subprocess.run(
+    [COMMAND, "catalogue", "query", "/none"], check=True, stdout=subprocess.PIPE).stdout.decode().splitlines()[1:]]
 OPTIONS_OF_ALL = {"-h", "--help", "-q", "--quiet", "-v", "--verbose"}
 
 
@@ -148,6 +151,28 @@ class Bash(InFolder):
         self.assertEqual(self.replies("info", "-o", "no"), ["notes.txt"])
         self.assertEqual(self.replies("list", "--output", "no"), ["notes.txt"])
 
+    def test_a_scan_takes_files_and_folders_and_a_catalogue_its_questions(self):
+        for name in ("part1.ndjson", "archive.sqlite"):
+            (self.folder / name).touch()
+        self.assertEqual(self.replies("scan", "no"), ["notes.txt"])
+        self.assertEqual(self.replies("scan", "--list", "no"), ["notes.txt"])
+        self.assertEqual(self.replies("scan", "--retry", ""), ["failed"])
+        self.assertEqual(self.replies("scan", "--shard", ""), [])
+        self.assertEqual(self.replies("scan", "--jobs", "4", "--shard", "1/8", "audi"), ["audio"])
+        self.assertEqual(self.replies("catalogue", ""), ["build", "query", "stats"])
+        self.assertEqual(self.replies("catalogue", "query", "arch"), ["archive.sqlite"])
+        self.assertEqual(self.replies("catalogue", "build", "archive.sqlite", "part"), ["part1.ndjson"])
+        self.assertEqual(self.replies("catalogue", "query", "archive.sqlite", ""), sorted(QUESTIONS))
+        self.assertEqual(self.replies("catalogue", "query", "--limit", "5", "archive.sqlite", "dup"),
+                         ["duplicate-audio", "duplicate-files"])
+        self.assertEqual(self.replies("catalogue", "query", "archive.sqlite", "--sql", ""), [])
+
+    def test_an_extraction_keeps_audio_in_folders(self):
+        for option in ("--store", "--bag"):
+            self.assertEqual(self.replies("extract", "mix.omf", option, ""), ["audio", "bundle.omf"])
+        self.assertEqual(self.replies("extract", "--organization", ""), [])
+        self.assertEqual(self.replies("extract", "--identifier", "a", "--bag", "audio", "m"), ["mix.omf"])
+
     def test_formats_and_modes_of_an_export_are_offered(self):
         self.assertEqual(self.replies("export", "--format", ""),
                          sorted(choices("export", "--format")))
@@ -262,6 +287,7 @@ class Fish(unittest.TestCase):
             words = " ".join(choices("export", f"--{option}"))
             self.assertEqual(text.count(f"-l {option} -x -a '{words}'"), 1)
         self.assertIn("set -l contents tracks clips sources losses", text.splitlines())
+        self.assertEqual(text.count(f"-a '{' '.join(QUESTIONS)}'"), 1)
 
 
 @unittest.skipUnless(shutil.which("fish"), "there is no fish on this machine")

@@ -216,7 +216,8 @@ TEST_F(WaveCopyRefuses, WrongNumberOfArguments) {
               "       trellant-wav --measure IN OUT PAIRS [BITS]\n"
               "       trellant-wav --waveform IN OUT FRAMES BITS\n"
               "       trellant-wav --preview IN OUT RATE FIRST FRAMES [CHANNEL]\n"
-              "       trellant-wav --resample IN OUT NUMERATOR DENOMINATOR RATE\n");
+              "       trellant-wav --resample IN OUT NUMERATOR DENOMINATOR RATE\n"
+              "       several with --then between them, into one folder\n");
     for (const char* channel : {"0", "-1", "1x", "", "99999999999"}) {
         EXPECT_EQ(runProgram({TRELLANT_WAV, "in", "out", channel}, [] {}).status, 1) << channel;
     }

@@ -43,7 +43,10 @@ foreach(file IN LISTS pages ITEMS
         share/trellant/schema/command/info.schema.json share/trellant/schema/command/failure.schema.json
         share/trellant/schema/profile.schema.json share/trellant/schema/command/check.schema.json
         share/trellant/schema/command/export.schema.json
-        share/trellant/schema/command/export-losses.schema.json)
+        share/trellant/schema/command/export-losses.schema.json
+        share/trellant/schema/command/scan.schema.json
+        share/trellant/slurm/submit share/trellant/slurm/scan.sbatch share/trellant/slurm/merge.sbatch
+        share/trellant/parallel/scan include/trellant/bag/bag.h)
     if(NOT EXISTS ${prefix}/${file})
         message(FATAL_ERROR "the packages lack ${file}")
     endif()
@@ -57,10 +60,22 @@ run(${prefix}/bin/trellant extract ${EXAMPLES}/archive.omf --to ${FOLDER}/taken 
 if(NOT EXISTS "${FOLDER}/taken/Reel 7 transfer.wav")
     message(FATAL_ERROR "the unpacked command wrote no WAVE")
 endif()
+run(${prefix}/bin/trellant extract ${EXAMPLES}/archive.omf --bag ${FOLDER}/bag)
+if(NOT EXISTS ${FOLDER}/bag/metadata/premis.xml)
+    message(FATAL_ERROR "the unpacked command wrote no bag")
+endif()
+run(${prefix}/bin/trellant scan ${EXAMPLES} -o ${FOLDER}/rows.ndjson)
+run(${prefix}/bin/trellant catalogue build ${FOLDER}/archive.sqlite ${FOLDER}/rows.ndjson)
 run(${prefix}/bin/trellant export ${EXAMPLES}/archive.omf --to ${FOLDER}/session --format aaf)
 if(NOT EXISTS ${FOLDER}/session/archive.aaf)
     message(FATAL_ERROR "the unpacked command wrote no session")
 endif()
+
+# What engines of clusters start can be started.
+foreach(script slurm/submit slurm/scan.sbatch slurm/merge.sbatch parallel/scan)
+    run(sh -n ${prefix}/share/trellant/${script})
+    run(test -x ${prefix}/share/trellant/${script})
+endforeach()
 
 # And so does the Python package, with nothing in the environment but its own place.
 run(${CMAKE_COMMAND} -E env --unset=TRELLANT_WORKER PATH=/nowhere

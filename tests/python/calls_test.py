@@ -5,6 +5,7 @@ import concurrent.futures
 import json
 import os
 import shutil
+import struct
 import subprocess
 import threading
 import time
@@ -145,6 +146,23 @@ class Limits(FolderTest):
             trellant.Client(result_limit=size - 1).inspect(SESSION)
         self.assertEqual((caught.exception.kind, caught.exception.reason),
                          (trellant.ResponseFault.TOO_LONG, f"longer than {size - 1} bytes"))
+
+    def test_memory(self):
+        """A table of a million entries takes more than the smallest limit that a worker can keep, which is
+        some megabytes; without a limit it is read, and found to be no OMF file."""
+        path = self.folder / "large.omf"
+        count = 1_000_000
+        # Entries of the older form: object, property, type, offset, length, generation, flags.
+        table = b"".join(struct.pack("<5I2H", 100 + number, 9, 9, 0, 4, 0, 0) for number in range(count))
+        label = bytes.fromhex("a4434da5486472d7") + struct.pack("<4H2I", 0, 0, 1, 0, 4, len(table))
+        path.write_bytes(b"data" + table + label)
+        with self.assertRaises(trellant.NonZeroExit) as caught:
+            trellant.Client(memory_limit=1).inspect(path)
+        self.assertEqual(caught.exception.status, 2)
+        self.assertIn("composition needs more than 1 bytes of memory", caught.exception.log_lines)
+        with self.assertRaises(trellant.NonZeroExit) as caught:
+            trellant.Client().inspect(path)
+        self.assertNotIn("memory", caught.exception.log_lines)
 
     def test_time(self):
         with self.assertRaises(trellant.TimeLimitError):

@@ -335,6 +335,10 @@ TEST_F(Measuring, ProgramRefusesWrongUse) {
                                                {"--preview", "in", "out", "64000"},
                                                {"--measure", "in"},
                                                {"--other", "in", "out"},
+                                               {"in", "out", "--then"},
+                                               {"--then", "in", "out"},
+                                               {"in", "out", "--then", "in", "a/out"},
+                                               {"in", "out", "--then", "in", "out", "0"},
                                                {}}) {
         const ProgramEnd end = run(words);
         EXPECT_EQ(end.status, 1) << (words.empty() ? "" : words.back());

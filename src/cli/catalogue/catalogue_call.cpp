@@ -28,12 +28,21 @@ std::string shown(const std::string& path) {
     return printableText(path, longestShownPath);
 }
 
-std::string questionList() {
+/// All questions, a line each.
+std::string questionScreen(const Console& console) {
+    Table table{.columns = {{.title = "Question"}, {.title = "Tells", .mayShrink = true}},
+                .rows = {}};
+    for (const catalogue::Question& question : catalogue::questions()) {
+        const std::string term = question.term.empty() ? "" : " " + std::string(question.term);
+        table.rows.push_back({std::string(question.name) + term, std::string(question.meaning)});
+    }
+    return shownLines(aligned(std::move(table), console.outColumns(), console.outHasColour()));
+}
+
+std::string questionNames() {
     std::string text;
     for (const catalogue::Question& question : catalogue::questions()) {
-        text += "\n  " + std::string(question.name);
-        text += question.term.empty() ? "" : " " + std::string(question.term);
-        text += ": " + std::string(question.meaning);
+        text += (text.empty() ? "" : ", ") + std::string(question.name);
     }
     return text;
 }
@@ -61,7 +70,8 @@ Wish wishOf(const CatalogueCall& call) {
         const auto nearest = name.empty() ? std::nullopt : nearestWord(name, names);
         wish.failure = nearest ? "there is no question \"" + printableText(name) +
                                      "\"; did you mean \"" + *nearest + "\"?"
-                               : "a catalogue is asked with --sql or one of:" + questionList();
+                               : "there is no question \"" + printableText(name) +
+                                     "\"; there are " + questionNames();
         return wish;
     }
     const std::size_t wanted = question->term.empty() ? 1 : 2;
@@ -84,15 +94,21 @@ ExitStatus build(const CatalogueCall& call, Console& console, const StopToken& s
         return ExitStatus::wrongUse;
     }
     ExitStatus status = ExitStatus::done;
+    bool isThere = false;
     for (const std::string& shard : call.rest) {
         try {
-            const catalogue::BuildTotals totals = catalogue::addShard(call.catalogue, shard, stop);
+            const catalogue::BuildTotals totals =
+                catalogue::addShard(call.catalogue, shard, stop, catalogue::Indexes::later);
+            isThere = true;
             console.note(shown(shard) + ": " + countedText(totals.rows) + " rows, " +
                          countedText(totals.changed) + " of them new");
         } catch (const catalogue::CatalogueError& error) {
             console.error(shown(shard) + ": " + error.what());
             status = ExitStatus::fileFailed;
         }
+    }
+    if (isThere) {
+        catalogue::makeIndexes(call.catalogue, stop);
     }
     return status;
 }
@@ -113,6 +129,10 @@ std::unique_ptr<AnswerForm> formOf(const CatalogueCall& call, Delivery& delivery
 }
 
 ExitStatus query(const CatalogueCall& call, Console& console, const StopToken& stop) {
+    if (!call.sql && call.rest.empty()) {
+        console.out(questionScreen(console));
+        return ExitStatus::done;
+    }
     const Wish wish = wishOf(call);
     if (!wish.failure.empty()) {
         console.error(wish.failure);

@@ -29,7 +29,8 @@ namespace [[gnu::visibility("default")]] trellant {
 /// `text` without the control characters (categories Cc and Cf) at both ends.
 [[nodiscard]] std::string trimmedOfControls(std::string_view text);
 
-/// `text` with a blank for each run of control characters (below 0x20, and 0x7F).
+/// `text` with a blank for each run of control characters (below 0x20, 0x7F to 0x9F) and of what
+/// ends a line or a paragraph (U+2028, U+2029). Bytes that are not UTF-8 stay as they are.
 [[nodiscard]] std::string plainLine(std::string_view text);
 
 /// Lower-cased scalar by scalar, without locale. Bytes that are not UTF-8 stay as they are.

@@ -36,13 +36,24 @@ struct BuildTotals {
     std::uint64_t changed = 0;
 };
 
+/// When what is looked up by its value gets its indexes, where a catalogue has none yet.
+enum class Indexes {
+    now,
+    /// By makeIndexes: quicker when several shards become a catalogue.
+    later
+};
+
 /// Takes the rows of a shard into the catalogue, which is made where there is none, in one
 /// transaction: all of them are there afterwards, or none. Of rows of one path the one that was
 /// scanned last counts, in whatever order they come, so that the same shard again changes nothing.
 /// A torn last line of the shard is passed over. Throws CatalogueError, and AAFCancellationError
 /// after a stop; the catalogue is then as it was.
 [[nodiscard]] BuildTotals addShard(const std::string& catalogue, const std::string& shard,
-                                   const StopToken& stop);
+                                   const StopToken& stop, Indexes indexes = Indexes::now);
+
+/// Makes the indexes that are missing; without them questions take longer and their answers are the
+/// same. Throws as addShard does.
+void makeIndexes(const std::string& catalogue, const StopToken& stop);
 
 /// A question that is ready to be asked.
 struct Question {

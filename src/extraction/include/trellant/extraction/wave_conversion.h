@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Audio files made into plain WAVE files by the program for it, one process a file.
+// Audio files made into plain WAVE files, and into other things, by the program for it.
 #pragma once
 
 #include <trellant/base/keyed_hash.h>
@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,20 @@ namespace [[gnu::visibility("default")]] trellant {
 [[nodiscard]] std::optional<std::string> runConverter(const std::vector<std::string>& commandLine,
                                                       const std::string& destination,
                                                       const std::function<void()>& whileWaiting);
+
+/// A file that trellant-wav is to make.
+struct ConverterTask {
+    /// Its arguments, `destination` among them; none is "--then".
+    std::vector<std::string> arguments{};
+    std::string destination{};
+};
+
+/// The tasks, whose destinations lie in one folder, one after the other in one process: starting
+/// one takes longer than listening to a small file. For each task what runConverter gives for it. A
+/// process that does not end as it should costs none of them: each gets one of its own.
+[[nodiscard]] std::vector<std::optional<std::string>> runConverterForEach(
+    const std::string& converter, std::span<const ConverterTask> tasks,
+    const std::function<void()>& whileWaiting);
 
 /// Runs `converter` for the AIFF, AIFC or WAVE file at `source`, for all of it or for one channel
 /// (from 0). Absent when there is a new file at `destination`; else the reason, in one line, and no

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the audio files of a timeline sound like: measured, and as small copies to be played, each
-// by the confined converter, one process a file and at most as many at a time as there are
-// processors. A file that cannot be read costs its own answer and nothing else.
+// What the audio files of a timeline sound like: measured, and as small copies to be played, by the
+// confined converter: a process for a large file or for up to 32 small ones, and at most as many at
+// a time as there are processors. A file that cannot be read costs its own answer and nothing else.
 #pragma once
 
 #include <trellant/audio/sound_measures.h>
