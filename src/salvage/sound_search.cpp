@@ -207,7 +207,7 @@ std::optional<SoundSearch::Pass::Begun> SoundSearch::Pass::beginAtMark() {
     if (!mayLeadOn(bytes)) {
         return std::nullopt;
     }
-    SoundWalk walk(mark, bytes);
+    SoundWalk& walk = walks_.candidate(mark, bytes);
     // Nearly all that is no sound ends here.
     if (bytes.size() >= markBytes + chunkLookBytes) {
         const auto step = walk.take(bytes.subspan(markBytes));
@@ -218,7 +218,7 @@ std::optional<SoundSearch::Pass::Begun> SoundSearch::Pass::beginAtMark() {
             return std::nullopt;
         }
     }
-    walks_.add(walk);
+    walks_.add();
     return std::nullopt;
 }
 

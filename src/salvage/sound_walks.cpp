@@ -2,6 +2,7 @@
 #include "sound_walks.h"
 
 #include <span>
+#include <utility>
 
 namespace trellant::salvage {
 
@@ -28,26 +29,29 @@ bool isBetter(const SoundHead& one, const SoundHead& other) noexcept {
 
 }  // namespace
 
-void SoundWalks::add(const SoundWalk& walk) noexcept {
-    std::size_t place = count_;
-    if (count_ == most) {
-        place = placeOfLeast(begins_);
-    } else {
-        ++count_;
+SoundWalk& SoundWalks::candidate(std::uint64_t begin, ByteView bytes) noexcept {
+    begins_[count_] = begin;
+    return walks_[slots_[count_]].emplace(begin, bytes);
+}
+
+void SoundWalks::add() noexcept {
+    std::size_t place = count_++;
+    if (count_ > most) {
+        const std::size_t first = placeOfLeast(std::span(begins_).first(count_));
+        remove(first);
+        place = first;
     }
-    walks_[place] = walk;
-    begins_[place] = walk.head().begin;
     settle(place);
 }
 
 std::optional<SoundHead> SoundWalks::step(ByteView bytes) noexcept {
-    SoundWalk& walk = *walks_[nextPlace_];
-    switch (walk.take(bytes)) {
+    SoundWalk& next = walk(nextPlace_);
+    switch (next.take(bytes)) {
         case SoundWalk::Step::further:
             settle(nextPlace_);
             return std::nullopt;
         case SoundWalk::Step::sound:
-            return walk.head();
+            return next.head();
         case SoundWalk::Step::empty:
         case SoundWalk::Step::nonsense:
             break;
@@ -63,14 +67,14 @@ void SoundWalks::clear() noexcept {
 }
 
 void SoundWalks::settle(std::size_t place) noexcept {
-    const std::uint64_t chunk = walks_[place]->next();
+    const std::uint64_t chunk = walk(place).next();
     chunks_[place] = chunk;
     for (std::size_t i = 0; i < count_; ++i) {
         if (chunks_[i] != chunk || i == place) {
             continue;
         }
-        const SoundHead& own = walks_[place]->head();
-        const SoundHead& other = walks_[i]->head();
+        const SoundHead& own = walk(place).head();
+        const SoundHead& other = walk(i).head();
         if (own.isBigEndian() == other.isBigEndian()) {
             remove(isBetter(own, other) ? i : place);
             break;
@@ -79,13 +83,12 @@ void SoundWalks::settle(std::size_t place) noexcept {
     findNext();
 }
 
+/// The last one takes its place.
 void SoundWalks::remove(std::size_t place) noexcept {
     --count_;
-    if (place != count_) {
-        chunks_[place] = chunks_[count_];
-        begins_[place] = begins_[count_];
-        walks_[place] = walks_[count_];
-    }
+    chunks_[place] = chunks_[count_];
+    begins_[place] = begins_[count_];
+    std::swap(slots_[place], slots_[count_]);
 }
 
 void SoundWalks::findNext() noexcept {
