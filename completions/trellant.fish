@@ -78,6 +78,7 @@ complete -c trellant -n '__trellant_in export' -l to -x -a '(__fish_complete_dir
 complete -c trellant -n '__trellant_in export' -l format -x -a 'aaf otio otioz reaper dawproject markers' -d 'Write this kind of session'
 complete -c trellant -n '__trellant_in export' -l media -x -a '(__fish_complete_directories)' -d 'Look for external audio files here and below'
 complete -c trellant -n '__trellant_in export' -l media-mode -x -a 'copy link embed' -d 'Put the audio beside the session, leave it, or put it inside'
+complete -c trellant -n '__trellant_in export' -l names -x -a 'master source' -d 'Name files after master mobs where that says more, or after sources'
 complete -c trellant -n '__trellant_in export' -l rate -x -d 'Write so many samples in a second'
 complete -c trellant -n '__trellant_in export' -l name -x -d 'Call the session this'
 complete -c trellant -n '__trellant_in export' -l no-markers -d 'Put no markers where something was lost'

@@ -10,6 +10,7 @@ import machine
 import measuring
 import part_rows
 import process_rows
+import salvage_rows
 import scan_rows
 import table
 import worst_rows
@@ -61,6 +62,7 @@ GROUPS = {
     "render": lambda bench, shared: process_rows.renders(bench),
     "audio": lambda bench, shared: process_rows.audio(bench),
     "check": lambda bench, shared: process_rows.checks(bench),
+    "salvage": lambda bench, shared: salvage_rows.salvage(bench),
     "scan": lambda bench, shared: scan_rows.scan_rows(bench),
     "worst": worst_group,
 }

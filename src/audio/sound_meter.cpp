@@ -68,19 +68,23 @@ std::pair<Sample, Sample> extremes(std::span<const Sample> samples, std::size_t 
     return {lowest, highest};
 }
 
+template <class Sample>
+using RunPiece = std::span<const Sample, pieceFrames>;
+
 /// Whether any sample may belong to a run. All are looked at, which is faster than stopping.
-bool hasEvent(std::span<const std::int32_t> samples, std::int32_t top) noexcept {
+bool hasEvent(RunPiece<std::int32_t> samples, std::int32_t top) noexcept {
     std::int32_t found = 0;
     for (const std::int32_t sample : samples) {
-        found |= sample == 0 ? 1 : 0;
-        found |= sample >= top ? 1 : 0;
-        found |= sample <= -top ? 1 : 0;
+        const std::int32_t isSilent = sample == 0 ? 1 : 0;
+        const std::int32_t isTop = sample >= top ? 1 : 0;
+        const std::int32_t isBottom = sample <= -top ? 1 : 0;
+        found += isSilent + isTop + isBottom;
     }
     return found != 0;
 }
 
 /// Floating point is rare: each sample is looked at for itself.
-bool hasEvent(std::span<const double> /*samples*/, std::int32_t /*top*/) noexcept {
+bool hasEvent(RunPiece<double> /*samples*/, std::int32_t /*top*/) noexcept {
     return true;
 }
 
@@ -212,7 +216,8 @@ void SoundMeter::addLane(std::size_t channel, std::span<const Sample> samples) {
         const std::size_t count = std::min(pieceFrames, samples.size() - first);
         const bool isOpen =
             runs.silence.frames != 0 || runs.top.frames != 0 || runs.bottom.frames != 0;
-        if (isOpen || hasEvent(samples.subspan(first, count), top)) {
+        if (isOpen || count < pieceFrames ||
+            hasEvent(RunPiece<Sample>(samples.subspan(first, pieceFrames)), top)) {
             followRuns(channel, measures_.frames + first,
                        std::span<const double>(scaled_).subspan(first, count));
         }

@@ -11,6 +11,7 @@
 #include <trellant/scan/row.h>
 #include <trellant/scan/shard_file.h>
 
+#include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -68,7 +69,12 @@ class RowTaker {
         : firstName_(numberOf(database, "SELECT coalesce(max(id), 0) + 1 FROM named")),
           nextName_(firstName_),
           known_(database, "SELECT id, scanned FROM files WHERE path = ?1"),
-          remove_(database, "DELETE FROM files WHERE id = ?1"),
+          removals_{Statement(database, "DELETE FROM compositions WHERE file = ?1"),
+                    Statement(database, "DELETE FROM sources WHERE file = ?1"),
+                    Statement(database, "DELETE FROM losses WHERE file = ?1"),
+                    Statement(database, "DELETE FROM findings WHERE file = ?1"),
+                    Statement(database, "DELETE FROM named WHERE file = ?1"),
+                    Statement(database, "DELETE FROM files WHERE id = ?1")},
           file_(database,
                 "INSERT INTO files VALUES (NULL, ?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, "
                 "?12, ?13, ?14, ?15, ?16, ?17, ?18, ?19, ?20, ?21, ?22, ?23, ?24, ?25, ?26, ?27)"),
@@ -101,7 +107,9 @@ class RowTaker {
         known_.reset();
         if (replaced) {
             forget_.run(*replaced, firstName_);
-            remove_.run(*replaced);
+            for (Statement& removal : removals_) {
+                removal.run(*replaced);
+            }
         }
         add(row);
         return true;
@@ -179,7 +187,7 @@ class RowTaker {
     std::int64_t firstName_;
     std::int64_t nextName_;
     Statement known_;
-    Statement remove_;
+    std::array<Statement, 6> removals_;
     Statement file_;
     Statement composition_;
     Statement source_;
@@ -215,7 +223,8 @@ BuildTotals addShard(const std::string& catalogue, const std::string& shard, con
     }
     const Database database(catalogue, Database::Use::writing, stop);
     // What is not committed is gone with the connection.
-    database.run("PRAGMA foreign_keys = ON; PRAGMA cache_size = -65536; BEGIN IMMEDIATE");
+    // Whoever else changes it has the tables' own rules; here, a row is never without its file.
+    database.run("PRAGMA foreign_keys = OFF; PRAGMA cache_size = -65536; BEGIN IMMEDIATE");
     prepare(database);
     database.run("CREATE TEMP TABLE removed (id INTEGER PRIMARY KEY, name TEXT NOT NULL)");
     BuildTotals totals;

@@ -39,7 +39,8 @@ CREATE TABLE findings (
 CREATE TABLE named (
     id INTEGER PRIMARY KEY, file INTEGER NOT NULL REFERENCES files ON DELETE CASCADE,
     kind TEXT NOT NULL, name TEXT NOT NULL);
-CREATE VIRTUAL TABLE names USING fts5(name, content='named', content_rowid='id');
+CREATE VIRTUAL TABLE names USING fts5(name, content='named', content_rowid='id',
+    columnsize=0);
 INSERT INTO names(names, rank) VALUES ('hashsize', 33554432);
 CREATE INDEX compositions_file ON compositions(file);
 CREATE INDEX sources_file ON sources(file);

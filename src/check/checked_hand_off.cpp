@@ -79,6 +79,7 @@ void CheckedHandOff::addClips(const Sources& sources) {
             continue;
         }
         clips_.push_back({.event = &event,
+                          .name = clipName(handOff_, i),
                           .source = static_cast<std::size_t>(source - sources.all().data()),
                           .track = track->second,
                           .end = event.timelineEnd(),

@@ -25,12 +25,17 @@ std::optional<std::string_view> trackName(const FindingPlace& place,
 
 std::optional<std::string_view> clipName(const FindingPlace& place) {
     if (place.clip != nullptr) {
-        const auto& name = place.clip->event->clipName;
-        return name ? std::optional<std::string_view>(*name) : std::nullopt;
+        const std::string* const name = place.clip->name.text;
+        return name != nullptr ? std::optional<std::string_view>(*name) : std::nullopt;
     }
     return place.loss != nullptr && place.loss->clipName
                ? std::optional<std::string_view>(*place.loss->clipName)
                : std::nullopt;
+}
+
+bool isNamedByMasterMob(const FindingPlace& place) {
+    return place.clip != nullptr ? place.clip->name.isOfMasterMob
+                                 : place.loss != nullptr && place.loss->isClipNamedByMasterMob;
 }
 
 std::optional<std::string_view> audioFileName(const FindingPlace& place,
@@ -96,6 +101,7 @@ Finding FindingList::made(const FindingPlace& place, FindingText text,
                     .track = owned(trackName(place, checked_)),
                     .trackNumber = trackNumber(place, checked_),
                     .clip = owned(clipName(place)),
+                    .isClipNamedByMasterMob = isNamedByMasterMob(place),
                     .audioFile = owned(audioFileName(place, checked_)),
                     .start = place.start,
                     .duration = place.duration,

@@ -25,10 +25,11 @@ std::string inQuotes(std::string_view name) {
 }
 
 std::string clipText(const CheckedHandOff& checked, const CheckedClip& clip) {
-    const auto& name = clip.event->clipName;
+    const std::string* const name = clip.name.text;
     const std::string called =
-        name && !name->empty() ? "clip " + inQuotes(*name)
-                               : "clip of " + inQuotes(sourceName(*checked.sourceOf(clip).essence));
+        name != nullptr && !name->empty()
+            ? "clip " + inQuotes(*name)
+            : "clip of " + inQuotes(sourceName(*checked.sourceOf(clip).essence));
     return called + " on " + trackText(checked.trackOf(clip)) + " at " +
            timecodeText(checked.timeline(), clip.event->timelineStart);
 }

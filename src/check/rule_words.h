@@ -17,7 +17,8 @@ namespace trellant::check {
 
 /// A stranger's name between quotation marks, fit for a line and not too long for one.
 [[nodiscard]] std::string inQuotes(std::string_view name);
-/// "clip "Anna" on track "Dialog" at 01:00:00:15"; by its audio file where it has no name.
+/// "clip "Anna" on track "Dialog" at 01:00:00:15"; by its audio file where neither it nor its
+/// master mob has a name.
 [[nodiscard]] std::string clipText(const CheckedHandOff& checked, const CheckedClip& clip);
 /// "track "Dialog"" or "track 3".
 [[nodiscard]] std::string trackText(const CheckedTrack& track);

@@ -73,7 +73,7 @@ class Lister {
                 csv_.records(file, *list);
                 break;
             case ListOptions::Form::json:
-                writeJsonLines(file, *list, delivery_);
+                writeJsonLines(file, handOff.olderVersion, *list, delivery_);
                 break;
             case ListOptions::Form::people:
                 addForPeople(file, handOff, *list);

@@ -74,6 +74,7 @@ class Planner {
     void planClips();
     void planTracks(ExportPlan& plan);
     void place(std::size_t position, const AAFClipEvent& event);
+    [[nodiscard]] std::string nameOf(const PlannedClip& clip, const AAFClipEvent& event) const;
     [[nodiscard]] bool setTimes(PlannedClip& clip, const AAFClipEvent& event);
     void setSource(PlannedClip& clip, const AAFClipEvent& event);
     void setFades(PlannedClip& clip, const AAFClipEvent& event);
@@ -183,8 +184,16 @@ void Planner::place(std::size_t position, const AAFClipEvent& event) {
         clip.gainAutomation = *event.clipGainAutomation;
     }
     clip.muted = event.clipMuted;
-    clip.name = event.clipName.value_or(media_.all()[clip.media].name);
+    clip.name = nameOf(clip, event);
     clips_[tracks_.at(event.trackID)].push_back(std::move(clip));
+}
+
+std::string Planner::nameOf(const PlannedClip& clip, const AAFClipEvent& event) const {
+    const auto given = request_.clipNames.find(clip.event);
+    const bool hasOwn = event.clipName && !event.clipName->empty();
+    return !hasOwn && given != request_.clipNames.end()
+               ? given->second
+               : event.clipName.value_or(media_.all()[clip.media].name);
 }
 
 /// False for a clip that no session can hold, which is on record then.

@@ -57,7 +57,11 @@ PlannedMedia MediaList::made(std::size_t essence, std::optional<std::int64_t> ch
         media.isFloatingPoint = facts.isFloatingPoint;
         media.frames = facts.frames.value_or(0);
     }
-    std::string stem = fileStem(media.name, record.sourceName ? NameKind::name : NameKind::path);
+    const auto given = request_.fileNames.find(essence);
+    std::string stem =
+        given != request_.fileNames.end()
+            ? fileStem(given->second, NameKind::name)
+            : fileStem(media.name, record.sourceName ? NameKind::name : NameKind::path);
     if (channel) {
         media.channelCount = 1;
         stem += ".ch" + std::to_string(*channel + 1);

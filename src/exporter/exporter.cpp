@@ -13,8 +13,10 @@
 #include <trellant/exporter/planned_reels.h>
 #include <trellant/exporter/session_markers.h>
 #include <trellant/exporter/session_media.h>
+#include <trellant/extraction/file_naming.h>
 #include <trellant/extraction/staging.h>
 #include <trellant/extraction/taken_out.h>
+#include <trellant/handoff/clip_name.h>
 #include <trellant/io/errors.h>
 #include <trellant/sessions/session.h>
 
@@ -24,6 +26,7 @@
 #include <filesystem>
 #include <functional>
 #include <iterator>
+#include <map>
 #include <sys/stat.h>
 #include <utility>
 #include <variant>
@@ -152,6 +155,8 @@ class SessionExport::Run {
     void read();
     [[nodiscard]] std::int64_t date() const;
     [[nodiscard]] exchange::CarriedPart planned() const;
+    /// Of the files that bear the name of a master mob, by position of their sources.
+    [[nodiscard]] std::map<std::size_t, std::string> fileNames() const;
     [[nodiscard]] std::vector<sessions::SessionMedia> media(exchange::CarriedPart& carried);
     [[nodiscard]] std::vector<exchange::ExportLoss> markedLosses(
         const std::vector<exchange::ExportLoss>& losses) const;
@@ -225,11 +230,26 @@ exchange::CarriedPart SessionExport::Run::planned() const {
         isCarried(request_.format, Feature::channelOfSeveral, Carriage::detour);
     request.keepsOverlaps = isCarried(request_.format, Feature::overlaps, Carriage::carried);
     request.reels = plannedReels(report_.handOff);
+    request.clipNames = namesByMasterMob(report_.handOff);
     if (hasMedia()) {
         request.mediaFacts = mediaFacts(timeline, progress_);
     }
+    if (request_.namesFilesByMasterMob) {
+        request.fileNames = fileNames();
+    }
     return exchange::carriedPart(exchange::planSession(timeline, request), timeline,
                                  request_.format);
+}
+
+std::map<std::size_t, std::string> SessionExport::Run::fileNames() const {
+    std::map<std::size_t, std::string> names;
+    const auto ofMobs = namesOfMasterMobs(report_.handOff, request_.file);
+    for (std::size_t i = 0; i < ofMobs.size(); ++i) {
+        if (ofMobs[i]) {
+            names.emplace_hint(names.end(), i, *ofMobs[i]);
+        }
+    }
+    return names;
 }
 
 /// Marks alone play nothing, so that they lose nothing of how a clip is played: what is not in the

@@ -2,6 +2,7 @@
 #include <trellant/base/printable_text.h>
 #include <trellant/base/text.h>
 #include <trellant/exporter/exporter.h>
+#include <trellant/handoff/clip_name.h>
 #include <trellant/handoff/timeline_text.h>
 #include <trellant/json/json_writer.h>
 
@@ -21,6 +22,7 @@ struct Record {
     std::optional<std::string> track{};
     std::optional<std::int64_t> trackNumber{};
     std::optional<std::string> clip{};
+    bool isNamedByMasterMob = false;
     std::optional<AAFRational> start{};
     std::optional<AAFRational> duration{};
     std::string_view sentence{};
@@ -33,6 +35,7 @@ Record recordOf(const AAFUnsupportedFeature& feature, const PlacedLoss& loss) {
             .track = loss.trackName,
             .trackNumber = loss.trackNumber,
             .clip = loss.clipName,
+            .isNamedByMasterMob = loss.isClipNamedByMasterMob,
             .start = loss.start,
             .duration = loss.duration,
             .sentence = loss.plain.empty() ? feature.description : loss.plain,
@@ -40,7 +43,8 @@ Record recordOf(const AAFUnsupportedFeature& feature, const PlacedLoss& loss) {
             .objectPath = feature.objectPath};
 }
 
-Record recordOf(const AAFTimeline& timeline, const ExportLoss& loss) {
+Record recordOf(const HandOff& handOff, const ExportLoss& loss) {
+    const AAFTimeline& timeline = handOff.timeline;
     Record record{.effect = exchange::effectWord(exchange::effectOf(loss)),
                   .start = loss.start,
                   .duration = loss.duration,
@@ -51,7 +55,9 @@ Record recordOf(const AAFTimeline& timeline, const ExportLoss& loss) {
         record.trackNumber = timeline.tracks[*loss.track].index + 1;
     }
     if (loss.event) {
-        record.clip = timeline.events[*loss.event].clipName;
+        const ClipName name = clipName(handOff, *loss.event);
+        record.clip = name.text == nullptr ? std::nullopt : std::optional(*name.text);
+        record.isNamedByMasterMob = name.isOfMasterMob;
     }
     return record;
 }
@@ -119,6 +125,9 @@ void Document::members(JsonWriter& writer, const Record& record) const {
         integer(writer, "trackNumber", *record.trackNumber);
     }
     member(writer, "clip", record.clip);
+    if (record.isNamedByMasterMob) {
+        member(writer, "clipNameFrom", std::string_view("masterMob"));
+    }
     if (record.start) {
         member(writer, "in", std::string_view(timecodeText(timeline_, *record.start)));
     }
@@ -147,7 +156,7 @@ std::string lossesDocument(const std::string& file, const HandOff& handOff,
         document.add(recordOf(timeline.unsupportedFeatures[i], handOff.losses[i]));
     }
     for (const ExportLoss& loss : losses) {
-        document.add(recordOf(timeline, loss));
+        document.add(recordOf(handOff, loss));
     }
     return std::move(document).text();
 }

@@ -2,6 +2,7 @@
 #include <trellant/base/keyed_hash.h>
 #include <trellant/base/printable_text.h>
 #include <trellant/exporter/session_markers.h>
+#include <trellant/handoff/clip_name.h>
 
 #include <algorithm>
 #include <string>
@@ -32,8 +33,8 @@ MarkerKind kindOf(exchange::LossEffect effect) noexcept {
 
 class Markers {
   public:
-    Markers(const AAFTimeline& timeline, const ExportPlan& plan)
-        : timeline_(timeline), plan_(plan) {
+    Markers(const HandOff& handOff, const ExportPlan& plan) : handOff_(handOff), plan_(plan) {
+        const AAFTimeline& timeline = handOff.timeline;
         for (std::size_t i = 0; i < timeline.tracks.size(); ++i) {
             tracks_.emplace(timeline.tracks[i].id, i);
         }
@@ -47,7 +48,8 @@ class Markers {
         }
         marker.kind =
             severity == Severity::informational ? MarkerKind::dropped : MarkerKind::soundsDifferent;
-        say(marker, loss.clipName, loss.plain.empty() ? loss.description : loss.plain);
+        say(marker, loss.clipName ? &*loss.clipName : nullptr,
+            loss.plain.empty() ? loss.description : loss.plain);
     }
 
     void add(const ExportLoss& loss) {
@@ -55,8 +57,7 @@ class Markers {
         marker.track = loss.track;
         marker.event = loss.event;
         marker.kind = kindOf(exchange::effectOf(loss));
-        say(marker, loss.event ? timeline_.events[*loss.event].clipName : std::nullopt,
-            loss.sentence);
+        say(marker, loss.event ? clipName(handOff_, *loss.event).text : nullptr, loss.sentence);
     }
 
     [[nodiscard]] std::vector<SessionMarker> all() && {
@@ -88,14 +89,13 @@ class Markers {
         return marker;
     }
 
-    void say(SessionMarker& marker, const std::optional<std::string>& clip,
-             std::string_view sentence) {
-        marker.text = clip ? printableText(*clip) + ": " : std::string();
+    void say(SessionMarker& marker, const std::string* clip, std::string_view sentence) {
+        marker.text = clip != nullptr ? printableText(*clip) + ": " : std::string();
         marker.text += sentence;
         markers_.push_back(std::move(marker));
     }
 
-    const AAFTimeline& timeline_;
+    const HandOff& handOff_;
     const ExportPlan& plan_;
     KeyedMap<std::string_view, std::size_t> tracks_;
     std::vector<SessionMarker> markers_;
@@ -106,7 +106,7 @@ class Markers {
 std::vector<SessionMarker> lossMarkers(const HandOff& handOff,
                                        const std::vector<ExportLoss>& losses,
                                        const ExportPlan& plan) {
-    Markers markers(handOff.timeline, plan);
+    Markers markers(handOff, plan);
     for (std::size_t i = 0; i < handOff.losses.size(); ++i) {
         markers.add(handOff.losses[i], handOff.timeline.unsupportedFeatures[i].severity);
     }

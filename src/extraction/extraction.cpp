@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "file_naming.h"
 #include "placement.h"
 #include "told_origin.h"
 
@@ -10,6 +9,7 @@
 #include <trellant/extraction/audio_store.h>
 #include <trellant/extraction/extraction.h>
 #include <trellant/extraction/file_copy.h>
+#include <trellant/extraction/file_naming.h>
 #include <trellant/extraction/staging.h>
 #include <trellant/extraction/taken_out.h>
 #include <trellant/extraction/wave_conversion.h>

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "file_naming.h"
-
 #include <trellant/base/keyed_hash.h>
 #include <trellant/base/text.h>
+#include <trellant/extraction/file_naming.h>
 #include <trellant/handoff/clip_name.h>
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <filesystem>
 #include <limits>
@@ -16,9 +17,20 @@ namespace {
 
 constexpr std::size_t mostCharacters = 120;
 
+/// Some editors call a master mob as its file, which gets an extension of its own.
+std::string_view withoutAudioExtension(std::string_view name) {
+    constexpr std::array<std::string_view, 6> extensions{".wav",  ".wave", ".aif",
+                                                         ".aiff", ".aifc", ".bwf"};
+    const std::size_t dot = name.rfind('.');
+    const bool isExtension = dot != std::string_view::npos && dot != 0 &&
+                             std::find(extensions.begin(), extensions.end(),
+                                       lowerCased(name.substr(dot))) != extensions.end();
+    return isExtension ? name.substr(0, dot) : name;
+}
+
 /// As the worker makes the names of files: letters, numbers and what is harmless.
 std::string asFileName(std::string_view name) {
-    const std::string safe = replacingNonAlphanumerics(name, "-_. ", '_');
+    const std::string safe = replacingNonAlphanumerics(withoutAudioExtension(name), "-_. ", '_');
     return std::string(
         prefixOfClusters(safe, mostCharacters, std::numeric_limits<std::size_t>::max()));
 }

@@ -26,4 +26,14 @@ ClipName clipName(const HandOff& handOff, std::size_t position) {
     return {.text = own ? &*own : nullptr};
 }
 
+std::map<std::size_t, std::string> namesByMasterMob(const HandOff& handOff) {
+    std::map<std::size_t, std::string> names;
+    for (std::size_t i = 0; i < handOff.timeline.events.size(); ++i) {
+        if (const ClipName name = clipName(handOff, i); name.isOfMasterMob) {
+            names.emplace_hint(names.end(), i, *name.text);
+        }
+    }
+    return names;
+}
+
 }  // namespace trellant

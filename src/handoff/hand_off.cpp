@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "loss_names.h"
+
 #include <trellant/base/executable_location.h>
 #include <trellant/base/keyed_hash.h>
 #include <trellant/base/url.h>
@@ -248,6 +250,9 @@ HandOff handOffOf(AAFWorkerProtocol::Result answer) {
         handOff.contents = extensions->contents;
     }
     handOff.losses = lossesOf(handOff.timeline, places);
+    if (places) {
+        nameLosses(handOff, *places);
+    }
     return handOff;
 }
 

@@ -22,7 +22,9 @@ namespace trellant {
 namespace {
 
 constexpr std::uint64_t chunkLimit = 4'194'304;
-constexpr std::size_t bufferSize = 262'144;
+/// Kernels that write large pieces in large folios take a fifth less time for it than for a
+/// quarter.
+constexpr std::size_t bufferSize = 1'048'576;
 /// The kernel moves whole pages from file to file at once; where pages do not fall on pages it goes
 /// through a pipe, and the buffer is the faster way.
 constexpr std::uint64_t pageSize = 4096;

@@ -107,6 +107,13 @@ class BoundedReads {
         return document_.olderModel() ? olderRemarksOf(object) : std::span<const OMFRemark>();
     }
 
+    /// What a document of an older model says of audio by its descriptor; null where it says
+    /// nothing, and in any other document. Lives as long as the document.
+    [[nodiscard]] const AudioFormatInfo* describedFormat(OMFObject descriptor) const {
+        countSteps(1);
+        return document_.olderModel() ? document_.olderModel()->formatOf(descriptor) : nullptr;
+    }
+
     /// Classes were read when the document was opened.
     [[nodiscard]] std::optional<std::string_view> classID(OMFObject object) const noexcept {
         return document_.classID(object);

@@ -47,7 +47,8 @@ const AAFSourceEssence* Essences::makeEssence(const ResolvedSource& source) {
     const auto embedded = embeddedMedia(source.mobID);
     auto media =
         embedded ? takeEmbedded(*embedded, source.mobID, name) : findExternal(*descriptor, name);
-    const auto format = media.format.value_or(AudioFormatInfo{});
+    const auto* const described = media.format ? nullptr : reads_.describedFormat(*descriptor);
+    const auto format = media.format.value_or(described ? *described : AudioFormatInfo{});
     const auto describedRate = reads_.rational(*descriptor, {OMFProperty::fileSampleRate});
     const auto uid = source.mobID.description();
     AAFSourceEssence essence{

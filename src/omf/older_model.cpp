@@ -21,9 +21,22 @@ struct ByObject {
 
 }  // namespace
 
-OMFOlderModel::OMFOlderModel(std::string version, std::vector<OMFRemark> remarks)
-    : version_(std::move(version)), remarks_(std::move(remarks)) {
+OMFOlderModel::OMFOlderModel(std::string version, std::vector<OMFRemark> remarks,
+                             std::vector<OMFDescribedFormat> formats)
+    : version_(std::move(version)), remarks_(std::move(remarks)), formats_(std::move(formats)) {
     std::stable_sort(remarks_.begin(), remarks_.end(), ByObject());
+    std::stable_sort(formats_.begin(), formats_.end(),
+                     [](const OMFDescribedFormat& left, const OMFDescribedFormat& right) {
+                         return left.descriptor < right.descriptor;
+                     });
+}
+
+const AudioFormatInfo* OMFOlderModel::formatOf(OMFObject descriptor) const noexcept {
+    const auto found = std::lower_bound(formats_.begin(), formats_.end(), descriptor,
+                                        [](const OMFDescribedFormat& described, OMFObject wanted) {
+                                            return described.descriptor < wanted;
+                                        });
+    return found == formats_.end() || found->descriptor != descriptor ? nullptr : &found->format;
 }
 
 std::span<const OMFRemark> OMFOlderModel::remarksOf(OMFObject object) const noexcept {

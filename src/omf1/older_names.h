@@ -28,6 +28,8 @@ enum class OlderProperty : std::uint8_t {
     effectID,
     precomputed,
     attributes,
+    trackAttributes,
+    fillerProxy,
     groupLength,
     tracks,
     labelNumber,
@@ -45,7 +47,10 @@ enum class OlderProperty : std::uint8_t {
     timecodeStart,
     timecodeFPS,
     timecodeFlags,
+    isInFile,
     sampleRate,
+    sd2Bits,
+    sd2Channels,
     locator,
     macFileName,
     unixPath,
@@ -58,7 +63,7 @@ enum class OlderProperty : std::uint8_t {
 };
 
 /// The full names, in the order of OlderProperty.
-inline constexpr std::array<std::string_view, 44> olderPropertyNames{
+inline constexpr std::array<std::string_view, 49> olderPropertyNames{
     "OMFI:ObjID",
     "OMFI:ByteOrder",
     "OMFI:Version",
@@ -76,6 +81,8 @@ inline constexpr std::array<std::string_view, 44> olderPropertyNames{
     "OMFI:CPNT:EffectID",
     "OMFI:CPNT:Precomputed",
     "OMFI:CPNT:Attributes",
+    "OMFI:TRAK:Attributes",
+    "OMFI:TRAK:FillerProxy",
     "OMFI:TRKG:GroupLength",
     "OMFI:TRKG:Tracks",
     "OMFI:TRAK:LabelNumber",
@@ -93,7 +100,10 @@ inline constexpr std::array<std::string_view, 44> olderPropertyNames{
     "OMFI:TCCP:StartTC",
     "OMFI:TCCP:FPS",
     "OMFI:TCCP:Flags",
+    "OMFI:MDFL:IsOMFI",
     "OMFI:MDFL:SampleRate",
+    "OMFI:SD2D:BitsPerSample",
+    "OMFI:SD2D:NumberOfChannels",
     "OMFI:MDES:Locator",
     "OMFI:MACL:FileName",
     "OMFI:UNXL:PathName",

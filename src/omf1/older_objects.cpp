@@ -93,6 +93,14 @@ bool OlderObjects::readExactly(OMFObject object, OlderProperty property,
     return value && value->size() == buffer.size();
 }
 
+std::optional<bool> OlderObjects::boolean(OMFObject object, OlderProperty property) const noexcept {
+    std::array<std::byte, 1> bytes{};
+    if (!readExactly(object, property, bytes) || bytes[0] > std::byte{1}) {
+        return std::nullopt;
+    }
+    return bytes[0] == std::byte{1};
+}
+
 std::optional<std::uint16_t> OlderObjects::shortNumber(OMFObject object,
                                                        OlderProperty property) const noexcept {
     std::array<std::byte, 2> bytes{};

@@ -4,6 +4,7 @@
 // the container.
 //
 //   type           bytes
+//   Boolean        1
 //   Short          2
 //   Long           4
 //   ExactEditRate  8: numerator (4), denominator (4)
@@ -61,6 +62,9 @@ class OlderObjects {
     [[nodiscard]] std::span<const BentoPackedItem> pieces(OMFObject object,
                                                           OlderProperty property) const noexcept;
 
+    /// Of one byte: 0 or 1.
+    [[nodiscard]] std::optional<bool> boolean(OMFObject object,
+                                              OlderProperty property) const noexcept;
     [[nodiscard]] std::optional<std::uint16_t> shortNumber(OMFObject object,
                                                            OlderProperty property) const noexcept;
     [[nodiscard]] std::optional<std::int32_t> longNumber(OMFObject object,

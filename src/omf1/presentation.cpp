@@ -4,6 +4,7 @@
 // components.cpp what stands on tracks.
 #include "presentation.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace trellant {
@@ -23,6 +24,7 @@ Presentation::Presentation(OlderObjects& objects)
     readIdentities();
     chooseCompositions();
     addSequences();
+    readMediaIdentities();
     addMobs();
     for (const std::uint32_t id : objects_.container().objectIDs()) {
         addObject(OMFObject{id});
@@ -30,7 +32,7 @@ Presentation::Presentation(OlderObjects& objects)
 }
 
 OMFOlderModel Presentation::takeModel() {
-    return {objects_.version().value_or("1.x"), std::move(remarks_)};
+    return {objects_.version().value_or("1.x"), std::move(remarks_), std::move(formats_)};
 }
 
 void Presentation::remark(OMFObject object, std::string sentence, LossKind kind) {
@@ -74,6 +76,29 @@ void Presentation::readIdentities() {
     }
 }
 
+std::optional<OMFUID> Presentation::identityOf(OMFObject object, OlderProperty property) const {
+    if (const auto own = objects_.uid(object, property)) {
+        return own;
+    }
+    const auto indexed = identities_.find(object);
+    return indexed == identities_.end() ? std::nullopt : std::optional(indexed->second);
+}
+
+void Presentation::readMediaIdentities() {
+    for (const std::uint32_t id : objects_.container().objectIDs()) {
+        const OMFObject object{id};
+        const std::string classID = objects_.classOf(object);
+        if (classID != "AIFC" && classID != "WAVE") {
+            continue;
+        }
+        if (const auto identity = identityOf(
+                object, classID == "WAVE" ? OlderProperty::waveMobID : OlderProperty::aifcMobID)) {
+            mediaIdentities_.push_back(*identity);
+        }
+    }
+    std::sort(mediaIdentities_.begin(), mediaIdentities_.end());
+}
+
 void Presentation::addObject(OMFObject object) {
     const std::string classID = objects_.classOf(object);
     if (classID.empty() || classID == "HEAD" || classID == "MOBJ") {
@@ -91,13 +116,9 @@ void Presentation::addObject(OMFObject object) {
 
 void Presentation::addMedia(OMFObject media, bool isWave) {
     table_.classID(media, isWave ? "WAVE" : "AIFC");
-    const auto own =
-        objects_.uid(media, isWave ? OlderProperty::waveMobID : OlderProperty::aifcMobID);
-    const auto indexed = identities_.find(media);
-    if (own) {
-        table_.uid(media, OMFProperty::mediaMobID, *own);
-    } else if (indexed != identities_.end()) {
-        table_.uid(media, OMFProperty::mediaMobID, indexed->second);
+    if (const auto id =
+            identityOf(media, isWave ? OlderProperty::waveMobID : OlderProperty::aifcMobID)) {
+        table_.uid(media, OMFProperty::mediaMobID, *id);
     }
     copy(media, isWave ? OMFProperty::waveAudioData : OMFProperty::aifcAudioData, media,
          isWave ? OlderProperty::waveData : OlderProperty::aifcData);

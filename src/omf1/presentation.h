@@ -53,6 +53,12 @@ class Presentation {
     void addSequences();
     void addMobs();
     void addMob(OMFObject mob);
+    void readMediaIdentities();
+    /// What a source's descriptor says, as far as another object does not.
+    void addSourceDescription(OMFObject mob, const std::optional<OMFUID>& mobID);
+    void addSD2Format(OMFObject mob, OMFObject descriptor);
+    /// The mob identifier of a mob or of media: its own, else that of the header's indexes.
+    [[nodiscard]] std::optional<OMFUID> identityOf(OMFObject object, OlderProperty property) const;
     void noteLabels(OMFObject mob, const std::vector<OMFObject>& tracks);
     void noteChannels(OMFObject mob, const std::vector<OMFObject>& tracks);
     void addObject(OMFObject object);
@@ -91,6 +97,9 @@ class Presentation {
     OlderObjects& objects_;
     PresentedTable table_;
     std::vector<OMFRemark> remarks_;
+    std::vector<OMFDescribedFormat> formats_;
+    /// Of all audio data that lie in the file, ascending.
+    std::vector<OMFUID> mediaIdentities_;
     /// Of mobs and media, by the indexes of the header.
     KeyedMap<OMFObject, OMFUID> identities_;
     KeyedSet<OMFObject> compositions_;

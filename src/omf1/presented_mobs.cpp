@@ -50,16 +50,16 @@ void Presentation::addMobs() {
 void Presentation::addMob(OMFObject mob) {
     const bool isSource = objects_.has(mob, OlderProperty::physicalMedia);
     table_.classID(mob, isSource ? "SMOB" : compositions_.contains(mob) ? "CMOB" : "MMOB");
-    const auto own = objects_.uid(mob, OlderProperty::mobID);
-    const auto indexed = identities_.find(mob);
-    if (own) {
-        table_.uid(mob, OMFProperty::mobID, *own);
-    } else if (indexed != identities_.end()) {
-        table_.uid(mob, OMFProperty::mobID, indexed->second);
+    const auto mobID = identityOf(mob, OlderProperty::mobID);
+    if (mobID) {
+        table_.uid(mob, OMFProperty::mobID, *mobID);
     }
     copy(mob, OMFProperty::mobName, mob, OlderProperty::name);
-    if (const auto media = objects_.reference(mob, OlderProperty::physicalMedia)) {
-        table_.reference(mob, OMFProperty::sourceMobDescription, *media);
+    if (isSource) {
+        addSourceDescription(mob, mobID);
+    }
+    if (objects_.has(mob, OlderProperty::attributes)) {
+        remark(mob, "the attributes of a mob are not read");
     }
     if (const auto tracks = objects_.references(mob, OlderProperty::tracks)) {
         table_.references(mob, OMFProperty::mobSlots, *tracks);
@@ -77,6 +77,50 @@ void Presentation::addMob(OMFObject mob) {
     const auto start = objects_.longNumber(mob, OlderProperty::startPosition);
     if (start.value_or(0) != 0) {
         remark(mob, "start position " + std::to_string(*start) + " of a mob is not applied");
+    }
+}
+
+void Presentation::addSourceDescription(OMFObject mob, const std::optional<OMFUID>& mobID) {
+    const auto descriptor = objects_.reference(mob, OlderProperty::physicalMedia);
+    if (!descriptor) {
+        remarkUnreadable(mob, OlderProperty::physicalMedia);
+        return;
+    }
+    table_.reference(mob, OMFProperty::sourceMobDescription, *descriptor);
+    const bool isThere =
+        mobID && std::binary_search(mediaIdentities_.begin(), mediaIdentities_.end(), *mobID);
+    if (!isThere && objects_.boolean(*descriptor, OlderProperty::isInFile) == true) {
+        remark(mob,
+               "the audio of a source is said to lie in the file, and no AIFC or WAVE data are "
+               "there for it");
+    }
+    if (objects_.classOf(*descriptor) == "SD2D") {
+        addSD2Format(mob, *descriptor);
+    }
+}
+
+void Presentation::addSD2Format(OMFObject mob, OMFObject descriptor) {
+    constexpr std::int64_t mostChannels = 1'024;
+    constexpr std::int64_t mostBits = 64;
+    const auto told = [&](OlderProperty property,
+                          std::int64_t most) -> std::optional<std::int64_t> {
+        if (!objects_.has(descriptor, property)) {
+            return std::nullopt;
+        }
+        const auto two = objects_.shortNumber(descriptor, property);
+        const auto four = objects_.longNumber(descriptor, property);
+        const std::int64_t value = two ? *two : four.value_or(0);
+        if (value < 1 || value > most) {
+            remarkUnreadable(mob, property);
+            return std::nullopt;
+        }
+        return value;
+    };
+    AudioFormatInfo format;
+    format.channels = told(OlderProperty::sd2Channels, mostChannels);
+    format.bitDepth = told(OlderProperty::sd2Bits, mostBits);
+    if (format.channels || format.bitDepth) {
+        formats_.push_back({descriptor, std::move(format)});
     }
 }
 
@@ -123,6 +167,11 @@ void Presentation::addTrack(OMFObject track) {
         table_.rational(track, OMFProperty::slotEditRate, *rate);
     }
     describeTrack(track, *component);
+    for (const auto property : {OlderProperty::trackAttributes, OlderProperty::fillerProxy}) {
+        if (objects_.has(track, property)) {
+            remark(track, std::string(nameOf(property)) + " of a track is not read");
+        }
+    }
 }
 
 void Presentation::describeTrack(OMFObject track, OMFObject component) {

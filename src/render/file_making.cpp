@@ -9,8 +9,10 @@ namespace trellant::render {
 
 namespace {
 
-/// Worked out at a time: what a block takes stays in a processor's cache.
-constexpr std::uint64_t blockFrames = 16'384;
+/// Added to the file at a time.
+constexpr std::uint64_t blockFrames = 65'536;
+/// Worked out at a time: what that takes stays in a processor's cache.
+constexpr std::size_t workedOutFrames = 8'192;
 
 }  // namespace
 
@@ -21,17 +23,24 @@ void SoundBytes::goTo(std::uint64_t frame) {
     }
 }
 
+bool SoundBytes::isPlain(const Stretch& stretch) const {
+    return stretch.kind == Stretch::Kind::silent ||
+           (stretch.kind == Stretch::Kind::copied && media_.canCopy(stretch.media, format_));
+}
+
 std::uint64_t SoundBytes::next(std::span<std::byte> bytes) {
     const std::size_t frameBytes = sound_->channels() * format_.bytes();
     std::uint64_t cut = 0;
     while (!bytes.empty()) {
-        const Stretch stretch = sound_->ahead(media_, bytes.size() / frameBytes);
+        Stretch stretch = sound_->ahead(media_, bytes.size() / frameBytes);
+        if (!isPlain(stretch)) {
+            stretch.frames = std::min(stretch.frames, workedOutFrames);
+        }
         const auto part = bytes.first(stretch.frames * frameBytes);
         if (stretch.kind == Stretch::Kind::silent) {
             std::fill(part.begin(), part.end(), audio::silentByte(format_));
             sound_->skip(media_, static_cast<exchange::Samples>(stretch.frames));
-        } else if (stretch.kind == Stretch::Kind::copied &&
-                   media_.canCopy(stretch.media, format_)) {
+        } else if (isPlain(stretch)) {
             media_.copy(stretch.media, stretch.channel, stretch.first, format_, part);
             sound_->skip(media_, static_cast<exchange::Samples>(stretch.frames));
         } else {

@@ -38,6 +38,9 @@ class SoundBytes {
     [[nodiscard]] std::uint64_t next(std::span<std::byte> bytes);
 
   private:
+    /// Whether it becomes bytes without being worked out.
+    [[nodiscard]] bool isPlain(const Stretch& stretch) const;
+
     std::unique_ptr<Sound> sound_;
     MediaReader media_;
     audio::PcmFormat format_;

@@ -14,6 +14,7 @@
 #include <trellant/exporter/session_media.h>
 #include <trellant/extraction/staging.h>
 #include <trellant/extraction/taken_out.h>
+#include <trellant/handoff/clip_name.h>
 #include <trellant/handoff/jobs.h>
 #include <trellant/io/errors.h>
 #include <trellant/render/render.h>
@@ -149,6 +150,7 @@ void SessionRender::Run::plan() {
     request.keepsOverlaps = true;
     request.reels = plannedReels(report_.handOff);
     request.mediaFacts = mediaFacts(timeline, progress_);
+    request.clipNames = namesByMasterMob(report_.handOff);
     exchange::PlannedSession planned = exchange::planSession(timeline, request);
     report_.losses = exchange::lossesOfPlan(planned, timeline);
     report_.plan = std::move(planned.plan);

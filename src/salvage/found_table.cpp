@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <utility>
 
 namespace trellant::salvage {
@@ -33,6 +34,13 @@ Bytes tailOf(const RandomAccessFile& file, std::uint64_t bytes) {
     Bytes tail(count);
     tail.resize(file.readAvailable(file.size() - count, tail));
     return tail;
+}
+
+/// Whether an entry on the container may begin here in some byte order; tells most bytes apart.
+bool mayBeFirstEntry(const std::byte* at) noexcept {
+    std::uint32_t object = 0;
+    std::memcpy(&object, at, sizeof object);
+    return object == containerObject || object == byteSwapped(containerObject);
 }
 
 bool isFirstEntry(const std::byte* at, OMFByteOrder order) noexcept {
@@ -228,7 +236,7 @@ std::optional<FoundTable> FoundTable::in(const RandomAccessFile& file) {
     }
     int tries = 0;
     for (std::size_t at = tail.size(); !best && at-- > 0 && tries < mostTries;) {
-        if (tail.size() - at < firstEntryBytes) {
+        if (tail.size() - at < firstEntryBytes || !mayBeFirstEntry(tail.data() + at)) {
             continue;
         }
         for (const OMFByteOrder order : {OMFByteOrder::little, OMFByteOrder::big}) {

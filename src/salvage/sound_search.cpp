@@ -1,16 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 // Marks and the headers behind them are followed at the same time: a header that leads nowhere may
 // reach over the mark of a sound that is there. Two that come to the same chunk go on as one, so
-// the work grows with the bytes, not with what they claim.
+// the work grows with the bytes, not with what they claim. What comes next is the next mark or the
+// next chunk of a header, whichever begins first; the next mark is looked for once, however many
+// chunks lie before it.
 #include "forward_window.h"
 #include "sound_extent.h"
 #include "sound_walk.h"
+#include "sound_walks.h"
 #include "taken_ranges.h"
 
 #include <trellant/base/byte_load.h>
 #include <trellant/salvage/sound_search.h>
 
 #include <algorithm>
+#include <array>
 #include <utility>
 #include <vector>
 
@@ -18,10 +22,10 @@ namespace trellant::salvage {
 
 namespace {
 
-/// Headers that are followed at the same time; of more the first is given up.
-constexpr std::size_t mostWalks = 8;
 /// What is looked at behind a mark: the whole header of nearly every sound.
 constexpr std::size_t usualHeader = 512;
+/// From one call of `progress` to the next.
+constexpr std::uint64_t progressBytes = 262'144;
 
 /// Whether the header in `bytes`, which begin with a mark, says that no samples follow.
 bool isEmptySound(std::uint64_t mark, ByteView bytes) {
@@ -57,13 +61,16 @@ class SoundSearch::Pass {
     };
 
     [[nodiscard]] std::optional<Begun> search();
-    /// Goes to the next mark before byte `end`, or to that.
-    [[nodiscard]] std::optional<Begun> searchMarks(std::uint64_t end);
+    /// Goes to the next mark before byte `end`, or to that; true for a mark.
+    [[nodiscard]] bool goToMark(std::uint64_t end);
+    [[nodiscard]] std::uint64_t markAt(std::size_t number) const {
+        return marksBegin_ + places_.at(number);
+    }
     /// What begins at the mark at position_, if that is told already.
-    [[nodiscard]] std::optional<Begun> beginAt(ByteView bytes);
+    [[nodiscard]] std::optional<Begun> beginAtMark();
     [[nodiscard]] std::optional<FoundSound> namedByTable(std::uint64_t mark, ByteView bytes);
     [[nodiscard]] std::optional<Begun> stepWalk();
-    void addWalk(const SoundWalk& walk);
+    void tellProgress();
     void skipTaken();
     void takeHeaded(const SoundHead& head);
     void endCut(std::uint64_t end);
@@ -73,12 +80,18 @@ class SoundSearch::Pass {
     const FoundTable* table_;
     Progress progress_;
     std::uint64_t position_ = 0;
+    /// The next marks, as far as they were looked for: their places from marksBegin_ on, and which
+    /// of them comes next.
+    MarkScan marks_{};
+    std::array<std::uint32_t, 64> places_{};
+    std::uint64_t marksBegin_ = 0;
+    std::size_t mark_ = 0;
+    std::uint64_t progressAt_ = 0;
     /// Up to here nothing is taken.
     std::uint64_t freeUntil_;
     /// Pieces that the table names, from a sound's mark on.
     TakenRanges taken_;
-    /// By the chunk that comes next, the last one first.
-    std::vector<SoundWalk> walks_;
+    SoundWalks walks_;
     /// A sound that reaches beyond what there is, while its end is looked for.
     std::optional<SoundHead> cut_;
     std::vector<FoundSound> ready_;
@@ -108,19 +121,31 @@ std::optional<FoundSound> SoundSearch::Pass::next() {
 
 std::optional<SoundSearch::Pass::Begun> SoundSearch::Pass::search() {
     while (position_ < size_) {
+        tellProgress();
         skipTaken();
         if (position_ >= size_) {
             break;
         }
-        const bool hasWalk = !walks_.empty() && walks_.back().next() < size_;
-        const std::uint64_t chunk = hasWalk ? walks_.back().next() : size_;
-        auto begun = chunk == position_ ? stepWalk() : searchMarks(std::min(chunk, freeUntil_));
+        const std::uint64_t chunk = std::min(walks_.next(), size_);
+        std::optional<Begun> begun;
+        if (chunk == position_) {
+            begun = stepWalk();
+        } else if (goToMark(std::min(chunk, freeUntil_))) {
+            begun = beginAtMark();
+        }
         if (begun) {
             walks_.clear();
             return begun;
         }
     }
     return std::nullopt;
+}
+
+void SoundSearch::Pass::tellProgress() {
+    if (progress_ && position_ >= progressAt_) {
+        progressAt_ = position_ + progressBytes;
+        progress_(position_);
+    }
 }
 
 void SoundSearch::Pass::skipTaken() {
@@ -134,46 +159,55 @@ void SoundSearch::Pass::skipTaken() {
     freeUntil_ = taken_.nextFrom(position_, size_);
 }
 
-std::optional<SoundSearch::Pass::Begun> SoundSearch::Pass::searchMarks(std::uint64_t end) {
-    const ByteView view = window_.at(position_, usualHeader);
-    if (view.size() < markBytes) {
-        // No mark fits any more; a chunk may.
-        position_ = end;
-        return std::nullopt;
-    }
-    const std::uint64_t begin = position_;
-    const auto places =
-        static_cast<std::size_t>(std::min<std::uint64_t>(view.size() - markBytes + 1, end - begin));
-    for (std::size_t from = 0; from < places;) {
-        const ByteView left = view.first(places + markBytes - 1).subspan(from);
-        const std::size_t at = from + firstMark(left);
-        if (at >= places) {
-            break;
+bool SoundSearch::Pass::goToMark(std::uint64_t end) {
+    while (true) {
+        while (mark_ < marks_.count && markAt(mark_) < position_) {
+            ++mark_;
         }
-        position_ = begin + at;
-        if (auto begun = beginAt(view.subspan(at))) {
-            return begun;
+        if (mark_ < marks_.count) {
+            position_ = std::min(markAt(mark_), end);
+            return position_ != end;
         }
-        from = at + 1;
-        position_ = begin + from;
-        if (!walks_.empty() && walks_.back().next() < begin + places) {
-            return std::nullopt;
+        const std::uint64_t scanned = std::max(marksBegin_ + marks_.places, position_);
+        if (scanned >= end) {
+            position_ = end;
+            return false;
+        }
+        const ByteView view = window_.at(position_, usualHeader);
+        if (view.size() < markBytes) {
+            // No mark fits any more; a chunk may.
+            position_ = end;
+            return false;
+        }
+        if (scanned - position_ > view.size() - markBytes) {
+            position_ = scanned;
+            continue;
+        }
+        // What the table names is a sound whatever stands behind its mark.
+        marks_ = scanForMarks(view.subspan(static_cast<std::size_t>(scanned - position_)),
+                              table_ == nullptr ? MarkLook::withChunk : MarkLook::alone, places_);
+        marksBegin_ = scanned;
+        mark_ = 0;
+        if (marks_.count == 0) {
+            position_ = std::min(marksBegin_ + marks_.places, end);
+            tellProgress();
         }
     }
-    position_ = begin + places;
-    if (progress_) {
-        progress_(position_);
-    }
-    return std::nullopt;
 }
 
-std::optional<SoundSearch::Pass::Begun> SoundSearch::Pass::beginAt(ByteView bytes) {
+std::optional<SoundSearch::Pass::Begun> SoundSearch::Pass::beginAtMark() {
     const std::uint64_t mark = position_;
+    ++mark_;
+    const ByteView bytes = window_.at(mark, usualHeader);
     if (auto named = namedByTable(mark, bytes)) {
         position_ = mark + named->ranges.front().length;
         return Begun{.mark = mark, .named = std::move(named)};
     }
-    SoundWalk walk(mark, bytes);
+    position_ = mark + 1;
+    if (!mayLeadOn(bytes)) {
+        return std::nullopt;
+    }
+    SoundWalk& walk = walks_.candidate(mark, bytes);
     // Nearly all that is no sound ends here.
     if (bytes.size() >= markBytes + chunkLookBytes) {
         const auto step = walk.take(bytes.subspan(markBytes));
@@ -184,7 +218,7 @@ std::optional<SoundSearch::Pass::Begun> SoundSearch::Pass::beginAt(ByteView byte
             return std::nullopt;
         }
     }
-    addWalk(walk);
+    walks_.add();
     return std::nullopt;
 }
 
@@ -211,43 +245,8 @@ std::optional<FoundSound> SoundSearch::Pass::namedByTable(std::uint64_t mark, By
 }
 
 std::optional<SoundSearch::Pass::Begun> SoundSearch::Pass::stepWalk() {
-    SoundWalk walk = walks_.back();
-    walks_.pop_back();
-    switch (walk.take(window_.at(position_, chunkLookBytes))) {
-        case SoundWalk::Step::further:
-            addWalk(walk);
-            break;
-        case SoundWalk::Step::sound:
-            return Begun{.mark = walk.head().begin, .head = walk.head()};
-        case SoundWalk::Step::empty:
-        case SoundWalk::Step::nonsense:
-            break;
-    }
-    return std::nullopt;
-}
-
-void SoundSearch::Pass::addWalk(const SoundWalk& walk) {
-    const auto place = std::lower_bound(
-        walks_.begin(), walks_.end(), walk,
-        [](const SoundWalk& left, const SoundWalk& right) { return left.next() > right.next(); });
-    const bool meetsOther = place != walks_.end() && place->next() == walk.next() &&
-                            place->head().isBigEndian() == walk.head().isBigEndian();
-    if (meetsOther) {
-        // What knows its format goes on; of two the one that began later.
-        const bool isBetter =
-            walk.head().formatChunk.has_value() || !place->head().formatChunk.has_value();
-        if (isBetter) {
-            *place = walk;
-        }
-        return;
-    }
-    walks_.insert(place, walk);
-    if (walks_.size() > mostWalks) {
-        walks_.erase(std::min_element(walks_.begin(), walks_.end(),
-                                      [](const SoundWalk& left, const SoundWalk& right) {
-                                          return left.head().begin < right.head().begin;
-                                      }));
-    }
+    const auto sound = walks_.step(window_.at(position_, chunkLookBytes));
+    return sound ? std::optional(Begun{.mark = sound->begin, .head = *sound}) : std::nullopt;
 }
 
 void SoundSearch::Pass::takeHeaded(const SoundHead& head) {

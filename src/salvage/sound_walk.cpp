@@ -80,6 +80,39 @@ bool mayHoldMark(const std::byte* at) noexcept {
     return (halves[0] | halves[1]) != 0;
 }
 
+/// At which of the 16 places from `at` on a mark may begin, a byte each, by three letters of its
+/// form and two of its type; 26 bytes are there.
+std::array<std::uint64_t, 2> likelyMarks(const std::byte* at) noexcept {
+    const Lane first = laneAt(at);
+    const Lane second = laneAt(at + 1);
+    const Lane third = laneAt(at + 2);
+    const Lane type = laneAt(at + 8);
+    const Lane typeSecond = laneAt(at + 9);
+    const auto isForm = (first == 'F') & (second == 'O') & (third == 'R');
+    const auto isRiff =
+        (first == 'R') & (((second == 'I') & (third == 'F')) | ((second == 'F') & (third == '6')));
+    const auto found = (isForm & (type == 'A') & (typeSecond == 'I')) |
+                       (isRiff & (type == 'W') & (typeSecond == 'A'));
+    std::array<std::uint64_t, 2> places{};
+    std::memcpy(places.data(), &found, sizeof places);
+    return places;
+}
+
+/// The place of the first byte in memory that is not 0; there is one.
+std::size_t firstByteSet(std::uint64_t word) noexcept {
+    const int bits = std::endian::native == std::endian::little ? std::countr_zero(word)
+                                                                : std::countl_zero(word);
+    return static_cast<std::size_t>(bits) / 8;
+}
+
+/// The word without that byte.
+std::uint64_t withoutFirstByte(std::uint64_t word) noexcept {
+    const std::size_t place = firstByteSet(word);
+    const std::size_t shift =
+        8 * (std::endian::native == std::endian::little ? place : sizeof word - 1 - place);
+    return word & ~(std::uint64_t{0xFF} << shift);
+}
+
 /// Whether the ten bytes are a rate that audio has: positive, normalised, 256 Hz to 16 MHz.
 bool isRate(const std::byte* at) noexcept {
     constexpr std::uint16_t lowestExponent = 16'383 + 8;
@@ -97,33 +130,58 @@ bool isPlain(const std::byte* compression) noexcept {
 
 }  // namespace
 
-std::size_t firstMark(ByteView bytes) noexcept {
+MarkScan scanForMarks(ByteView bytes, MarkLook look, std::span<std::uint32_t> found) noexcept {
+    MarkScan scan;
     if (bytes.size() < markBytes) {
-        return bytes.size();
+        return scan;
     }
     const std::size_t end = bytes.size() - markBytes + 1;
+    // False where there is no room for another.
+    const auto note = [&](std::size_t at) {
+        if (kindAt(bytes.data() + at) &&
+            (look == MarkLook::alone || mayLeadOn(bytes.subspan(at)))) {
+            found[scan.count++] = static_cast<std::uint32_t>(at);
+            scan.places = at + 1;
+        }
+        return scan.count < found.size();
+    };
     std::size_t at = 0;
-    while (at < end) {
-        const std::size_t stop = std::min(at + block, end);
-        if (bytes.size() - at >= block + 8 && !mayHoldMark(bytes.data() + at)) {
-            at = stop;
+    for (; end - at >= block && bytes.size() - at >= block + markBytes; at += block) {
+        if (!mayHoldMark(bytes.data() + at)) {
             continue;
         }
-        for (; at < stop; ++at) {
-            if (kindAt(bytes.data() + at)) {
-                return at;
+        for (std::size_t lane = at; lane < at + block; lane += sizeof(Lane)) {
+            const auto likely = likelyMarks(bytes.data() + lane);
+            for (std::size_t half = 0; half < likely.size(); ++half) {
+                for (std::uint64_t places = likely[half]; places != 0;
+                     places = withoutFirstByte(places)) {
+                    if (!note(lane + 8 * half + firstByteSet(places))) {
+                        return scan;
+                    }
+                }
             }
         }
     }
-    return bytes.size();
+    for (; at < end; ++at) {
+        if (!note(at)) {
+            return scan;
+        }
+    }
+    scan.places = end;
+    return scan;
 }
 
 bool isChunkName(const std::byte* id) noexcept {
-    const bool isPrintable = std::all_of(id, id + 4, [](std::byte byte) {
-        return byte >= std::byte{0x20} && byte <= std::byte{0x7E};
-    });
-    return isPrintable && wordAt(id) != word("FORM") && wordAt(id) != word("RIFF") &&
-           wordAt(id) != word("RF64");
+    // A sum with a bit where a byte is below 0x20 or above 0x7E, worked out for all four at once.
+    const std::uint32_t name = wordAt(id);
+    const std::uint32_t low = (name | 0x80808080U) - 0x20202020U;
+    const std::uint32_t high = (name & 0x7F7F7F7FU) + 0x01010101U;
+    const bool isPrintable = ((~low | high | name) & 0x80808080U) == 0;
+    return isPrintable && name != word("FORM") && name != word("RIFF") && name != word("RF64");
+}
+
+bool mayLeadOn(ByteView mark) noexcept {
+    return mark.size() < markBytes + chunkHeadBytes || isChunkName(mark.data() + markBytes);
 }
 
 bool takeCommon(ByteView content, std::uint64_t size, std::uint64_t chunk,

@@ -15,6 +15,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 
 namespace trellant::salvage {
 
@@ -53,8 +54,29 @@ inline constexpr std::size_t chunkHeadBytes = 8;
 /// What is looked at of a chunk: its head and its content as far as that says anything here.
 inline constexpr std::size_t chunkLookBytes = chunkHeadBytes + 24;
 
-/// Where the first mark in `bytes` begins, of those that lie wholly inside; the size otherwise.
-[[nodiscard]] std::size_t firstMark(ByteView bytes) noexcept;
+/// Which marks are wanted.
+enum class MarkLook {
+    /// All.
+    alone,
+    /// Those behind which a chunk may begin, as far as the bytes tell.
+    withChunk
+};
+
+/// What a look for marks came to.
+struct MarkScan {
+    /// Marks that were found.
+    std::size_t count = 0;
+    /// So many of the first places were looked at.
+    std::size_t places = 0;
+};
+
+/// Where marks begin in `bytes` (less than 4 GiB), of those that lie wholly inside, ascending:
+/// written to `found`, which has room for one at least; the look ends where that is full.
+[[nodiscard]] MarkScan scanForMarks(ByteView bytes, MarkLook look,
+                                    std::span<std::uint32_t> found) noexcept;
+
+/// Whether a chunk may begin behind the mark that `mark` begins with; true where the bytes end.
+[[nodiscard]] bool mayLeadOn(ByteView mark) noexcept;
 
 /// Whether the four bytes at `id` can name a chunk, and not a file of its own.
 [[nodiscard]] bool isChunkName(const std::byte* id) noexcept;

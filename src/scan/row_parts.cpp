@@ -4,6 +4,7 @@
 #include <trellant/base/keyed_hash.h>
 #include <trellant/base/text.h>
 #include <trellant/base/url.h>
+#include <trellant/handoff/frame_clock.h>
 #include <trellant/handoff/sources.h>
 #include <trellant/json/named_enum.h>
 
@@ -119,7 +120,7 @@ void tellHandOff(const HandOff& handOff, ScanRow& row) {
                                     .read = composition.isRead});
     }
     row.start = timeline.clock.timelineZero.description();
-    row.timecodeRate = exactText(timeline.clock.timecodeRate.exactRate);
+    row.timecodeRate = exactText(frameClock(timeline.clock).timecodeRate.exactRate);
     row.editRate = exactText(timeline.clock.editRate);
     if (timeline.compositionLength) {
         row.lengthSeconds = timeline.compositionLength->doubleValue();

@@ -268,6 +268,17 @@ Bytes olderLosses() {
     return omf.build();
 }
 
+/// A hundred clips, 11 hours apart: what is rendered of it would be 600 GB.
+Bytes weeksOfSilence() {
+    Document document;
+    std::vector<ObjectID> parts;
+    for (int i = 0; i < 100; ++i) {
+        parts.push_back(document.clip());
+        parts.push_back(document->filler(2'000'000'000));
+    }
+    return document.of(document->sequence(parts));
+}
+
 const std::map<std::string_view, Bytes (*)()> shapes{
     {"million-clips", millionClips},
     {"million-losses", millionLosses},
@@ -284,6 +295,7 @@ const std::map<std::string_view, Bytes (*)()> shapes{
     {"deep-nesting", deepNesting},
     {"tokens-of-one-byte", tokensOfOneByte},
     {"older-losses", olderLosses},
+    {"weeks-of-silence", weeksOfSilence},
 };
 
 void writeAll(const std::string& folder) {

@@ -54,6 +54,9 @@ def onward(omf, work):
     yield "page", ["page", omf, "-o", str(work / "page.html")]
     for form in ("aaf", "otio", "reaper", "dawproject", "markers"):
         yield f"export {form}", ["export", omf, "--to", str(work / form), "--format", form]
+    for number, options in enumerate(([], ["--raw"], ["--mix"], ["--clips", "--json"])):
+        yield (" ".join(["render", *options]),
+               ["render", omf, "--to", str(work / f"rendered-{number}"), *options])
 
 
 def measured(arguments):

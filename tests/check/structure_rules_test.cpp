@@ -36,6 +36,32 @@ TEST(LossRules, TellLossesBySeverityAndEffectsApart) {
     }
 }
 
+TEST(Findings, NameAClipWithoutANameByItsMasterMob) {
+    SoundHandOff made;
+    made.handOff.masterMobs = {{.mobID = "m", .name = "Anna"}};
+    made.handOff.masterMobOfEvents = {0, -1};
+    made.handOff.timeline.events[0].clipName.reset();
+    made.handOff.timeline.events[0].clipMuted = true;
+    const Finding finding = made.findings("muted").at(0);
+    EXPECT_EQ(finding.clip, "Anna");
+    EXPECT_TRUE(finding.isClipNamedByMasterMob);
+    EXPECT_THAT(finding.sentence, ::testing::HasSubstr("lip \"Anna\" on track \"Dialog\""));
+    // What a profile accepts is told by the name that is shown.
+    const Profile accepting = readProfile(
+        R"({"profileVersion":1,"extends":"post",
+            "accept":[{"rule":"muted","clip":"An*","reason":"wanted"}]})",
+        "house", [](const std::string&) { return std::string(); });
+    EXPECT_THAT(made.broken(accepting), IsEmpty());
+}
+
+TEST(Findings, OfALossKeepTheNameThatTheLossGives) {
+    SoundHandOff made;
+    made.addLoss(LossKind::clipSourceMissing, Loss::informational);
+    EXPECT_FALSE(made.findings("loss-dropped").at(0).isClipNamedByMasterMob);
+    made.handOff.losses[0].isClipNamedByMasterMob = true;
+    EXPECT_TRUE(made.findings("loss-dropped").at(0).isClipNamedByMasterMob);
+}
+
 TEST(Effects, AreTheirRenderedResultsToo) {
     SoundHandOff made;
     made.handOff.contents = AAFWorkerExtensions::Contents{.renderedEffects = 1};

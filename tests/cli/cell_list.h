@@ -59,7 +59,7 @@ class CellList final : public cli::List {
 
 [[nodiscard]] inline std::string jsonOf(const cli::List& list) {
     StringSink sink;
-    cli::writeJsonLines("a.omf", list, sink);
+    cli::writeJsonLines("a.omf", std::nullopt, list, sink);
     return std::move(sink.text);
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Audio of a tape with labels, and audio whose own name says nothing: what its files say of it, and
 // what they are called.
-#include "extract_fixture.h"
+#include "recorded_fixture.h"
 #include "spawned_program.h"
 
 #include <gmock/gmock.h>
@@ -24,8 +24,6 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-const MobID tapeID{7, 0, 7};
-
 /// What a program of the system says on standard output; nothing where there is none.
 std::string said(const std::string& commandLine) {
     struct Closer {
@@ -46,63 +44,14 @@ bool isInstalled(const std::string& program) {
     return !said("command -v " + program).empty();
 }
 
-class ExtractOrigin : public ExtractTest {
+class ExtractOrigin : public RecordedTest {
   protected:
-    /// A tape whose labels begin at 10:00:00:00 of 25 frames.
-    void addTape() {
-        const ObjectID labels =
-            omf_.slot({.editRate = Ratio{25}, .segment = omf_.timecode(25, false, 900'000)});
-        omf_.sourceMob({.id = tapeID,
-                        .name = "TAPE <7>",
-                        .slots = {labels},
-                        .descriptor = omf_.descriptor({.classID = "MDTP"})});
-    }
-
-    /// A source with the mob identifier 1, 0, `number`, 4,344,000 samples (90.5 s) into the tape,
-    /// and a clip without a name of a master mob that is called `title`.
-    void addRecorded(std::uint32_t number, const std::string& name, MediaKind kind, Bytes media,
-                     const std::optional<std::string>& title) {
-        const MobID fileID{1, 0, number};
-        const MobID masterID{2, 0, number};
-        const ObjectID clip = omf_.clip({.length = 480, .source = tapeID, .start = 4'344'000});
-        const ObjectID slot = omf_.slot({.editRate = Ratio{48'000},
-                                         .segment = clip,
-                                         .track = omf_.track({.id = 1, .physicalTrack = 1})});
-        const bool isWave = kind == MediaKind::wave;
-        omf_.sourceMob({.id = fileID,
-                        .name = name,
-                        .slots = {slot},
-                        .descriptor = omf_.descriptor({.classID = isWave ? "WAVD" : "AIFD",
-                                                       .sampleRate = Ratio{48'000},
-                                                       .length = 480})});
-        if (isWave) {
-            omf_.waveMedia(fileID, media);
-        } else {
-            omf_.aifcMedia(fileID, media);
-        }
-        const ObjectID played = omf_.clip({.length = 480, .source = fileID});
-        omf_.masterMob(
-            {.id = masterID,
-             .name = title,
-             .slots = {omf_.slot(
-                 {.editRate = Ratio{48'000}, .segment = played, .track = omf_.track({.id = 1})})}});
-        tracks_.push_back(omf_.slot(
-            {.editRate = Ratio{100}, .segment = omf_.clip({.length = 1, .source = masterID})}));
-    }
-
-    std::string writeRecorded() {
-        omf_.composition({.name = "Night", .slots = tracks_});
-        return writeFile(folder_.file("mix.omf"), omf_.build());
-    }
-
     [[nodiscard]] cli::ExtractOptions asWave(const std::string& file) const {
         cli::ExtractOptions wanted = options(file);
         wanted.call.wav = true;
         wanted.call.json = true;
         return wanted;
     }
-
-    std::vector<ObjectID> tracks_;
 };
 
 Bytes aifcOf(std::size_t frames) {
@@ -192,13 +141,14 @@ TEST_F(ExtractOrigin, WithoutATapeAWaveFileStaysAsItIs) {
 TEST_F(ExtractOrigin, FilesThatShareANameAreCalledAfterTheirMasterMobs) {
     addRecorded(1, "Audio.wav", MediaKind::wave, waveOf({1}), "Anna: take 1");
     addRecorded(2, "audio.aif", MediaKind::wave, waveOf({2}), "Ben");
-    addRecorded(3, "mix.wav", MediaKind::wave, waveOf({3}), "Rain");
+    addRecorded(3, "mix.wav", MediaKind::wave, waveOf({3}), "Rain.WAV");
     addRecorded(4, "Door.wav", MediaKind::wave, waveOf({4}), "Knock");
     const std::string document = writeRecorded();
     cli::ExtractOptions wanted = options(document);
     wanted.call.json = true;
     const auto report = nlohmann::json::parse(extractWell(wanted));
-    // "mix" is the name of the OMF file; a name of its own stays, and ":" is no part of one.
+    // "mix" is the name of the OMF file; a name of its own stays, ":" is no part of one, and one
+    // extension is enough.
     EXPECT_THAT(namesIn(out()), ElementsAre("Anna_ take 1.wav", "Ben.wav", "Door.wav",
                                             "MANIFEST.sha256", "Rain.wav", "timeline.json"));
     for (const auto& audio : report.at("audio")) {

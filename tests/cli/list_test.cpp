@@ -104,8 +104,14 @@ TEST(List, LossNumbersAreAnArrayForPrograms) {
 
 TEST(List, BytesOfAFileNameThatAreNoTextAreSpelledOut) {
     StringSink sink;
-    cli::writeJsonLines("a\xFF.omf", oneCell(integer(1)), sink);
+    cli::writeJsonLines("a\xFF.omf", std::nullopt, oneCell(integer(1)), sink);
     EXPECT_EQ(sink.text, "{\"file\":\"a\\\\xff.omf\",\"it\":1}\n");
+}
+
+TEST(List, EachLineOfAFileOfOMF1SaysSo) {
+    StringSink sink;
+    cli::writeJsonLines("a.omf", "1.0", oneCell(integer(1)), sink);
+    EXPECT_EQ(sink.text, "{\"file\":\"a.omf\",\"omfVersion\":\"1.0\",\"it\":1}\n");
 }
 
 }  // namespace

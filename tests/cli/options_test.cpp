@@ -57,6 +57,28 @@ TEST(Options, ExtractTakesSeveralMediaFolders) {
     EXPECT_TRUE(call.force);
 }
 
+TEST(Options, ExtractAndExportNameFilesAfterMasterMobsUnlessTheyAreAskedNotTo) {
+    EXPECT_EQ(callOf<ExtractCall>({"extract", "a.omf", "--to", "out"}).naming,
+              FileNaming::masterMob);
+    EXPECT_EQ(callOf<ExtractCall>({"extract", "a.omf", "--to", "out", "--names", "source"}).naming,
+              FileNaming::source);
+    EXPECT_EQ(callOf<ExportCall>({"export", "a.omf", "--to", "out", "--format", "aaf"}).naming,
+              FileNaming::masterMob);
+    EXPECT_EQ(callOf<ExportCall>(
+                  {"export", "a.omf", "--to", "out", "--format", "aaf", "--names", "source"})
+                  .naming,
+              FileNaming::source);
+}
+
+TEST(Options, ASalvageNamesFilesItself) {
+    const CommandLine line =
+        lineOf({"extract", "a.omf", "--to", "out", "--salvage", "--names", "master"});
+    EXPECT_FALSE(line.call);
+    EXPECT_EQ(line.status, ExitStatus::wrongUse);
+    EXPECT_THAT(line.text, HasSubstr("--salvage"));
+    EXPECT_THAT(line.text, HasSubstr("--names"));
+}
+
 TEST(Options, ExportTakesAFormatAndWhatIsWishedOfIt) {
     const auto call =
         callOf<ExportCall>({"export", "a.omf", "--to", "out", "--format", "reaper", "--media", "m",

@@ -245,6 +245,24 @@ TEST(ExportPlan, TracksAndClipsWithoutANameGetOne) {
     EXPECT_EQ(onlyClip(session).name, "Anna");
 }
 
+TEST(ExportPlan, ClipsWithoutANameGetTheOneThatIsGiven) {
+    for (const std::optional<std::string>& own : {std::optional<std::string>(), {""}}) {
+        AAFTimeline timeline = oneClip(seconds(0), seconds(1));
+        timeline.events[0].clipName = own;
+        PlanRequest request = withFiles(timeline);
+        request.clipNames.emplace(0, "Anna, take 1");
+        EXPECT_EQ(onlyClip(planSession(timeline, request)).name, "Anna, take 1");
+    }
+}
+
+TEST(ExportPlan, ANameOfItsOwnIsNotReplaced) {
+    AAFTimeline timeline = oneClip(seconds(0), seconds(1));
+    timeline.events[0].clipName = "Door";
+    PlanRequest request = withFiles(timeline);
+    request.clipNames.emplace(0, "Anna, take 1");
+    EXPECT_EQ(onlyClip(planSession(timeline, request)).name, "Door");
+}
+
 TEST(ExportPlan, ExactTimesStandBesideTheRoundedOnes) {
     AAFTimeline timeline = oneClip(seconds(1, 7), seconds(2));
     timeline.events[0].fadeIn = fadeOf(AAFFade::Direction::fadeIn, seconds(1, 9));

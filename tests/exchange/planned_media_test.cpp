@@ -94,6 +94,19 @@ TEST(PlannedMedia, EqualNamesAreNumberedWhateverTheirCase) {
     EXPECT_EQ(plan.media[3].fileName, "KICK_3.wav");
 }
 
+TEST(PlannedMedia, AGivenNameOfAFileIsNotThatOfItsSource) {
+    AAFTimeline timeline = emptyTimeline();
+    addTrack(timeline, "A1");
+    addSource(timeline, "Audio.wav");
+    addClip(timeline, "A1", "Audio.wav", seconds(0), seconds(1));
+    PlanRequest request = withFiles(timeline);
+    request.fileNames.emplace(0, "Anna 1");
+    const ExportPlan plan = planSession(timeline, request).plan;
+    ASSERT_THAT(plan.media, SizeIs(1));
+    EXPECT_EQ(plan.media[0].name, "Audio.wav");
+    EXPECT_EQ(plan.media[0].fileName, "Anna 1.wav");
+}
+
 TEST(PlannedMedia, OneChannelOfSeveralIsAFileOfItsOwnWhereTheTargetCannotChoose) {
     AAFTimeline timeline = emptyTimeline();
     addTrack(timeline, "A1");

@@ -65,6 +65,25 @@ TEST(LossesDocument, HasARecordALineWithThoseOfReadingFirst) {
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 4);
 }
 
+TEST(LossesDocument, ClipsNamedByTheirMasterMobsAreMarked) {
+    HandOff handOff = handOffWithAClip();
+    handOff.timeline.events[0].clipName.reset();
+    handOff.masterMobs = {{.mobID = "m", .name = "Anna"}};
+    handOff.masterMobOfEvents = {0};
+    handOff.timeline.unsupportedFeatures.push_back(
+        {"omf-unsupported-1", Severity::informational, "dropped a clip", std::nullopt});
+    handOff.losses.push_back(
+        {.description = "dropped a clip", .clipName = "Ben", .isClipNamedByMasterMob = true});
+    exchange::ExportLoss loss;
+    loss.event = 0;
+    const json records = json::parse(lossesDocument("mix.omf", handOff, {loss}));
+    ASSERT_EQ(records.size(), 2U);
+    EXPECT_EQ(records[0].at("clip"), "Ben");
+    EXPECT_EQ(records[0].at("clipNameFrom"), "masterMob");
+    EXPECT_EQ(records[1].at("clip"), "Anna");
+    EXPECT_EQ(records[1].at("clipNameFrom"), "masterMob");
+}
+
 TEST(LossesDocument, ALossOfTheWholeSessionHasNoPlace) {
     exchange::ExportLoss loss;
     loss.sentence = "Said.";

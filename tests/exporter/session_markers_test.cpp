@@ -102,6 +102,17 @@ TEST(LossMarkers, OfAClipNameItAndWhatIsUnheardIsAChange) {
     EXPECT_EQ(markers[0].kind, sessions::MarkerKind::changed);
 }
 
+TEST(LossMarkers, OfAClipWithoutANameNameItsMasterMob) {
+    HandOff handOff = handOffWithTracks();
+    handOff.timeline.events.emplace_back();
+    handOff.masterMobs = {{.mobID = "m", .name = "Anna"}};
+    handOff.masterMobOfEvents = {0};
+    exchange::ExportLoss loss;
+    loss.event = 0;
+    loss.sentence = "It is shorter.";
+    EXPECT_EQ(lossMarkers(handOff, {loss}, planAt48000()).at(0).text, "Anna: It is shorter.");
+}
+
 TEST(LossMarkers, StayWithinTheSession) {
     HandOff handOff = handOffWithTracks();
     PlacedLoss loss;

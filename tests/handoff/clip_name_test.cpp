@@ -3,7 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace trellant {
 namespace {
@@ -46,6 +50,47 @@ TEST(ClipName, IsNoneWhereNothingIsNamed) {
         EXPECT_EQ(clipName(handOff, position).text, nullptr);
         EXPECT_FALSE(clipName(handOff, position).isOfMasterMob);
     }
+}
+
+TEST(ClipName, IsTheMasterMobsOfTheseClips) {
+    const HandOff handOff = handOffOf({"Take 1", std::nullopt, "", std::nullopt}, {0, 0, 0, 1});
+    EXPECT_EQ(namesByMasterMob(handOff),
+              (std::map<std::size_t, std::string>{{1, "Anna"}, {2, "Anna"}}));
+}
+
+TEST(ClipName, OfALossIsThatOfItsClip) {
+    AAFWorkerProtocol::Result answer;
+    // A clip without a name, one with, one whose id names no object, and a loss of each; the last
+    // loss is of an object that no clip is left of.
+    const std::vector<std::pair<std::string, std::optional<std::string>>> clips{
+        {"omf-event-56-3", std::nullopt}, {"omf-event-57-0", "Take 1"}, {"event", std::nullopt}};
+    for (const auto& [id, name] : clips) {
+        AAFClipEvent event;
+        event.id = id;
+        event.clipName = name;
+        answer.timeline.events.push_back(event);
+    }
+    AAFWorkerExtensions::LossPlaces places;
+    for (const std::int64_t object : {56, 57, 0, 58}) {
+        answer.timeline.unsupportedFeatures.emplace_back();
+        AAFWorkerExtensions::LossPlace place;
+        place.clipObject = object;
+        place.clipName = object == 57 ? std::optional<std::string>("Take 1") : std::nullopt;
+        places.places.push_back(place);
+    }
+    AAFWorkerExtensions extensions;
+    extensions.lossPlaces = places;
+    extensions.masterMobs = AAFWorkerExtensions::MasterMobs{
+        .masterMobs = {{.mobID = "a", .name = "Anna"}}, .ofEvents = {0, 0, 0}};
+    answer.extensions = extensions;
+    const HandOff handOff = trellant::handOffOf(answer);
+    ASSERT_EQ(handOff.losses.size(), 4U);
+    EXPECT_EQ(handOff.losses[0].clipName, "Anna");
+    EXPECT_TRUE(handOff.losses[0].isClipNamedByMasterMob);
+    EXPECT_EQ(handOff.losses[1].clipName, "Take 1");
+    EXPECT_FALSE(handOff.losses[1].isClipNamedByMasterMob);
+    EXPECT_EQ(handOff.losses[2].clipName, std::nullopt);
+    EXPECT_EQ(handOff.losses[3].clipName, std::nullopt);
 }
 
 TEST(ClipName, StaysWithItsClipWhereOthersAreTakenAway) {

@@ -270,5 +270,22 @@ TEST(OlderLoss, EntriesThatReferToNothing) {
                 ElementsAre("a sequence lists a component that cannot be told"));
 }
 
+TEST(OlderLoss, AttributesOfMobsAndTracksAreNotRead) {
+    OneClip session;
+    session.omf.ref(session.composition, "OMFI:CPNT:Attributes", session.clip);
+    session.omf.ref(session.source, "OMFI:CPNT:Attributes", session.clip);
+    session.omf.ref(session.track, "OMFI:TRAK:Attributes", session.clip);
+    session.omf.ref(session.track, "OMFI:TRAK:FillerProxy", session.clip);
+    const MappedOlder mapped = mapAny(session.omf.build());
+    EXPECT_THAT(sentencesOf(mapped),
+                ::testing::UnorderedElementsAre("the attributes of a mob are not read",
+                                                "the attributes of a mob are not read",
+                                                "OMFI:TRAK:Attributes of a track is not read",
+                                                "OMFI:TRAK:FillerProxy of a track is not read"));
+    for (const LossPlace& place : mapped.places) {
+        EXPECT_EQ(place.kind, LossKind::olderModelUnknown);
+    }
+}
+
 }  // namespace
 }  // namespace trellant::testing

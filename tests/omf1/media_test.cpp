@@ -4,7 +4,11 @@
 
 #include <gmock/gmock.h>
 
+#include <functional>
+#include <optional>
 #include <trellant_testing/wave_builder.h>
+#include <utility>
+#include <vector>
 
 namespace trellant::testing {
 namespace {
@@ -99,6 +103,88 @@ TEST(OlderMedia, WhichChannelATrackPlaysIsSaidToBeUnknown) {
                             "that of the track's number"));
     EXPECT_THAT(pathsOf(mapped), ElementsAre("SMOB[" + std::to_string(source) + "]"));
     EXPECT_EQ(mapped.places.at(0).clip, OMFObject{clip.id()});
+}
+
+/// A session whose only source is described by an SD2D object with these values.
+MappedOlder describedBySD2(const std::function<void(ObjectBuilder&)>& describe) {
+    Omf1Builder omf;
+    const MobID voice{1, 2, 3};
+    ObjectBuilder described = omf.descriptor("SD2D", Ratio{44'100});
+    describe(described);
+    addSource(omf, voice, described);
+    return mapAny(sessionWith(omf, voice));
+}
+
+TEST(OlderMedia, ChannelsAndBitsOfSD2AreThoseOfItsDescriptor) {
+    const MappedOlder ofTwoBytes = describedBySD2([](ObjectBuilder& described) {
+        described.int16("OMFI:SD2D:BitsPerSample", 24).int16("OMFI:SD2D:NumberOfChannels", 2);
+    });
+    EXPECT_THAT(sentencesOf(ofTwoBytes), IsEmpty());
+    ASSERT_EQ(ofTwoBytes.timeline.essences.size(), 1U);
+    EXPECT_EQ(ofTwoBytes.timeline.essences[0].bitDepth, 24);
+    EXPECT_EQ(ofTwoBytes.timeline.essences[0].channelCount, 2);
+    EXPECT_EQ(ofTwoBytes.timeline.essences[0].sampleRate, AAFRational(44'100));
+    EXPECT_EQ(ofTwoBytes.timeline.essences[0].codec, "SD2D");
+    const MappedOlder ofFour = describedBySD2([](ObjectBuilder& described) {
+        described.int32("OMFI:SD2D:BitsPerSample", 16).int32("OMFI:SD2D:NumberOfChannels", 1);
+    });
+    EXPECT_EQ(ofFour.timeline.essences.at(0).bitDepth, 16);
+    EXPECT_EQ(ofFour.timeline.essences.at(0).channelCount, 1);
+}
+
+TEST(OlderMedia, WhatSD2SaysOfItsChannelsAndBitsMayMakeNoSense) {
+    const std::vector<std::function<void(ObjectBuilder&, const char*)>> senseless{
+        [](ObjectBuilder& described, const char* property) { described.int16(property, 0); },
+        [](ObjectBuilder& described, const char* property) { described.int32(property, -1); },
+        [](ObjectBuilder& described, const char* property) { described.int32(property, 1'025); },
+        [](ObjectBuilder& described, const char* property) {
+            described.bytes(property, hex("000001"));
+        }};
+    for (const char* const property : {"OMFI:SD2D:BitsPerSample", "OMFI:SD2D:NumberOfChannels"}) {
+        for (const auto& set : senseless) {
+            const MappedOlder mapped =
+                describedBySD2([&](ObjectBuilder& described) { set(described, property); });
+            EXPECT_THAT(sentencesOf(mapped),
+                        ElementsAre(std::string(property) + " is missing or cannot be read"));
+            EXPECT_EQ(mapped.timeline.essences.at(0).bitDepth, std::nullopt);
+            EXPECT_EQ(mapped.timeline.essences.at(0).channelCount, 1);
+        }
+    }
+}
+
+TEST(OlderMedia, TheHeaderOfAudioThatIsThereCountsMoreThanADescriptor) {
+    Omf1Builder omf;
+    const MobID voice{1, 2, 3};
+    omf.media("AIFC", voice, aifcOf(960));
+    ObjectBuilder described = omf.descriptor("SD2D");
+    described.int16("OMFI:SD2D:BitsPerSample", 24).int16("OMFI:SD2D:NumberOfChannels", 2);
+    addSource(omf, voice, described);
+    const AAFTimeline timeline = mapAny(sessionWith(omf, voice)).timeline;
+    EXPECT_EQ(timeline.essences.at(0).bitDepth, 16);
+    EXPECT_EQ(timeline.essences.at(0).channelCount, 1);
+}
+
+TEST(OlderMedia, AudioThatIsSaidToLieInTheFileAndDoesNotIsTold) {
+    Omf1Builder omf;
+    const MobID voice{1, 2, 3};
+    ObjectBuilder described = omf.descriptor("SD2D");
+    described.bytes("OMFI:MDFL:IsOMFI", hex("01"));
+    omf.object("SD2M").uid("OMFI:SD2M:MobID", voice).bytes("OMFI:SD2M:Data", Bytes(100));
+    addSource(omf, voice, described);
+    const MappedOlder mapped = mapAny(sessionWith(omf, voice));
+    EXPECT_THAT(sentencesOf(mapped),
+                ElementsAre("the audio of a source is said to lie in the file, and no AIFC or WAVE "
+                            "data are there for it"));
+    EXPECT_EQ(mapped.places.at(0).kind, LossKind::olderModelUnknown);
+    EXPECT_FALSE(mapped.timeline.essences.at(0).embedded);
+}
+
+TEST(OlderMedia, AudioThatLiesInTheFileAsSaidIsNoLoss) {
+    OneClip session;
+    const ObjectID descriptor = 2;
+    ASSERT_TRUE(session.omf.container().has(descriptor, "OMFI:MDFL:SampleRate"));
+    session.omf.at(descriptor).bytes("OMFI:MDFL:IsOMFI", hex("01"));
+    EXPECT_THAT(sentencesOf(mapAny(session.omf.build())), IsEmpty());
 }
 
 }  // namespace

@@ -45,25 +45,25 @@ class Making : public ::testing::Test, public RenderedPlan {
     TemporaryDirectory target_;
 };
 
-/// Blocks have 16,384 frames: two tracks of which one begins in the second block and pans.
+/// Blocks have 65,536 frames: two tracks of which one begins in the second block and pans.
 TEST_F(Making, GivesTheSameBytesHoweverManyTakePart) {
-    const std::vector<std::int16_t> loud(50'000, 30'000);
+    const std::vector<std::int16_t> loud(150'000, 30'000);
     PlannedTrack& one = addTrack();
-    addClip(one, addMedia(loud), 0, 50'000).gain = 2;
+    addClip(one, addMedia(loud), 0, 150'000).gain = 2;
     one.pan = 0;
     PlannedTrack& other = addTrack();
-    addClip(other, addMedia(loud), 20'000, 25'000);
+    addClip(other, addMedia(loud), 50'000, 75'000);
     other.panAutomation = AAFAutomationEnvelope{AAFAutomationInterpolation::linear(),
                                                 {{AAFRational(0), 0}, {AAFRational(1), 1}}};
     Bytes first;
     for (const std::size_t threads : {1U, 2U, 5U}) {
         const std::string path = target_.file(std::to_string(threads));
-        FileMaking making(orderOf(path, 50'000), played);
+        FileMaking making(orderOf(path, 150'000), played);
         const FileMaking::Result result = made(making, threads);
         // To the left all of the first track is beyond full scale.
-        EXPECT_EQ(result.cutSamples, 50'000U);
+        EXPECT_EQ(result.cutSamples, 150'000U);
         const Bytes bytes = readFile(path);
-        EXPECT_EQ(bytes.size(), 44U + 200'000U);
+        EXPECT_EQ(bytes.size(), 44U + 600'000U);
         first = first.empty() ? bytes : first;
         EXPECT_EQ(bytes, first) << threads;
     }
@@ -81,7 +81,7 @@ TEST_F(Making, AFileWithoutSamplesIsAHead) {
 
 TEST_F(Making, EndsWhereItIsNotWanted) {
     addTrack();
-    FileMaking making(orderOf(target_.file("stopped"), 50'000), played);
+    FileMaking making(orderOf(target_.file("stopped"), 150'000), played);
     EXPECT_THROW(making.work([] { throw std::runtime_error("stop"); }, [](std::uint64_t) {}),
                  std::runtime_error);
 }
@@ -90,7 +90,7 @@ TEST_F(Making, EndsWhereItIsNotWanted) {
 TEST_F(Making, WhoWaitsForABlockThatFailedIsToldToStop) {
     addTrack();
     std::atomic<bool> failed{false};
-    FileOrder order = orderOf(target_.file("failed"), 50'000);
+    FileOrder order = orderOf(target_.file("failed"), 150'000);
     order.chunks = [&failed]() -> Bytes {
         failed = true;
         throw std::runtime_error("no chunks");

@@ -4,6 +4,7 @@
 #include "searched_bytes.h"
 
 #include <trellant/io/bento_container.h>
+#include <trellant/salvage/salvage.h>
 
 #include <gtest/gtest.h>
 
@@ -123,6 +124,49 @@ TEST_F(Damage, CutAtEachHundredth) {
             SCOPED_TRACE(path + " " + std::to_string(percent));
             const std::size_t kept = bytes.size() * percent / 100;
             expectAll(ByteView(bytes).first(kept), audio, {kept, bytes.size() - kept});
+        }
+    }
+}
+
+/// Salvages `damaged`, and holds the copies of those of `audio` that lie outside of the damage
+/// against the undamaged bytes.
+void expectCopies(ByteView whole, ByteView damaged, const std::vector<BentoRange>& audio,
+                  const BentoRange& damage) {
+    const TemporaryDirectory folder;
+    const std::string file = writeFile(folder.file("damaged.omf"), damaged);
+    const std::string out = folder.file("out");
+    fs::create_directory(out);
+    const salvage::SalvageReport report = salvage::salvageSounds(file, out);
+    for (const BentoRange& range : audio) {
+        if (range.offset + range.length > damage.offset &&
+            range.offset < damage.offset + damage.length) {
+            continue;
+        }
+        const auto sound = std::find_if(
+            report.sounds.begin(), report.sounds.end(), [&](const salvage::SalvagedSound& one) {
+                return one.offset == static_cast<std::int64_t>(range.offset);
+            });
+        ASSERT_NE(sound, report.sounds.end()) << range.offset;
+        EXPECT_EQ(sound->state, "whole");
+        const Bytes copy = readFile(out + "/" + sound->name);
+        const ByteView original = whole.subspan(range.offset, range.length);
+        EXPECT_TRUE(std::equal(copy.begin(), copy.end(), original.begin(), original.end()))
+            << range.offset;
+    }
+}
+
+TEST_F(Damage, WhatLiesWholeIsCopiedByteForByte) {
+    for (const std::string& path : damagedFiles()) {
+        const Bytes bytes = readFile(path);
+        const auto audio = audioOf(path, bytes);
+        for (std::size_t percent = 1; percent < 100; ++percent) {
+            SCOPED_TRACE(path + " " + std::to_string(percent));
+            const std::size_t place = bytes.size() * percent / 100 / 512 * 512;
+            expectCopies(bytes, ByteView(bytes).first(place), audio, {place, bytes.size() - place});
+            const std::size_t length = std::min<std::size_t>(4'096, bytes.size() - place);
+            Bytes zeroed = bytes;
+            std::fill_n(zeroed.begin() + static_cast<std::ptrdiff_t>(place), length, std::byte{0});
+            expectCopies(bytes, zeroed, audio, {place, length});
         }
     }
 }

@@ -5,38 +5,40 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <random>
+#include <cstdint>
+#include <cstring>
 
 namespace trellant::testing {
 namespace {
 
 constexpr std::size_t windowBytes = 262'144;
 
-/// Noise with words of headers strewn in, as often as in terabytes of plain noise.
-Bytes noise(std::size_t count) {
-    constexpr std::array words{"FORM", "RIFF", "RF64", "AIFC", "AIFF", "WAVE",
-                               "COMM", "SSND", "fmt ", "data", "ds64"};
-    // NOLINTNEXTLINE(cert-msc51-cpp): the same noise each time.
-    std::mt19937_64 random(20'260'731);
-    Bytes bytes;
-    bytes.reserve(count + 8);
-    while (bytes.size() < count) {
-        const std::uint64_t number = random();
+/// Noise with words of headers strewn in, as often as in terabytes of plain noise; another for each
+/// seed. Numbers of SplitMix64.
+Bytes noise(std::size_t count, std::uint64_t seed) {
+    constexpr std::array<const char*, 11> words{"FORM", "RIFF", "RF64", "AIFC", "AIFF", "WAVE",
+                                                "COMM", "SSND", "fmt ", "data", "ds64"};
+    Bytes bytes(count);
+    std::uint64_t state = seed;
+    for (std::size_t at = 0; at + 8 <= count; at += 8) {
+        state += 0x9E3779B97F4A7C15U;
+        std::uint64_t number = (state ^ state >> 30U) * 0xBF58476D1CE4E5B9U;
+        number = (number ^ number >> 27U) * 0x94D049BB133111EBU;
+        number ^= number >> 31U;
+        std::memcpy(bytes.data() + at, &number, sizeof number);
         if (number % 8 == 0) {
-            const Bytes word = bytesOf(words[number / 8 % words.size()]);
-            bytes.insert(bytes.end(), word.begin(), word.end());
-        } else {
-            for (unsigned shift = 0; shift < 64; shift += 8) {
-                bytes.push_back(static_cast<std::byte>(number >> shift & 0xFFU));
-            }
+            std::memcpy(bytes.data() + at, words[number / 8 % words.size()], 4);
         }
     }
     return bytes;
 }
 
-TEST(SearchBounds, NoSoundIsFoundInNoise) {
-    const SearchedBytes searched(noise(24'000'000));
-    EXPECT_TRUE(searched.sounds().empty());
+TEST(SearchBounds, NoSoundIsFoundInAGibibyteOfNoise) {
+    constexpr std::size_t piece = 67'108'864;
+    for (std::uint64_t seed = 0; seed < 16; ++seed) {
+        const SearchedBytes searched(noise(piece, seed));
+        EXPECT_TRUE(searched.sounds(true).empty()) << seed;
+    }
 }
 
 TEST(SearchBounds, EachByteIsReadOnce) {
@@ -51,6 +53,36 @@ TEST(SearchBounds, EachByteIsReadOnce) {
     // A call for each window, of which a few bytes stay, and some at the end.
     const std::uint64_t calls = searched.file().readCalls() - before;
     EXPECT_LE(calls, bytes.size() / (windowBytes - 64) + 4);
+}
+
+TEST(SearchBounds, AMarkThatWasSeenBeforeAChunkIsNotForgotten) {
+    // A header whose chunk reaches over the mark of a sound and ends at nonsense.
+    const Bytes sound = waveOf(20);
+    const Bytes header =
+        ByteWriter(OMFByteOrder::big).text("FORM").u32(0x7FFFFFFF).text("AIFF").written();
+    for (const std::uint32_t reach : {0U, 8U, 100U, 63U, 64U, 200U}) {
+        ByteWriter chunk(OMFByteOrder::big);
+        chunk.text("JUNK").u32(reach);
+        const Bytes between(40, std::byte{0});
+        const Bytes all = joined({header, chunk.written(), between, sound, Bytes(300)});
+        const auto sounds = SearchedBytes(all).sounds();
+        ASSERT_EQ(sounds.size(), 1U) << reach;
+        EXPECT_EQ(sounds[0].ranges.front(),
+                  (BentoRange{header.size() + 8 + between.size(), sound.size()}));
+    }
+}
+
+TEST(SearchBounds, MoreHeadersThanAreFollowedHideNoSound) {
+    // Twenty headers that all lead far on, then a sound in their midst.
+    ByteWriter headers(OMFByteOrder::big);
+    for (std::uint32_t i = 0; i < 20; ++i) {
+        headers.text("FORM").u32(0x7FFFFFFF).text("AIFF").text("JUNK").u32(5'000 + 2 * i);
+    }
+    const Bytes sound = aifcOf(40);
+    const auto sounds =
+        SearchedBytes(joined({headers.written(), sound, Bytes(10'000, std::byte{1})})).sounds();
+    ASSERT_EQ(sounds.size(), 1U);
+    EXPECT_EQ(sounds[0].ranges.front(), (BentoRange{headers.size(), sound.size()}));
 }
 
 TEST(SearchBounds, SamplesAreSkipped) {

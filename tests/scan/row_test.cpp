@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "row_parts.h"
+
 #include <trellant/json/json_decode.h>
 #include <trellant/scan/row.h>
 
@@ -87,6 +89,20 @@ TEST(ScanRow, OneThatWouldBeTooLongIsToldWithoutItsSources) {
     const std::string line = rowLine(row);
     EXPECT_LT(line.size(), 1'000U);
     EXPECT_NE(line.find(R"("sources":[],"sourcesLeftOut":9005)"), std::string::npos);
+}
+
+TEST(ScanRow, TellsTheRateByWhichFramesAreCounted) {
+    // Labels of 30 frames in a composition of 30000/1001: there is a frame for each label.
+    HandOff handOff;
+    AAFProgramClock& clock = handOff.timeline.clock;
+    clock.editRate = AAFRational(30'000, 1'001);
+    clock.timecodeRate = AAFTimecodeRate(AAFRational(30), 30, false);
+    clock.timelineZero = AAFTimecodeAddress(1, 0, 0, 0, clock.timecodeRate);
+    ScanRow row;
+    tellHandOff(handOff, row);
+    EXPECT_EQ(row.timecodeRate, "30000/1001");
+    EXPECT_EQ(row.editRate, "30000/1001");
+    EXPECT_EQ(row.start, "01:00:00:00");
 }
 
 }  // namespace

@@ -128,7 +128,8 @@ Bytes oddMedia() {
     return omf.build();
 }
 
-/// A session of the older object model.
+/// A session of the older object model, with an effect on a clip that has no name and plays a
+/// master clip that has one.
 Bytes older() {
     Omf1Builder omf;
     omf.audioFile(
@@ -137,7 +138,13 @@ Bytes older() {
          .media = aiffImage({.formType = "AIFC", .channels = 1, .samples = Bytes(96'000)}),
          .length = 48'000});
     const ObjectID clip = omf.clip({.length = 24'000, .source = voice, .name = "Take 1"});
-    const ObjectID track = omf.track(1, omf.sequence({clip}, "Dialog"));
+    omf.mob({.id = master,
+             .name = "Rain",
+             .tracks = {omf.track(1, omf.clip({.length = 48'000, .source = voice}))},
+             .usage = Omf1Builder::masterUsage});
+    ObjectBuilder unnamed = omf.clip({.length = 24'000, .source = master});
+    unnamed.string("OMFI:CPNT:EffectID", "reverb");
+    const ObjectID track = omf.track(1, omf.sequence({clip, unnamed}, "Dialog"));
     omf.mob({.name = "Older", .tracks = {track}});
     return omf.build();
 }

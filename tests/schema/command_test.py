@@ -23,7 +23,7 @@ FADES = {f"fade{side}{what}" for side in ("In", "Out") for what in ("", "Seconds
 LENGTH = {"lengthSeconds", "lengthSecondsExact"}
 RATE = {"sampleRate", "sampleRateExact"}
 
-OF_A_LOSS = {"track", "trackNumber", "clip", "in", "out", "objectPath", "startSeconds",
+OF_A_LOSS = {"track", "trackNumber", "clip", "clipNameFrom", "in", "out", "objectPath", "startSeconds",
              "startSecondsExact", "durationSeconds", "durationSecondsExact"}
 
 # The keys that a line may lack, by schema and record; every other key is always there.
@@ -33,13 +33,13 @@ OPTIONAL = {
     ("info", "composition"): {"name"},
     ("info", "change"): {"track", "clip", "audioFile", "timecode", "startSeconds",
                          "startSecondsExact"},
-    ("list-tracks", ""): {"name", "gainDb"} | PAN,
-    ("list-clips", ""): {"track", "clip", "clipNameFrom", "sourceInTimecode",
+    ("list-tracks", ""): {"omfVersion", "name", "gainDb"} | PAN,
+    ("list-clips", ""): {"omfVersion", "track", "clip", "clipNameFrom", "sourceInTimecode",
                          "sourceOutTimecode", "reel", "sourceChannel", "gainDb", "automationPoints",
                          "gainPoints", "lossNumbers"} | PAN | FADES,
-    ("list-sources", ""): {"bitDepth", "codec", "timecode", "timecodeRate", "reel", "path",
+    ("list-sources", ""): {"omfVersion", "bitDepth", "codec", "timecode", "timecodeRate", "reel", "path",
                            "recordedPath"},
-    ("list-losses", ""): OF_A_LOSS,
+    ("list-losses", ""): OF_A_LOSS | {"omfVersion"},
     ("extract", ""): {"notPlayed", "omfVersion", "store", "bag"},
     ("extract", "audio"): {"name", "nameFrom", "path", "fileURL", "frames", "bitDepth", "channels", "codec",
                            "recordedPath", "sha256", "notConverted", "stored", "storeHadIt", "linked"} | LENGTH,
@@ -49,9 +49,10 @@ OPTIONAL = {
     ("salvage", "sound"): {"claimedBytes", "sampleRate", "channels", "bitDepth", "codec", "frames"},
     ("export", ""): {"mediaFolder", "omfVersion"},
     ("export-losses", "loss"): OF_A_LOSS,
-    ("render", "renderedFile"): {"track", "trackName", "clip"},
+    ("render", ""): {"omfVersion"},
+    ("render", "renderedFile"): {"track", "trackName", "clip", "clipNameFrom"},
     ("check", ""): {"omfVersion"},
-    ("check", "finding"): {"track", "trackNumber", "clip", "audioFile", "in", "out", "startSeconds",
+    ("check", "finding"): {"track", "trackNumber", "clip", "clipNameFrom", "audioFile", "in", "out", "startSeconds",
                            "startSecondsExact", "durationSeconds", "durationSecondsExact",
                            "objectPath", "foundNumber", "wantedNumber", "unit",
                            "acceptedBecause"},
@@ -142,6 +143,8 @@ class CommandSchemas(unittest.TestCase):
         for keyword in ("type", "required", "dependentRequired", "additionalProperties"):
             self.assertEqual(exported[keyword], listed[keyword], keyword)
         of_exports, of_lists = dict(exported["properties"]), dict(listed["properties"])
+        # Of a session the line of its export says it, once.
+        of_lists.pop("omfVersion")
         # A format may hold a thing as something else that sounds the same, which no reading does.
         self.assertEqual(of_exports.pop("effect")["enum"],
                          [*of_lists.pop("effect")["enum"], "changed"])

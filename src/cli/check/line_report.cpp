@@ -67,8 +67,11 @@ void addFinding(JsonLine& line, const AAFTimeline& timeline, const RuledFinding&
         .text("sentence", finding.sentence)
         .text("track", finding.track)
         .integer("trackNumber", finding.trackNumber)
-        .text("clip", finding.clip)
-        .text("audioFile", finding.audioFile);
+        .text("clip", finding.clip);
+    if (finding.isClipNamedByMasterMob) {
+        line.word("clipNameFrom", "masterMob");
+    }
+    line.text("audioFile", finding.audioFile);
     addTimes(line, timeline, finding);
     line.text("objectPath", finding.objectPath);
     addValue(line, "found", "foundNumber", finding.found);

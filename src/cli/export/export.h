@@ -9,6 +9,7 @@
 #include <trellant/base/cancellation.h>
 #include <trellant/exchange/capabilities.h>
 #include <trellant/exporter/exporter.h>
+#include <trellant/extraction/extraction.h>
 
 #include <cstdint>
 #include <optional>
@@ -27,6 +28,7 @@ struct ExportCall {
     /// Of the only file's session; absent: the file's own name.
     std::optional<std::string> name;
     std::vector<std::string> mediaFolders;
+    FileNaming naming = FileNaming::masterMob;
     bool markers = true;
     bool force = false;
     bool json = false;

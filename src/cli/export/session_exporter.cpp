@@ -54,6 +54,7 @@ SessionExporter::Outcome SessionExporter::write(const ExportJob& job) {
                               .mediaMode = call.mediaMode,
                               .rate = call.rate,
                               .mediaFolders = call.mediaFolders,
+                              .namesFilesByMasterMob = call.naming == FileNaming::masterMob,
                               .force = call.force,
                               .markers = call.markers,
                               .date = agreedDate(),

@@ -169,8 +169,9 @@ class CsvWriter {
     bool tellsFiles_;
 };
 
-/// One object a row, each followed by a line feed: the file, then the keys in the order of the
-/// columns, what is absent left out.
-void writeJsonLines(const std::string& file, const List& list, JsonSink& sink);
+/// One object a row, each followed by a line feed: the file, its version where it is OMF 1.x, then
+/// the keys in the order of the columns, what is absent left out.
+void writeJsonLines(const std::string& file, const std::optional<std::string>& omfVersion,
+                    const List& list, JsonSink& sink);
 
 }  // namespace trellant::cli

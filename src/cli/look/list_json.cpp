@@ -50,7 +50,8 @@ class JsonRow final : public Cell, public List::RowTaker {
 
 }  // namespace
 
-void writeJsonLines(const std::string& file, const List& list, JsonSink& sink) {
+void writeJsonLines(const std::string& file, const std::optional<std::string>& omfVersion,
+                    const List& list, JsonSink& sink) {
     std::vector<std::size_t> chosen;
     for (std::size_t i = 0; i < list.columns().size(); ++i) {
         if (list.columns()[i].audience != Audience::people) {
@@ -67,7 +68,7 @@ void writeJsonLines(const std::string& file, const List& list, JsonSink& sink) {
         if (row > 0) {
             line.begin();
         }
-        line.text("file", name);
+        line.text("file", name).text("omfVersion", omfVersion);
         list.sayRow(row, chosen, taker);
         line.end();
     }

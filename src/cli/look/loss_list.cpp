@@ -64,7 +64,7 @@ void sayExactSeconds(const std::optional<AAFRational>& time, Cell& cell) {
     }
 }
 
-const std::array<ColumnOf<Row>, 14> lossColumns{{
+const std::array<ColumnOf<Row>, 15> lossColumns{{
     {{"loss", "No."},
      [](const Row& row, Cell& cell) { cell.integer(static_cast<std::int64_t>(row.position + 1)); }},
     {{"effect", "Effect"}, sayEffect},
@@ -72,6 +72,12 @@ const std::array<ColumnOf<Row>, 14> lossColumns{{
     {{"trackNumber", "Track no."},
      [](const Row& row, Cell& cell) { cell.integer(row.loss.trackNumber); }},
     {{"clip", "Clip"}, [](const Row& row, Cell& cell) { cell.text(row.loss.clipName); }},
+    {{"clipNameFrom", "Clip named by"},
+     [](const Row& row, Cell& cell) {
+         if (row.loss.isClipNamedByMasterMob) {
+             cell.word("masterMob");
+         }
+     }},
     {{"in", "From"}, sayIn},
     {{"out", "To"}, sayOut},
     {{"startSeconds", "From (s)"},

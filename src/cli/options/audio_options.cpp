@@ -10,6 +10,13 @@ namespace trellant::cli {
 
 namespace {
 
+void addNames(CLI::App& command, FileNaming& naming) {
+    addChoice<FileNaming>(command, "--names", naming,
+                          "Name files after their master mob where their own name says nothing "
+                          "(the usual way), or always after the source",
+                          {{"master", FileNaming::masterMob}, {"source", FileNaming::source}});
+}
+
 void addRenderKinds(CLI::App& command, const std::shared_ptr<RenderCall>& call) {
     using render::RenderKind;
     auto* const tracks = command.add_flag_callback(
@@ -87,11 +94,7 @@ CommandOptions addExtract(CLI::App& program) {
     addMedia(command, call->mediaFolders);
     command.add_flag("--wav", call->wav,
                      "Write AIFF audio as WAVE, sample by sample, with its timecode on tape");
-    addChoice<FileNaming>(command, "--names", call->naming,
-                          "Name files after their master mob where their own name says nothing "
-                          "(the usual way), or "
-                          "always after the source",
-                          {{"master", FileNaming::masterMob}, {"source", FileNaming::source}});
+    addNames(command, call->naming);
     command.add_flag("--force", call->force, "Replace existing files");
     command.add_flag("--absolute", call->absolutePaths,
                      "timeline.json names files by their whole paths");
@@ -132,6 +135,7 @@ CommandOptions addExport(CLI::App& program) {
         "Audio in a folder beside the session (the usual way), where it lies, or inside "
         "(aaf, otioz, dawproject)",
         {{"copy", MediaMode::copy}, {"link", MediaMode::link}, {"embed", MediaMode::embed}});
+    addNames(command, call->naming);
     constexpr std::int64_t highestRate = 384'000;
     command
         .add_option("--rate", call->rate,

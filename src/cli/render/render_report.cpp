@@ -6,6 +6,7 @@
 #include "terminal/json_line.h"
 
 #include <trellant/base/printable_text.h>
+#include <trellant/handoff/clip_name.h>
 #include <trellant/handoff/timeline_text.h>
 
 #include <algorithm>
@@ -83,7 +84,11 @@ void writeFile(JsonLine& line, const RenderedFile& file, const RenderReport& rep
         line.integer("track", report.handOff.timeline.tracks[track.track].index + 1)
             .text("trackName", track.name);
         if (file.clip) {
-            line.text("clip", track.lanes.front().clips[*file.clip].name);
+            const exchange::PlannedClip& clip = track.lanes.front().clips[*file.clip];
+            line.text("clip", clip.name);
+            if (clipName(report.handOff, clip.event).isOfMasterMob) {
+                line.word("clipNameFrom", "masterMob");
+            }
         }
     }
     line.count("channels", file.channels)
@@ -136,6 +141,7 @@ std::string renderLine(const std::string& file, const std::string& directory,
     return jsonLine([&](JsonLine& line) {
         line.text("file", fileForPrograms(file))
             .text("directory", fileForPrograms(directory))
+            .text("omfVersion", report.handOff.olderVersion)
             .text("kind", kindWord(call.kind))
             .boolean("raw", call.raw)
             .integer("sampleRate", report.plan.rate)

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <trellant/check/sound_facts.h>
+#include <trellant/handoff/clip_name.h>
 #include <trellant/handoff/hand_off.h>
 #include <trellant/handoff/sources.h>
 
@@ -28,6 +29,7 @@ struct FileFacts {
 
 struct CheckedClip {
     const AAFClipEvent* event = nullptr;
+    ClipName name{};
     /// Positions in sources() and tracks().
     std::size_t source = 0;
     std::size_t track = 0;

@@ -38,6 +38,8 @@ struct Finding {
     std::optional<std::string> track{};
     std::optional<std::int64_t> trackNumber{};
     std::optional<std::string> clip{};
+    /// That is the name of the clip's master mob, for want of its own.
+    bool isClipNamedByMasterMob = false;
     /// What a person calls the source.
     std::optional<std::string> audioFile{};
     /// Timeline seconds.

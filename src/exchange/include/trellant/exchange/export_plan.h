@@ -98,7 +98,8 @@ struct PlannedFade {
 struct PlannedClip {
     /// Position in the timeline's events.
     std::size_t event = 0;
-    /// What a person calls the clip; the media's name for a clip without one.
+    /// What a person calls the clip; the media's name for a clip that neither has a name nor was
+    /// given one (PlanRequest::clipNames).
     std::string name{};
     /// Position in ExportPlan::media.
     std::size_t media = 0;
@@ -197,6 +198,11 @@ struct PlanRequest {
     std::vector<std::optional<MediaFacts>> mediaFacts{};
     /// By essence id.
     std::map<std::string, PlannedReel> reels{};
+    /// By position in the timeline's events: what clips are called that have no name of their own.
+    std::map<std::size_t, std::string> clipNames{};
+    /// By position in the timeline's essences: what the files of sources are called, without an
+    /// extension, that are not named after the source.
+    std::map<std::size_t, std::string> fileNames{};
 };
 
 /// Something of the timeline that no session can hold, whatever its format.

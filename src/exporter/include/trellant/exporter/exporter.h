@@ -50,6 +50,9 @@ struct ExportRequest {
     std::optional<std::int64_t> rate{};
     /// Searched for audio files that lie outside, beside the folder of `file` itself.
     std::vector<std::string> mediaFolders{};
+    /// New audio files are named after master mobs where the source has no name, that of the
+    /// interchange file, or one that several sources bear; else all after their sources.
+    bool namesFilesByMasterMob = false;
     /// Files of these names are replaced. A file that the run reads never is.
     bool force = false;
     /// Losses go into the session as markers.

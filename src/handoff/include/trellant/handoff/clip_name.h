@@ -5,6 +5,7 @@
 #include <trellant/handoff/hand_off.h>
 
 #include <cstddef>
+#include <map>
 #include <string>
 
 namespace [[gnu::visibility("default")]] trellant {
@@ -21,5 +22,9 @@ struct ClipName {
 
 /// The name of the master mob that the event at `position` plays; null where there is none.
 [[nodiscard]] const std::string* masterMobName(const HandOff& handOff, std::size_t position);
+
+/// The names of all clips that have that of their master mob, by their position in the timeline's
+/// events.
+[[nodiscard]] std::map<std::size_t, std::string> namesByMasterMob(const HandOff& handOff);
 
 }  // namespace trellant

@@ -33,6 +33,8 @@ struct PlacedLoss {
     /// The track's number in the composition, from 1.
     std::optional<std::int64_t> trackNumber{};
     std::optional<std::string> clipName{};
+    /// That is the name of the clip's master mob, for want of its own.
+    bool isClipNamedByMasterMob = false;
     /// Timeline seconds.
     std::optional<AAFRational> start{};
     std::optional<AAFRational> duration{};

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace trellant {
+namespace [[gnu::visibility("default")]] trellant {
 
 /// For each of the timeline's essences, in their order, the name of the first master mob that plays
 /// it, made fit for a file name, without an extension: where the essence has no name, or bears the
