@@ -9,6 +9,8 @@
 #include <trellant/base/printable_text.h>
 #include <trellant/model/timecode_label.h>
 
+#include <cmath>
+
 namespace trellant::cli {
 
 namespace {
@@ -23,6 +25,9 @@ std::string shown(const std::string& path) {
 std::optional<std::string> wrongOptions(const RenderCall& call) {
     if (call.handles && call.kind != render::RenderKind::clips) {
         return "--handles is for --clips";
+    }
+    if (call.handles && !std::isfinite(*call.handles)) {
+        return "--handles needs a number of seconds";
     }
     if (call.raw && call.kind == render::RenderKind::mix) {
         return "--raw and --mix exclude each other: a mix is what gains and pans make of the edits";

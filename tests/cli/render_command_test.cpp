@@ -9,6 +9,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <limits>
 #include <trellant_testing/byte_writer.h>
 #include <trellant_testing/worker_process.h>
 
@@ -190,6 +191,9 @@ TEST_F(RenderCommand, WhatCannotBeMeantIsRefused) {
     cli::RenderOptions options = rendering(file);
     options.call.handles = 1;
     EXPECT_EQ(rendered(options).errors, "trellant: --handles is for --clips\n");
+    options.call.kind = RenderKind::clips;
+    options.call.handles = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_EQ(rendered(options).errors, "trellant: --handles needs a number of seconds\n");
     options = rendering(file);
     options.call.from = "1:00";
     EXPECT_EQ(rendered(options).errors,
