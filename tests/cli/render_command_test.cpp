@@ -168,6 +168,21 @@ TEST_F(RenderCommand, MissingMediaAreSilentAndTold) {
                 HasSubstr("Its audio is missing, so there is silence."));
 }
 
+TEST_F(RenderCommand, UndecidedMediaAreToldApartFromMissingOnes) {
+    add({.name = "Gone.wav", .locators = {omf_.dosLocator("D:\\Gone.wav")}, .clipLength = 1});
+    add({.name = "Twice.wav", .locators = {omf_.dosLocator("D:\\Twice.wav")}, .clipLength = 1});
+    for (const std::string take : {"one", "other"}) {
+        fs::create_directory(folder_.file(take));
+        writeFile(folder_.file(take + "/Twice.wav"), waveOf(rising(480)));
+    }
+    const Said said = rendered(rendering(writeDocument()));
+    EXPECT_THAT(said.errors, HasSubstr("1 audio file is undecided, since several files of the name "
+                                       "fit, and there is silence; trellant extract lists the "
+                                       "files\n"));
+    EXPECT_THAT(said.errors, HasSubstr("1 audio file is missing, and there is silence; name the "
+                                       "folder that holds it with --media FOLDER\n"));
+}
+
 TEST_F(RenderCommand, NothingIsReplacedWithoutForce) {
     cli::RenderOptions options = rendering(writeKick());
     renderWell(options);

@@ -7,6 +7,7 @@
 
 #include <trellant/base/printable_text.h>
 #include <trellant/handoff/clip_name.h>
+#include <trellant/handoff/sources.h>
 #include <trellant/handoff/timeline_text.h>
 
 #include <algorithm>
@@ -63,6 +64,17 @@ std::uint64_t cutSamples(const RenderReport& report) {
         count += file.cutSamples;
     }
     return count;
+}
+
+/// Of the media that are silent those of which the hand-off leaves open which file is meant.
+std::size_t undecidedMedia(const RenderReport& report) {
+    const Sources sources(report.handOff);
+    return static_cast<std::size_t>(std::count_if(
+        report.plan.media.begin(), report.plan.media.end(),
+        [&sources](const exchange::PlannedMedia& media) {
+            return media.isOffline &&
+                   sources.all().at(media.essence).state == SourceState::severalCandidates;
+        }));
 }
 
 std::string differencesText(const RenderReport& report) {
@@ -171,11 +183,16 @@ std::string renderLine(const std::string& file, const std::string& directory,
 
 std::vector<std::string> renderRemarks(const RenderReport& report) {
     std::vector<std::string> remarks;
-    if (report.silentClips != 0) {
-        remarks.push_back(counted(report.missingMedia, "audio file is", "audio files are") +
-                          " missing, and there is silence in " +
-                          (report.silentClips == 1 ? "its place" : "their places") +
-                          "; name the folder that holds what is missing with --media FOLDER");
+    const std::size_t undecided = undecidedMedia(report);
+    if (undecided != 0) {
+        remarks.push_back(counted(undecided, "audio file is", "audio files are") +
+                          " undecided, since several files of the name fit, and there is silence; "
+                          "trellant extract lists the files");
+    }
+    if (const std::size_t missing = report.missingMedia - undecided; missing != 0) {
+        remarks.push_back(counted(missing, "audio file is", "audio files are") +
+                          " missing, and there is silence; name the folder that holds " +
+                          (missing == 1 ? "it" : "them") + " with --media FOLDER");
     }
     if (const std::uint64_t cut = cutSamples(report); cut != 0) {
         remarks.push_back(counted(cut, "sample is", "samples are") +
