@@ -46,21 +46,7 @@ function(trellant_target_settings target)
     if(TRELLANT_TIDY)
         set_target_properties(${target} PROPERTIES CXX_CLANG_TIDY "clang-tidy;--warnings-as-errors=*")
     endif()
-    if(TARGET trellant_prefix AND NOT target STREQUAL "trellant_prefix" AND NOT type STREQUAL "EXECUTABLE")
-        target_precompile_headers(${target} REUSE_FROM trellant_prefix)
-    endif()
 endfunction()
-
-# Headers of the standard library are most of what a source takes to be compiled. Sources go on including
-# what they use: builds without the option prove it.
-if(TRELLANT_PRECOMPILE)
-    file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/prefix.cpp CONTENT "")
-    add_library(trellant_prefix OBJECT ${PROJECT_BINARY_DIR}/prefix.cpp)
-    target_precompile_headers(trellant_prefix PRIVATE <algorithm> <array> <charconv> <chrono> <filesystem> <fstream>
-        <functional> <map> <memory> <optional> <set> <span> <stdexcept> <string> <string_view> <thread> <utility>
-        <variant> <vector>)
-    trellant_target_settings(trellant_prefix)
-endif()
 
 # trellant_library(NAME HEADERS ... SOURCES ... [DEPENDS ...] [PRIVATE_DEPENDS ...])
 # The library trellant_NAME of this folder, trellant::NAME to others; static or shared as

@@ -243,5 +243,21 @@ TEST(SoundSearch, CompressedRestCountsFramesByItsShare) {
     EXPECT_EQ(AudioProbe::frames(copy, copy.size()), 250U);
 }
 
+TEST(SoundSearch, AHeaderThatLeadsIntoASoundIsNotTakenForIt) {
+    // The chunk of the first mark reaches over the mark of the sound, to its first chunk: both
+    // headers go on as one, that of the sound.
+    const Bytes sound = waveOf(20);
+    const Bytes header = ByteWriter(OMFByteOrder::little)
+                             .text("RIFF")
+                             .u32(0x7FFFFFFF)
+                             .text("WAVEJUNK")
+                             .u32(12)
+                             .written();
+    const auto sounds = SearchedBytes(joined({header, sound})).sounds();
+    ASSERT_EQ(sounds.size(), 1U);
+    EXPECT_TRUE(sounds[0].isWhole);
+    EXPECT_EQ(sounds[0].ranges.front(), (BentoRange{header.size(), sound.size()}));
+}
+
 }  // namespace
 }  // namespace trellant::testing
