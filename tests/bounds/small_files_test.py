@@ -45,6 +45,8 @@ def extractions(omf, work):
     yield "validate", ["validate", str(work / "plain" / "timeline.json")]
     yield "validate --json", ["validate", "--json", str(work / "plain" / "timeline.json")]
     yield "extract --wav --json", ["extract", omf, "--to", str(work / "wav"), "--wav", "--json"]
+    yield "extract --store", ["extract", omf, "--to", str(work / "kept"), "--store", str(work / "store")]
+    yield "extract --bag", ["extract", omf, "--bag", str(work / "bag")]
 
 
 def onward(omf, work):
