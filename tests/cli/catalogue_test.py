@@ -111,6 +111,17 @@ class RealFiles(InFolder):
         self.assertIn("sample_rate", screen)
         self.assertIn("damaged", self.done("catalogue", "stats", self.catalogue))
 
+    def test_rates_and_counts_read_as_people_write_them(self):
+        rows = [self.row(1), self.row(2)]
+        rows[1]["sources"][0].update(sampleRate=47952.04795204795, sampleRateExact="48000000/1001")
+        one = self.run_command("catalogue", "build", "one.sqlite", self.shard("one.ndjson", rows[:1]))
+        self.assertIn("one.ndjson: 1 row, 1 of them new", one.stderr.decode())
+        two = self.run_command("catalogue", "build", "one.sqlite", self.shard("two.ndjson", rows))
+        self.assertIn("two.ndjson: 2 rows, 1 of them new", two.stderr.decode())
+        stats = self.done("catalogue", "stats", "one.sqlite")
+        self.assertIn(" 48000 Hz ", stats)
+        self.assertIn(" 47952.04795 Hz ", stats)
+
     def test_asking_writes_nothing(self):
         self.catalogue.chmod(0o444)
         before = (self.catalogue.read_bytes(), sorted(os.listdir(self.folder)))

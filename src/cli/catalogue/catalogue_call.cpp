@@ -100,7 +100,7 @@ ExitStatus build(const CatalogueCall& call, Console& console, const StopToken& s
             const catalogue::BuildTotals totals =
                 catalogue::addShard(call.catalogue, shard, stop, catalogue::Indexes::later);
             isThere = true;
-            console.note(shown(shard) + ": " + countedText(totals.rows) + " rows, " +
+            console.note(shown(shard) + ": " + counted(totals.rows, "row", "rows") + ", " +
                          countedText(totals.changed) + " of them new");
         } catch (const catalogue::CatalogueError& error) {
             console.error(shown(shard) + ": " + error.what());
@@ -170,7 +170,7 @@ constexpr std::array figures{
            "FROM sources WHERE sample_digest IS NOT NULL GROUP BY sample_digest)"},
     Figure{"Audio files", "SELECT state, count(*) FROM sources GROUP BY state ORDER BY 2 DESC"},
     Figure{"Rates",
-           "SELECT sample_rate || ' Hz', count(*) FROM sources GROUP BY sample_rate "
+           "SELECT printf('%.10g Hz', sample_rate), count(*) FROM sources GROUP BY sample_rate "
            "ORDER BY 2 DESC LIMIT 5"},
     Figure{"Programs",
            "SELECT coalesce(application, 'not named'), count(*) FROM files "
