@@ -5,6 +5,7 @@
 
 #include <trellant/bag/bag.h>
 #include <trellant/base/file_descriptor.h>
+#include <trellant/base/printable_path.h>
 #include <trellant/base/printable_text.h>
 #include <trellant/base/text.h>
 #include <trellant/base/url.h>
@@ -29,13 +30,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t longestShownPath = 4'096;
 constexpr std::string_view payloadManifest = "manifest-sha256.txt";
 constexpr std::string_view premisName = "metadata/premis.xml";
-
-std::string shown(const std::string& path) {
-    return printableText(path, longestShownPath);
-}
 
 void makeFolder(const std::string& path) {
     if (::mkdir(path.c_str(), 0777) != 0) {
@@ -255,7 +251,7 @@ void Filling::settle() {
         throw FileSystemError("create", place, errno);
     }
     if (!isThereAlready()) {
-        throw BagError(shown(request_.extraction.directory) +
+        throw BagError(printablePath(request_.extraction.directory) +
                        " is there already with other files; name another folder");
     }
     report_.wasThere = true;
@@ -328,7 +324,7 @@ void checkPlace(const BagRequest& request) {
         (fs::is_empty(place, unknown) ||
          fs::is_regular_file(place + "/" + std::string(payloadManifest), unknown));
     if (!mayBeBag) {
-        throw BagError(shown(request.extraction.directory) +
+        throw BagError(printablePath(request.extraction.directory) +
                        " is there already and is no bag; name another folder");
     }
 }

@@ -45,9 +45,11 @@ constexpr std::array readyQuestions{
              "WHERE names MATCH '\"' || replace(?1, '\"', '\"\"') || '\"' "
              "AND d.kind IN ('source', 'clip')"},
     Question{"saved", "bytes saved by keeping equal audio once", "",
-             "SELECT sum(n) AS sources, count(*) AS different, sum(n * b) AS bytes, "
-             "sum((n - 1) * b) AS saved FROM (SELECT count(*) AS n, max(sample_bytes) AS b "
-             "FROM sources WHERE sample_digest IS NOT NULL GROUP BY sample_digest)"},
+             "SELECT sources, different, bytes, saved FROM equal_audio UNION ALL "
+             "SELECT sum(n), count(*), sum(n * b), sum((n - 1) * b) FROM (SELECT count(*) AS n, "
+             "max(sample_bytes) AS b FROM sources WHERE sample_digest IS NOT NULL AND NOT EXISTS "
+             "(SELECT 1 FROM equal_audio) GROUP BY sample_digest) "
+             "HAVING NOT EXISTS (SELECT 1 FROM equal_audio)"},
 };
 
 /// Reading only: no other file, no settings, no code from elsewhere.

@@ -245,6 +245,9 @@ BuildTotals addShard(const std::string& catalogue, const std::string& shard, con
             throw CatalogueError(std::string("the shard ") + error.what());
         }
     }
+    if (totals.changed > 0) {
+        database.run("DELETE FROM equal_audio");
+    }
     if (indexes == Indexes::now) {
         database.run(std::string(indexText));
     }

@@ -9,7 +9,8 @@ namespace trellant::catalogue {
 /// "TrCa", so that `file` and others can tell a catalogue.
 inline constexpr int applicationNumber = 0x54724361;
 
-/// Digests are 32 bytes; what a table is of goes with the file that it is of. `names` looks into
+/// Digests are 32 bytes; `equal_audio` is one row, what keeping equal audio once saves, or empty
+/// while a build goes on; what a table is of goes with the file that it is of. `names` looks into
 /// `named` by words; it is told of a whole shard at once, since every statement that changes it
 /// makes it write, and keeps that many bytes before it writes in the midst of one.
 inline constexpr std::string_view schemaText = R"sql(
@@ -39,6 +40,8 @@ CREATE TABLE findings (
 CREATE TABLE named (
     id INTEGER PRIMARY KEY, file INTEGER NOT NULL REFERENCES files ON DELETE CASCADE,
     kind TEXT NOT NULL, name TEXT NOT NULL);
+CREATE TABLE equal_audio (
+    sources INTEGER, different INTEGER NOT NULL, bytes INTEGER, saved INTEGER);
 CREATE VIRTUAL TABLE names USING fts5(name, content='named', content_rowid='id',
     columnsize=0);
 INSERT INTO names(names, rank) VALUES ('hashsize', 33554432);
@@ -49,8 +52,8 @@ CREATE INDEX findings_file ON findings(file);
 CREATE INDEX named_file ON named(file);
 )sql";
 
-/// What is looked up by its value. Made at the end of a build, where sorting all values at once
-/// takes a fraction of what it takes to find the place of each.
+/// What is looked up by its value, and the sum over all audio. Made at the end of a build, where
+/// sorting all values at once takes a fraction of what it takes to find the place of each.
 inline constexpr std::string_view indexText = R"sql(
 CREATE INDEX IF NOT EXISTS files_status ON files(status) WHERE status <> 'ok';
 CREATE INDEX IF NOT EXISTS files_sha256 ON files(sha256, size) WHERE sha256 IS NOT NULL;
@@ -60,6 +63,11 @@ CREATE INDEX IF NOT EXISTS sources_rate ON sources(sample_rate, bit_depth);
 CREATE INDEX IF NOT EXISTS sources_digest ON sources(sample_digest, sample_bytes)
     WHERE sample_digest IS NOT NULL;
 CREATE INDEX IF NOT EXISTS sources_mob ON sources(mob_id);
+INSERT INTO equal_audio
+    SELECT sum(n), count(*), sum(n * b), sum((n - 1) * b)
+    FROM (SELECT count(*) AS n, max(sample_bytes) AS b FROM sources
+          WHERE sample_digest IS NOT NULL GROUP BY sample_digest)
+    HAVING NOT EXISTS (SELECT 1 FROM equal_audio);
 )sql";
 
 }  // namespace trellant::catalogue

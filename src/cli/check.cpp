@@ -12,6 +12,7 @@
 #include "terminal/deliver.h"
 #include "terminal/shown_text.h"
 
+#include <trellant/base/printable_path.h>
 #include <trellant/base/printable_text.h>
 #include <trellant/check/profile.h>
 #include <trellant/check/verdict.h>
@@ -25,8 +26,6 @@ namespace trellant::cli {
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr std::size_t longestShownPath = 4'096;
 
 /// Why the command line cannot be meant; absent when it can.
 std::optional<std::string> wrongUse(const CheckCall& call) {
@@ -98,7 +97,7 @@ class Checker {
                                    Delivery& delivery) {
         const std::string& file = checkedFile.path;
         if (!checkedFile.failure.empty()) {
-            console_.error(printableText(file, longestShownPath) + ": " + checkedFile.failure);
+            console_.error(printablePath(file) + ": " + checkedFile.failure);
             report.addFailure(file, checkedFile.failure);
             return ExitStatus::fileFailed;
         }

@@ -7,7 +7,7 @@
 #include "process/forked_child.h"
 #include "terminal/failure_line.h"
 
-#include <trellant/base/printable_text.h>
+#include <trellant/base/printable_path.h>
 
 #include <cstddef>
 #include <optional>
@@ -19,7 +19,6 @@ namespace trellant::cli {
 
 namespace {
 
-constexpr std::size_t longestShownPath = 4'096;
 /// What the child answers beside a status when nobody reads any more.
 constexpr std::string_view closedAnswer = "closed";
 
@@ -44,8 +43,7 @@ ExitStatus failed(const DumpOptions& options, const std::string& line, const std
 
 ExitStatus runDump(const DumpOptions& options, Console& console) {
     if (const auto failure = streamFailure(options.file)) {
-        return failed(options, printableText(options.file, longestShownPath) + ": " + *failure,
-                      *failure, console);
+        return failed(options, printablePath(options.file) + ": " + *failure, *failure, console);
     }
     const ForkedAnswer answer = inConfinedChild([&] { return dumpInChild(options, console); },
                                                 std::nullopt, std::vector{options.file});

@@ -8,7 +8,7 @@
 #include "page/page_writer.h"
 #include "terminal/deliver.h"
 
-#include <trellant/base/printable_text.h>
+#include <trellant/base/printable_path.h>
 #include <trellant/base/text.h>
 #include <trellant/extraction/extraction.h>
 
@@ -24,7 +24,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t longestShownPath = 4'096;
 constexpr std::string_view indexName = "index.html";
 
 /// Names of the pages, in the order of the files: files of one name get numbers, and none is the
@@ -51,13 +50,11 @@ std::optional<std::string> wrongFolder(const PageCall& call) {
     std::error_code ignored;
     for (const std::string& folder : call.mediaFolders) {
         if (!fs::is_directory(folder, ignored)) {
-            return "there is no folder " + printableText(folder, longestShownPath) +
-                   " to look for audio files in";
+            return "there is no folder " + printablePath(folder) + " to look for audio files in";
         }
     }
     if (call.extractedFolder && !fs::is_directory(*call.extractedFolder, ignored)) {
-        return "there is no folder " + printableText(*call.extractedFolder, longestShownPath) +
-               " to link to";
+        return "there is no folder " + printablePath(*call.extractedFolder) + " to link to";
     }
     return std::nullopt;
 }
@@ -142,8 +139,8 @@ ExitStatus runPage(const PageCall& call, Console& console, const StopToken& stop
         throw;
     } catch (const std::exception& error) {
         console.endBar();
-        console.error(std::string("cannot write to ") +
-                      printableText(call.output, longestShownPath) + ": " + error.what());
+        console.error(std::string("cannot write to ") + printablePath(call.output) + ": " +
+                      error.what());
         return ExitStatus::fileFailed;
     }
 }

@@ -7,7 +7,7 @@
 #include "terminal/json_line.h"
 
 #include <trellant/base/byte_load.h>
-#include <trellant/base/printable_text.h>
+#include <trellant/base/printable_path.h>
 #include <trellant/client/errors.h>
 #include <trellant/extraction/extraction.h>
 #include <trellant/extraction/staging.h>
@@ -25,12 +25,7 @@ namespace trellant::cli {
 
 namespace {
 
-constexpr std::size_t longestShownPath = 4'096;
 constexpr std::uint64_t pieceBytes = 65'536;
-
-std::string shown(const std::string& path) {
-    return printableText(path, longestShownPath);
-}
 
 /// The numbers behind the header of a waveform, one after the other and none before it is wanted:
 /// there may be more of them than memory should hold.
@@ -104,7 +99,7 @@ class PeakWriter {
             return true;
         }
         console_.endBar();
-        console_.error(shown(file) + ": " + *failure);
+        console_.error(printablePath(file) + ": " + *failure);
         if (options_.json) {
             delivery_.write(failureLine(file, *failure));
             hasData_ = true;

@@ -6,6 +6,7 @@
 #include "extract/staged_run.h"
 #include "render/session_renderer.h"
 
+#include <trellant/base/printable_path.h>
 #include <trellant/base/printable_text.h>
 #include <trellant/model/timecode_label.h>
 
@@ -14,12 +15,6 @@
 namespace trellant::cli {
 
 namespace {
-
-constexpr std::size_t longestShownPath = 4'096;
-
-std::string shown(const std::string& path) {
-    return printableText(path, longestShownPath);
-}
 
 /// Why the options cannot be meant together; absent when they can.
 std::optional<std::string> wrongOptions(const RenderCall& call) {
@@ -34,7 +29,8 @@ std::optional<std::string> wrongOptions(const RenderCall& call) {
     }
     for (const auto& label : {call.from, call.until}) {
         if (label && !isTimecodeText(*label)) {
-            return "\"" + shown(*label) + "\" is no timecode; one is written as 01:00:00:00";
+            return "\"" + printableText(*label) +
+                   "\" is no timecode; one is written as 01:00:00:00";
         }
     }
     return std::nullopt;

@@ -8,7 +8,7 @@
 #include "terminal/shown_text.h"
 
 #include <trellant/base/file_descriptor.h>
-#include <trellant/base/printable_text.h>
+#include <trellant/base/printable_path.h>
 #include <trellant/io/errors.h>
 #include <trellant/io/random_access_file.h>
 
@@ -34,7 +34,6 @@ namespace {
 constexpr std::uint64_t longestDocument = 2'147'483'648;
 /// What a child says of it; the files that a document names are most of that.
 constexpr std::size_t longestAnswer = 2'147'483'648;
-constexpr std::size_t longestShownPath = 4096;
 
 std::string wholeStream(int descriptor, const std::string& name) {
     std::string text;
@@ -97,7 +96,7 @@ std::string audioText(const Finding& finding) {
 /// Each once, but no more than a screen takes.
 void reportMissingAudio(const std::string& file, const Finding& finding, Console& console) {
     constexpr std::size_t most = 20;
-    const std::string name = printableText(file, longestShownPath);
+    const std::string name = printablePath(file);
     for (std::size_t i = 0; i < std::min(finding.missing.size(), most); ++i) {
         console.note(name + ": not there: " + finding.missing[i]);
     }
@@ -134,7 +133,7 @@ TimelineCheck checkInChild(const std::string& file) {
 }
 
 std::string forPeople(const std::string& file, const Finding& finding) {
-    const std::string name = printableText(file, longestShownPath);
+    const std::string name = printablePath(file);
     const TimelineCheck& check = finding.check;
     if (check.valid) {
         return name + ": valid, " + std::to_string(check.tracks) +

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "child_process.h"
 
-#include <trellant/base/printable_text.h>
+#include <trellant/base/printable_path.h>
 #include <trellant/base/program_start.h>
 #include <trellant/base/system_call_error.h>
 #include <trellant/base/system_error_text.h>
@@ -29,7 +29,6 @@ namespace {
 constexpr int graceMilliseconds = 400;
 /// How often to look where the system does not tell of the end.
 constexpr int lookMilliseconds = 5;
-constexpr std::size_t longestShownPath = 4096;
 
 using LaunchFailed = AAFWorkerClientError::LaunchFailed;
 
@@ -70,10 +69,10 @@ LaunchFailed::Cause causeOf(int errorNumber) noexcept {
     if (errorNumber == EACCES && std::filesystem::is_directory(executable, ignored)) {
         errorNumber = EISDIR;
     }
-    throw AAFWorkerClientError::launchFailed(
-        "cannot start \"" + printableText(executable.string(), longestShownPath) +
-            "\": " + systemErrorText(errorNumber),
-        causeOf(errorNumber));
+    throw AAFWorkerClientError::launchFailed("cannot start \"" +
+                                                 printablePath(executable.string()) +
+                                                 "\": " + systemErrorText(errorNumber),
+                                             causeOf(errorNumber));
 }
 
 FileDescriptor openEndNotice([[maybe_unused]] pid_t process) noexcept {

@@ -2,7 +2,7 @@
 #include "moving.h"
 
 #include <trellant/base/precondition.h>
-#include <trellant/base/printable_text.h>
+#include <trellant/base/printable_path.h>
 #include <trellant/extraction/audio_store.h>
 #include <trellant/extraction/file_copy.h>
 #include <trellant/extraction/sha256.h>
@@ -22,7 +22,6 @@ constexpr mode_t readOnly = S_IRUSR | S_IRGRP | S_IROTH;
 constexpr std::size_t levelDigits = 2;
 constexpr std::size_t levels = 2;
 constexpr std::size_t longestExtension = 8;
-constexpr std::size_t longestShownPath = 4'096;
 
 /// ".wav" of "Kick.WAV"; empty where it is no plain extension.
 std::string extensionOf(const std::string& path) {
@@ -54,10 +53,6 @@ bool areOne(const std::string& left, const std::string& right) {
 bool hasNoLinks(int reason) {
     return reason == EXDEV || reason == EPERM || reason == EMLINK || reason == ENOSYS ||
            reason == EOPNOTSUPP;
-}
-
-std::string shown(const std::string& path) {
-    return printableText(path, longestShownPath);
 }
 
 void protect(const std::string& path) {
@@ -113,7 +108,7 @@ bool AudioStore::addCopy(const std::string& path, const std::string& sha256,
     const std::string copy = staging.file("copy");
     copyFile(path, copy, progress_);
     if (fileDigest(copy, [this](std::uint64_t /*bytes*/) { progress_.check(); }) != sha256) {
-        throw AudioStoreError(shown(path) + " changed while it was copied");
+        throw AudioStoreError(printablePath(path) + " changed while it was copied");
     }
     protect(copy);
     return moveWithoutReplacing(copy, file.path);
@@ -127,7 +122,7 @@ void AudioStore::checkStanding(const StoredFile& file, const std::string& sha256
         throw AudioStoreError(std::string("the store cannot be relied on: ") + error.what());
     }
     if (found != sha256) {
-        throw AudioStoreError("the store cannot be relied on: " + shown(file.path) +
+        throw AudioStoreError("the store cannot be relied on: " + printablePath(file.path) +
                               " does not hold what its name says");
     }
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <trellant/base/precondition.h>
+#include <trellant/base/printable_path.h>
 #include <trellant/base/printable_text.h>
 #include <trellant/base/text.h>
 #include <trellant/base/utf8.h>
@@ -61,6 +62,13 @@ TEST(PreconditionDeathTest, WritesItsMessageAndAborts) {
     EXPECT_EXIT(precondition(false, "the reason"), testing::KilledBySignal(SIGABRT),
                 testing::Eq("precondition failed: the reason\n"));
     precondition(true, "never seen");
+}
+
+TEST(PrintablePath, HasRoomForTheLongestPath) {
+    const std::string longest(4'096, 'a');
+    EXPECT_EQ(printablePath(longest), longest);
+    EXPECT_EQ(printablePath(longest + "b"), longest + "...");
+    EXPECT_EQ(printablePath("a\nb"), "a\\u000ab");
 }
 
 }  // namespace

@@ -111,6 +111,24 @@ class RealFiles(InFolder):
         self.assertIn("sample_rate", screen)
         self.assertIn("damaged", self.done("catalogue", "stats", self.catalogue))
 
+    def test_what_equal_audio_saves_is_true_after_each_build(self):
+        def saved(catalogue):
+            self.catalogue = catalogue
+            return self.answer("saved")
+        # Three of 100 bytes are one, a fourth another: two of 100 are saved.
+        rows = [self.row(1), self.row(1001, path="/b"), self.row(2001, path="/c"), self.row(7)]
+        self.done("catalogue", "build", "s.sqlite", self.shard("s.ndjson", rows))
+        told = [{"sources": 4, "different": 2, "bytes": 400, "saved": 200}]
+        self.assertEqual(saved("s.sqlite"), told)
+        self.assertIn("200 bytes", self.done("catalogue", "stats", "s.sqlite"))
+        # A fifth that equals the fourth.
+        self.done("catalogue", "build", "s.sqlite", self.shard("t.ndjson", [self.row(1007)]))
+        self.assertEqual(saved("s.sqlite"), [{"sources": 5, "different": 2, "bytes": 500, "saved": 300}])
+        # A build that ended before its end has left no sum.
+        with sqlite3.connect(self.folder / "s.sqlite") as database:
+            database.execute("DELETE FROM equal_audio")
+        self.assertEqual(saved("s.sqlite"), [{"sources": 5, "different": 2, "bytes": 500, "saved": 300}])
+
     def test_rates_and_counts_read_as_people_write_them(self):
         rows = [self.row(1), self.row(2)]
         rows[1]["sources"][0].update(sampleRate=47952.04795204795, sampleRateExact="48000000/1001")

@@ -8,6 +8,7 @@
 #include "terminal/table.h"
 
 #include <trellant/base/nearest_word.h>
+#include <trellant/base/printable_path.h>
 #include <trellant/base/printable_text.h>
 #include <trellant/client/errors.h>
 
@@ -21,12 +22,7 @@ namespace trellant::cli {
 
 namespace {
 
-constexpr std::size_t longestShownPath = 4'096;
 using Form = CatalogueCall::Form;
-
-std::string shown(const std::string& path) {
-    return printableText(path, longestShownPath);
-}
 
 /// All questions, a line each.
 std::string questionScreen(const Console& console) {
@@ -100,10 +96,10 @@ ExitStatus build(const CatalogueCall& call, Console& console, const StopToken& s
             const catalogue::BuildTotals totals =
                 catalogue::addShard(call.catalogue, shard, stop, catalogue::Indexes::later);
             isThere = true;
-            console.note(shown(shard) + ": " + counted(totals.rows, "row", "rows") + ", " +
+            console.note(printablePath(shard) + ": " + counted(totals.rows, "row", "rows") + ", " +
                          countedText(totals.changed) + " of them new");
         } catch (const catalogue::CatalogueError& error) {
-            console.error(shown(shard) + ": " + error.what());
+            console.error(printablePath(shard) + ": " + error.what());
             status = ExitStatus::fileFailed;
         }
     }
@@ -166,8 +162,7 @@ constexpr std::array figures{
     Figure{"Bytes",
            "SELECT 'of files', sum(size) FROM files UNION ALL SELECT 'of audio in them', "
            "sum(sample_bytes) FROM sources UNION ALL SELECT 'saved by keeping equal audio "
-           "once', sum((n - 1) * b) FROM (SELECT count(*) AS n, max(sample_bytes) AS b "
-           "FROM sources WHERE sample_digest IS NOT NULL GROUP BY sample_digest)"},
+           "once', saved FROM equal_audio"},
     Figure{"Audio files", "SELECT state, count(*) FROM sources GROUP BY state ORDER BY 2 DESC"},
     Figure{"Rates",
            "SELECT printf('%.10g Hz', sample_rate), count(*) FROM sources GROUP BY sample_rate "
@@ -221,7 +216,7 @@ ExitStatus runCatalogue(const CatalogueCall& call, Console& console, const StopT
                 return stats(call, console, stop);
         }
     } catch (const catalogue::CatalogueError& error) {
-        console.error(shown(call.catalogue) + ": " + error.what());
+        console.error(printablePath(call.catalogue) + ": " + error.what());
     } catch (const AAFCancellationError&) {
         console.error("cancelled");
     }

@@ -6,7 +6,7 @@
 #include "terminal/interrupts.h"
 
 #include <trellant/base/keyed_hash.h>
-#include <trellant/base/printable_text.h>
+#include <trellant/base/printable_path.h>
 #include <trellant/extraction/extraction.h>
 #include <trellant/handoff/sources.h>
 #include <trellant/listening/audible_hand_off.h>
@@ -21,7 +21,6 @@ namespace trellant::cli {
 
 namespace {
 
-constexpr std::size_t longestShownPath = 4'096;
 /// The outline is not looked at: as coarse as it may be.
 constexpr std::size_t leastPairs = 1;
 
@@ -73,7 +72,7 @@ void reportUnheard(const std::string& file, const HandOff& handOff, const check:
                    Console& console) {
     for (std::size_t i = 0; i < facts.size(); ++i) {
         if (!facts[i].reason.empty()) {
-            console.note(printableText(file, longestShownPath) + ": the sound of " +
+            console.note(printablePath(file) + ": the sound of " +
                          sourceName(handOff.timeline.essences[i]) +
                          " could not be read: " + facts[i].reason);
         }

@@ -2,7 +2,7 @@
 #include "named_profile.h"
 
 #include <trellant/base/nearest_word.h>
-#include <trellant/base/printable_text.h>
+#include <trellant/base/printable_path.h>
 #include <trellant/io/errors.h>
 #include <trellant/io/random_access_file.h>
 
@@ -17,12 +17,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t longestShownPath = 4'096;
-
-std::string shown(const std::string& path) {
-    return printableText(path, longestShownPath);
-}
-
 [[noreturn]] void refuseUnknown(const std::string& name) {
     std::vector<std::string> names;
     std::string list;
@@ -31,7 +25,7 @@ std::string shown(const std::string& path) {
         list += (list.empty() ? "" : ", ") + names.back();
     }
     const auto nearest = nearestWord(name, names);
-    throw check::ProfileError("there is no profile and no file \"" + shown(name) + "\"" +
+    throw check::ProfileError("there is no profile and no file \"" + printablePath(name) + "\"" +
                               (nearest ? "; did you mean \"" + *nearest + "\"?"
                                        : "; profiles that come with the program are " + list));
 }
@@ -42,12 +36,12 @@ std::string textOf(const std::string& path) {
         refuseUnknown(path);
     }
     if (!fs::is_regular_file(path, ignored)) {
-        throw check::ProfileError(shown(path) + " is no file that a profile could be in");
+        throw check::ProfileError(printablePath(path) + " is no file that a profile could be in");
     }
     try {
         const RandomAccessFile file(path);
         if (file.size() > largestProfile) {
-            throw check::ProfileError(shown(path) + " is larger than any profile");
+            throw check::ProfileError(printablePath(path) + " is larger than any profile");
         }
         const Bytes bytes = file.read(0, static_cast<std::int64_t>(file.size()));
         return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};

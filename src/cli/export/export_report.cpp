@@ -5,7 +5,7 @@
 #include "terminal/failure_line.h"
 #include "terminal/json_line.h"
 
-#include <trellant/base/printable_text.h>
+#include <trellant/base/printable_path.h>
 #include <trellant/handoff/sources.h>
 #include <trellant/handoff/timeline_text.h>
 
@@ -19,15 +19,9 @@ namespace trellant::cli {
 
 namespace {
 
-constexpr std::size_t longestShownPath = 4'096;
-
 using exchange::ExportFormat;
 using exchange::ExportLoss;
 using exchange::LossEffect;
-
-std::string shown(const std::string& text) {
-    return printableText(text, longestShownPath);
-}
 
 struct Counts {
     explicit Counts(const exchange::ExportPlan& plan) {
@@ -76,7 +70,7 @@ std::string mediaText(const ExportReport& report) {
     std::vector<std::string> parts;
     if (report.mediaFiles != 0) {
         parts.push_back(counted(report.mediaFiles, "file", "files") + " in " +
-                        shown(*report.mediaFolder));
+                        printablePath(*report.mediaFolder));
     }
     if (report.embeddedMedia != 0) {
         parts.push_back(counted(report.embeddedMedia, "file", "files") + " inside");
@@ -100,8 +94,9 @@ std::string differencesText(const ExportReport& report) {
     if (ofFormat != 0) {
         parts.push_back(std::to_string(ofFormat) + " of the format");
     }
-    return parts.empty() ? std::string(report.offlineMedia == 0 ? "none" : "none but offline audio")
-                         : joined(parts, ", ") + "; listed in " + shown(report.files.back());
+    return parts.empty()
+               ? std::string(report.offlineMedia == 0 ? "none" : "none but offline audio")
+               : joined(parts, ", ") + "; listed in " + printablePath(report.files.back());
 }
 
 std::size_t countOf(const std::vector<ExportLoss>& losses, LossEffect effect) {
@@ -117,9 +112,10 @@ std::string exportScreen(const std::string& file, const std::string& directory, 
     const Counts counts(report.plan);
     std::string files;
     for (std::size_t i = 0; i + 1 < report.files.size(); ++i) {
-        files += (i == 0 ? "" : ", ") + shown(report.files[i]);
+        files += (i == 0 ? "" : ", ") + printablePath(report.files[i]);
     }
-    std::string text = shown(file) + " -> " + files + " in " + shown(directory) + "\n";
+    std::string text =
+        printablePath(file) + " -> " + files + " in " + printablePath(directory) + "\n";
     text += "  Session      " + std::string(formatName(format)) + ", " +
             std::to_string(report.plan.rate) + " Hz, from " + report.plan.start.description() +
             "\n";

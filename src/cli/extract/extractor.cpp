@@ -12,7 +12,7 @@
 #include "terminal/shown_text.h"
 
 #include <trellant/bag/bag.h>
-#include <trellant/base/printable_text.h>
+#include <trellant/base/printable_path.h>
 #include <trellant/base/url.h>
 #include <trellant/client/errors.h>
 #include <trellant/extraction/extraction.h>
@@ -30,12 +30,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t longestShownPath = 4'096;
-
-std::string shown(const std::string& path) {
-    return printableText(path, longestShownPath);
-}
-
 /// The system's reason in a failure of which a file in the hidden folder is the object, such as
 /// cannot write "/home/.trellant-Ab12Cd/Kick.wav": No space left on device. Absent for others.
 std::optional<std::string> reasonNotWritten(const std::string& failure,
@@ -51,7 +45,7 @@ std::optional<std::string> reasonNotWritten(const std::string& failure,
 
 /// What a run that did not come to its end has left.
 void reportWhatIsThere(const std::string& folder, std::size_t placed, Console& console) {
-    const std::string directory = shown(folder);
+    const std::string directory = printablePath(folder);
     if (placed == 0) {
         console.error("nothing was written to " + directory);
         return;
@@ -74,13 +68,13 @@ void reportUnused(const ExtractionReport& report, Console& console) {
         names += " and " + std::to_string(unusedCount - embedded.unusedNames.size()) + " more";
     }
     const bool isOne = unusedCount == 1;
-    console.note(shown(report.file) + ": " + std::to_string(unusedCount) +
+    console.note(printablePath(report.file) + ": " + std::to_string(unusedCount) +
                  (isOne ? " audio file inside is" : " audio files inside are") +
                  " not played by any clip: " + names + ". " +
                  (isOne ? "It is no part of the composition and was"
                         : "They are no part of the composition and were") +
                  " not taken out; to see what is inside: trellant dump " +
-                 shown(pastedFileName(report.file)));
+                 printablePath(pastedFileName(report.file)));
 }
 
 void reportNotConverted(const ExtractionReport& report, Console& console) {
@@ -97,7 +91,7 @@ void reportAllMissing(const ExtractionReport& report, Console& console) {
     if (!report.audio.empty() &&
         std::all_of(report.audio.begin(), report.audio.end(),
                     [](const AudioEntry& entry) { return entry.isMissing(); })) {
-        console.error(shown(report.file) +
+        console.error(printablePath(report.file) +
                       ": none of its audio files is there; name the folder that holds them with "
                       "--media FOLDER");
     }
@@ -133,8 +127,8 @@ ExtractionRequest Extractor::requestFor(const ExtractJob& job) const {
 Extractor::Outcome Extractor::failureToWrite(const ExtractJob& job, const std::string& reason,
                                              std::size_t placed) {
     console_.endBar();
-    const std::string failure = "cannot write to " + shown(job.directory) + ": " + reason;
-    console_.error(shown(job.file) + ": " + failure);
+    const std::string failure = "cannot write to " + printablePath(job.directory) + ": " + reason;
+    console_.error(printablePath(job.file) + ": " + failure);
     reportWhatIsThere(job.directory, placed, console_);
     return {.failure = failure};
 }
@@ -198,7 +192,7 @@ Extractor::Outcome Extractor::extract(const ExtractJob& job) {
     const Cancellable heeded;
     std::size_t placed = 0;
     if (const auto failure = streamFailure(job.file)) {
-        console_.error(shown(job.file) + ": " + *failure);
+        console_.error(printablePath(job.file) + ": " + *failure);
         return {.failure = *failure};
     }
     try {
@@ -229,7 +223,7 @@ ExitStatus Extractor::conclude(const ExtractJob& job, const Outcome& outcome) {
     }
     isFirst_ = false;
     if (made.count(AudioState::failed) != 0) {
-        console_.error(shown(job.file) + ": not all audio could be taken out");
+        console_.error(printablePath(job.file) + ": not all audio could be taken out");
         return ExitStatus::fileFailed;
     }
     return verdict(made.handOff, options_.call.failOn);

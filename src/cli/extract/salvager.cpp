@@ -8,7 +8,7 @@
 #include "terminal/failure_line.h"
 #include "terminal/shown_text.h"
 
-#include <trellant/base/printable_text.h>
+#include <trellant/base/printable_path.h>
 #include <trellant/extraction/staging.h>
 #include <trellant/io/errors.h>
 #include <trellant/json/json_decode.h>
@@ -25,12 +25,6 @@ namespace trellant::cli {
 namespace {
 
 using salvage::SalvageReport;
-
-constexpr std::size_t longestShownPath = 4'096;
-
-std::string shown(const std::string& path) {
-    return printableText(path, longestShownPath);
-}
 
 /// While one lives, Ctrl-C ends the child and not this process, which then takes the half-made
 /// files away before it ends too.
@@ -95,7 +89,7 @@ ExitStatus Salvager::run(const ExtractJob& job) {
     const Outcome outcome = salvage(job);
     console_.endBar();
     if (const auto* const failure = std::get_if<std::string>(&outcome)) {
-        console_.error(shown(job.file) + ": " + *failure);
+        console_.error(printablePath(job.file) + ": " + *failure);
         if (call_.json) {
             console_.out(failureLine(job.file, *failure));
         }
@@ -144,13 +138,13 @@ ExitStatus Salvager::conclude(const ExtractJob& job, const SalvageReport& report
     }
     isFirst_ = false;
     if (report.searchedBytes < report.bytes) {
-        console_.error(shown(job.file) +
+        console_.error(printablePath(job.file) +
                        ": so many sounds are in it that the search ended at byte " +
                        std::to_string(report.searchedBytes));
         return ExitStatus::fileFailed;
     }
     if (const std::size_t incomplete = report.incompleteCount(); incomplete != 0) {
-        console_.error(shown(job.file) + ": " + std::to_string(incomplete) + " of " +
+        console_.error(printablePath(job.file) + ": " + std::to_string(incomplete) + " of " +
                        std::to_string(report.sounds.size()) + " sounds " +
                        (incomplete == 1 ? "is" : "are") + " not whole");
         return ExitStatus::fileFailed;

@@ -5,7 +5,7 @@
 #include "look/inspect.h"
 #include "staged_failure.h"
 
-#include <trellant/base/printable_text.h>
+#include <trellant/base/printable_path.h>
 #include <trellant/extraction/extraction.h>
 
 #include <filesystem>
@@ -15,16 +15,6 @@ namespace trellant::cli {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-constexpr std::size_t longestShownPath = 4'096;
-
-std::string shown(const std::string& path) {
-    return printableText(path, longestShownPath);
-}
-
-}  // namespace
-
 std::optional<std::string> wrongFolders(const std::string& directory,
                                         const std::vector<std::string>& mediaFolders,
                                         const std::string& option) {
@@ -33,12 +23,12 @@ std::optional<std::string> wrongFolders(const std::string& directory,
         return option + " needs the name of a folder";
     }
     if (fs::exists(directory, ignored) && !fs::is_directory(directory, ignored)) {
-        return shown(directory) + " is a file; name a folder with " + option +
+        return printablePath(directory) + " is a file; name a folder with " + option +
                ", which is created when it is missing";
     }
     for (const std::string& folder : mediaFolders) {
         if (!fs::is_directory(folder, ignored)) {
-            return "there is no folder " + shown(folder) + " to look for audio files in";
+            return "there is no folder " + printablePath(folder) + " to look for audio files in";
         }
     }
     return std::nullopt;
@@ -58,7 +48,7 @@ std::optional<std::string> waveConverterFor(const std::optional<std::string>& gi
 std::optional<std::string> reportedStream(const std::string& file, Console& console) {
     auto failure = streamFailure(file);
     if (failure) {
-        console.error(shown(file) + ": " + *failure);
+        console.error(printablePath(file) + ": " + *failure);
     }
     return failure;
 }
@@ -68,12 +58,13 @@ StagedFailure reportStagedFailure(const StagedFile& job, const std::exception& e
                                   bool isRefusal, Console& console) {
     console.endBar();
     if (isRefusal) {
-        console.error(shown(job.file) + ": " + error.what());
+        console.error(printablePath(job.file) + ": " + error.what());
         return {error.what(), ExitStatus::wrongUse};
     }
     if (const auto reason = reasonNotWritten(error.what(), isStaged)) {
-        const std::string failure = "cannot write to " + shown(job.directory) + ": " + *reason;
-        console.error(shown(job.file) + ": " + failure);
+        const std::string failure =
+            "cannot write to " + printablePath(job.directory) + ": " + *reason;
+        console.error(printablePath(job.file) + ": " + failure);
         return {failure};
     }
     return {reportFailure(job.file, error, console)};
@@ -84,10 +75,10 @@ void reportStagedHandOff(const std::string& file, const HandOff& handOff,
     reportRemarks(file, handOff, console);
     reportChanges(file, handOff, console);
     for (const std::string& line : handOff.diagnostics) {
-        console.detail(shown(file) + ": " + line);
+        console.detail(printablePath(file) + ": " + line);
     }
     for (const std::string& remark : remarks) {
-        console.note(shown(file) + ": " + remark);
+        console.note(printablePath(file) + ": " + remark);
     }
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "target_folder.h"
 
-#include <trellant/base/printable_text.h>
+#include <trellant/base/printable_path.h>
 #include <trellant/base/url.h>
 #include <trellant/extraction/extraction.h>
 #include <trellant/io/errors.h>
@@ -15,12 +15,6 @@
 namespace trellant::cli {
 
 namespace fs = std::filesystem;
-
-namespace {
-
-constexpr std::size_t longestShownPath = 4'096;
-
-}  // namespace
 
 std::string absoluteFolder(const std::string& given) {
     std::error_code ignored;
@@ -59,11 +53,10 @@ void reportLeftFolders(const std::string& named, const std::string& directory, C
     if (left.size() > mostNames) {
         names += " and " + std::to_string(left.size() - mostNames) + " more";
     }
-    console.note(left.size() == 1
-                     ? "the folder " + names + " in " + printableText(named, longestShownPath) +
-                           " is left from a run that was ended and may go"
-                     : "the folders " + names + " in " + printableText(named, longestShownPath) +
-                           " are left from runs that were ended and may go");
+    console.note(left.size() == 1 ? "the folder " + names + " in " + printablePath(named) +
+                                        " is left from a run that was ended and may go"
+                                  : "the folders " + names + " in " + printablePath(named) +
+                                        " are left from runs that were ended and may go");
 }
 
 }  // namespace trellant::cli

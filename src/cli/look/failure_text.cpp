@@ -4,7 +4,7 @@
 #include "dump/dump_file_kind.h"
 #include "terminal/pasted_word.h"
 
-#include <trellant/base/printable_text.h>
+#include <trellant/base/printable_path.h>
 #include <trellant/base/text.h>
 #include <trellant/client/errors.h>
 #include <trellant/io/random_access_file.h>
@@ -21,7 +21,6 @@ namespace trellant::cli {
 
 namespace {
 
-constexpr std::size_t longestShownPath = 4096;
 constexpr std::string_view workerPrefix = "trellant-omf: ";
 constexpr std::string_view systemPrefix = "unexpected failure: ";
 /// How the reader begins what it says of a file that has no container in it, and of one that is
@@ -122,7 +121,7 @@ struct Explain {
         std::string text = "the program trellant-omf is missing";
         for (const std::filesystem::path& place : fault.searched) {
             text += &place == &fault.searched.front() ? ": it is neither " : " nor ";
-            text += printableText(place.native(), longestShownPath);
+            text += printablePath(place.native());
         }
         return text + ". It belongs beside this one; please install Trellant again";
     }

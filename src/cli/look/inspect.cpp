@@ -5,7 +5,7 @@
 #include "failure_text.h"
 #include "terminal/interrupts.h"
 
-#include <trellant/base/printable_text.h>
+#include <trellant/base/printable_path.h>
 #include <trellant/base/url.h>
 #include <trellant/client/errors.h>
 #include <trellant/handoff/sources.h>
@@ -15,16 +15,6 @@
 #include <system_error>
 
 namespace trellant::cli {
-
-namespace {
-
-constexpr std::size_t longestShownPath = 4096;
-
-std::string shown(const std::string& file) {
-    return printableText(file, longestShownPath);
-}
-
-}  // namespace
 
 Inspection inspect(const InspectionRequest& request, Console& console, const StopToken& stop) {
     const std::string& file = request.file;
@@ -36,13 +26,13 @@ Inspection inspect(const InspectionRequest& request, Console& console, const Sto
         std::error_code ignored;
         if (!std::filesystem::is_directory(folder, ignored)) {
             const std::string failure =
-                shown(folder) + ": there is no such folder to look for audio files in";
+                printablePath(folder) + ": there is no such folder to look for audio files in";
             console.error(failure);
             return {.failure = failure};
         }
     }
     if (const auto failure = streamFailure(file)) {
-        console.error(shown(file) + ": " + *failure);
+        console.error(printablePath(file) + ": " + *failure);
         return {.failure = *failure};
     }
     try {
@@ -57,7 +47,7 @@ Inspection inspect(const InspectionRequest& request, Console& console, const Sto
         }
         reportChanges(file, handOff, console);
         for (const std::string& line : handOff.diagnostics) {
-            console.detail(shown(file) + ": " + line);
+            console.detail(printablePath(file) + ": " + line);
         }
         return {.handOff = std::move(handOff)};
     } catch (const OutputClosed&) {
@@ -71,7 +61,7 @@ Inspection inspect(const InspectionRequest& request, Console& console, const Sto
 
 std::string reportFailure(const std::string& file, const std::exception& error, Console& console) {
     std::string failure = failureText(file, error);
-    console.error(shown(file) + ": " + failure);
+    console.error(printablePath(file) + ": " + failure);
     if (const auto* const failed = dynamic_cast<const AAFWorkerClientError*>(&error)) {
         console.detail(failed->technicalDetail());
     }
@@ -80,14 +70,14 @@ std::string reportFailure(const std::string& file, const std::exception& error, 
 
 void reportRemarks(const std::string& file, const HandOff& handOff, Console& console) {
     if (handOff.olderVersion) {
-        console.note(shown(file) + ": " + std::string(olderModelNote));
+        console.note(printablePath(file) + ": " + std::string(olderModelNote));
     }
 }
 
 void reportChanges(const std::string& file, const HandOff& handOff, Console& console) {
     for (const DescribedChange& change : handOff.changes) {
         const std::string place = placeText(change, handOff.timeline);
-        console.note(shown(file) + ": repaired: " + place + (place.empty() ? "" : ": ") +
+        console.note(printablePath(file) + ": repaired: " + place + (place.empty() ? "" : ": ") +
                      change.what + " (" + change.code + ", " + change.object + ")");
     }
 }

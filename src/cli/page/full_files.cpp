@@ -2,7 +2,7 @@
 #include "full_files.h"
 
 #include <trellant/base/keyed_hash.h>
-#include <trellant/base/printable_text.h>
+#include <trellant/base/printable_path.h>
 #include <trellant/base/url.h>
 #include <trellant/io/errors.h>
 #include <trellant/io/random_access_file.h>
@@ -16,7 +16,6 @@ namespace trellant::cli {
 namespace {
 
 constexpr std::int64_t mostBytes = 1'000'000'000;
-constexpr std::size_t longestShownPath = 4'096;
 
 AAFTimeline timelineOf(const std::filesystem::path& folder) {
     const std::string path = (folder / "timeline.json").native();
@@ -34,7 +33,7 @@ AAFTimeline timelineOf(const std::filesystem::path& folder) {
     } catch (const std::exception& error) {
         throw std::runtime_error(
             "--media-folder needs a folder that trellant extract has written: " +
-            printableText(path, longestShownPath) + ": " + error.what());
+            printablePath(path) + ": " + error.what());
     }
 }
 

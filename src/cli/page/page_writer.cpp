@@ -9,7 +9,7 @@
 #include "terminal/deliver.h"
 #include "terminal/interrupts.h"
 
-#include <trellant/base/printable_text.h>
+#include <trellant/base/printable_path.h>
 #include <trellant/extraction/extraction.h>
 #include <trellant/extraction/sha256.h>
 #include <trellant/listening/audible_hand_off.h>
@@ -26,8 +26,6 @@
 namespace trellant::cli {
 
 namespace {
-
-constexpr std::size_t longestShownPath = 4'096;
 
 std::string digestOf(const std::string& file, Console& console, const StopToken& stop) {
     const Cancellable heeded;
@@ -59,8 +57,7 @@ void sayWritten(const std::string& file, const std::string& path, std::uint64_t 
                 Console& console) {
     constexpr std::uint64_t kilobyte = 1'000;
     if (path != "-" && console.verbosity() != Verbosity::quiet) {
-        console.out(printableText(file, longestShownPath) + " -> " +
-                    printableText(path, longestShownPath) + " (" +
+        console.out(printablePath(file) + " -> " + printablePath(path) + " (" +
                     std::to_string((bytes + kilobyte - 1) / kilobyte) + " kB)\n");
     }
 }
@@ -105,7 +102,7 @@ Heard heard(const std::string& file, const std::string& path, const PageCall& ca
     }
     Heard result;
     if (const auto failure = streamFailure(file)) {
-        console.error(printableText(file, longestShownPath) + ": " + *failure);
+        console.error(printablePath(file) + ": " + *failure);
         return {.failure = *failure};
     }
     try {
@@ -140,11 +137,11 @@ void saySound(const std::string& file, const page::PageSound& sound, Console& co
         return std::to_string(count) + (count == 1 ? " part" : " parts");
     };
     if (sound.leftOut != 0) {
-        console.note(printableText(file, longestShownPath) + ": " + parts(sound.leftOut) +
+        console.note(printablePath(file) + ": " + parts(sound.leftOut) +
                      " of the audio not in the page, which holds no more (--preview-size)");
     }
     if (sound.failed != 0) {
-        console.note(printableText(file, longestShownPath) + ": " + parts(sound.failed) +
+        console.note(printablePath(file) + ": " + parts(sound.failed) +
                      " of the audio could not be had and are not in the page");
     }
 }

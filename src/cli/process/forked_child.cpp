@@ -4,7 +4,7 @@
 #include "forked_child.h"
 
 #include <trellant/base/file_descriptor.h>
-#include <trellant/base/printable_text.h>
+#include <trellant/base/printable_path.h>
 #include <trellant/base/system_call_error.h>
 #include <trellant/base/write_all.h>
 #include <trellant/confine/confinement.h>
@@ -35,7 +35,6 @@ constexpr char exceptionMark = 'E';
 constexpr int answeredStatus = 0;
 constexpr int cutShortStatus = 1;
 constexpr std::size_t readPiece = 65'536;
-constexpr std::size_t longestShownPath = 4096;
 
 /// What the parent arranged for itself is not the child's: a request to end ends it. What is
 /// ignored stays so: that is how nohup works.
@@ -176,7 +175,7 @@ std::string whyNoAnswer(const std::string& file, const ForkedFailure& failure) {
         return failure.reason;
     }
     const bool isTooLong = failure.kind == ForkedFailure::Kind::tooLong;
-    return "\"" + printableText(file, longestShownPath) + "\": the process that read it " +
+    return "\"" + printablePath(file) + "\": the process that read it " +
            (isTooLong ? "gave " : "") + failure.reason;
 }
 

@@ -5,7 +5,7 @@
 #include "terminal/failure_line.h"
 #include "terminal/json_line.h"
 
-#include <trellant/base/printable_text.h>
+#include <trellant/base/printable_path.h>
 #include <trellant/handoff/clip_name.h>
 #include <trellant/handoff/sources.h>
 #include <trellant/handoff/timeline_text.h>
@@ -19,15 +19,9 @@ namespace trellant::cli {
 
 namespace {
 
-constexpr std::size_t longestShownPath = 4'096;
-
 using render::RenderedFile;
 using render::RenderKind;
 using render::RenderReport;
-
-std::string shown(const std::string& text) {
-    return printableText(text, longestShownPath);
-}
 
 std::string_view kindWord(RenderKind kind) {
     switch (kind) {
@@ -120,8 +114,9 @@ void writeFile(JsonLine& line, const RenderedFile& file, const RenderReport& rep
 
 std::string renderScreen(const std::string& file, const std::string& directory,
                          const RenderCall& call, const RenderReport& report) {
-    std::string text = shown(file) + " -> " + counted(report.files.size(), "file", "files") +
-                       " in " + shown(directory) + "\n";
+    std::string text = printablePath(file) + " -> " +
+                       counted(report.files.size(), "file", "files") + " in " +
+                       printablePath(directory) + "\n";
     text += "  Sound        " + std::string(kindWord(call.kind)) +
             (call.raw ? ", edits only, " : ", ") + std::to_string(report.plan.rate) + " Hz, " +
             formatsText(report) + "\n";

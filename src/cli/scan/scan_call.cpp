@@ -3,6 +3,7 @@
 #include "scan.h"
 #include "terminal/interrupts.h"
 
+#include <trellant/base/printable_path.h>
 #include <trellant/base/printable_text.h>
 #include <trellant/client/errors.h>
 #include <trellant/scan/shard_file.h>
@@ -17,12 +18,7 @@ namespace trellant::cli {
 
 namespace {
 
-constexpr std::size_t longestShownPath = 4'096;
 constexpr std::uint64_t mostShards = 1'000'000;
-
-std::string shown(const std::string& path) {
-    return printableText(path, longestShownPath);
-}
 
 std::optional<std::uint64_t> wholeNumber(std::string_view text) {
     std::uint64_t number = 0;
@@ -122,7 +118,7 @@ ExitStatus runScanCall(const ScanCall& call, Console& console, const StopToken& 
                                },
                            .failure =
                                [&console](const std::string& path, const std::string& why) {
-                                   console.error(shown(path) + ": " + why);
+                                   console.error(printablePath(path) + ": " + why);
                                }},
                           stop);
         console.endBar();
@@ -130,7 +126,7 @@ ExitStatus runScanCall(const ScanCall& call, Console& console, const StopToken& 
         return verdictOn(totals, call);
     } catch (const scan::ShardError& error) {
         console.endBar();
-        console.error(shown(call.output) + ": the shard " + error.what());
+        console.error(printablePath(call.output) + ": the shard " + error.what());
     } catch (const AAFCancellationError&) {
         console.endBar();
         console.error("cancelled; the same call goes on from here");

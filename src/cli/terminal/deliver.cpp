@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "deliver.h"
 
-#include <trellant/base/printable_text.h>
+#include <trellant/base/printable_path.h>
 #include <trellant/base/system_error_text.h>
 #include <trellant/base/write_all.h>
 
@@ -19,12 +19,7 @@ namespace trellant::cli {
 
 namespace {
 
-constexpr std::size_t longestShownPath = 4096;
 constexpr mode_t everybodyMayRead = 0666;
-
-std::string shown(const std::string& path) {
-    return printableText(path, longestShownPath);
-}
 
 std::optional<struct stat> statusOf(const std::string& path) {
     struct stat status {};
@@ -32,11 +27,13 @@ std::optional<struct stat> statusOf(const std::string& path) {
 }
 
 void sayExisting(const std::string& path, Console& console) {
-    console.error(shown(path) + " is there already. Name another file, or replace it with --force");
+    console.error(printablePath(path) +
+                  " is there already. Name another file, or replace it with --force");
 }
 
 void sayRead(const std::string& path, Console& console) {
-    console.error(shown(path) + " is a file that is read. Name another file for the output");
+    console.error(printablePath(path) +
+                  " is a file that is read. Name another file for the output");
 }
 
 }  // namespace
@@ -155,7 +152,7 @@ bool Delivery::finish() {
     if (failure_ == EEXIST) {
         sayExisting(destination_.path, console_);
     } else if (failure_ != 0) {
-        console_.error("cannot write " + shown(destination_.path) + ": " +
+        console_.error("cannot write " + printablePath(destination_.path) + ": " +
                        systemErrorText(failure_));
     }
     return failure_ == 0;
