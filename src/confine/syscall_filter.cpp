@@ -55,6 +55,8 @@ constexpr std::array writingCalls{SCMP_SYS(copy_file_range), SCMP_SYS(unlink), S
 constexpr std::array narrowingCalls{SCMP_SYS(landlock_create_ruleset), SCMP_SYS(landlock_add_rule),
                                     SCMP_SYS(landlock_restrict_self)};
 
+/// Room for what will be written, which leaves a file's length and content alone.
+constexpr std::uint64_t roomOnly = FALLOC_FL_KEEP_SIZE;
 constexpr std::uint64_t truncatingFlags = O_TRUNC;
 constexpr std::uint64_t changingFlags = O_ACCMODE | O_CREAT | O_TRUNC;
 /// Of a new file: a program that runs as its owner or group, whoever starts it.
@@ -156,9 +158,11 @@ int restrictCalls(const ConfinedNeeds& needs) noexcept {
     if (needs.narrowsLater) {
         filter.allow(narrowingCalls);
     }
+    constexpr std::uint64_t wholeNumber = 0xFFFF'FFFF;
     const bool mayWrite = needs.writableDirectory.has_value();
     if (mayWrite) {
         filter.allow(writingCalls);
+        filter.allowIf(SCMP_SYS(fallocate), 1, wholeNumber, roomOnly);
     }
     if (mayWrite) {
         // The C library gives a mode of 0 where no file is made.
@@ -168,7 +172,6 @@ int restrictCalls(const ConfinedNeeds& needs) noexcept {
         filter.allowIf(SCMP_SYS(open), 1, changingFlags, 0);
         filter.allowIf(SCMP_SYS(openat), 2, changingFlags, 0);
     }
-    constexpr std::uint64_t wholeNumber = 0xFFFF'FFFF;
     // Of what can be asked of a descriptor the first four commands (F_DUPFD, F_GETFD, F_SETFD,
     // F_GETFL); among the rest are some that have the kernel send signals to any process of the
     // user. One condition for all of them: each costs time at every start.

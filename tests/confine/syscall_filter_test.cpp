@@ -225,6 +225,22 @@ TEST_F(SyscallFilter, FilesAreCreatedCopiedAndRemovedWhenThatIsNeeded) {
     EXPECT_EQ(everything(), (std::vector<std::string>{"from", "to"}));
 }
 
+TEST_F(SyscallFilter, RoomIsMadeForAFileThatKeepsItsLength) {
+    const std::string file = writeFile(path("file"), bytesOf("text"));
+    const auto allocated = [&](int mode) {
+        return triedWriting(
+            [&] { return ::fallocate(::open(file.c_str(), O_WRONLY), mode, 0, 65'536); });
+    };
+    // Not every file system can.
+    EXPECT_NE(allocated(FALLOC_FL_KEEP_SIZE), "ENOSYS");
+    EXPECT_EQ(allocated(0), "ENOSYS");
+    EXPECT_EQ(allocated(FALLOC_FL_KEEP_SIZE | FALLOC_FL_PUNCH_HOLE), "ENOSYS");
+    EXPECT_EQ(
+        triedReading([&] { return ::fallocate(STDOUT_FILENO, FALLOC_FL_KEEP_SIZE, 0, 65'536); }),
+        "ENOSYS");
+    EXPECT_EQ(textOfFile(path("file")), "text");
+}
+
 TEST_F(SyscallFilter, FilesAndFoldersAreRead) {
     const std::string file = writeFile(path("file"), bytesOf("text"));
     EXPECT_EQ(triedReading([&] {

@@ -50,6 +50,7 @@ bool beginsWithDescriptor(std::uint64_t number) {
         case SYS_getdents64:
         case SYS_close:
         case SYS_copy_file_range:
+        case SYS_fallocate:
             return true;
         default:
             return false;
@@ -79,6 +80,7 @@ std::optional<CallKind> plainKind(std::uint64_t number) {
         case SYS_landlock_restrict_self:
             return CallKind::confinement;
         case SYS_copy_file_range:
+        case SYS_fallocate:
             return CallKind::kernelCopy;
         case SYS_getdents64:
             return CallKind::searchRead;
