@@ -2,6 +2,7 @@
 // Copying stored pieces out into a new file. The kernel copies from file to file where it can;
 // where it cannot, or fails, bytes go through a buffer, and that path alone reports errors, so that
 // they are the same either way.
+#include <trellant/base/file_room.h>
 #include <trellant/base/host_watch.h>
 #include <trellant/base/write_all.h>
 #include <trellant/io/errors.h>
@@ -94,16 +95,6 @@ class NewFile {
 
     [[nodiscard]] int descriptor() const noexcept { return descriptor_; }
 
-    /// A file system that finds room once takes a tenth less time than one that looks for it piece
-    /// by piece. The file's length stays; one that cannot, or has no room, says so when it is
-    /// written.
-    void makeRoom([[maybe_unused]] std::uint64_t from,
-                  [[maybe_unused]] std::uint64_t length) const noexcept {
-#ifdef __linux__
-        static_cast<void>(::fallocate(descriptor_, FALLOC_FL_KEEP_SIZE, static_cast<off_t>(from),
-                                      static_cast<off_t>(length)));
-#endif
-    }
     void write(ByteView bytes) const {
         if (const int failure = writeAll(descriptor_, bytes); failure != 0) {
             throw FileSystemError("write", path_, failure);
@@ -137,7 +128,9 @@ class Output {
     }
     void take(std::size_t count) noexcept { filled_ += count; }
     /// So many bytes will come.
-    void expect(std::uint64_t length) const noexcept { file_.makeRoom(position(), length); }
+    void expect(std::uint64_t length) const noexcept {
+        makeFileRoom(descriptor(), position(), length);
+    }
 
     void append(ByteView bytes) {
         while (!bytes.empty()) {

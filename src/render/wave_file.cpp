@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "wave_file.h"
 
+#include <trellant/base/file_room.h>
 #include <trellant/base/write_all.h>
 #include <trellant/io/errors.h>
 
@@ -88,7 +89,9 @@ WaveFileWriter::WaveFileWriter(std::string path, const WaveForm& form, ByteView 
     if (!file_.isOpen()) {
         throw FileSystemError("create", path_, errno);
     }
-    add(waveHead(form_, chunks));
+    const Bytes head = waveHead(form_, chunks);
+    makeFileRoom(file_.number(), 0, head.size() + form_.dataBytes() + form_.dataBytes() % 2);
+    add(head);
 }
 
 void WaveFileWriter::add(ByteView bytes) {
