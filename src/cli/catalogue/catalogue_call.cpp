@@ -96,8 +96,9 @@ ExitStatus build(const CatalogueCall& call, Console& console, const StopToken& s
             const catalogue::BuildTotals totals =
                 catalogue::addShard(call.catalogue, shard, stop, catalogue::Indexes::later);
             isThere = true;
-            console.note(printablePath(shard) + ": " + counted(totals.rows, "row", "rows") + ", " +
-                         countedText(totals.changed) + " of them new");
+            console.note(printablePath(shard) + ": " + countedText(totals.rows) +
+                         (totals.rows == 1 ? " row, " : " rows, ") + countedText(totals.changed) +
+                         " of them new");
         } catch (const catalogue::CatalogueError& error) {
             console.error(printablePath(shard) + ": " + error.what());
             status = ExitStatus::fileFailed;
