@@ -138,6 +138,19 @@ def _exports(bench):
         Row("the same: peak memory above info", size(written.peak), size(info.peak),
             (written.peak - info.peak) / 1e6, 64, figure=" MB", details=details),
     ]
+    few, many = bench.size(10_000), bench.size(1_000_000)
+    each = []
+    for count in (few, many):
+        omf = bench.generate("plain", count)
+        out, export = _export(bench, omf)
+        sample, = bench.processes(1, export)
+        each.append(sample)
+        shutil.rmtree(out)
+    least, most = each
+    rows.append(Row(f"AAF of {many:,} plain clips: CPU a clip", f"{most.cpu / many * 1e6:.1f} us",
+                    f"that of {few:,}, {least.cpu / few * 1e6:.1f} us",
+                    (most.cpu / many) / (least.cpu / few), 1.5,
+                    details={"few": least.record(), "many": most.record()}))
     big = bench.size(256 * MEBI)
     omf = bench.generate("embedded", 1, "--media-bytes", big)
     out, export = _export(bench, omf)
