@@ -5,7 +5,7 @@
 //     bench_measure RUNS -- COMMAND... [-- COMMAND...]
 //
 // Before the program, a command may have "in=FILE" for its standard input, and "fresh=FOLDER" for a
-// folder that is created, and emptied of files, before each run. What it writes is thrown away.
+// folder that is created, and emptied, before each run. What it writes is thrown away.
 // One line for each run: the command's position, wall-clock nanoseconds from start to end, user and
 // system microseconds, peak memory in KiB, exit status (-1 for a signal).
 //
@@ -16,15 +16,17 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <dirent.h>
 #include <fcntl.h>
+#include <filesystem>
 #include <spawn.h>
 #include <string>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
+#include <system_error>
 #include <unistd.h>
 #include <vector>
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -45,20 +47,15 @@ struct Run {
     std::exit(1);
 }
 
+/// A session has a folder of its own in the one that is asked for.
 void empty(const std::string& folder) {
-    if (::mkdir(folder.c_str(), 0777) == 0 || errno != EEXIST) {
+    std::error_code failure;
+    if (fs::create_directory(folder, failure) || failure) {
         return;
     }
-    DIR* entries = ::opendir(folder.c_str());
-    if (entries == nullptr) {
-        stop(folder.c_str(), errno);
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+        fs::remove_all(entry.path());
     }
-    while (const dirent* entry = ::readdir(entries)) {
-        if (entry->d_type == DT_REG) {
-            static_cast<void>(::unlinkat(::dirfd(entries), entry->d_name, 0));
-        }
-    }
-    static_cast<void>(::closedir(entries));
 }
 
 long nanoseconds() {
